@@ -1,0 +1,17 @@
+# Install tree: headers, both libraries, the CMake package and the pkg-config file.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS qkr qkr_static EXPORT qkr-targets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+list(TRANSFORM QKR_PUBLIC_HEADERS PREPEND ${PROJECT_SOURCE_DIR}/include/qkr/ OUTPUT_VARIABLE headers)
+install(FILES ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qkr)
+install(EXPORT qkr-targets NAMESPACE qkr:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qkr)
+
+configure_package_config_file(
+    ${PROJECT_SOURCE_DIR}/cmake/qkr-config.cmake.in ${PROJECT_BINARY_DIR}/qkr-config.cmake
+    INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qkr)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/qkr-config-version.cmake COMPATIBILITY SameMinorVersion)
+configure_file(${PROJECT_SOURCE_DIR}/cmake/qkr.pc.in ${PROJECT_BINARY_DIR}/qkr.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/qkr-config.cmake ${PROJECT_BINARY_DIR}/qkr-config-version.cmake
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qkr)
+install(FILES ${PROJECT_BINARY_DIR}/qkr.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,9 @@
+/** @file
+ * All of qkr: the one header to include. */
+#ifndef QKR_QKR_H
+#define QKR_QKR_H
+
+#include <qkr/service.h>
+#include <qkr/vecmath.h>
+
+#endif

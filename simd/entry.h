@@ -1,0 +1,34 @@
+// Exported entries of functions that are compiled for three vector widths.
+//
+//   QKR_ENTRY(name, (int32_t n, const double *a, double *r), (n, a, r)) { ... }
+//
+// The body becomes a function of the level's namespace. The baseline compilation also gets the C function
+// `name`, which calls the body of the processor's level: one indirect call.
+#pragma once
+
+#include "simd/level.h"
+#include "simd/vectors.h"
+
+#if QKR_BASELINE
+#define QKR_DISPATCHER(name, parameters, arguments)                                                       \
+  extern "C" void name parameters {                                                                       \
+    static constexpr void(*const bodies[]) parameters = {qkr::sse2::name##_body, qkr::avx2::name##_body, \
+                                                         qkr::avx512::name##_body};                       \
+    bodies[static_cast<int>(qkr::level())] arguments;                                                     \
+  }
+#else
+#define QKR_DISPATCHER(name, parameters, arguments)
+#endif
+
+#define QKR_ENTRY(name, parameters, arguments)   \
+  namespace qkr::sse2 {                          \
+  void name##_body parameters;                   \
+  }                                              \
+  namespace qkr::avx2 {                          \
+  void name##_body parameters;                   \
+  }                                              \
+  namespace qkr::avx512 {                        \
+  void name##_body parameters;                   \
+  }                                              \
+  QKR_DISPATCHER(name, parameters, arguments)    \
+  void qkr::QKR_SIMD_LEVEL::name##_body parameters
