@@ -1,0 +1,58 @@
+#pragma once
+
+// Tables of the vector functions, made by the generators in tools/tables, whose opening comments give the rule of
+// the rows. Rows lie on their own lines of cache as far as they fit: every table is aligned to 64 bytes.
+
+#pragma GCC visibility push(hidden)
+
+namespace qkr::exp_double {
+// Row j: hi, lo with hi + lo = 2^(j/64); the 15 low bits of hi are zero.
+alignas(64) extern const double s_dwExp2[64][2];
+}  // namespace qkr::exp_double
+
+namespace qkr::exp_single {
+// Row j: hi, lo with hi * (1 + lo) = 2^(j/128).
+alignas(64) extern const float exp2f_table[128][2];
+// The two columns by themselves.
+alignas(64) extern const float exp2f_hi[128];
+alignas(64) extern const float exp2f_lo[128];
+}  // namespace qkr::exp_single
+
+namespace qkr::ln_double {
+// Row k of 0 to 512: r, r, T.hi, T.lo with r about 1 / (1 + k/512), a multiple of 2^-23, and T = -ln(r), less ln 2
+// from row 256 on.
+alignas(64) extern const double BT_Tbl[520][4];
+}  // namespace qkr::ln_double
+
+namespace qkr::log10_double {
+// Row k of 0 to 512: r * C, r * C, T.hi, T.lo with r about 1 / (1 + k/512), C = 0.43359375, r * C a multiple of 2^-23,
+// and T = -log10(r).
+alignas(64) extern const double BT_Tbl[520][4];
+}  // namespace qkr::log10_double
+
+namespace qkr::ln_single {
+// Row k: T.hi, T.lo, r, 0 with r about 1 / (1 + k/64), a multiple of 2^-8, and T = -ln(r).
+alignas(64) extern const float Table[65][4];
+}  // namespace qkr::ln_single
+
+namespace qkr::log10_single {
+// Row k: r * C, r * C, T.hi, T.lo with r about 1 / (1 + k/128), C = 0.43359375, r * C of seven significant bits, and
+// T = -log10(r), less log10(2) from row 64 on.
+alignas(64) extern const float BT_Tbl[129][4];
+}  // namespace qkr::log10_single
+
+namespace qkr::sqrt_double {
+// Row k: A2 * m^2 + A1 * m + A0 is about 1 / sqrt(m) for 1 + k/128 <= m <= 1 + (k + 1)/128.
+alignas(64) extern const double dsqrt_dwA2[128];
+alignas(64) extern const double dsqrt_dwA1[128];
+alignas(64) extern const double dsqrt_dwA0[128];
+}  // namespace qkr::sqrt_double
+
+namespace qkr::sqrt_single {
+// Row k: A2 * m^2 + A1 * m + A0 is about sqrt(m) for 1 + k/64 <= m <= 1 + (k + 1)/64.
+alignas(64) extern const double dwA2[64];
+alignas(64) extern const double dwA1[64];
+alignas(64) extern const double dwA0[64];
+}  // namespace qkr::sqrt_single
+
+#pragma GCC visibility pop
