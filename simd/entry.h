@@ -10,25 +10,25 @@
 #include "simd/vectors.h"
 
 #if QKR_BASELINE
-#define QKR_DISPATCHER(name, parameters, arguments)                                                       \
-  extern "C" void name parameters {                                                                       \
-    static constexpr void(*const bodies[]) parameters = {qkr::sse2::name##_body, qkr::avx2::name##_body, \
-                                                         qkr::avx512::name##_body};                       \
-    bodies[static_cast<int>(qkr::level())] arguments;                                                     \
+#define QKR_DISPATCHER(name, parameters, arguments)                                              \
+  extern "C" void name parameters {                                                              \
+    static constexpr void(*const bodies[])                                                       \
+        parameters = {qkr::sse2::name##_body, qkr::avx2::name##_body, qkr::avx512::name##_body}; \
+    bodies[static_cast<int>(qkr::level())] arguments;                                            \
   }
 #else
 #define QKR_DISPATCHER(name, parameters, arguments)
 #endif
 
-#define QKR_ENTRY(name, parameters, arguments)   \
-  namespace qkr::sse2 {                          \
-  void name##_body parameters;                   \
-  }                                              \
-  namespace qkr::avx2 {                          \
-  void name##_body parameters;                   \
-  }                                              \
-  namespace qkr::avx512 {                        \
-  void name##_body parameters;                   \
-  }                                              \
-  QKR_DISPATCHER(name, parameters, arguments)    \
+#define QKR_ENTRY(name, parameters, arguments) \
+  namespace qkr::sse2 {                        \
+  void name##_body parameters;                 \
+  }                                            \
+  namespace qkr::avx2 {                        \
+  void name##_body parameters;                 \
+  }                                            \
+  namespace qkr::avx512 {                      \
+  void name##_body parameters;                 \
+  }                                            \
+  QKR_DISPATCHER(name, parameters, arguments)  \
   void qkr::QKR_SIMD_LEVEL::name##_body parameters

@@ -1,8 +1,8 @@
 // Native vectors of the level that a file is compiled for. The compiler's operators + - * & | ^ << >> do the
 // arithmetic, lane by lane; what they cannot say stands in sse2.h, avx2.h and avx512.h.
 //
-// Everything here is always inlined and lies in an anonymous namespace inside the level's namespace: a function
-// compiled for AVX-512 must never be the copy that the linker keeps for everybody.
+// Everything here is always inlined and lies in an anonymous namespace inside the level's namespace: a
+// function compiled for AVX-512 must never be the copy that the linker keeps for everybody.
 #pragma once
 
 #include <immintrin.h>

@@ -1,0 +1,160 @@
+// AVX-512: eight doubles or sixteen floats. A set of lanes is a mask register.
+#pragma once
+
+#include "simd/vectors.h"
+
+namespace qkr::avx512 {
+namespace {
+
+typedef unsigned Flags;
+
+QKR_INLINE bool any(Flags f, double) { return f; }
+QKR_INLINE bool any(Flags f, float) { return f; }
+QKR_INLINE unsigned lane_set(Flags f, double) { return f; }
+QKR_INLINE unsigned lane_set(Flags f, float) { return f; }
+
+// Lanes with !(|x| < limit): large ones, infinities and NaNs.
+QKR_INLINE Flags beyond(f64 x, double limit) {
+  return _mm512_cmp_pd_mask(_mm512_abs_pd((__m512d)x), _mm512_set1_pd(limit), _CMP_NLT_UQ);
+}
+QKR_INLINE Flags beyond(f32 x, float limit) {
+  return _mm512_cmp_ps_mask(_mm512_abs_ps((__m512)x), _mm512_set1_ps(limit), _CMP_NLT_UQ);
+}
+
+// Lanes that hold anything but a positive normal number: every class that the instruction knows.
+QKR_INLINE Flags not_positive_normal(f64 x) { return _mm512_fpclass_pd_mask((__m512d)x, 0xFF); }
+QKR_INLINE Flags not_positive_normal(f32 x) { return _mm512_fpclass_ps_mask((__m512)x, 0xFF); }
+
+QKR_INLINE Flags is_zero(f64 x) { return _mm512_cmp_pd_mask((__m512d)x, _mm512_setzero_pd(), _CMP_EQ_OQ); }
+QKR_INLINE Flags is_zero(f32 x) { return _mm512_cmp_ps_mask((__m512)x, _mm512_setzero_ps(), _CMP_EQ_OQ); }
+// Of patterns without sign.
+QKR_INLINE Flags is_zero(u64 x) { return _mm512_testn_epi64_mask((__m512i)x, (__m512i)x); }
+QKR_INLINE Flags is_zero(u32 x) { return _mm512_testn_epi32_mask((__m512i)x, (__m512i)x); }
+
+QKR_INLINE f64 exact_mad(f64 a, f64 b, f64 c) {
+  return (f64)_mm512_fmadd_pd((__m512d)a, (__m512d)b, (__m512d)c);
+}
+QKR_INLINE f32 exact_mad(f32 a, f32 b, f32 c) {
+  return (f32)_mm512_fmadd_ps((__m512)a, (__m512)b, (__m512)c);
+}
+
+// The exponent of a pattern that stands for a positive number. Not by getexp: a carry may have led the
+// pattern into that of the infinities.
+QKR_INLINE f64 exponent(u64 pattern) { return (f64)_mm512_cvtepi64_pd((__m512i)((pattern >> 52) - 1023u)); }
+QKR_INLINE f32 exponent(u32 pattern) { return (f32)_mm512_cvtepi32_ps((__m512i)((pattern >> 23) - 127u)); }
+
+// v where c is not 0, else +0; and s + v where c is 0, else s.
+QKR_INLINE f64 zero_unless(f64 v, f64 c) {
+  const __mmask8 keep = _mm512_cmp_pd_mask((__m512d)c, _mm512_setzero_pd(), _CMP_NEQ_UQ);
+  return (f64)_mm512_maskz_mov_pd(keep, (__m512d)v);
+}
+QKR_INLINE f64 add_if_zero(f64 s, f64 v, f64 c) {
+  return (f64)_mm512_mask_add_pd((__m512d)s, is_zero(c), (__m512d)s, (__m512d)v);
+}
+
+QKR_INLINE f32 zero_unless(f32 v, f32 c) {
+  const __mmask16 keep = _mm512_cmp_ps_mask((__m512)c, _mm512_setzero_ps(), _CMP_NEQ_UQ);
+  return (f32)_mm512_maskz_mov_ps(keep, (__m512)v);
+}
+QKR_INLINE f32 add_if_zero(f32 s, f32 v, f32 c) {
+  return (f32)_mm512_mask_add_ps((__m512)s, is_zero(c), (__m512)s, (__m512)v);
+}
+
+// Ones behind the last element: no kernel finds them special.
+QKR_INLINE void load_part(const double *p, int count, f64 &v) {
+  v = (f64)_mm512_mask_loadu_pd(_mm512_set1_pd(1), (1u << count) - 1, p);
+}
+QKR_INLINE void load_part(const float *p, int count, f32 &v) {
+  v = (f32)_mm512_mask_loadu_ps(_mm512_set1_ps(1), (1u << count) - 1, p);
+}
+QKR_INLINE void store_part(double *p, int count, f64 v) {
+  _mm512_mask_storeu_pd(p, (1u << count) - 1, (__m512d)v);
+}
+QKR_INLINE void store_part(float *p, int count, f32 v) {
+  _mm512_mask_storeu_ps(p, (1u << count) - 1, (__m512)v);
+}
+
+// The 8-lane instruction twice: the 16-lane one has another, longer approximation.
+QKR_INLINE f32 approximate_rsqrt(f32 v) {
+  const __m256 low = _mm256_rsqrt_ps(_mm512_castps512_ps256((__m512)v));
+  const __m256 high = _mm256_rsqrt_ps(_mm512_extractf32x8_ps((__m512)v, 1));
+  return (f32)_mm512_insertf32x8(_mm512_castps256_ps512(low), high, 1);
+}
+
+// Of the single-precision numbers in the lower halves of the lanes.
+QKR_INLINE u64 approximate_rsqrt(u64 v) {
+  const __m256 packed = _mm256_castsi256_ps(_mm512_cvtepi64_epi32((__m512i)v));
+  return (u64)_mm512_cvtepu32_epi64(_mm256_castps_si256(_mm256_rsqrt_ps(packed)));
+}
+
+// Eight small indices in two integer registers: cheaper than taking the lanes out one by one.
+struct Indices {
+  uint64_t low, high;
+  QKR_INLINE explicit Indices(u64 j) {
+    const __m128i packed = _mm512_cvtepi64_epi16((__m512i)j);
+    low = (uint64_t)_mm_cvtsi128_si64(packed);
+    high = (uint64_t)_mm_extract_epi64(packed, 1);
+  }
+  QKR_INLINE uint64_t operator[](int i) const { return (uint16_t)((i < 4 ? low : high) >> (16 * (i & 3))); }
+};
+
+QKR_INLINE __m512d four_pairs(const double *p, const double *q, const double *r, const double *s) {
+  auto two = [](const double *a, const double *b) {
+    return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_load_pd(a)), _mm_load_pd(b), 1);
+  };
+  return _mm512_insertf64x4(_mm512_castpd256_pd512(two(p, q)), two(r, s), 1);
+}
+
+QKR_INLINE void look_up(const double (*rows)[2], u64 j, f64 &c0, f64 &c1) {
+  const Indices k(j);
+  const __m512d a = four_pairs(rows[k[0]], rows[k[2]], rows[k[4]], rows[k[6]]);
+  const __m512d b = four_pairs(rows[k[1]], rows[k[3]], rows[k[5]], rows[k[7]]);
+  c0 = (f64)_mm512_unpacklo_pd(a, b);
+  c1 = (f64)_mm512_unpackhi_pd(a, b);
+}
+
+QKR_INLINE void look_up(const double (*rows)[4], u64 j, f64 &c0, f64 &c1, f64 &c2, f64 &c3) {
+  const Indices k(j);
+  auto two = [&](int p, int q) {
+    return _mm512_insertf64x4(_mm512_castpd256_pd512(_mm256_load_pd(rows[k[p]])), _mm256_load_pd(rows[k[q]]),
+                              1);
+  };
+  const __m512d a = two(0, 2), b = two(1, 3), c = two(4, 6), d = two(5, 7);
+  const __m512d ab = _mm512_unpacklo_pd(a, b), cd = _mm512_unpacklo_pd(c, d);
+  const __m512d AB = _mm512_unpackhi_pd(a, b), CD = _mm512_unpackhi_pd(c, d);
+  c0 = (f64)_mm512_shuffle_f64x2(ab, cd, 0x88);
+  c1 = (f64)_mm512_shuffle_f64x2(AB, CD, 0x88);
+  c2 = (f64)_mm512_shuffle_f64x2(ab, cd, 0xDD);
+  c3 = (f64)_mm512_shuffle_f64x2(AB, CD, 0xDD);
+}
+
+QKR_INLINE void look_up(const float (*rows)[4], u32 j, f32 &c0, f32 &c1, f32 &c2, f32 &c3) {
+  auto four = [&](int p) {
+    auto row = [&](int i) { return _mm_load_ps(rows[j[i]]); };
+    const __m256 low = _mm256_insertf128_ps(_mm256_castps128_ps256(row(p)), row(p + 4), 1);
+    const __m256 high = _mm256_insertf128_ps(_mm256_castps128_ps256(row(p + 8)), row(p + 12), 1);
+    return _mm512_insertf32x8(_mm512_castps256_ps512(low), high, 1);
+  };
+  const __m512 a = four(0), b = four(1), c = four(2), d = four(3);
+  const __m512 ab = _mm512_unpacklo_ps(a, b), AB = _mm512_unpackhi_ps(a, b);
+  const __m512 cd = _mm512_unpacklo_ps(c, d), CD = _mm512_unpackhi_ps(c, d);
+  c0 = (f32)_mm512_shuffle_ps(ab, cd, 0x44);
+  c1 = (f32)_mm512_shuffle_ps(ab, cd, 0xEE);
+  c2 = (f32)_mm512_shuffle_ps(AB, CD, 0x44);
+  c3 = (f32)_mm512_shuffle_ps(AB, CD, 0xEE);
+}
+
+// A column of 64 or 128 floats held in registers.
+QKR_INLINE f32 pick64(const float *t, u32 j) {
+  const __mmask16 upper = _mm512_test_epi32_mask((__m512i)j, _mm512_set1_epi32(32));
+  const __m512 low = _mm512_permutex2var_ps(_mm512_load_ps(t), (__m512i)j, _mm512_load_ps(t + 16));
+  const __m512 high = _mm512_permutex2var_ps(_mm512_load_ps(t + 32), (__m512i)j, _mm512_load_ps(t + 48));
+  return (f32)_mm512_mask_mov_ps(low, upper, high);
+}
+QKR_INLINE f32 pick128(const float *t, u32 j) {
+  const __mmask16 upper = _mm512_test_epi32_mask((__m512i)j, _mm512_set1_epi32(64));
+  return (f32)_mm512_mask_mov_ps((__m512)pick64(t, j), upper, (__m512)pick64(t + 64, j));
+}
+
+}  // namespace
+}  // namespace qkr::avx512

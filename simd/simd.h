@@ -1,0 +1,71 @@
+// The vector layer: include this.
+#pragma once
+
+#include "simd/vectors.h"
+
+#if QKR_SIMD_BYTES == 64
+#include "simd/avx512.h"
+#elif QKR_SIMD_BYTES == 32
+#include "simd/avx2.h"
+#else
+#include "simd/sse2.h"
+#endif
+
+// What all levels say alike, and what serves one number as well as a vector.
+namespace qkr::QKR_SIMD_LEVEL {
+namespace {
+
+QKR_INLINE f64 exact_mad(f64 a, double b, f64 c) { return exact_mad(a, b - f64{}, c); }
+QKR_INLINE f32 exact_mad(f32 a, float b, f32 c) { return exact_mad(a, b - f32{}, c); }
+QKR_INLINE f64 exact_mad(f64 a, f64 b, double c) { return exact_mad(a, b, c - f64{}); }
+QKR_INLINE f32 exact_mad(f32 a, f32 b, float c) { return exact_mad(a, b, c - f32{}); }
+
+QKR_INLINE double exact_mad(double a, double b, double c) { return a * b + c; }
+QKR_INLINE float exact_mad(float a, float b, float c) { return a * b + c; }
+QKR_INLINE double exponent(uint64_t pattern) { return (double)((int)(pattern >> 52) - 1023); }
+QKR_INLINE float exponent(uint32_t pattern) { return (float)((int)(pattern >> 23) - 127); }
+QKR_INLINE float approximate_rsqrt(float x) { return _mm_cvtss_f32(_mm_rsqrt_ss(_mm_set_ss(x))); }
+QKR_INLINE uint64_t approximate_rsqrt(uint64_t single) {
+  return bits(approximate_rsqrt(real((uint32_t)single)));
+}
+QKR_INLINE double zero_unless(double v, double c) { return c != 0.0 ? v : 0.0; }
+QKR_INLINE double add_if_zero(double s, double v, double c) { return c == 0.0 ? s + v : s; }
+QKR_INLINE float zero_unless(float v, float c) { return c != 0.0f ? v : 0.0f; }
+QKR_INLINE float add_if_zero(float s, float v, float c) { return c == 0.0f ? s + v : s; }
+template <class T, class... Columns>
+QKR_INLINE void look_up(const T (*rows)[sizeof...(Columns)], uint64_t j, Columns &...columns) {
+  const T *row = rows[j];
+  ((columns = *row++), ...);
+}
+
+// Rows of two floats that also stand as two columns of 128: only the widest level can hold columns in
+// registers.
+QKR_INLINE void look_up_128(const float (*rows)[2], const float *column0, const float *column1, u32 j,
+                            f32 &c0, f32 &c1) {
+#if QKR_SIMD_BYTES == 64
+  (void)rows;
+  c0 = pick128(column0, j);
+  c1 = pick128(column1, j);
+#else
+  (void)column0, (void)column1;
+  look_up(rows, j, c0, c1);
+#endif
+}
+QKR_INLINE void look_up_128(const float (*rows)[2], const float *, const float *, uint32_t j, float &c0,
+                            float &c1) {
+  look_up(rows, j, c0, c1);
+}
+
+// v where first <= pattern <= last as unsigned numbers, else +0.
+QKR_INLINE f32 zero_unless_within(f32 v, u32 pattern, uint32_t first, uint32_t last) {
+  const u32 shifted = pattern - (first + 0x80000000u);
+  return real(bits(v) & (u32)((i32)shifted <= (int32_t)(last - first + 0x80000000u)));
+}
+QKR_INLINE float zero_unless_within(float v, uint32_t pattern, uint32_t first, uint32_t last) {
+  return pattern - first <= last - first ? v : 0.0f;
+}
+
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL
+
+#include "simd/two.h"

@@ -1,0 +1,55 @@
+// SSE2: two doubles or four floats. No fused operation, no per-lane shift, no masked memory access.
+#pragma once
+
+#include "simd/narrow.h"
+
+namespace qkr::sse2 {
+namespace {
+
+QKR_INLINE bool any(Flags f, double) { return _mm_movemask_pd((__m128d)f) != 0; }
+QKR_INLINE bool any(Flags f, float) { return _mm_movemask_ps((__m128)f) != 0; }
+QKR_INLINE unsigned lane_set(Flags f, double) { return _mm_movemask_pd((__m128d)f); }
+QKR_INLINE unsigned lane_set(Flags f, float) { return _mm_movemask_ps((__m128)f); }
+
+QKR_INLINE f64 exact_mad(f64 a, f64 b, f64 c) { return a * b + c; }
+QKR_INLINE f32 exact_mad(f32 a, f32 b, f32 c) { return a * b + c; }
+
+QKR_INLINE void load_part(const double *p, int, f64 &v) { v = f64{p[0], 1}; }
+QKR_INLINE void load_part(const float *p, int count, f32 &v) {
+  v = f32{p[0], count > 1 ? p[1] : 1, count > 2 ? p[2] : 1, 1};
+}
+
+QKR_INLINE f32 approximate_rsqrt(f32 v) { return (f32)_mm_rsqrt_ps((__m128)v); }
+// Of the single-precision numbers in the lower halves of the lanes.
+QKR_INLINE u64 approximate_rsqrt(u64 v) { return (u64)_mm_rsqrt_ps((__m128)v); }
+
+QKR_INLINE void look_up(const double (*rows)[2], u64 j, f64 &c0, f64 &c1) {
+  const __m128d p = _mm_load_pd(rows[j[0]]), q = _mm_load_pd(rows[j[1]]);
+  c0 = (f64)_mm_unpacklo_pd(p, q);
+  c1 = (f64)_mm_unpackhi_pd(p, q);
+}
+
+QKR_INLINE void look_up(const double (*rows)[4], u64 j, f64 &c0, f64 &c1, f64 &c2, f64 &c3) {
+  const double *p = rows[j[0]], *q = rows[j[1]];
+  const __m128d a = _mm_load_pd(p), b = _mm_load_pd(q), c = _mm_load_pd(p + 2), d = _mm_load_pd(q + 2);
+  c0 = (f64)_mm_unpacklo_pd(a, b);
+  c1 = (f64)_mm_unpackhi_pd(a, b);
+  c2 = (f64)_mm_unpacklo_pd(c, d);
+  c3 = (f64)_mm_unpackhi_pd(c, d);
+}
+
+QKR_INLINE void look_up(const float (*rows)[2], u32 j, f32 &c0, f32 &c1) {
+  const __m128 a = pair_of_rows(rows[j[0]], rows[j[1]]), b = pair_of_rows(rows[j[2]], rows[j[3]]);
+  c0 = (f32)_mm_shuffle_ps(a, b, 0x88);
+  c1 = (f32)_mm_shuffle_ps(a, b, 0xDD);
+}
+
+QKR_INLINE void look_up(const float (*rows)[4], u32 j, f32 &c0, f32 &c1, f32 &c2, f32 &c3) {
+  __m128 a = _mm_load_ps(rows[j[0]]), b = _mm_load_ps(rows[j[1]]);
+  __m128 c = _mm_load_ps(rows[j[2]]), d = _mm_load_ps(rows[j[3]]);
+  _MM_TRANSPOSE4_PS(a, b, c, d);
+  c0 = (f32)a, c1 = (f32)b, c2 = (f32)c, c3 = (f32)d;
+}
+
+}  // namespace
+}  // namespace qkr::sse2

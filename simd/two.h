@@ -1,0 +1,110 @@
+// Two<V>: two vectors worked on side by side, so that the latency of the one hides behind the other. It
+// nests, and a kernel written for V serves Two<V> and Two<Two<V>> as it stands.
+#pragma once
+
+namespace qkr::QKR_SIMD_LEVEL {
+namespace {
+
+template <class V>
+struct Two {
+  V a, b;
+};
+
+#define QKR_TWO_OPERATOR(op)                          \
+  template <class V>                                  \
+  QKR_INLINE Two<V> operator op(Two<V> x, Two<V> y) { \
+    return {x.a op y.a, x.b op y.b};                  \
+  }                                                   \
+  template <class V, class S>                         \
+  QKR_INLINE Two<V> operator op(Two<V> x, S s) {      \
+    return {x.a op s, x.b op s};                      \
+  }                                                   \
+  template <class V, class S>                         \
+  QKR_INLINE Two<V> operator op(S s, Two<V> x) {      \
+    return {s op x.a, s op x.b};                      \
+  }
+QKR_TWO_OPERATOR(+)
+QKR_TWO_OPERATOR(-)
+QKR_TWO_OPERATOR(*)
+QKR_TWO_OPERATOR(/)
+QKR_TWO_OPERATOR(&)
+QKR_TWO_OPERATOR(|)
+QKR_TWO_OPERATOR(^)
+QKR_TWO_OPERATOR(<<)
+QKR_TWO_OPERATOR(>>)
+#undef QKR_TWO_OPERATOR
+
+// Half i of an argument; one number serves both halves.
+template <class V>
+QKR_INLINE V half(Two<V> x, int i) {
+  return i ? x.b : x.a;
+}
+template <class X>
+QKR_INLINE X half(X x, int) {
+  return x;
+}
+
+// f of Two is f of each half.
+#define QKR_TWO_FUNCTION(f)                                                   \
+  template <class V, class... X>                                              \
+  QKR_INLINE auto f(Two<V> v, X... x)->Two<decltype(f(v.a, half(x, 0)...))> { \
+    return {f(v.a, half(x, 0)...), f(v.b, half(x, 1)...)};                    \
+  }
+QKR_TWO_FUNCTION(bits)
+QKR_TWO_FUNCTION(real)
+QKR_TWO_FUNCTION(exponent)
+QKR_TWO_FUNCTION(exact_mad)
+QKR_TWO_FUNCTION(zero_unless)
+QKR_TWO_FUNCTION(add_if_zero)
+QKR_TWO_FUNCTION(approximate_rsqrt)
+QKR_TWO_FUNCTION(zero_unless_within)
+#undef QKR_TWO_FUNCTION
+
+// A lane set of Two says only whether any lane of either is in it.
+template <class V, class S>
+QKR_INLINE Flags beyond(Two<V> x, S limit) {
+  return beyond(x.a, limit) | beyond(x.b, limit);
+}
+template <class V>
+QKR_INLINE Flags not_positive_normal(Two<V> x) {
+  return not_positive_normal(x.a) | not_positive_normal(x.b);
+}
+template <class V>
+QKR_INLINE Flags is_zero(Two<V> x) {
+  return is_zero(x.a) | is_zero(x.b);
+}
+
+template <class T, class V>
+QKR_INLINE void load(const T *p, Two<V> &x) {
+  load(p, x.a);
+  load(p + sizeof(V) / sizeof(T), x.b);
+}
+template <class T, class V>
+QKR_INLINE void store(T *p, Two<V> x) {
+  store(p, x.a);
+  store(p + sizeof(V) / sizeof(T), x.b);
+}
+template <class I, class V>
+QKR_INLINE void look_up_128(const float (*rows)[2], const float *column0, const float *column1, Two<I> j,
+                            Two<V> &c0, Two<V> &c1) {
+  look_up_128(rows, column0, column1, j.a, c0.a, c1.a);
+  look_up_128(rows, column0, column1, j.b, c0.b, c1.b);
+}
+template <class Rows, class I, class... Columns>
+QKR_INLINE void look_up(Rows rows, Two<I> j, Columns &...columns) {
+  look_up(rows, j.a, columns.a...);
+  look_up(rows, j.b, columns.b...);
+}
+
+// V side by side `count` times (a power of two).
+template <class V, int count>
+struct SideBySide {
+  using type = Two<typename SideBySide<V, count / 2>::type>;
+};
+template <class V>
+struct SideBySide<V, 1> {
+  using type = V;
+};
+
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL

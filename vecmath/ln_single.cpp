@@ -1,0 +1,75 @@
+// Natural logarithm in single precision, by the method of logarithm.cpp with a table of 65 rows and a cubic.
+// The table has no jump; around x = 1 the low product joins the head instead.
+#include "vecmath/contract.h"
+#include "vecmath/frame.h"
+#include "vecmath/scalar.h"
+#include "vecmath/tables/tables.h"
+
+extern "C" void _sLn_Scalar(ptrdiff_t i, qkr::Arrays<float> v);
+
+namespace qkr::QKR_SIMD_LEVEL {
+namespace {
+
+struct LnSingle : UnaryKernel<float, QKR_BASELINE ? 2 : 4> {
+  static constexpr float Log2Hi = 0.693115234375f, Log2Lo = 3.194618329871446e-05f;  // n * hi is exact
+  static constexpr float poly[3] = {-0.5f, 0.3333333432674408f, -0.25f};
+  static constexpr uint32_t MMask = 0x7FFFFF, One = 0x3F800000, hi_mask = 0x7FFFC000;
+  static constexpr uint32_t near_one_first = 0x3F7E0001, near_one_last = 0x3F81FFFF;
+
+  template <class V>
+  QKR_INLINE static Flags special(V x) {
+    return not_positive_normal(x);
+  }
+
+  template <class V, class N>
+  QKR_INLINE static V logarithm(V x, N adj_n) {
+    const V y = real((bits(x) & MMask) | One);
+    V t_hi, t_lo, r, unused;
+    look_up(ln_single::Table, ((bits(y) + 0x10000u) >> 17) - (One >> 17), t_hi, t_lo, r, unused);
+    const V y_hi = real(bits(y) & hi_mask), y_lo = y - y_hi;
+    const V a = exact_mad(y_hi, r, -1.0f), b = y_lo * r, z = b + a;
+    const V q = (z * z) * (poly[0] + z * (poly[1] + z * poly[2]));
+    const V n = exponent(bits(x)) + adj_n;
+    const V head = exact_mad(n, Log2Hi, t_hi + a), tail = n * Log2Lo + t_lo;
+    const V b_head = zero_unless_within(b, bits(x), near_one_first, near_one_last);
+    return ((q + tail) + (b - b_head)) + (head + b_head);
+  }
+
+  template <class V>
+  QKR_INLINE static V core(V x) {
+    return logarithm(x, 0.0f);
+  }
+
+  QKR_INLINE static void scalar(ptrdiff_t i, Arrays<float> v) { _sLn_Scalar(i, v); }
+};
+
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL
+
+#if QKR_BASELINE
+using namespace qkr;
+
+extern "C" void _sLn_Scalar(ptrdiff_t i, Arrays<float> v) {
+  constexpr uint32_t NegInf = 0xFF800000, NzCmp = 0x7FFC0000;
+  const float x = v.a[i];
+  const uint32_t pattern = sse2::bits(x);
+  int32_t status = 0;
+  if (magnitude(pattern) >= infinity_pattern_single && pattern != NegInf) {
+    v.r[i] = x;  // NaNs and +inf
+  } else if (magnitude(pattern) == 0) {
+    v.r[i] = sse2::real(NegInf), status = 2;
+  } else if (pattern >> 31) {
+    v.r[i] = sse2::real(NzCmp), status = 1;
+  } else if (pattern < 0x00800000) {
+    const int top = 31 - __builtin_clz(pattern);  // normalise: the top bit becomes the implicit one
+    const uint32_t fraction = (pattern << (23 - top)) & sse2::LnSingle::MMask;
+    v.r[i] = sse2::LnSingle::logarithm(sse2::real(fraction | (uint32_t)(top + 1) << 23), -23.0f);
+  } else {
+    v.r[i] = sse2::LnSingle::core(x);
+  }
+  if (status) _vxmsErrorGate(status, i, v.a, v.a, v.r, v.r, "_vxmsLn_HA");
+}
+#endif
+
+QKR_UNARY(_vxmsLn_HA, float, LnSingle)
+QKR_UNARY_FORWARD(_vxmsLn_HA, _vxmsLn_21, float)
