@@ -1,9 +1,8 @@
 // The dispatchers: the one way by which vector functions report a bad element.
 #include "vecmath/errors.h"
 
-#include <string.h>
-
 #include <bit>
+#include <string.h>
 
 namespace {
 
@@ -20,7 +19,8 @@ int64_t distance(const void *from, const Real *to) {
 
 // The mode is read anew before each decision: the callback may have changed it.
 template <typename Real>
-void dispatch(int32_t status, int32_t index, const Real *a, const Real *b, Real *r1, Real *r2, const char *name) {
+void dispatch(int32_t status, int32_t index, const Real *a, const Real *b, Real *r1, Real *r2,
+              const char *name) {
   *_GetErrStatus() = status;
   if ((*_GetMode() & VXM_MODE_ERRORS) == VXM_MODE_IGNORE) return;
 
@@ -39,7 +39,7 @@ void dispatch(int32_t status, int32_t index, const Real *a, const Real *b, Real 
     record.dbR1 = r1[index];
     record.dbR2 = r2[index];
   }
-  if (*_GetMode() & 0xF000) {
+  if (*_GetMode() & 0xF000) {  // three bits without a function count beside VXM_MODE_CALLBACK
     const VxmErrorCallBack callback = *_GetCallBack();
     if (callback && callback(&record) != 0) return;
   }
@@ -76,11 +76,11 @@ int32_t qkr_vxm_service_strcat1(const char *a, const char *b, char *out) {
   return static_cast<int32_t>(length_a + length_b);
 }
 
-#define DISPATCHER(name, Real)                                                                                \
-  void name(int32_t status, int32_t index, const Real *a, const Real *b, Real *r1, Real *r2,                  \
-            const char *function) {                                                                           \
-    dispatch(status, index, a, b, r1, r2, function);                                                          \
-  }                                                                                                           \
+#define DISPATCHER(name, Real)                                                                               \
+  void name(int32_t status, int32_t index, const Real *a, const Real *b, Real *r1, Real *r2,                 \
+            const char *function) {                                                                          \
+    dispatch(status, index, a, b, r1, r2, function);                                                         \
+  }                                                                                                          \
   __attribute__((alias(#name))) void name##Gate(int32_t status, int32_t index, const Real *a, const Real *b, \
                                                 Real *r1, Real *r2, const char *function);
 

@@ -29,9 +29,7 @@ const Status *find_status(int32_t code) {
 }
 
 // Functions of one input or result repeat it as the second one. NaNs count as equal.
-bool is_second(double first, double second) {
-  return __builtin_islessgreater(first, second) && second != 0;
-}
+bool is_second(double first, double second) { return __builtin_islessgreater(first, second) && second != 0; }
 
 void print_values(const VxmErrorContext &record) {
   const int i = record.iIndex;
@@ -39,12 +37,9 @@ void print_values(const VxmErrorContext &record) {
   const bool two_inputs = is_second(a, b), two_results = is_second(y, z);
   if (two_inputs && two_results)
     fprintf(stderr, "a(%d)=%g\nb(%d)=%g\ny(%d)=%g\nz(%d)=%g\n", i, a, i, b, i, y, i, z);
-  else if (two_inputs)
-    fprintf(stderr, "a(%d)=%g\nb(%d)=%g\ny(%d)=%g\n", i, a, i, b, i, y);
-  else if (two_results)
-    fprintf(stderr, "a(%d)=%g\ny(%d)=%g\nz(%d)=%g\n", i, a, i, y, i, z);
-  else
-    fprintf(stderr, "a(%d)=%g\nr(%d)=%g\n", i, a, i, y);
+  else if (two_inputs) fprintf(stderr, "a(%d)=%g\nb(%d)=%g\ny(%d)=%g\n", i, a, i, b, i, y);
+  else if (two_results) fprintf(stderr, "a(%d)=%g\ny(%d)=%g\nz(%d)=%g\n", i, a, i, y, i, z);
+  else fprintf(stderr, "a(%d)=%g\nr(%d)=%g\n", i, a, i, y);
 }
 
 }  // namespace
@@ -55,7 +50,8 @@ const char *_vxmStrErrStatusHeading = "Error (VXM_STATUS_%s) in %s: ";
 
 // Four doubles with their words in the wrong order: a subnormal, a quiet NaN, 0.0, a subnormal. That order is
 // why an overflow raises no event.
-extern const uint32_t _vxmdSpecialTab[8] = {0x00100000, 0x00000001, 0x7FEFFFFF, 0xFFFFFFFF, 0, 0, 0x3FF00000, 0};
+extern const uint32_t _vxmdSpecialTab[8] = {0x00100000, 0x00000001, 0x7FEFFFFF, 0xFFFFFFFF,
+                                            0,          0,          0x3FF00000, 0};
 
 void _vxmStdErrorHandlerErrno(VxmErrorContext *record) {
   const Status *status = find_status(record->iCode);
@@ -86,10 +82,18 @@ void _vxmStdErrorHandlerExcept(VxmErrorContext *record) {
   };
   [[maybe_unused]] volatile double event;
   switch (record->iCode) {
-    case VXM_STATUS_ERRDOM: event = element(2) / element(2); break;
-    case VXM_STATUS_SING: event = element(3) / element(2); break;
-    case VXM_STATUS_OVERFLOW: event = element(1) * element(1); break;
-    case VXM_STATUS_UNDERFLOW: event = element(0) * element(0); break;
+    case VXM_STATUS_ERRDOM:
+      event = element(2) / element(2);
+      break;
+    case VXM_STATUS_SING:
+      event = element(3) / element(2);
+      break;
+    case VXM_STATUS_OVERFLOW:
+      event = element(1) * element(1);
+      break;
+    case VXM_STATUS_UNDERFLOW:
+      event = element(0) * element(0);
+      break;
   }
 }
 

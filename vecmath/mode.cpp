@@ -3,7 +3,6 @@
 #include <pthread.h>
 #include <stdlib.h>
 
-#include <initializer_list>
 #include "vecmath/errors.h"
 
 namespace {
@@ -46,7 +45,8 @@ THREAD_CELL(_GetInputVectorPointer, const void *, InputVecorPointer, 16, nullptr
 VxmMode _vxmSetMode(VxmMode mode) {
   VxmMode *word = _GetMode();
   const VxmMode previous = *word;
-  for (VxmMode field : {VXM_MODE_ACCURACY, VXM_MODE_ERRORS, VXM_MODE_RESERVED})
+  static constexpr VxmMode fields[] = {VXM_MODE_ACCURACY, VXM_MODE_ERRORS, VXM_MODE_RESERVED};
+  for (VxmMode field : fields)
     if (mode & field) *word = (*word & ~field) | (mode & field);
   return previous;
 }
@@ -77,6 +77,8 @@ VxmErrorCallBack _vxmGetErrorCallBack() { return *_GetCallBack(); }
 
 VxmErrorCallBack _vxmClearErrorCallBack() { return _vxmSetErrorCallBack(nullptr); }
 
-const void *_vxmSetInterfInputVectorPointer(const void *pointer) { return *_GetInputVectorPointer() = pointer; }
+const void *_vxmSetInterfInputVectorPointer(const void *pointer) {
+  return *_GetInputVectorPointer() = pointer;
+}
 
 }  // extern "C"

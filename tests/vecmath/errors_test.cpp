@@ -1,0 +1,242 @@
+// What the dispatchers and the standard handlers do with a bad element.
+#include "vecmath/errors.h"
+
+#include <errno.h>
+#include <fenv.h>
+#include <gtest/gtest.h>
+#include <limits>
+#include <string>
+
+#include "tests/vecmath/fresh_thread.h"
+
+namespace {
+
+constexpr int events = FE_INVALID | FE_DIVBYZERO | FE_OVERFLOW | FE_UNDERFLOW;
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+
+VxmErrorContext seen;  // by the callbacks
+int calls;
+
+int32_t replace_and(VxmErrorContext *record, int32_t answer) {
+  seen = *record;
+  ++calls;
+  record->iCode = VXM_STATUS_BADMEM;  // does not keep the results from being written
+  record->dbR1 = 5;
+  record->dbR2 = 6;
+  return answer;
+}
+int32_t replace_and_go_on(VxmErrorContext *record) { return replace_and(record, 0); }
+int32_t replace_and_stop(VxmErrorContext *record) { return replace_and(record, 1); }
+int32_t ask_for_silence(VxmErrorContext *record) {
+  _vxmSetMode(0xE000);
+  return replace_and(record, 0);
+}
+
+// The dispatcher of each precision and its gate.
+template <typename Real>
+using Report = void (*)(int32_t, int32_t, const Real *, const Real *, Real *, Real *, const char *);
+template <typename Real>
+constexpr Report<Real> reports[2] = {};
+template <>
+constexpr Report<double> reports<double>[2] = {_vxmdError, _vxmdErrorGate};
+template <>
+constexpr Report<float> reports<float>[2] = {_vxmsError, _vxmsErrorGate};
+
+template <typename Real>
+struct Dispatch : testing::Test {};
+using Precisions = testing::Types<double, float>;
+TYPED_TEST_SUITE(Dispatch, Precisions, );
+
+TYPED_TEST(Dispatch, CallbackAndModeDecide) {
+  const struct {
+    VxmMode mode;
+    VxmErrorCallBack callback;
+    int calls, error;
+    double r1, r2;
+  } rows[] = {
+      {VXM_MODE_DEFAULT, nullptr, 0, EDOM, 3, 4},
+      {VXM_MODE_DEFAULT, replace_and_go_on, 1, EACCES, 5, 6},  // handlers see the changed code
+      {VXM_MODE_DEFAULT, replace_and_stop, 1, 0, 3, 4},
+      {VXM_MODE_DEFAULT, ask_for_silence, 1, 0, 5, 6},
+      {VXM_MODE_ERRNO, replace_and_go_on, 0, EDOM, 3, 4},  // installed, but switched off
+      {VXM_MODE_IGNORE, replace_and_go_on, 0, 0, 3, 4},
+      {VXM_MODE_IGNORE | VXM_MODE_CALLBACK, replace_and_go_on, 1, 0, 5, 6},
+      {0x2000, replace_and_go_on, 1, 0, 5, 6},  // the bits without a function count
+  };
+  for (const auto &row : rows)
+    for (const auto report : reports<TypeParam>)
+      in_fresh_thread([&] {
+        const TypeParam a[] = {0, 0, 1}, b[] = {0, 0, 2};
+        TypeParam r1[] = {0, 0, 3}, r2[] = {0, 0, 4};
+        _vxmSetErrorCallBack(row.callback);
+        _vxmSetMode(row.mode);
+        calls = errno = 0;
+        report(VXM_STATUS_ERRDOM, 2, a, b, r1, r2, "_vxmdAtan2_HA");
+        EXPECT_EQ(_vxmGetErrStatus(), VXM_STATUS_ERRDOM);
+        EXPECT_EQ(calls, row.calls) << std::hex << row.mode;
+        EXPECT_EQ(errno, row.error) << std::hex << row.mode;
+        EXPECT_EQ(r1[2], row.r1) << std::hex << row.mode;
+        EXPECT_EQ(r2[2], row.r2) << std::hex << row.mode;
+        if (!calls) return;
+        const double values[] = {seen.dbA1, seen.dbA2, seen.dbR1, seen.dbR2};
+        for (int i = 0; i < 4; ++i) EXPECT_EQ(values[i], i + 1);
+        EXPECT_EQ(seen.iCode, VXM_STATUS_ERRDOM);
+        EXPECT_EQ(seen.iIndex, 2);
+        EXPECT_STREQ(seen.cFuncName, "_vxmdAtan2_HA");
+        EXPECT_EQ(seen.iFuncNameLen, 13);
+      });
+}
+
+TYPED_TEST(Dispatch, FirstResultWinsInOneVector) {
+  in_fresh_thread([] {
+    TypeParam r[] = {0, 2};
+    _vxmSetErrorCallBack(replace_and_go_on);
+    reports<TypeParam>[0](VXM_STATUS_SING, 1, r, r, r, r, "");
+    EXPECT_EQ(r[1], 5);
+    EXPECT_EQ(r[0], 0);
+  });
+}
+
+TYPED_TEST(Dispatch, IndexCountsFromTheWholeVector) {
+  TypeParam whole[24] = {};
+  whole[13] = 13;
+  const struct {
+    const void *start;
+    int32_t index;
+  } rows[] = {
+      {whole, 13},
+      {nullptr, 3},
+      {whole + 20, -7},
+      {reinterpret_cast<char *>(whole + 20) + 1, -8},
+  };
+  for (const auto &row : rows)
+    in_fresh_thread([&] {
+      TypeParam r[4] = {};
+      _vxmSetErrorCallBack(replace_and_go_on);
+      _vxmSetInterfInputVectorPointer(row.start);
+      reports<TypeParam>[0](VXM_STATUS_SING, 3, whole + 10, whole + 10, r, r, "");
+      EXPECT_EQ(seen.iIndex, row.index);
+      EXPECT_EQ(seen.dbA1, 13);
+      EXPECT_EQ(r[3], 5);
+    });
+}
+
+TYPED_TEST(Dispatch, BadArgumentsMayComeWithNullVectors) {
+  for (int32_t status : {VXM_STATUS_BADMEM, VXM_STATUS_BADSIZE})
+    in_fresh_thread([&] {
+      _vxmSetErrorCallBack(replace_and_go_on);
+      seen = {};
+      reports<TypeParam>[0](status, -4, nullptr, nullptr, nullptr, nullptr, "f");
+      EXPECT_EQ(seen.iCode, status);
+      EXPECT_EQ(seen.iIndex, -4);
+      EXPECT_EQ(_vxmGetErrStatus(), status);
+    });
+}
+
+TYPED_TEST(Dispatch, LongNamesAreCutAt64) {
+  for (size_t length : {0, 63, 64, 65, 200})
+    in_fresh_thread([&] {
+      const std::string name(length, 'n'), kept(std::min<size_t>(length, 64), 'n');
+      const TypeParam a[] = {7};
+      TypeParam r[] = {8};
+      _vxmSetErrorCallBack([](VxmErrorContext *record) {
+        seen = *record;
+        return 0;
+      });
+      _vxmSetMode(VXM_MODE_STDERR | VXM_MODE_CALLBACK);
+      testing::internal::CaptureStderr();
+      reports<TypeParam>[0](VXM_STATUS_SING, 0, a, a, r, r, name.c_str());
+      EXPECT_EQ(testing::internal::GetCapturedStderr(),
+                "Error (VXM_STATUS_SING) in " + kept + ": argument caused singularity\na(0)=7\nr(0)=8\n");
+      EXPECT_EQ(seen.iFuncNameLen, static_cast<int32_t>(kept.size()));
+      EXPECT_EQ(std::string(seen.cFuncName, strnlen(seen.cFuncName, 64)), kept);
+      EXPECT_EQ(seen.dbR2, 8);
+    });
+}
+
+TEST(Handlers, StatusDecidesErrnoEventAndMessage) {
+  const std::string values = "a(1)=3\nr(1)=0\n";
+  const struct {
+    int32_t status;
+    int error, raised;
+    std::string message;
+  } rows[] = {
+      {-2, 13, 0, "Error (VXM_STATUS_BADMEM) in _vxmdExp_HA: NULL pointer is passed\n"},
+      {-1, 22, 0, "Error (VXM_STATUS_BADSIZE) in _vxmdExp_HA: array size 1 is not positive\n"},
+      {0, 0, 0, ""},
+      {1, 33, FE_INVALID, "Error (VXM_STATUS_ERRDOM) in _vxmdExp_HA: argument is out of domain\n" + values},
+      {2, 34, FE_DIVBYZERO, "Error (VXM_STATUS_SING) in _vxmdExp_HA: argument caused singularity\n" + values},
+      {3, 34, 0, "Error (VXM_STATUS_OVERFLOW) in _vxmdExp_HA: argument caused overflow\n" + values},
+      {4, 34, FE_UNDERFLOW,
+       "Error (VXM_STATUS_UNDERFLOW) in _vxmdExp_HA: argument caused underflow\n" + values},
+      {5, 14, 0, "Unknown error in _vxmdExp_HA" + values},
+      {-3, 14, 0, "Unknown error in _vxmdExp_HA" + values},
+  };
+  for (const auto &row : rows)
+    in_fresh_thread([&] {
+      const double a[] = {1, 3};
+      double r[] = {1, 0};
+      _vxmSetMode(VXM_MODE_ERRNO | VXM_MODE_STDERR | VXM_MODE_EXCEPT);
+      feclearexcept(FE_ALL_EXCEPT);
+      testing::internal::CaptureStderr();
+      errno = 99;
+      _vxmdError(row.status, 1, a, a, r, r, "_vxmdExp_HA");
+      const int error = errno, raised = fetestexcept(events);
+      EXPECT_EQ(testing::internal::GetCapturedStderr(), row.message);
+      EXPECT_EQ(error, row.error) << row.status;
+      EXPECT_EQ(raised, row.raised) << row.status;
+    });
+}
+
+TEST(Handlers, EachRunsOnlyWithItsModeBit) {
+  for (VxmMode mode : {VXM_MODE_ERRNO, VXM_MODE_STDERR, VXM_MODE_EXCEPT})
+    in_fresh_thread([&] {
+      double r[] = {0};
+      _vxmSetMode(mode);
+      feclearexcept(FE_ALL_EXCEPT);
+      testing::internal::CaptureStderr();
+      errno = 0;
+      _vxmdError(VXM_STATUS_SING, 0, r, r, r, r, "f");
+      const int error = errno, raised = fetestexcept(events);
+      EXPECT_EQ(testing::internal::GetCapturedStderr().empty(), mode != VXM_MODE_STDERR);
+      EXPECT_EQ(error, mode == VXM_MODE_ERRNO ? ERANGE : 0);
+      EXPECT_EQ(raised, mode == VXM_MODE_EXCEPT ? FE_DIVBYZERO : 0);
+    });
+}
+
+TEST(Handlers, SecondValuesArePrintedWhereTheyDiffer) {
+  const struct {
+    double a, b, y, z;
+    const char *values;
+  } rows[] = {
+      {1, 2, 3, 4, "a(9)=1\nb(9)=2\ny(9)=3\nz(9)=4\n"},
+      {1, 2, 3, 3, "a(9)=1\nb(9)=2\ny(9)=3\n"},
+      {1, 1, 3, 4, "a(9)=1\ny(9)=3\nz(9)=4\n"},
+      {1, 1, 3, 3, "a(9)=1\nr(9)=3\n"},
+      {1, 0, 3, -0.0, "a(9)=1\nr(9)=3\n"},  // a zero counts as absent
+      {nan, 2, 3, nan, "a(9)=nan\nr(9)=3\n"},
+      {1, nan, nan, 4, "a(9)=1\nr(9)=nan\n"},
+      {1, -1e-300, 0.1234567, 0.5, "a(9)=1\nb(9)=-1e-300\ny(9)=0.123457\nz(9)=0.5\n"},
+  };
+  for (const auto &row : rows) {
+    VxmErrorContext record = {VXM_STATUS_ERRDOM, 9, row.a, row.b, row.y, row.z, "f", 1};
+    testing::internal::CaptureStderr();
+    _vxmStdErrorHandlerStderr(&record);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              std::string("Error (VXM_STATUS_ERRDOM) in f: argument is out of domain\n") + row.values);
+  }
+}
+
+TEST(Names, PartsAreCutAndJoined) {
+  char out[81];
+  EXPECT_EQ(_vxmCreateFuncNameStr("prefix__9", "name", "suffix__9", out), 20);
+  EXPECT_STREQ(out, "prefix__namesuffix__");
+  EXPECT_EQ(_vxmCreateFuncNameStr("prefix__9", std::string(70, 'n').c_str(), "suffix__9", out), 80);
+  EXPECT_EQ(out, "prefix__" + std::string(64, 'n') + "suffix__");
+  EXPECT_EQ(qkr_vxm_service_strcat1("one ", "two", out), 7);
+  EXPECT_EQ(qkr_vxm_service_strcat1(out, "!", out), 8);
+  EXPECT_STREQ(out, "one two!");
+  EXPECT_EQ(qkr_vxm_service_strlen1(out), 8u);
+}
+
+}  // namespace

@@ -1,0 +1,104 @@
+// Mode word, callback, status and their cells.
+#include <gtest/gtest.h>
+#include <malloc.h>
+
+#include "tests/vecmath/fresh_thread.h"
+#include "vecmath/errors.h"
+
+namespace {
+
+int32_t callback_a(VxmErrorContext *) { return 0; }
+int32_t callback_b(VxmErrorContext *) { return 1; }
+
+TEST(Mode, FieldsAreReplacedWholeAndNeverByZero) {
+  const struct {
+    VxmMode before, argument, after;
+  } rows[] = {
+      {VXM_MODE_DEFAULT, 0, 0x01A02},
+      {VXM_MODE_DEFAULT, VXM_MODE_IGNORE, 0x00102},
+      {VXM_MODE_DEFAULT, VXM_MODE_IGNORE | VXM_MODE_CALLBACK, 0x01102},
+      {VXM_MODE_DEFAULT, 0x00003, 0x01A03},
+      {VXM_MODE_DEFAULT, 0x0E000, 0x0E002},
+      {VXM_MODE_DEFAULT, 0x10000, 0x11A02},
+      {0x11A02, 0x20000, 0x21A02},
+      {0x31F0F, 0x10401, 0x10401},
+      {VXM_MODE_DEFAULT, 0xFFFC00F0, 0x01A02},
+      {VXM_MODE_DEFAULT, 0xFFFFFFFF, 0x3FF0F},
+  };
+  for (const auto &row : rows)
+    in_fresh_thread([&] {
+      EXPECT_EQ(_vxmGetMode(), VxmMode{VXM_MODE_DEFAULT});
+      _vxmSetMode(row.before);
+      EXPECT_EQ(_vxmSetMode(row.argument), row.before) << std::hex << row.argument;
+      EXPECT_EQ(_vxmGetMode(), row.after) << std::hex << row.argument;
+    });
+}
+
+TEST(Mode, CallbackSwitchesItsBitUnlessItIsAlone) {
+  const struct {
+    VxmMode before;
+    VxmErrorCallBack callback;
+    VxmMode after;
+  } rows[] = {
+      {0x0A02, callback_a, 0x1A02}, {0x1A02, callback_a, 0x1A02}, {0x1A02, nullptr, 0x0A02},
+      {0x0A02, nullptr, 0x0A02},    {0x1002, nullptr, 0x1002},  // the field would become zero
+      {0x0102, callback_a, 0x1102},                             // no longer the ignore mode
+  };
+  for (const auto &row : rows)
+    in_fresh_thread([&] {
+      _vxmSetErrorCallBack(callback_b);
+      _vxmSetMode(row.before);
+      EXPECT_EQ(_vxmSetErrorCallBack(row.callback), callback_b);
+      EXPECT_EQ(_vxmGetErrorCallBack(), row.callback);
+      EXPECT_EQ(_vxmGetMode(), row.after) << std::hex << row.before;
+      EXPECT_EQ(_vxmClearErrorCallBack(), row.callback);
+      EXPECT_EQ(_vxmGetErrorCallBack(), nullptr);
+    });
+}
+
+TEST(Mode, SettersReturnWhatWasThere) {
+  in_fresh_thread([] {
+    EXPECT_EQ(_vxmGetErrStatus(), VXM_STATUS_OK);
+    EXPECT_EQ(_vxmSetErrStatus(-7), VXM_STATUS_OK);
+    EXPECT_EQ(_vxmSetErrStatus(VXM_STATUS_SING), -7);
+    EXPECT_EQ(_vxmClearErrStatus(), VXM_STATUS_SING);
+    EXPECT_EQ(_vxmGetErrStatus(), VXM_STATUS_OK);
+    const double whole = 0;
+    EXPECT_EQ(_vxmSetInterfInputVectorPointer(&whole), &whole);
+    EXPECT_EQ(*_GetInputVectorPointer(), &whole);
+    EXPECT_EQ(_vxmSetInterfInputVectorPointer(nullptr), nullptr);
+  });
+}
+
+TEST(Mode, ThreadsDoNotSeeEachOther) {
+  in_fresh_thread([] {
+    _vxmSetMode(0x401);
+    _vxmSetErrorCallBack(callback_a);
+    _vxmSetErrStatus(VXM_STATUS_SING);
+    in_fresh_thread([] {
+      EXPECT_EQ(_vxmGetMode(), VxmMode{VXM_MODE_DEFAULT});
+      EXPECT_EQ(_vxmGetErrorCallBack(), nullptr);
+      EXPECT_EQ(_vxmGetErrStatus(), VXM_STATUS_OK);
+      _vxmSetErrorCallBack(callback_b);
+      _vxmSetErrStatus(VXM_STATUS_ERRDOM);
+    });
+    EXPECT_EQ(_vxmGetMode(), VxmMode{0x1401});
+    EXPECT_EQ(_vxmGetErrorCallBack(), callback_a);
+    EXPECT_EQ(_vxmGetErrStatus(), VXM_STATUS_SING);
+  });
+}
+
+// The address sanitizer's allocator reports no sizes; its leak check takes over there.
+TEST(Mode, CellsAreFreedWhenTheirThreadEnds) {
+  const auto use_cells = [] {
+    *_GetMode() = *_GetErrStatus() = !*_GetCallBack() && !*_GetInputVectorPointer();
+  };
+  const auto in_use_after = [&](int threads) {
+    for (int i = 0; i < threads; ++i) in_fresh_thread(use_cells);
+    return mallinfo2().uordblks;
+  };
+  const size_t before = in_use_after(10);
+  EXPECT_LT(in_use_after(500), before + 500 * 16);
+}
+
+}  // namespace
