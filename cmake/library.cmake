@@ -41,7 +41,8 @@ function(qkr_add_libraries)
   if(NOT QKR_SANITIZE)
     target_link_options(qkr PRIVATE -nostartfiles -Wl,-z,defs)
   endif()
-  target_link_options(qkr PRIVATE -Wl,-Bsymbolic-functions -Wl,--as-needed
+  # Threads free their cells of vector math when they end, by functions of ours: the library stays once loaded.
+  target_link_options(qkr PRIVATE -Wl,-z,nodelete -Wl,-Bsymbolic-functions -Wl,--as-needed
                       -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/qkr.map)
   set_target_properties(qkr PROPERTIES
       LINKER_LANGUAGE C VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
