@@ -22,6 +22,14 @@ bool cache_is_on() {
   return __atomic_load_n(&disable_fast_mm, __ATOMIC_RELAXED) != 1;
 }
 
+// In a shared object the address costs a call, which g++ would repeat at every use; it cannot see through
+// this.
+mm_ct *own_record() {
+  mm_ct *record = &mm_ct_non_WinDLL;
+  asm("" : "+r"(record));
+  return record;
+}
+
 // The record gets its owner last: a signal handler that asks for memory meanwhile goes past the cache.
 [[gnu::cold, gnu::noinline]] void set_up(mm_ct *record, pthread_t thread) {
   mm_FIRST = 0;
@@ -51,7 +59,7 @@ void *lend_new(mm_ct *record, int slot, uint64_t size) {
 void *qkr_serv_allocate(size_t size) {
   if (!cache_is_on() || size > cache_ceiling) return i_malloc(size);
 
-  mm_ct *record = &mm_ct_non_WinDLL;
+  mm_ct *record = own_record();
   const pthread_t thread = QKR_ThreadID();
   if (mm_FIRST == 1) set_up(record, thread);
   else if (record->owner != thread) return i_malloc(size);
@@ -79,7 +87,7 @@ void *qkr_serv_allocate(size_t size) {
 void qkr_serv_deallocate(void *block) {
   if (!block) return;
   if (cache_is_on()) {
-    mm_ct *record = &mm_ct_non_WinDLL;
+    mm_ct *record = own_record();
     for (uint64_t slot = 0; slot < record->count; ++slot)
       if (record->buffer[slot] == block) {
         record->busy[slot] = 0;
