@@ -12,11 +12,13 @@
 #ifdef __cplusplus
 #define QKR_BEGIN_DECLS extern "C" {
 #define QKR_END_DECLS }
-#define QKR_THREAD_LOCAL thread_local
 #else
 #define QKR_BEGIN_DECLS
 #define QKR_END_DECLS
-#define QKR_THREAD_LOCAL _Thread_local
 #endif
+
+/** Thread-local in C and in C++. C++'s own thread_local would be reached through a wrapper function, in case
+ * the variable had a constructor; ours never do. */
+#define QKR_THREAD_LOCAL __thread
 
 #endif

@@ -1,0 +1,91 @@
+// Decisions that the environment makes, each in a fresh process.
+#include <gtest/gtest.h>
+#include <vector>
+
+#include "service/internal.h"
+#include "tests/support/child.h"
+
+namespace {
+
+struct Row {
+  Environment environment;
+  int expected;
+};
+
+// As the library was loaded, before any test has run.
+const int32_t loaded[] = {env_readed, disable_fast_mm, qkr_serial};
+
+template <typename Function>
+void check(const std::vector<Row> &rows, Function decision) {
+  for (const Row &row : rows) {
+    std::string setting;
+    for (const auto &[name, value] : row.environment) setting += name + "='" + value + "' ";
+    EXPECT_EQ(in_child(row.environment,
+                       [&] {
+                         env_readed = disable_fast_mm = qkr_serial = -1;
+                         return decision();
+                       }),
+              row.expected)
+        << setting;
+  }
+}
+
+}  // namespace
+
+TEST(Environment, NothingIsDecidedAtLoad) {
+  for (const int32_t value : loaded) EXPECT_EQ(value, -1);
+}
+
+TEST(Environment, SerialOrParallel) {
+  const std::vector<Row> rows = {
+      {{}, 1},
+      {{{"OMP_NUM_THREADS", "1"}}, 0},
+      {{{"omp_num_threads", "8"}}, 0},
+      {{{"OMP_NUM_THREADS", ""}}, 1},
+      {{{"OMP_NUM_THREADS", ""}, {"omp_num_threads", "8"}}, 1},
+      {{{"QKR_SERIAL", ""}}, 1},
+      {{{"QKR_SERIAL", "YES"}}, 1},
+      {{{"QKR_SERIAL", "yes"}}, 1},
+      {{{"QKR_SERIAL", "Yes"}}, 0},
+      {{{"QKR_SERIAL", "YES "}}, 0},
+      {{{"OMP_NUM_THREADS", "8"}, {"QKR_SERIAL", ""}}, 0},
+      {{{"OMP_NUM_THREADS", "8"}, {"QKR_SERIAL", "YES"}}, 1},
+      {{{"omp_num_threads", "8"}, {"QKR_SERIAL", "yes"}}, 1},
+      {{{"OMP_NUM_THREADS", "8"}, {"QKR_SERIAL", "NO"}}, 0},
+  };
+  check(rows, qkr_serv_in_serial);
+}
+
+TEST(Environment, SettersCountUntilTheDecision) {
+  check({{{}, 0}}, [] { return qkr_serv_set_parallel() ? 100 : qkr_serv_in_serial(); });
+  check({{{{"OMP_NUM_THREADS", "2"}}, 1}}, [] { return qkr_serv_set_serial() ? 100 : qkr_serv_in_serial(); });
+  check({{{}, 11}}, [] {
+    const int before = qkr_serv_in_serial();
+    qkr_serv_set_parallel();
+    return 10 * (getenv("QKR_SERIAL") == std::string("NO")) + (qkr_serv_in_serial() == before);
+  });
+}
+
+TEST(Environment, CacheSwitches) {
+  const std::vector<Row> rows = {
+      {{}, 1},
+      {{{"QKR_DISABLE_FAST_MM", ""}, {"QKR_MM_DISABLE", ""}}, 1},
+      {{{"QKR_DISABLE_FAST_MM", "1"}}, 0},
+      {{{"QKR_MM_DISABLE", "0"}}, 0},
+      {{{"QKR_DISABLE_FAST_MM", ""}, {"QKR_MM_DISABLE", "no"}}, 0},
+  };
+  // Each of the three calls may be the first.
+  check(rows, [] {
+    qkr_serv_deallocate(qkr_serv_allocate(100));
+    return static_cast<int>(mm_ct_non_WinDLL.count);
+  });
+  check(rows, [] {
+    qkr_serv_freebuffers();
+    return disable_fast_mm != 1;
+  });
+  check(rows, [] {
+    qkr_serv_deallocate(malloc(100));
+    setenv("QKR_MM_DISABLE", "1", 1);  // too late
+    return QKR_read_env() == 0 && env_readed == 1 && disable_fast_mm != 1;
+  });
+}

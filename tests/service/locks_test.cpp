@@ -1,0 +1,53 @@
+// Mutual exclusion, and the ordering that the thread sanitizer sees.
+#include <gtest/gtest.h>
+#include <thread>
+#include <vector>
+
+#include "service/internal.h"
+
+TEST(Locks, ExcludeEachOtherOnOneWordOnly) {
+  const struct {
+    void (*lock)(), (*unlock)();
+    uint64_t *word, *other;
+  } rows[] = {{qkr_serv_lock, qkr_serv_unlock, &memlock, &memdftlock},
+              {qkr_serv_dft_lock, qkr_serv_dft_unlock, &memdftlock, &memlock}};
+  for (const auto &row : rows) {
+    long entered = 0;  // neither volatile nor atomic: the lock alone protects it
+    const auto hammer = [&] {
+      for (int i = 0; i < 200000; ++i) {
+        row.lock();
+        ++entered;
+        row.unlock();
+      }
+    };
+    std::thread first(hammer), second(hammer);
+    first.join();
+    second.join();
+    EXPECT_EQ(entered, 400000);
+
+    row.lock();
+    EXPECT_EQ(*row.word, 1u);
+    EXPECT_EQ(*row.other, 0u);
+    row.unlock();
+    EXPECT_EQ(*row.word, 0u);
+  }
+}
+
+// Threads that meet at the first call of all: reading the environment, registering, deciding.
+TEST(Locks, FirstCallsMayRace) {
+  env_readed = disable_fast_mm = qkr_serial = -1;
+  n_mmct = 0;
+  constexpr int workers = 4;
+  std::vector<int32_t> answers(workers);
+  std::vector<std::thread> threads;
+  for (int32_t &answer : answers)
+    threads.emplace_back([&answer] {
+      for (int i = 0; i < 100; ++i) qkr_serv_deallocate(qkr_serv_allocate(64));
+      i_free(mm_ct_non_WinDLL.buffer[0]);  // the record goes with its thread
+      answer = qkr_serv_in_serial();
+    });
+  for (std::thread &thread : threads) thread.join();
+  EXPECT_EQ(n_mmct, workers);
+  for (const int32_t answer : answers) EXPECT_EQ(answer, qkr_serial);
+  n_mmct = 0;
+}

@@ -1,0 +1,256 @@
+// The work-buffer cache. Records belong to threads, so every test looks at them from fresh ones.
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <numeric>
+#include <semaphore>
+#include <thread>
+#include <vector>
+
+#include "service/internal.h"
+
+namespace {
+
+using Blocks = std::vector<void *>;
+
+// Behind the hooks: remembers what was asked for and what came back. Blocks live as long as the test, so that
+// double releases show without harm.
+Blocks handed_out, given_back;
+bool out_of_memory;
+
+void *recording_malloc(size_t size) {
+  if (out_of_memory) return nullptr;
+  handed_out.push_back(malloc(size));
+  return handed_out.back();
+}
+void recording_free(void *block) { given_back.push_back(block); }
+
+class Cache : public testing::Test {
+ protected:
+  void SetUp() override {
+    i_malloc = recording_malloc;
+    i_free = recording_free;
+    disable_fast_mm = 0;
+    env_readed = 1;
+    n_mmct = 0;
+  }
+  void TearDown() override {
+    i_malloc = malloc;
+    i_free = free;
+    for (void *block : handed_out) free(block);
+    handed_out.clear();
+    given_back.clear();
+    n_mmct = 0;
+  }
+};
+
+template <typename Function>
+void in_fresh_thread(Function function) {
+  std::thread(function).join();
+}
+
+constexpr int untracked = -1;
+
+// One request and the slot that must serve it (numbered, in a sequence, from 0), or the release of request n.
+struct Step {
+  int64_t size;
+  int slot;
+  int released = -1;
+};
+constexpr Step get(int64_t size, int slot) { return {size, slot}; }
+constexpr Step put(int request) { return {0, 0, request}; }
+
+// Out of line, because of the null checks of the undefined-behaviour sanitizer: g++ takes their outcome from
+// the flags of the addition that makes the address, and the linker turns that into an instruction that sets
+// none.
+[[gnu::noinline]] mm_ct *own_record() { return &mm_ct_non_WinDLL; }
+
+int slot_of(const void *block) {
+  const mm_ct &record = *own_record();
+  const auto found = std::find(record.buffer, record.buffer + record.count, block) - record.buffer;
+  return found < static_cast<long>(record.count) ? static_cast<int>(found) : untracked;
+}
+
+}  // namespace
+
+TEST_F(Cache, SlotPreference) {
+  using Sizes = std::vector<uint64_t>;
+  const struct {
+    const char *what;
+    std::vector<Step> steps;
+    Sizes sizes;  // of the slots, at the end
+  } rows[] = {
+      {"an exact fit comes before a larger block in a lower slot",
+       {get(300, 0), get(100, 1), get(200, 2), put(0), put(1), put(2), get(200, 2)},
+       {300, 100, 200}},
+      {"the first larger block, not the best, which keeps its size",
+       {get(1000, 0), get(20, 1), put(0), put(1), get(10, 0), put(2), get(1000, 0)},
+       {1000, 20}},
+      {"a fresh slot comes before replacing, then the lowest smaller one that is free goes",
+       {get(10, 0), get(20, 1), put(1), get(30, 2), put(2), get(40, 3), put(3), get(50, 4), put(4),
+        get(60, 1), get(60, 2)},
+       {10, 60, 60, 40, 50}},
+      {"all five lent: the sixth is untracked, and so is its release",
+       {get(1, 0), get(2, 1), get(3, 2), get(4, 3), get(5, 4), get(1, untracked), put(5), put(2), get(6, 2)},
+       {1, 2, 6, 4, 5}},
+      {"no bytes are a size like any other",
+       {get(0, 0), get(0, 1), get(8, 2), put(1), get(0, 1), put(2), get(0, 2)},
+       {0, 0, 8}},
+      {"the ceiling itself is cached, one byte more is not",
+       {get(41943041, untracked), get(41943040, 0), put(1), get(41943041, untracked), get(41943040, 0)},
+       {41943040}},
+  };
+  for (const auto &row : rows)
+    in_fresh_thread([&] {
+      SCOPED_TRACE(row.what);
+      const mm_ct &record = *own_record();
+      Blocks blocks;
+      for (const Step &step : row.steps) {
+        if (step.released >= 0) {
+          void *block = blocks[step.released];
+          const int slot = slot_of(block);
+          qkr_serv_deallocate(block);
+          if (slot == untracked) EXPECT_EQ(given_back.back(), block);
+          else EXPECT_EQ(record.busy[slot], 0);
+          continue;
+        }
+        blocks.push_back(qkr_serv_allocate(step.size));
+        EXPECT_EQ(slot_of(blocks.back()), step.slot) << "request " << blocks.size() - 1;
+        if (step.slot != untracked) {
+          EXPECT_EQ(record.busy[step.slot], 1);
+        }
+        EXPECT_EQ(record.total, std::accumulate(record.size, record.size + record.count, uint64_t{0}));
+      }
+      EXPECT_EQ(Sizes(record.size, record.size + record.count), row.sizes);
+    });
+}
+
+TEST_F(Cache, ThreadRegistersWithItsFirstCachedRequest) {
+  in_fresh_thread([] {
+    qkr_serv_allocate(cache_ceiling + 1);
+    EXPECT_EQ(mm_FIRST, 1);
+    EXPECT_EQ(n_mmct, 0);
+    qkr_serv_allocate(1);
+    EXPECT_EQ(mm_FIRST, 0);
+    EXPECT_EQ(own_record()->owner, QKR_ThreadID());
+    EXPECT_EQ(n_mmct, 1);
+    EXPECT_EQ(ptrs_mmct[1], own_record());
+
+    ++own_record()->owner;  // a record of someone else serves nothing
+    EXPECT_EQ(slot_of(qkr_serv_allocate(1)), untracked);
+  });
+}
+
+TEST_F(Cache, SwappedHooksServeTheNextCall) {
+  in_fresh_thread([] {
+    i_malloc = malloc;
+    void *block = qkr_serv_allocate(10);
+    i_malloc = recording_malloc;
+    qkr_serv_deallocate(block);  // into its slot
+    for (int i = 0; i < 4; ++i) qkr_serv_allocate(10 + i);
+    EXPECT_EQ(handed_out.size(), 3u);
+    qkr_serv_allocate(20);
+    qkr_serv_allocate(30);  // untracked
+    EXPECT_EQ(handed_out.size(), 5u);
+    EXPECT_TRUE(given_back.empty());
+    qkr_serv_deallocate(block);
+    qkr_serv_allocate(40);  // replaces the block of the other hook
+    EXPECT_EQ(given_back, Blocks{block});
+    free(block);
+  });
+}
+
+TEST_F(Cache, FailedAllocationBlocksItsSlotUntilTheBuffersAreFreed) {
+  in_fresh_thread([] {
+    const mm_ct &record = *own_record();
+    out_of_memory = true;
+    EXPECT_EQ(qkr_serv_allocate(100), nullptr);
+    out_of_memory = false;
+    qkr_serv_deallocate(nullptr);
+    EXPECT_EQ(record.buffer[0], nullptr);
+    EXPECT_EQ(record.busy[0], 1);
+    EXPECT_EQ(record.size[0], 100u);
+    EXPECT_EQ(record.total, 100u);
+    EXPECT_EQ(slot_of(qkr_serv_allocate(100)), 1);
+    qkr_serv_freebuffers();
+    EXPECT_EQ(given_back, handed_out);  // and no null
+    EXPECT_EQ(record.count, 0u);
+  });
+}
+
+TEST_F(Cache, FreebuffersEmptiesEveryRegisteredThreadOnce) {
+  std::binary_semaphore filled{0}, freed{0};
+  std::thread other([&] {
+    const mm_ct &record = *own_record();
+    void *lent = qkr_serv_allocate(1);
+    qkr_serv_deallocate(qkr_serv_allocate(2));
+    filled.release();
+    freed.acquire();
+
+    for (int slot = 0; slot < cache_slots; ++slot)
+      EXPECT_TRUE(!record.buffer[slot] && !record.size[slot] && !record.busy[slot]);
+    EXPECT_EQ(record.count + record.total, 0u);
+    qkr_serv_deallocate(lent);  // its slot is gone
+    EXPECT_EQ(std::count(given_back.begin(), given_back.end(), lent), 2);
+
+    EXPECT_EQ(slot_of(qkr_serv_allocate(3)), 0);  // refills, but is not registered again
+    qkr_serv_freebuffers();
+    EXPECT_EQ(record.count, 1u);
+    EXPECT_EQ(n_mmct, 0);
+  });
+  filled.acquire();
+  in_fresh_thread([&] {
+    qkr_serv_allocate(4);
+    EXPECT_EQ(n_mmct, 2);
+    qkr_serv_freebuffers();
+    EXPECT_EQ(given_back, handed_out);
+    EXPECT_EQ(n_mmct, 0);
+  });
+  freed.release();
+  other.join();
+}
+
+TEST_F(Cache, ReleaseOnAnotherThreadLeavesTheSlotBehind) {
+  in_fresh_thread([] {
+    void *block = qkr_serv_allocate(10);
+    in_fresh_thread([=] { qkr_serv_deallocate(block); });
+    EXPECT_EQ(given_back, Blocks{block});
+    EXPECT_EQ(own_record()->busy[slot_of(block)], 1);
+    qkr_serv_freebuffers();
+    EXPECT_EQ(given_back, Blocks({block, block}));
+  });
+}
+
+TEST_F(Cache, SwitchedOffEverythingGoesToTheHooks) {
+  in_fresh_thread([] {
+    void *cached = qkr_serv_allocate(10);
+    disable_fast_mm = 1;
+    void *direct = qkr_serv_allocate(10);
+    qkr_serv_deallocate(direct);
+    qkr_serv_deallocate(cached);
+    qkr_serv_freebuffers();
+    EXPECT_EQ(handed_out, Blocks({cached, direct}));
+    EXPECT_EQ(given_back, Blocks({direct, cached}));
+    EXPECT_EQ(own_record()->count, 1u);
+  });
+}
+
+// The registry is full when this thread comes; it outlives the 1024 before it, so its record is not reused.
+TEST_F(Cache, ThreadBeyondTheRegistryIsServedButNotReached) {
+  in_fresh_thread([] {
+    for (int i = 1; i <= 1024; ++i) in_fresh_thread([] { qkr_serv_allocate(1); });
+    EXPECT_EQ(n_mmct, 1024);
+    void *block = qkr_serv_allocate(1);
+    EXPECT_EQ(n_mmct, 1024);
+    EXPECT_EQ(std::count(ptrs_mmct, ptrs_mmct + registry_size, own_record()), 0);
+    EXPECT_EQ(ptrs_mmct[0], nullptr);
+    EXPECT_NE(ptrs_mmct[1024], nullptr);
+
+    // The threads that filled it are gone, and their records with them: leave this one alone to be freed.
+    static mm_ct empty;
+    std::fill(ptrs_mmct + 1, ptrs_mmct + registry_size, &empty);
+    qkr_serv_freebuffers();
+    EXPECT_TRUE(given_back.empty());
+    qkr_serv_deallocate(block);
+    EXPECT_EQ(qkr_serv_allocate(1), block);
+  });
+}
