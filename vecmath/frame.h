@@ -100,9 +100,11 @@ QKR_INLINE void store_part(const Arrays<T> &v, ptrdiff_t i, int count, Pair<V> r
 // Whole groups from i on, up to the first with a special element; returns where it stopped. Not inlined and
 // free of calls: then the compiler keeps every constant in a register, and no arithmetic moves before the
 // environment is set. A group is stored only after its test, so a result vector may be an input vector.
-template <class K, class V>
-QKR_NOINLINE ptrdiff_t plain_groups(ptrdiff_t i, ptrdiff_t n, Arrays<typename K::Element> v) {
-  constexpr ptrdiff_t length = sizeof(V) / sizeof(typename K::Element);
+// The vectors come one by one, as they then lie in registers: it halves the time of a call for few elements.
+template <class K, class V, class T = typename K::Element>
+QKR_NOINLINE ptrdiff_t plain_groups(ptrdiff_t i, ptrdiff_t n, const T *a, const T *b, T *r, T *q) {
+  constexpr ptrdiff_t length = sizeof(V) / sizeof(T);
+  const Arrays<T> v = {a, b, r, q};
   for (; i + length <= n; i += length) {
     const Group<K, V> group(v, i);
     const auto result = group.core();
@@ -112,33 +114,34 @@ QKR_NOINLINE ptrdiff_t plain_groups(ptrdiff_t i, ptrdiff_t n, Arrays<typename K:
   return i;
 }
 
-// One native vector with special elements: only these go to the scalar routine, in the order of their index.
-template <class K>
-QKR_NOINLINE void mixed_vector(ptrdiff_t i, Arrays<typename K::Element> v) {
-  using T = typename K::Element;
-  using V = Native<T>;
-  constexpr int length = sizeof(V) / sizeof(T);
-  const Group<K, V> group(v, i);
+// A native vector, or the part that is left at the end, with special elements: only these go to the scalar
+// routine, in the order of their index.
+template <class K, class T = typename K::Element>
+QKR_NOINLINE void mixed_vector(ptrdiff_t i, ptrdiff_t count, const T *a, const T *b, T *r, T *q) {
+  using Vector = Group<K, Native<T>>;
+  constexpr int length = sizeof(Native<T>) / sizeof(T);
+  const Arrays<T> v = {a, b, r, q};
+  const Vector group = count == length ? Vector(v, i) : Vector(v, i, count);
   T first[length], second[length];
   store(Arrays<T>{nullptr, nullptr, first, second}, 0, group.core());
   const unsigned special = lane_set(group.special(), T());
-  for (int k = 0; k < length; ++k) {
+  for (int k = 0; k < count; ++k) {
     if (special >> k & 1) {
       K::scalar(i + k, v);
     } else {
-      v.r[i + k] = first[k];
-      if constexpr (K::results == 2) v.q[i + k] = second[k];
+      r[i + k] = first[k];
+      if constexpr (K::results == 2) q[i + k] = second[k];
     }
   }
 }
 
 // Fewer elements than a vector holds.
-template <class K>
-QKR_NOINLINE void tail(ptrdiff_t i, ptrdiff_t n, Arrays<typename K::Element> v) {
-  const Group<K, Native<typename K::Element>> group(v, i, n - i);
+template <class K, class T = typename K::Element>
+QKR_NOINLINE void tail(ptrdiff_t i, ptrdiff_t n, const T *a, const T *b, T *r, T *q) {
+  const Arrays<T> v = {a, b, r, q};
+  const Group<K, Native<T>> group(v, i, n - i);
   if (!group.any_special()) return store_part(v, i, n - i, group.core());
-  if constexpr (requires { &K::scalar; })
-    for (; i < n; ++i) K::scalar(i, v);
+  if constexpr (requires { &K::scalar; }) mixed_vector<K>(i, n - i, a, b, r, q);
 }
 
 template <class K>
@@ -150,17 +153,18 @@ QKR_INLINE void run(ptrdiff_t n, Arrays<typename K::Element> v) {
   const typename K::Environment environment;
   ptrdiff_t i = 0;
   while (n - i >= group) {
-    i = plain_groups<K, Wide>(i, n, v);
+    i = plain_groups<K, Wide>(i, n, v.a, v.b, v.r, v.q);
     if (n - i < group) break;
     if constexpr (requires { &K::scalar; })
-      for (const ptrdiff_t end = i + group; i < end; i += length) mixed_vector<K>(i, v);
+      for (const ptrdiff_t end = i + group; i < end; i += length)
+        mixed_vector<K>(i, length, v.a, v.b, v.r, v.q);
   }
   while (n - i >= length) {
-    if constexpr (K::width > 1) i = plain_groups<K, V>(i, n, v);
+    if constexpr (K::width > 1) i = plain_groups<K, V>(i, n, v.a, v.b, v.r, v.q);
     if (n - i < length) break;
-    if constexpr (requires { &K::scalar; }) mixed_vector<K>(i, v), i += length;
+    if constexpr (requires { &K::scalar; }) mixed_vector<K>(i, length, v.a, v.b, v.r, v.q), i += length;
   }
-  if (i < n) tail<K>(i, n, v);
+  if (i < n) tail<K>(i, n, v.a, v.b, v.r, v.q);
 }
 
 }  // namespace
