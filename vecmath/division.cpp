@@ -6,13 +6,6 @@
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
-QKR_INLINE void report(int32_t status, ptrdiff_t i, Arrays<double> v, const char *name) {
-  _vxmdErrorGate(status, i, v.a, v.b ? v.b : v.a, v.r, v.r, name);
-}
-QKR_INLINE void report(int32_t status, ptrdiff_t i, Arrays<float> v, const char *name) {
-  _vxmsErrorGate(status, i, v.a, v.b ? v.b : v.a, v.r, v.r, name);
-}
-
 template <class T>
 struct Division : BinaryKernel<T, 2> {
   using Environment = X87Double;

@@ -119,7 +119,7 @@ extern "C" void _vxmdSpecSc(ptrdiff_t i, Arrays<double> v) {
     else if (!negative && pattern >= top_binade_from) r = m * 0x1p1023 * 2.0;
     else r = m * Exp::scale(t, 0);
   }
-  if (status) _vxmdErrorGate(status, i, v.a, v.a, v.r, v.r, "_vxmdExp_HA");
+  if (status) sse2::report(status, i, v, "_vxmdExp_HA");
 }
 
 // 2^k * 2^f in double precision, rounded once: results in the subnormal range.
@@ -161,7 +161,7 @@ extern "C" void _ScalarExp(ptrdiff_t i, Arrays<float> v) {
   } else {
     r = small_exponential(x), status = 4;
   }
-  if (status) _vxmsErrorGate(status, i, v.a, v.a, v.r, v.r, "_vxmsExp_HA");
+  if (status) sse2::report(status, i, v, "_vxmsExp_HA");
 }
 #endif
 

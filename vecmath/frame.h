@@ -32,6 +32,14 @@ struct Arrays {
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
+// Passes element i with a status to the error gate.
+QKR_INLINE void report(int32_t status, ptrdiff_t i, Arrays<double> v, const char *name) {
+  _vxmdErrorGate(status, i, v.a, v.b ? v.b : v.a, v.r, v.q ? v.q : v.r, name);
+}
+QKR_INLINE void report(int32_t status, ptrdiff_t i, Arrays<float> v, const char *name) {
+  _vxmsErrorGate(status, i, v.a, v.b ? v.b : v.a, v.r, v.q ? v.q : v.r, name);
+}
+
 template <class V>
 struct Pair {
   V first, second;

@@ -67,7 +67,7 @@ extern "C" void _sLn_Scalar(ptrdiff_t i, Arrays<float> v) {
   } else {
     v.r[i] = sse2::LnSingle::core(x);
   }
-  if (status) _vxmsErrorGate(status, i, v.a, v.a, v.r, v.r, "_vxmsLn_HA");
+  if (status) sse2::report(status, i, v, "_vxmsLn_HA");
 }
 #endif
 

@@ -141,15 +141,15 @@ static int32_t special_logarithm(ptrdiff_t i, Arrays<T> v) {
 
 extern "C" void _dLn_Scalar(ptrdiff_t i, Arrays<double> v) {
   const int32_t status = special_logarithm<sse2::LnDouble, sse2::NaturalDouble>(i, v);
-  if (status) _vxmdErrorGate(status, i, v.a, v.a, v.r, v.r, "_vxmdLn_HA");
+  if (status) sse2::report(status, i, v, "_vxmdLn_HA");
 }
 extern "C" void _dLg_Scalar(ptrdiff_t i, Arrays<double> v) {
   const int32_t status = special_logarithm<sse2::Log10Double, sse2::CommonDouble>(i, v);
-  if (status) _vxmdErrorGate(status, i, v.a, v.a, v.r, v.r, "_vxmdLog10_HA");
+  if (status) sse2::report(status, i, v, "_vxmdLog10_HA");
 }
 extern "C" void _sLg_Scalar(ptrdiff_t i, Arrays<float> v) {
   const int32_t status = special_logarithm<sse2::Log10Single, sse2::CommonSingle>(i, v);
-  if (status) _vxmsErrorGate(status, i, v.a, v.a, v.r, v.r, "_vxmsLog10_HA");
+  if (status) sse2::report(status, i, v, "_vxmsLog10_HA");
 }
 #endif
 

@@ -89,7 +89,7 @@ void sqrt_scalar(ptrdiff_t i, Arrays<double> v) {
     r = x;
   } else if (pattern >> 63) {
     r = real(dbInd);
-    _vxmdErrorGate(1, i, v.a, v.a, v.r, v.r, "_vxmdSqrt_HA");
+    report(1, i, v, "_vxmdSqrt_HA");
   } else if (pattern < 0x0010000000000000u) {
     r = SqrtDouble::root(x, x * dbXMul) * dbResMul;
   } else {
@@ -108,7 +108,7 @@ void sqrt_scalar(ptrdiff_t i, Arrays<float> v) {
     r = at_run_time(x) * 1.0f;
   } else if (pattern >> 31) {
     r = real(0xFFC00000u);
-    _vxmsErrorGate(1, i, v.a, v.a, v.r, v.r, "_vxmsSqrt_HA");
+    report(1, i, v, "_vxmsSqrt_HA");
   } else if (pattern < 0x00800000u) {
     r = SqrtSingle::core(x * flXMul) * flResMul;
   } else {
