@@ -172,6 +172,43 @@ QKR_API void _vxmsTan_HA(int32_t n, const float *a, float *r);
 QKR_API void _vxmsTan_21(int32_t n, const float *a, float *r);
 /**@}*/
 
+/** @name InvSqrt
+ * The reciprocal square root, r[i] = 1 / sqrt(a[i]).
+ *
+ * | a[i]                     | r[i]       | status         |
+ * |--------------------------|------------|----------------|
+ * | NaN                      | NaN        | none           |
+ * | +inf                     | +0         | none           |
+ * | +0, -0                   | +inf, -inf | 2, singularity |
+ * | negative, -inf included  | NaN        | 1, domain      |
+ *
+ * Method: guess from the bit pattern (J. F. Blinn, 1997), Householder step, binomial series on an exact residual. */
+/**@{*/
+QKR_API void _vxmdInvSqrt_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdInvSqrt_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsInvSqrt_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsInvSqrt_21(int32_t n, const float *a, float *r);
+/**@}*/
+
+/** @name Cbrt
+ * The cube root. Zeros, infinities and NaNs give themselves; nothing is reported. Method as for InvSqrt. */
+/**@{*/
+QKR_API void _vxmdCbrt_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdCbrt_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsCbrt_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsCbrt_21(int32_t n, const float *a, float *r);
+/**@}*/
+
+/** @name InvCbrt
+ * The reciprocal cube root. A zero gives the infinity of its sign and status 2; an infinity gives the zero of its
+ * sign; a NaN gives NaN. Method as for InvSqrt. */
+/**@{*/
+QKR_API void _vxmdInvCbrt_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdInvCbrt_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsInvCbrt_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsInvCbrt_21(int32_t n, const float *a, float *r);
+/**@}*/
+
 QKR_END_DECLS
 
 #endif
