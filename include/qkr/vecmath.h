@@ -239,6 +239,36 @@ QKR_API void _vxmsPowx_HA(int32_t n, const float *a, float b, float *r);
 QKR_API void _vxmsPowx_21(int32_t n, const float *a, float b, float *r);
 /**@}*/
 
+/** @name Erf
+ * The error function, 2/sqrt(pi) times the integral of e^(-t^2) from 0 to a[i]. Zeros keep their sign, infinities give
+ * 1 with their sign, NaN gives NaN; nothing is reported.
+ *
+ * Method: table of short polynomials (P. T. P. Tang, IEEE Symposium on Computer Arithmetic 10 (1991) 232). */
+/**@{*/
+QKR_API void _vxmdErf_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdErf_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsErf_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsErf_21(int32_t n, const float *a, float *r);
+/**@}*/
+
+/** @name Erfc
+ * The complementary error function, 1 - erf(a[i]), with full relative accuracy also where it is small.
+ *
+ * | a[i]                         | r[i]              | status       |
+ * |------------------------------|-------------------|--------------|
+ * | NaN                          | NaN               | none         |
+ * | +inf, -inf                   | +0, 2             | none         |
+ * | above 26.543 (float 9.194)   | subnormal or zero | 4, underflow |
+ *
+ * Method: e^(-x^2) times a function that changes slowly (W. J. Cody, Mathematics of Computation 23 (1969) 631), both by
+ * tables of short polynomials (P. T. P. Tang, 1991). */
+/**@{*/
+QKR_API void _vxmdErfc_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdErfc_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsErfc_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsErfc_21(int32_t n, const float *a, float *r);
+/**@}*/
+
 QKR_END_DECLS
 
 #endif

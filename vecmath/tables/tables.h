@@ -26,6 +26,26 @@ alignas(64) extern const float exp2f_hi[128];
 alignas(64) extern const float exp2f_lo[128];
 }  // namespace qkr::exp_single
 
+// Polynomials for the error functions, a row for each node; the columns stand in the generator.
+namespace qkr::erf_double {
+alignas(64) extern const double rows[353][8];
+}
+namespace qkr::erfc_double {
+alignas(64) extern const double rows[611][8];
+}
+namespace qkr::erf_inverse_double {
+alignas(64) extern const double rows[333][8];
+}
+namespace qkr::erf_single {
+alignas(64) extern const double rows[145][4];
+}
+namespace qkr::erfc_single {
+alignas(64) extern const double rows[219][4];
+}
+namespace qkr::erf_inverse_single {
+alignas(64) extern const double rows[264][4];
+}
+
 namespace qkr::ln_double {
 // Row k of 0 to 512: r, r, T.hi, T.lo with r about 1 / (1 + k/512), a multiple of 2^-23, and T = -ln(r), less ln 2
 // from row 256 on.
