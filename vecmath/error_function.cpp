@@ -10,11 +10,6 @@
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
-template <class V>
-QKR_INLINE V size_of(V x) {
-  return real(bits(x) & ~sign_bit);
-}
-
 struct ErfDouble : UnaryKernel<double, 2> {
   // From here on erf x rounds to 1.
   static constexpr double one_from = 6.0;

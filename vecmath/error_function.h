@@ -10,16 +10,22 @@ namespace {
 
 constexpr uint64_t sign_bit = 0x8000000000000000u;
 
+template <class V>
+QKR_INLINE V size_of(V x) {
+  return real(bits(x) & ~sign_bit);
+}
+
 // The row nearest to x >= 0, and the distance of x from its node, which is exact.
 template <int bits_of_node, class V>
 struct NearestRow {
   decltype(bits(V())) row;
-  V distance;
+  V node, distance;
   QKR_INLINE explicit NearestRow(V x) {
     constexpr int shift = 52 - bits_of_node;
     const auto rounded = (bits(x + 1.0) + ((uint64_t)1 << (shift - 1))) >> shift;
     row = rounded - ((uint64_t)1023 << bits_of_node);
-    distance = x - (real(rounded << shift) - 1.0);
+    node = real(rounded << shift) - 1.0;
+    distance = x - node;
   }
 };
 

@@ -269,6 +269,25 @@ QKR_API void _vxmsErfc_HA(int32_t n, const float *a, float *r);
 QKR_API void _vxmsErfc_21(int32_t n, const float *a, float *r);
 /**@}*/
 
+/** @name ErfInv
+ * The inverse of the error function: erf(r[i]) = a[i].
+ *
+ * | a[i]                       | r[i]        | status         |
+ * |----------------------------|-------------|----------------|
+ * | NaN                        | NaN         | none           |
+ * | +0, -0                     | a[i]        | none           |
+ * | 1, -1                      | +inf, -inf  | 2, singularity |
+ * | above 1 or below -1        | NaN         | 1, domain      |
+ *
+ * Method: a[i] times a function of -ln(1 - a[i]^2) (M. Giles, GPU Computing Gems 2, 2010), by a table of short
+ * polynomials. */
+/**@{*/
+QKR_API void _vxmdErfInv_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdErfInv_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsErfInv_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsErfInv_21(int32_t n, const float *a, float *r);
+/**@}*/
+
 QKR_END_DECLS
 
 #endif
