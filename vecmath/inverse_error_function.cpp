@@ -28,7 +28,7 @@ struct ErfInvDouble : UnaryKernel<double, QKR_BASELINE ? 1 : 2> {
     // 1 - x^2 = u + u_lo, by at most a part of 2^28.
     const V square = size * size, u = 1.0 - square;
     const V u_lo = ((1.0 - u) - square) - product_error(size, size, square);
-    // -ln(u + u_lo) = -(s + rest), s exact and a multiple of 2^-43.
+    // ln(u + u_lo) = s + rest, where s and its distance from a node are exact.
     const LogReduction<V> u_is(u);
     const V scale = real(0x7FE0000000000000u - (bits(u) & 0x7FF0000000000000u));
     const V z = u_is.head_residual + (u_is.tail + u_lo * scale) * u_is.r;
@@ -61,7 +61,8 @@ struct ErfInvSingle : UnaryKernel<float, QKR_BASELINE ? 1 : 2> {
     const auto wide = widen(x), size = at_most(size_of(wide), 1.0 - 0x1p-24);
     const LogReduction u_is(1.0 - size * size);
     const auto z = u_is.head_residual + u_is.tail * u_is.r;
-    const auto ln = exact_mad(u_is.n, ln2_hi, u_is.t_hi) + (z + (z * z) * (-0.5 + z * (1.0 / 3)));
+    const auto rest = u_is.t_lo + (z + (z * z) * (-0.5 + z * (1.0 / 3)));
+    const auto ln = exact_mad(u_is.n, ln2_hi, u_is.t_hi) + rest;
     return narrow(wide * cubic(erf_inverse_single::rows, 0.0 - ln));
   }
 
