@@ -1,15 +1,16 @@
 #!/usr/bin/python3
 """Quadratics A2 * m**2 + A1 * m + A0 for the scalar square roots, one for each of equal parts of [1, 2].
 
-Double: 1 / sqrt(m) in 128 parts, to 2**-27.7; the kernel's Newton step squares that. Single: sqrt(m) itself in
-64 parts, to 2**-27.0, which is rounded to single once.
+Double: 1 / sqrt(m) in 128 parts, to 2**-27.7; the kernel's Newton step squares that. Single: sqrt(m) itself
+in 64 parts, to 2**-27.0, which is rounded to single once.
 
-Each is the minimax polynomial of the relative error e(m) = p(m) * m**s - 1, with s = 1/2 for 1 / sqrt and s = -1/2
-for sqrt, by Remez's exchange. e'(m) = 0 is a quadratic equation, so the exchange needs no search: its references
-are the two ends and the two roots. The coefficients are then rounded, which costs less than 2**-50.
+Each is the minimax polynomial of the relative error e(m) = p(m) * m**s - 1, with s = 1/2 for 1 / sqrt and s =
+-1/2 for sqrt, by Remez's exchange. e'(m) = 0 is a quadratic equation, so the exchange needs no search: its
+references are the two ends and the two roots. The coefficients are then rounded, which costs less than
+2**-50.
 
-The first row of 1 / sqrt is bound to p(1) = 1, without rounding in its evaluation, so that the square roots of powers
-of four are exact; its error is 2**-27.4.
+The first row of 1 / sqrt is bound to p(1) = 1, without rounding in its evaluation, so that the square roots
+of powers of four are exact; its error is 2**-27.4.
 """
 from gmpy2 import mpfr, sqrt
 
