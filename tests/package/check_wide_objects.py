@@ -14,4 +14,4 @@ visible = [symbol for symbol in symbols if symbol[0] in "uvw" or symbol[0].isupp
 print(f"{len(objects)} objects, {len(visible)} visible symbols")
 if not visible:
     sys.exit("no function bodies found")
-sys.exit("\n".join(symbol for symbol in visible if not BODY.fullmatch(symbol)))
+sys.exit("\n".join(symbol for symbol in visible if not BODY.fullmatch(symbol)) or 0)
