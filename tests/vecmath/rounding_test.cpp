@@ -23,13 +23,17 @@ struct Function {
   const char *name;
   void (*vector)(int32_t, const T *, T *);
   T (*reference)(T);
+  bool follows_direction =
+      false;  // else the reference is called in rounding to nearest, as some err elsewhere
 };
 
-#define ROUNDING(letter, T)                                                                   \
-  const Function<T> functions_##letter[] = {                                                  \
-      {"Ceil", _vxm##letter##Ceil, std::ceil},    {"Floor", _vxm##letter##Floor, std::floor}, \
-      {"Round", _vxm##letter##Round, std::round}, {"Trunc", _vxm##letter##Trunc, std::trunc}, \
-      {"Rint", _vxm##letter##Rint, std::rint},    {"NearbyInt", _vxm##letter##NearbyInt, std::nearbyint}};
+#define ROUNDING(letter, T)                                                                \
+  const Function<T> functions_##letter[] = {{"Ceil", _vxm##letter##Ceil, std::ceil},       \
+                                            {"Floor", _vxm##letter##Floor, std::floor},    \
+                                            {"Round", _vxm##letter##Round, std::round},    \
+                                            {"Trunc", _vxm##letter##Trunc, std::trunc},    \
+                                            {"Rint", _vxm##letter##Rint, std::rint, true}, \
+                                            {"NearbyInt", _vxm##letter##NearbyInt, std::nearbyint, true}};
 ROUNDING(d, double)
 ROUNDING(s, float)
 const auto &functions_of(double) { return functions_d; }
@@ -100,7 +104,7 @@ TYPED_TEST(Rounding, AgreesWithTheLibrary) {
   everywhere([&](int direction, unsigned flush) {
     for (const auto &f : functions_of(T())) {
       std::vector<T> expected(x.size()), r = x;  // in place
-      under(direction, 0, [&] {
+      under(f.follows_direction ? direction : FE_TONEAREST, 0, [&] {
         for (size_t i = 0; i < x.size(); ++i) expected[i] = f.reference(x[i]);
       });
       const unsigned raised = under(direction, flush, [&] { f.vector(x.size(), r.data(), r.data()); });
