@@ -23,19 +23,18 @@ struct Function {
   const char *name;
   void (*vector)(int32_t, const T *, T *);
   T (*reference)(T);
-  bool follows_direction =
-      false;  // else the reference is called in rounding to nearest, as some err elsewhere
 };
 
-#define ROUNDING(letter, T)                                                                \
-  const Function<T> functions_##letter[] = {{"Ceil", _vxm##letter##Ceil, std::ceil},       \
-                                            {"Floor", _vxm##letter##Floor, std::floor},    \
-                                            {"Round", _vxm##letter##Round, std::round},    \
-                                            {"Trunc", _vxm##letter##Trunc, std::trunc},    \
-                                            {"Rint", _vxm##letter##Rint, std::rint, true}, \
-                                            {"NearbyInt", _vxm##letter##NearbyInt, std::nearbyint, true}};
-ROUNDING(d, double)
-ROUNDING(s, float)
+// The C library's own functions: what the compiler puts in place of std::rint errs in the sign of zero.
+#define ROUNDING(letter, T, suffix)                                                        \
+  const Function<T> functions_##letter[] = {{"Ceil", _vxm##letter##Ceil, ceil##suffix},    \
+                                            {"Floor", _vxm##letter##Floor, floor##suffix}, \
+                                            {"Round", _vxm##letter##Round, round##suffix}, \
+                                            {"Trunc", _vxm##letter##Trunc, trunc##suffix}, \
+                                            {"Rint", _vxm##letter##Rint, rint##suffix},    \
+                                            {"NearbyInt", _vxm##letter##NearbyInt, nearbyint##suffix}};
+ROUNDING(d, double, )
+ROUNDING(s, float, f)
 const auto &functions_of(double) { return functions_d; }
 const auto &functions_of(float) { return functions_s; }
 
@@ -104,7 +103,7 @@ TYPED_TEST(Rounding, AgreesWithTheLibrary) {
   everywhere([&](int direction, unsigned flush) {
     for (const auto &f : functions_of(T())) {
       std::vector<T> expected(x.size()), r = x;  // in place
-      under(f.follows_direction ? direction : FE_TONEAREST, 0, [&] {
+      under(direction, 0, [&] {
         for (size_t i = 0; i < x.size(); ++i) expected[i] = f.reference(x[i]);
       });
       const unsigned raised = under(direction, flush, [&] { f.vector(x.size(), r.data(), r.data()); });
