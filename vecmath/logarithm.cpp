@@ -127,7 +127,7 @@ static int32_t special_logarithm(ptrdiff_t i, Arrays<T> v) {
   const auto pattern = sse2::bits(x);
   if (magnitude(pattern) > Log::infinity) {
     v.r[i] = x;
-    at_run_time(at_run_time(x) * (T)1);  // a signalling NaN stays in the result but raises its exception
+    at_run_time(x * at_run_time((T)1));  // a signalling NaN stays in the result but raises its exception
     return 0;
   }
   if (magnitude(pattern) == 0) return v.r[i] = -__builtin_inf(), 2;

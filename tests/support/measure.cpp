@@ -1,11 +1,10 @@
 #include "tests/support/measure.h"
 
-#include <qkr/vecmath_control.h>
-
 #include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <memory>
+#include <qkr/vecmath_control.h>
 #include <thread>
 #include <utility>
 
@@ -56,10 +55,13 @@ class Meter {
     double error = 0;
     if (const Quick<T> &quick = f_.quick[result]) {
       error = quick_error(quick, a, b, computed);
+      // No function does better than 0.5; up to there it does not matter which reference has measured.
+      const bool may_be_worst = !(error < std::max(worst.error, 0.5) - reference_tolerance<T>);
       const bool spot_check = i % 1024 == 0;
-      if (spot_check || !(error < worst.error - reference_tolerance<T>)) {
+      if (may_be_worst || spot_check) {
         const double checked = oracle_.error(f_, result, a, b, computed);
-        if (checked != error) errors_.reference_gap = std::max(errors_.reference_gap, std::fabs(checked - error));
+        if (checked != error)
+          errors_.reference_gap = std::max(errors_.reference_gap, std::fabs(checked - error));
         error = checked;
       }
     } else {

@@ -17,8 +17,8 @@ struct Errors {
   Worst<T> subnormal;  // of subnormal and zero results, in subnormal spacings
   double sum = 0;
   uint64_t points = 0;
-  // The largest difference seen between quick reference and MPFR. Wherever the quick one comes near the largest
-  // error MPFR decides, so the largest errors are sound as long as this is small.
+  // The largest difference seen between quick reference and MPFR. Wherever the quick one comes near the
+  // largest error MPFR decides, so the largest errors are sound as long as this is small.
   double reference_gap = 0;
 
   double mean() const { return points ? sum / static_cast<double>(points) : 0; }

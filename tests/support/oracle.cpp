@@ -1,10 +1,9 @@
 #include "tests/support/oracle.h"
 
-#include <string.h>
-
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <string.h>
 
 namespace qkr::tests {
 namespace {
@@ -20,8 +19,9 @@ constexpr int ulp_exponent(int e) {
 
 // From here on numbers round to infinity.
 template <class T>
-constexpr Wider<T> overflow_from = Wider<T>(std::numeric_limits<T>::max()) +
-                                   Wider<T>(std::numeric_limits<T>::max()) * std::numeric_limits<T>::epsilon() / 4;
+constexpr Wider<T> overflow_from =
+    Wider<T>(std::numeric_limits<T>::max()) + Wider<T>(std::numeric_limits<T>::max()) *
+                                                  std::numeric_limits<T>::epsilon() / 4;
 
 // The exponent of a number, and one less for a power of two: the exact value may lie below it.
 int lower_exponent(double x) {
@@ -90,12 +90,12 @@ double Oracle<T>::error(const VectorFunction<T> &f, int result, T a, T b, T comp
 template <class T>
 double quick_error(const Quick<T> &quick, T a, T b, T computed) {
   const Wider<T> exact = quick.binary ? quick.binary(a, b) : quick.unary(a);
-  if (std::isnan(computed) || std::isnan(exact)) return std::isnan(computed) && std::isnan(exact) ? 0 : infinity;
+  if (std::isnan(computed) || std::isnan(exact))
+    return std::isnan(computed) && std::isnan(exact) ? 0 : infinity;
   if (std::isinf(computed))
     return std::fabs(exact) >= overflow_from<T> && computed == std::copysign(infinity, exact) ? 0 : infinity;
   const int k = ulp_exponent<T>(lower_exponent(exact));
-  return static_cast<double>(std::fabs(computed - exact) *
-                             inverse_ulps<T>.of[k - InverseUlps<T>::first]);
+  return static_cast<double>(std::fabs(computed - exact) * inverse_ulps<T>.of[k - InverseUlps<T>::first]);
 }
 
 template class Oracle<double>;

@@ -51,8 +51,8 @@ T of_rank(int64_t rank) {
 // Any pattern between the ends of a range is equally likely.
 template <class T>
 T any_between(Range<T> range, Random &random) {
-  const int64_t low = rank(range.low);
-  return of_rank<T>(low + static_cast<int64_t>(random.below(static_cast<uint64_t>(rank(range.high) - low) + 1)));
+  const uint64_t low = rank(range.low), high = rank(range.high);
+  return of_rank<T>(static_cast<int64_t>(low + random.below(high - low + 1)));
 }
 
 // Any value between the ends of a range, which may not be wider than 2^60, is equally likely.
@@ -66,8 +66,10 @@ template <class T>
 std::vector<T> notable_points(const VectorFunction<T> &f) {
   using Format = std::numeric_limits<T>;
   std::vector<T> points = f.points;
-  for (T x : {T(0), Format::denorm_min(), Format::min(), Format::epsilon(), T(0.5), T(1), T(2), Format::max()})
+  for (T x :
+       {T(0), Format::denorm_min(), Format::min(), Format::epsilon(), T(0.5), T(1), T(2), Format::max()})
     points.insert(points.end(), {x, -x});
+  if (const Contract *contract = find_contract(f.name)) points.push_back(static_cast<T>(contract->worst));
   points.insert(points.end(), {f.a.low, f.a.high, f.b.low, f.b.high});
   return points;
 }
@@ -83,9 +85,13 @@ T sample(const VectorFunction<T> &f, Range<T> range, const std::vector<T> &point
   T x = 0;
   switch (random.below(8)) {
     case 0:
-    case 1: x = any_between(range, random); break;
+    case 1:
+      x = any_between(range, random);
+      break;
     case 2:
-    case 3: x = sign * any_between(Range<T>{T(0x1p-12), T(0x1p12)}, random); break;
+    case 3:
+      x = sign * any_between(Range<T>{T(0x1p-12), T(0x1p12)}, random);
+      break;
     case 4:
       x = value_between(Range<T>{std::max(range.low, T(-0x1p12)), std::min(range.high, T(0x1p12))}, random);
       break;
@@ -94,13 +100,30 @@ T sample(const VectorFunction<T> &f, Range<T> range, const std::vector<T> &point
         x = near(std::trunc(value_between(Range<T>{-4096, 4096}, random)) * f.period / 2);
       } else {
         const T rows = power_of_two(6, 10);
-        x = near(sign * (1 + static_cast<T>(random.below(static_cast<uint64_t>(rows))) / rows) * power_of_two(-8, 8));
+        x = near(sign * (1 + static_cast<T>(random.below(static_cast<uint64_t>(rows))) / rows) *
+                 power_of_two(-8, 8));
       }
       break;
-    case 6: x = 1 + sign * power_of_two(-std::numeric_limits<T>::digits, -1) * static_cast<T>(random.unit()); break;
-    case 7: x = near(points[random.below(points.size())]); break;
+    case 6:
+      x = 1 + sign * power_of_two(-std::numeric_limits<T>::digits, -1) * static_cast<T>(random.unit());
+      break;
+    case 7:
+      x = near(points[random.below(points.size())]);
+      break;
   }
   return x >= range.low && x <= range.high ? x : any_between(range, random);
+}
+
+// Inputs of every kind: samples, and one in four of any pattern, which may be a NaN.
+template <class T>
+std::vector<T> mixed_inputs(const VectorFunction<T> &f, Range<T> range, int count, uint64_t seed) {
+  const std::vector<T> points = notable_points(f);
+  Random random{seed};
+  std::vector<T> inputs(count);
+  for (T &x : inputs)
+    x = random.below(4) ? sample(f, range, points, random)
+                        : from_pattern<T>(static_cast<Pattern<T>>(random()));
+  return inputs;
 }
 
 }  // namespace qkr::tests

@@ -1,14 +1,15 @@
-// What the accuracy tool and the tests of results know about each vector function. A new function joins all of
-// them by one row in vector_functions.cpp.
+// What the accuracy tool and the tests of results know about each vector function. A new function joins all
+// of them by one row in vector_functions.cpp.
 #pragma once
 
+#include <limits>
 #include <mpfr.h>
 #include <stdint.h>
-
-#include <limits>
 #include <string_view>
 #include <type_traits>
 #include <vector>
+
+#include "vecmath/contract.h"
 
 namespace qkr::tests {
 
@@ -77,7 +78,7 @@ enum class Rounding { own, callers };
 template <class T>
 struct VectorFunction {
   const char *name;
-  Entry<T> entry;
+  Entry<T> entry, low;    // low: the entry of the lower-accuracy name, where there is one
   Exact exact[2];         // of each result
   Quick<T> quick[2];      // may be left out: then MPFR serves alone
   Range<T> a, b;          // finite inputs with finite results, and some way beyond
@@ -99,7 +100,10 @@ const VectorFunction<T> *find_function(std::string_view name) {
   return nullptr;
 }
 
-// The error that a function's contract allows, in ulp; one without a contract must round correctly.
+// What the function's source promises; null for one that has to round correctly.
+const Contract *find_contract(std::string_view name);
+
+// The error that is allowed, in ulp.
 double error_bound(std::string_view name);
 
 }  // namespace qkr::tests

@@ -1,10 +1,9 @@
-// Measures the errors of vector functions against MPFR and prints them as a Markdown table; fails if one exceeds
-// what its contract allows.
+// Measures the errors of vector functions against MPFR and prints them as a Markdown table; fails if one
+// exceeds what its contract allows.
+#include <algorithm>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-
-#include <algorithm>
 #include <string>
 
 #include "simd/level.h"
@@ -17,7 +16,8 @@ namespace {
 using namespace qkr::tests;
 
 constexpr const char usage[] =
-    "accuracy [FUNCTION...] [--points N] [--exhaustive] [--level sse2|avx2|avx512] [--peers] [--markdown FILE]\n"
+    "accuracy [FUNCTION...] [--points N] [--exhaustive] [--level sse2|avx2|avx512] [--peers] [--markdown "
+    "FILE]\n"
     "  FUNCTION         _vxmdExp_HA, or Exp for both precisions; all if none is named\n"
     "  --points N       random inputs for each function, beside the neighbourhoods of notable ones\n"
     "  --exhaustive     every float for functions of one float\n"
@@ -60,7 +60,7 @@ Options parse(int count, char **words) {
     else if (word == "--peers") options.with_peers = true;
     else if (word == "--markdown") options.markdown = value();
     else if (word == "--help") printf("%s", usage), exit(0);
-    else if (word[0] == '-' ) fail("unknown option: " + word);
+    else if (word[0] == '-') fail("unknown option: " + word);
     else options.functions.push_back(word);
   }
   return options;
@@ -71,7 +71,9 @@ class Report {
   explicit Report(const Options &options) : options_(options) {
     if (options.markdown && !(file_ = fopen(options.markdown, "w")))
       fail(std::string("cannot write ") + options.markdown);
-    print("| function | bound | largest error | at | pattern | mean error | below the normal range | points |\n");
+    print(
+        "| function | bound | largest error | at | pattern | mean error | below the normal range | points "
+        "|\n");
     print("|---|---:|---:|---|---|---:|---:|---:|\n");
   }
   ~Report() {
@@ -86,7 +88,8 @@ class Report {
     const Errors<T> errors = run(f);
     row(f, std::string("`") + f.name + "`", decimals(bound, 3), errors);
     if (!(errors.normal.error <= bound)) complain(f.name, "exceeds its bound");
-    if (!(errors.subnormal.error <= subnormal_bound)) complain(f.name, "is off by more than a subnormal spacing");
+    if (!(errors.subnormal.error <= subnormal_bound))
+      complain(f.name, "is off by more than a subnormal spacing");
     if (errors.reference_gap > reference_tolerance<T>) complain(f.name, "has a poor quick reference");
     if (!options_.with_peers) return;
     for (const auto &peer : qkr::tools::peers<T>()) {
@@ -117,13 +120,19 @@ class Report {
   }
 
   template <class T>
-  void row(const VectorFunction<T> &f, const std::string &name, const std::string &bound, const Errors<T> &errors) {
+  void row(const VectorFunction<T> &f, const std::string &name, const std::string &bound,
+           const Errors<T> &errors) {
     const auto both_inputs = [&](auto text) {
       return text(errors.normal.a) + (f.entry.inputs() == 2 ? ", " + text(errors.normal.b) : "");
     };
-    const std::string cells[] = {name, bound, decimals(errors.normal.error, 5), both_inputs(hexadecimal<T>),
-                                 both_inputs(pattern<T>), decimals(errors.mean(), 4),
-                                 decimals(errors.subnormal.error, 4), std::to_string(errors.points)};
+    const std::string cells[] = {name,
+                                 bound,
+                                 decimals(errors.normal.error, 5),
+                                 both_inputs(hexadecimal<T>),
+                                 both_inputs(pattern<T>),
+                                 decimals(errors.mean(), 4),
+                                 decimals(errors.subnormal.error, 4),
+                                 std::to_string(errors.points)};
     std::string line;
     for (const std::string &cell : cells) line += "| " + cell + " ";
     print(line + "|\n");
@@ -136,7 +145,8 @@ class Report {
   }
   template <class T>
   static std::string pattern(T x) {
-    return formatted("0x%0*llX", static_cast<int>(2 * sizeof(T)), static_cast<unsigned long long>(pattern_of(x)));
+    return formatted("0x%0*llX", static_cast<int>(2 * sizeof(T)),
+                     static_cast<unsigned long long>(pattern_of(x)));
   }
   template <class... Values>
   static std::string formatted(const char *format, Values... values) {

@@ -15,7 +15,7 @@
   PEER(Log10, log10)
 
 #ifdef QKR_PEER_LIBMVEC
-#define DECLARE(ours, theirs)                     \
+#define DECLARE(ours, theirs)                    \
   extern "C" __m256d _ZGVdN4v_##theirs(__m256d); \
   extern "C" __m256 _ZGVdN8v_##theirs##f(__m256);
 FUNCTIONS(DECLARE)
@@ -58,12 +58,12 @@ void vector_loop(int32_t n, const T *a, T *r) {
 template <class T>
 std::vector<Peer<T>> peers() {
   std::vector<Peer<T>> all;
-#define LIBM(ours, theirs)                                                         \
+#define LIBM(ours, theirs)                                                             \
   all.push_back({either<T>("_vxmd" #ours "_HA", "_vxms" #ours "_HA"), "libm " #theirs, \
                  either<T>(loop<double, theirs>, loop<float, theirs##f>)});
   FUNCTIONS(LIBM)
   if (!__builtin_cpu_supports("avx2")) return all;
-#define VECTOR_PEER(library, ours, theirs, in_double, in_single)                        \
+#define VECTOR_PEER(library, ours, theirs, in_double, in_single)                       \
   all.push_back({either<T>("_vxmd" #ours "_HA", "_vxms" #ours "_HA"), library #theirs, \
                  either<T>(vector_loop<double, in_double>, vector_loop<float, in_single>)});
 #ifdef QKR_PEER_SLEEF
@@ -72,8 +72,7 @@ std::vector<Peer<T>> peers() {
   FUNCTIONS(SLEEF)
 #endif
 #ifdef QKR_PEER_LIBMVEC
-#define LIBMVEC(ours, theirs) \
-  VECTOR_PEER("libmvec ", ours, theirs, _ZGVdN4v_##theirs, _ZGVdN8v_##theirs##f)
+#define LIBMVEC(ours, theirs) VECTOR_PEER("libmvec ", ours, theirs, _ZGVdN4v_##theirs, _ZGVdN8v_##theirs##f)
   FUNCTIONS(LIBMVEC)
 #endif
   return all;
