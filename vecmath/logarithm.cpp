@@ -153,6 +153,10 @@ extern "C" void _sLg_Scalar(ptrdiff_t i, Arrays<float> v) {
 }
 #endif
 
+QKR_CONTRACT(_vxmdLn_HA, 0.59, 0x1.003ffd1db6cb4p+0);
+QKR_CONTRACT(_vxmdLog10_HA, 0.59, 0x1.ffdb60b21b953p-1);
+QKR_CONTRACT(_vxmsLog10_HA, 0.75, 0x1.01d8bep+0);
+
 QKR_UNARY(_vxmdLn_HA, double, LnDouble)
 QKR_UNARY(_vxmdLog10_HA, double, Log10Double)
 QKR_UNARY(_vxmsLog10_HA, float, Log10Single)

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <qkr/vecmath.h>
+#include <qkr/vecmath_exact.h>
 
 // Gathered by the linker from the kernels' files; absent as long as no kernel has one.
 extern "C" __attribute__((weak)) const qkr::Contract __start_qkr_contracts[], __stop_qkr_contracts[];
@@ -24,6 +25,9 @@ W quotient(W a, W b) {
   .name = either<T>("_vxmd" #function "_HA", "_vxms" #function "_HA"), \
   .entry = either<T>(_vxmd##function##_HA, _vxms##function##_HA),      \
   .low = either<T>(_vxmd##function##_50, _vxms##function##_21)
+#define EXACT_FUNCTION(function)                           \
+  .name = either<T>("_vxmd" #function, "_vxms" #function), \
+  .entry = either<T>(_vxmd##function, _vxms##function)
 
 template <class T>
 std::vector<VectorFunction<T>> make_table() {
@@ -45,6 +49,16 @@ std::vector<VectorFunction<T>> make_table() {
       {FUNCTION(Sqrt), .exact = {mpfr_sqrt}, .quick = {std::sqrt}, .a = {0, max}, .points = {2, 4}},
       {FUNCTION(Div), .exact = {mpfr_div}, .quick = {quotient<Wider<T>>}, .rounding = Rounding::callers},
       {FUNCTION(Inv), .exact = {reciprocal}, .quick = {reciprocal<Wider<T>>}, .rounding = Rounding::callers},
+      {EXACT_FUNCTION(Ceil), .exact = {mpfr_rint_ceil}, .quick = {std::ceil}, .rounding = Rounding::callers},
+      {EXACT_FUNCTION(Floor), .exact = {mpfr_rint_floor}, .quick = {std::floor},
+       .rounding = Rounding::callers},
+      {EXACT_FUNCTION(Round), .exact = {mpfr_rint_round}, .quick = {std::round},
+       .rounding = Rounding::callers},
+      {EXACT_FUNCTION(Trunc), .exact = {mpfr_rint_trunc}, .quick = {std::trunc},
+       .rounding = Rounding::callers},
+      {EXACT_FUNCTION(Rint), .exact = {mpfr_rint}, .quick = {std::rint}, .rounding = Rounding::callers},
+      {EXACT_FUNCTION(NearbyInt), .exact = {mpfr_rint}, .quick = {std::rint}, .rounding = Rounding::callers},
+      {EXACT_FUNCTION(Modf), .exact = {mpfr_rint_trunc, mpfr_frac}, .rounding = Rounding::callers},
   };
 }
 

