@@ -1,11 +1,11 @@
-"""Every name that a public header exports has a docstring: one of its own, or that of a named group around it."""
+"""Every name that a public header exports has a docstring: one of its own, or that of a group around it."""
 import pathlib
 import re
 import sys
 
-COMMENT = r"/\*\*(?:(?!\*/).)*?"
-GROUP = re.compile(rf"{COMMENT}@name\b[^\n]*\n[ *]*\w.*?@\}}", re.S)
-DOCUMENTED = re.compile(rf"{COMMENT}\*/\s*(?:extern\s+)?QKR_API\b", re.S)
+INSIDE = r"(?:(?!\*/).)*?"  # of a comment
+GROUP = re.compile(rf"/\*\*{INSIDE}\w{INSIDE}(?:\*/\s*/\*\*\s*)?@\{{.*?@\}}", re.S)
+DOCUMENTED = re.compile(rf"/\*\*{INSIDE}\*/\s*(?:extern\s+)?QKR_API\b", re.S)
 
 undocumented, total = [], 0
 for header in sorted(pathlib.Path(sys.argv[1]).glob("*.h")):
