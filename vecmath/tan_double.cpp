@@ -28,9 +28,9 @@ QKR_INLINE V tangent(Reduced<V> x) {
   look_up(circular::_dTanTab + 32, j, A2, A3, A4, A5);
   look_up(circular::_dTanTab + 64, j, A6, A7, A8, A9);
 
-  // s = r + steps * pi/32 is the distance from the pole; s_head has 26 bits of it and s_tail the rest.
+  // s = r - excess + steps * pi/32 is the distance from the pole; s_head has 26 bits of it, s_tail the rest.
   const V row = real(j | 0x4330000000000000ul) - 0x1p52, steps = row - 16.0, r = x.r;
-  const V s_head = head(exact_mad(steps, Grid64::P1, r));
+  const V s_head = head(exact_mad(steps, Grid64::P1, r) - x.excess);
   const V s_tail = (r - exact_mad(steps, -Grid64::P1, s_head)) + (steps * Grid64::P2 - x.excess);
   // 1/s = y (1 - f + f^2) with f = s y - 1 below 2^-24; row 0 has no pole.
   const V y = zero_unless(head(1.0 / s_head), row);
