@@ -203,3 +203,5 @@ QKR_INLINE void run(ptrdiff_t n, Arrays<typename K::Element> v) {
   QKR_FORWARD(name, low_name, (int32_t n, const T *a, T *r), (n, a, r))
 #define QKR_BINARY_FORWARD(name, low_name, T) \
   QKR_FORWARD(name, low_name, (int32_t n, const T *a, const T *b, T *r), (n, a, b, r))
+#define QKR_TWO_RESULTS_FORWARD(name, low_name, T) \
+  QKR_FORWARD(name, low_name, (int32_t n, const T *a, T *r1, T *r2), (n, a, r1, r2))

@@ -121,6 +121,58 @@ QKR_API void _vxmsInv_HA(int32_t n, const float *a, float *r);
 QKR_API void _vxmsInv_21(int32_t n, const float *a, float *r);
 /**@}*/
 
+/** @name Sin
+ * The sine of a[i] radians.
+ *
+ * An infinity gives NaN and status 1, reported under the short name "dSin_HA" ("sSin_HA"). A NaN gives NaN and no
+ * status. Finite arguments of any size keep full accuracy: large ones are reduced with as many bits of 4/pi as they need.
+ * A double zero of either sign gives +0. */
+/**@{*/
+QKR_API void _vxmdSin_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdSin_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsSin_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsSin_21(int32_t n, const float *a, float *r);
+/**@}*/
+
+/** @name Cos
+ * The cosine of a[i] radians.
+ *
+ * An infinity gives NaN and status 1, reported under the short name "dCos_HA" ("sCos_HA"). A NaN gives NaN and no
+ * status. Finite arguments of any size keep full accuracy: large ones are reduced with as many bits of 4/pi as they need.
+ * A zero gives exactly 1. */
+/**@{*/
+QKR_API void _vxmdCos_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdCos_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsCos_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsCos_21(int32_t n, const float *a, float *r);
+/**@}*/
+
+/** @name SinCos
+ * Sine in r1[i] and cosine in r2[i] of a[i] radians; r1 or r2 may be a, but r1 is not r2.
+ *
+ * An infinity gives NaN and status 1, reported under the short name "dSinCos_HA" ("sSinCos_HA"). A NaN gives NaN and no
+ * status. Finite arguments of any size keep full accuracy: large ones are reduced with as many bits of 4/pi as they need.
+ * Both results of an infinity are NaN, reported once. */
+/**@{*/
+QKR_API void _vxmdSinCos_HA(int32_t n, const double *a, double *r1, double *r2);
+QKR_API void _vxmdSinCos_50(int32_t n, const double *a, double *r1, double *r2);
+QKR_API void _vxmsSinCos_HA(int32_t n, const float *a, float *r1, float *r2);
+QKR_API void _vxmsSinCos_21(int32_t n, const float *a, float *r1, float *r2);
+/**@}*/
+
+/** @name Tan
+ * The tangent of a[i] radians.
+ *
+ * An infinity gives NaN and status 1, reported under the short name "dTan_HA" ("sTan_HA"). A NaN gives NaN and no
+ * status. Finite arguments of any size keep full accuracy: large ones are reduced with as many bits of 4/pi as they need.
+ * A zero keeps its sign. */
+/**@{*/
+QKR_API void _vxmdTan_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdTan_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsTan_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsTan_21(int32_t n, const float *a, float *r);
+/**@}*/
+
 QKR_END_DECLS
 
 #endif

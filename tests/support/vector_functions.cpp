@@ -33,7 +33,10 @@ template <class T>
 std::vector<VectorFunction<T>> make_table() {
   using List = std::vector<T>;
   constexpr double ln2 = 0.693147180559945309;
+  constexpr double pi = 3.14159265358979324;
   constexpr T max = std::numeric_limits<T>::max();
+  // Where circular functions hand over from kernel to scalar core, and from one reduction to the next.
+  const List hand_overs = {10000, 12800, 90112, 0x1p17, 0x1p23, 0x1p30, T(0x1p-252)};
   return {
       {FUNCTION(Exp), .exact = {mpfr_exp}, .quick = {std::exp},
        .a = either<T>(Range<T>{-750, 710}, Range<T>{-105, 89}),
@@ -47,6 +50,14 @@ std::vector<VectorFunction<T>> make_table() {
       {FUNCTION(Log10), .exact = {mpfr_log10}, .quick = {std::log10}, .a = {0, max},
        .points = {T(0x1.7fp-1), T(0x1.7fp0), 10, 100, 1000}},
       {FUNCTION(Sqrt), .exact = {mpfr_sqrt}, .quick = {std::sqrt}, .a = {0, max}, .points = {2, 4}},
+      {FUNCTION(Sin), .exact = {mpfr_sin}, .quick = {std::sin}, .points = hand_overs, .period = T(pi / 32),
+       .reported = either<T>("dSin_HA", "sSin_HA")},
+      {FUNCTION(Cos), .exact = {mpfr_cos}, .quick = {std::cos}, .points = hand_overs, .period = T(pi / 32),
+       .reported = either<T>("dCos_HA", "sCos_HA")},
+      {FUNCTION(SinCos), .exact = {mpfr_sin, mpfr_cos}, .quick = {std::sin, std::cos}, .points = hand_overs,
+       .period = T(pi / 64), .reported = either<T>("dSinCos_HA", "sSinCos_HA")},
+      {FUNCTION(Tan), .exact = {mpfr_tan}, .quick = {std::tan}, .points = hand_overs, .period = T(pi / 32),
+       .reported = either<T>("dTan_HA", "sTan_HA")},
       {FUNCTION(Div), .exact = {mpfr_div}, .quick = {quotient<Wider<T>>}, .rounding = Rounding::callers},
       {FUNCTION(Inv), .exact = {reciprocal}, .quick = {reciprocal<Wider<T>>}, .rounding = Rounding::callers},
       {EXACT_FUNCTION(Ceil), .exact = {mpfr_rint_ceil}, .quick = {std::ceil}, .rounding = Rounding::callers},

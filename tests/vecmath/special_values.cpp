@@ -1,6 +1,8 @@
 // Rows: function, inputs, result, status.
 #include "tests/vecmath/special_values.h"
 
+#define NAME(function) either<T>("_vxmd" #function "_HA", "_vxms" #function "_HA")
+
 namespace qkr::tests {
 namespace {
 
@@ -67,9 +69,44 @@ std::vector<Special<float>> exp_thresholds(float) {
   };
 }
 
-}  // namespace
+// NaNs that differ in whether they count as an infinity, infinities, zeros, and the smallest numbers.
+template <class T>
+std::vector<Special<T>> circular_values(T inf, T smallest, T normal, T largest) {
+  const T indefinite = nan<T>(0, false, true);
+  const T quiet = nan<T>(0x1234), negative_quiet = nan<T>(0x1234, false, true);
+  const bool is_double = sizeof(T) == 8;
+  const struct {
+    const char *name;
+    Expected<T> of_zero, of_negative_zero;
+  } functions[] = {
+      {NAME(Sin), T(0), either<T>(0.0, -0.0f)},
+      {NAME(SinCos), T(0), either<T>(0.0, -0.0f)},
+      {NAME(Tan), T(0), -T(0)},
+      {NAME(Cos), T(1), T(1)},
+  };
+  std::vector<Special<T>> rows;
+  for (const auto &f : functions) {
+    const auto add = [&](T a, Expected<T> result, int32_t status, Expected<T> cosine) {
+      rows.push_back({f.name, a, 0, result, status, cosine});
+    };
+    const auto add_nan = [&](T a, T result, int32_t status) { add(a, result, status, result); };
+    add_nan(inf, indefinite, 1);
+    add_nan(-inf, indefinite, 1);
+    add_nan(quiet, is_double ? indefinite : quiet, 0);
+    add_nan(negative_quiet, is_double ? indefinite : negative_quiet, 0);
+    add_nan(nan<T>(0x1234, true), is_double ? indefinite : quiet, is_double ? 1 : 0);  // high word 0x7FF00000
+    add_nan(nan<T>(0x1234, true, true), is_double ? indefinite : negative_quiet, is_double ? 1 : 0);
+    add(0, f.of_zero, 0, T(1));
+    add(-T(0), f.of_negative_zero, 0, T(1));
+    for (T x : {smallest, next_down(normal), normal, T(1e-30), largest, T(1e22)}) {
+      add(x, accurate, 0, accurate);
+      add(-x, accurate, 0, accurate);
+    }
+  }
+  return rows;
+}
 
-#define NAME(function) either<T>("_vxmd" #function "_HA", "_vxms" #function "_HA")
+}  // namespace
 
 template <class T>
 std::vector<Special<T>> special_values() {
@@ -164,6 +201,7 @@ std::vector<Special<T>> special_values() {
          })
       rows.push_back(row);
   for (const Special<T> &row : exp_thresholds(T())) rows.push_back(row);
+  for (const Special<T> &row : circular_values<T>(inf, smallest, normal, largest)) rows.push_back(row);
   return rows;
 }
 template std::vector<Special<double>> special_values();
