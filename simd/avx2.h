@@ -18,6 +18,16 @@ QKR_INLINE f32 exact_mad(f32 a, f32 b, f32 c) {
   return (f32)_mm256_fmadd_ps((__m256)a, (__m256)b, (__m256)c);
 }
 
+// Rounding in the direction that the immediate names, without the inexact flag.
+template <int direction>
+QKR_INLINE f64 round_by_hardware(f64 v) {
+  return (f64)_mm256_round_pd((__m256d)v, direction | _MM_FROUND_NO_EXC);
+}
+template <int direction>
+QKR_INLINE f32 round_by_hardware(f32 v) {
+  return (f32)_mm256_round_ps((__m256)v, direction | _MM_FROUND_NO_EXC);
+}
+
 // Ones behind the last element: no kernel finds them special.
 constexpr int32_t part_masks[16] = {-1, -1, -1, -1, -1, -1, -1, -1, 0, 0, 0, 0, 0, 0, 0, 0};
 QKR_INLINE __m256i part_mask(int words) {

@@ -60,6 +60,23 @@ QKR_INLINE f32 add_if_zero(f32 s, f32 v, f32 c) {
   return (f32)_mm512_mask_add_ps((__m512)s, is_zero(c), (__m512)s, (__m512)v);
 }
 
+// Rounding in the direction that the immediate names, without the inexact flag.
+template <int direction>
+QKR_INLINE f64 round_by_hardware(f64 v) {
+  return (f64)_mm512_roundscale_pd((__m512d)v, direction | _MM_FROUND_NO_EXC);
+}
+template <int direction>
+QKR_INLINE f32 round_by_hardware(f32 v) {
+  return (f32)_mm512_roundscale_ps((__m512)v, direction | _MM_FROUND_NO_EXC);
+}
+// v + w toward zero, without any flag.
+QKR_INLINE f64 add_toward_zero(f64 v, f64 w) {
+  return (f64)_mm512_add_round_pd((__m512d)v, (__m512d)w, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC);
+}
+QKR_INLINE f32 add_toward_zero(f32 v, f32 w) {
+  return (f32)_mm512_add_round_ps((__m512)v, (__m512)w, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC);
+}
+
 // Ones behind the last element: no kernel finds them special.
 QKR_INLINE void load_part(const double *p, int count, f64 &v) {
   v = (f64)_mm512_mask_loadu_pd(_mm512_set1_pd(1), (1u << count) - 1, p);
