@@ -144,6 +144,11 @@ struct ErfcSingle : UnaryKernel<float, 1> {
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
+QKR_CONTRACT(_vxmdErf_HA, 0.82, 0x1.73310c9e7cff5p-1021);
+QKR_CONTRACT(_vxmsErf_HA, 0.507, -0x1.d04132p+0);
+QKR_CONTRACT(_vxmdErfc_HA, 0.53, 0x1.9cdbbdb97cec4p-3);
+QKR_CONTRACT(_vxmsErfc_HA, 0.512, 0x1.880ae8p+1);
+
 QKR_UNARY(_vxmdErf_HA, double, ErfDouble)
 QKR_UNARY(_vxmsErf_HA, float, ErfSingle)
 QKR_UNARY(_vxmdErfc_HA, double, ErfcDouble)

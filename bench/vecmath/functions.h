@@ -81,6 +81,8 @@ const Function functions[] = {
     APPROXIMATE(Ln, "log", .a = magnitudes, .a_single = magnitudes_single),
     APPROXIMATE(Log10, "log10", .a = magnitudes, .a_single = magnitudes_single),
     APPROXIMATE(Sqrt, "sqrt", .a = magnitudes, .a_single = magnitudes_single),
+    APPROXIMATE(Erf, "erf", .a = uniform(-5, 5)),
+    APPROXIMATE(Erfc, "erfc", .a = uniform(-5, 20), .a_single = uniform(-5, 8)),
     APPROXIMATE(Div, "quotient", .a = ordinary, .b = ordinary, .exact = quotient),
     APPROXIMATE(Inv, "reciprocal", .a = magnitudes, .a_single = magnitudes_single, .exact = reciprocal),
 };

@@ -11,6 +11,36 @@ namespace qkr::tests {
 namespace {
 
 int reciprocal(mpfr_ptr r, mpfr_srcptr a, mpfr_rnd_t rounding) { return mpfr_ui_div(r, 1, a, rounding); }
+// By Newton's iteration, from a closed form that is right to a few thousandths (S. Winitzki, 2008).
+int inverse_erf(mpfr_ptr r, mpfr_srcptr a, mpfr_rnd_t rounding) {
+  const double x = mpfr_get_d(a, MPFR_RNDN);
+  if (mpfr_zero_p(a)) return mpfr_set(r, a, rounding);
+  if (!(std::fabs(x) < 1)) {
+    if (std::fabs(x) == 1) mpfr_set_inf(r, mpfr_sgn(a));
+    else mpfr_set_nan(r);
+    return 0;
+  }
+  const double c = 0.147, w = std::log((1 - std::fabs(x)) * (1 + std::fabs(x)));
+  const double h = 2 / (M_PI * c) + w / 2, guess = std::sqrt(std::sqrt(h * h - w / c) - h);
+  mpfr_t z, step, slope;
+  mpfr_inits2(mpfr_get_prec(r) + 96, z, step, slope, nullptr);
+  mpfr_set_d(z, std::fabs(x) < 0.1 ? x * 0.886 : std::copysign(guess, x), MPFR_RNDN);
+  for (int i = 0; i < 6; ++i) {
+    mpfr_erf(step, z, MPFR_RNDN);
+    mpfr_sub(step, a, step, MPFR_RNDN);
+    mpfr_sqr(slope, z, MPFR_RNDN);
+    mpfr_exp(slope, slope, MPFR_RNDN);
+    mpfr_mul(step, step, slope, MPFR_RNDN);
+    mpfr_const_pi(slope, MPFR_RNDN);
+    mpfr_sqrt(slope, slope, MPFR_RNDN);
+    mpfr_mul(step, step, slope, MPFR_RNDN);
+    mpfr_div_2ui(step, step, 1, MPFR_RNDN);
+    mpfr_add(z, z, step, MPFR_RNDN);
+  }
+  const int inexact = mpfr_set(r, z, rounding);
+  mpfr_clears(z, step, slope, nullptr);
+  return inexact;
+}
 template <class W>
 W reciprocal(W a) {
   return 1 / a;
@@ -58,6 +88,13 @@ std::vector<VectorFunction<T>> make_table() {
        .period = T(pi / 64), .reported = either<T>("dSinCos_HA", "sSinCos_HA")},
       {FUNCTION(Tan), .exact = {mpfr_tan}, .quick = {std::tan}, .points = hand_overs, .period = T(pi / 32),
        .reported = either<T>("dTan_HA", "sTan_HA")},
+      {FUNCTION(Erf), .exact = {mpfr_erf}, .quick = {std::erf}, .a = {-7, 7}, .points = {T(0x1p-8), 1, 3, 4, 6}},
+      {FUNCTION(Erfc), .exact = {mpfr_erfc}, .quick = {std::erfc},
+       .a = either<T>(Range<T>{-7, 27.5}, Range<T>{-5, 10.5f}),
+       .points = either<T>(List{1, 3, 7, 15, 26, T(26.543258), T(27.226017)},
+                           List{1, 3, 7, T(9.19), T(9.194555), T(10.054)})},
+      {FUNCTION(ErfInv), .exact = {inverse_erf}, .a = {-1, 1},
+       .points = {T(0.125), T(0.75), T(0.9375), T(1 - 0x1p-10), T(1 - 0x1p-23)}},
       {FUNCTION(Div), .exact = {mpfr_div}, .quick = {quotient<Wider<T>>}, .rounding = Rounding::callers},
       {FUNCTION(Inv), .exact = {reciprocal}, .quick = {reciprocal<Wider<T>>}, .rounding = Rounding::callers},
       {EXACT_FUNCTION(Ceil), .exact = {mpfr_rint_ceil}, .quick = {std::ceil}, .rounding = Rounding::callers},
