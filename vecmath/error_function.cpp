@@ -1,6 +1,6 @@
 // The error function and its complement by tables of short polynomials (after P. T. P. Tang, Table-lookup
-// algorithms for elementary functions, IEEE Arithmetic 10 (1991) 232), erfc x as e^(-x^2) times a function that
-// changes slowly (W. J. Cody, Mathematics of Computation 23 (1969) 631).
+// algorithms for elementary functions, IEEE Arithmetic 10 (1991) 232), erfc x as e^(-x^2) times a function
+// that changes slowly (W. J. Cody, Mathematics of Computation 23 (1969) 631).
 #include "vecmath/error_function.h"
 
 #include "vecmath/contract.h"
@@ -54,7 +54,8 @@ struct ErfSingle : UnaryKernel<float, QKR_BASELINE ? 1 : 2> {
   }
 };
 
-// erfc x = 2^N/64 e^r erfcx(x), the last by table, as (hi + lo) * 2^(N >> 6) with hi exact, for 0 <= x <= 27.25.
+// erfc x = 2^(N/64) e^r (e^(x^2) erfc x), the last by table, as (hi + lo) * 2^(N >> 6) with hi exact, for x
+// from 0 to 27.25.
 template <class V>
 struct ScaledErfc {
   V t, hi, lo;  // N stands in the low bits of t

@@ -1,5 +1,5 @@
-// Rows of the tables of the error functions: their nodes lie evenly in every binade of y = x + 1, at the numbers
-// with `bits` bits behind the leading one.
+// Rows of the tables of the error functions: their nodes lie evenly in every binade of y = x + 1, at the
+// numbers with `bits` bits behind the leading one.
 #pragma once
 
 #include "vecmath/frame.h"

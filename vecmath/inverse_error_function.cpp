@@ -1,6 +1,6 @@
 // The inverse of the error function as x F(w) with w = -ln(1 - x^2), of which F is so smooth (M. Giles,
-// Approximating the erfinv function, GPU Computing Gems 2, 2010) that one table of short polynomials carries it
-// from 0 to the largest number below 1.
+// Approximating the erfinv function, GPU Computing Gems 2, 2010) that one table of short polynomials carries
+// it from 0 to the largest number below 1.
 #include "vecmath/contract.h"
 #include "vecmath/error_function.h"
 #include "vecmath/logarithm.h"
