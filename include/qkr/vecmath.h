@@ -19,6 +19,7 @@
 
 #include <qkr/api.h>
 #include <qkr/vecmath_control.h>
+#include <qkr/vecmath_exact.h>
 
 QKR_BEGIN_DECLS
 

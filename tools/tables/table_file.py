@@ -1,7 +1,7 @@
 """Writes the committed table files of vecmath/tables: C++ arrays of hexadecimal floats.
 
-A generator describes its arrays as Table records and hands them to main(), which writes the file that bears the
-generator's name, or with --check compares it with the committed one.
+A generator describes its arrays as Table records and hands them to main(), which writes the file that bears
+the generator's name, or with --check compares it with the committed one.
 """
 import sys
 from dataclasses import dataclass

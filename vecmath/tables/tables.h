@@ -1,7 +1,8 @@
 #pragma once
 
-// Tables of the vector functions, made by the generators in tools/tables, whose opening comments give the rule of
-// the rows. Rows lie on their own lines of cache as far as they fit: every table is aligned to 64 bytes.
+// Tables of the vector functions, made by the generators in tools/tables, whose opening comments give the
+// rule of the rows. Rows lie on their own lines of cache as far as they fit: every table is aligned to 64
+// bytes.
 
 #pragma GCC visibility push(hidden)
 
@@ -27,14 +28,14 @@ alignas(64) extern const float exp2f_lo[128];
 }  // namespace qkr::exp_single
 
 namespace qkr::ln_double {
-// Row k of 0 to 512: r, r, T.hi, T.lo with r about 1 / (1 + k/512), a multiple of 2^-23, and T = -ln(r), less ln 2
-// from row 256 on.
+// Row k of 0 to 512: r, r, T.hi, T.lo with r about 1 / (1 + k/512), a multiple of 2^-23, and T = -ln(r), less
+// ln 2 from row 256 on.
 alignas(64) extern const double BT_Tbl[520][4];
 }  // namespace qkr::ln_double
 
 namespace qkr::log10_double {
-// Row k of 0 to 512: r * C, r * C, T.hi, T.lo with r about 1 / (1 + k/512), C = 0.43359375, r * C a multiple of 2^-23,
-// and T = -log10(r).
+// Row k of 0 to 512: r * C, r * C, T.hi, T.lo with r about 1 / (1 + k/512), C = 0.43359375, r * C a multiple
+// of 2^-23, and T = -log10(r).
 alignas(64) extern const double BT_Tbl[520][4];
 }  // namespace qkr::log10_double
 
@@ -44,8 +45,8 @@ alignas(64) extern const float Table[65][4];
 }  // namespace qkr::ln_single
 
 namespace qkr::log10_single {
-// Row k: r * C, r * C, T.hi, T.lo with r about 1 / (1 + k/128), C = 0.43359375, r * C of seven significant bits, and
-// T = -log10(r), less log10(2) from row 64 on.
+// Row k: r * C, r * C, T.hi, T.lo with r about 1 / (1 + k/128), C = 0.43359375, r * C of seven significant
+// bits, and T = -log10(r), less log10(2) from row 64 on.
 alignas(64) extern const float BT_Tbl[129][4];
 }  // namespace qkr::log10_single
 
