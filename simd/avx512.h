@@ -23,7 +23,8 @@ QKR_INLINE Flags beyond(f32 x, float limit) {
 
 // Lanes of a number without sign that lie below `low` or not below `high`.
 QKR_INLINE Flags outside(f64 x, double low, double high) {
-  const uint64_t first = __builtin_bit_cast(uint64_t, low), count = __builtin_bit_cast(uint64_t, high) - first;
+  const uint64_t first = __builtin_bit_cast(uint64_t, low),
+                 count = __builtin_bit_cast(uint64_t, high) - first;
   return _mm512_cmpge_epu64_mask((__m512i)(bits(x) - first), _mm512_set1_epi64(count));
 }
 QKR_INLINE f64 larger(f64 a, f64 b) { return (f64)_mm512_max_pd((__m512d)a, (__m512d)b); }
@@ -98,6 +99,8 @@ QKR_INLINE void store_part(double *p, int count, f64 v) {
 QKR_INLINE void store_part(float *p, int count, f32 v) {
   _mm512_mask_storeu_ps(p, (1u << count) - 1, (__m512)v);
 }
+
+QKR_INLINE f64 square_root(f64 v) { return (f64)_mm512_sqrt_pd((__m512d)v); }
 
 // Conversions of the lower and the upper floats, and back.
 QKR_INLINE f64 low_doubles(f32 v) { return (f64)_mm512_cvtps_pd(_mm512_castps512_ps256((__m512)v)); }
