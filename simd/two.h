@@ -58,10 +58,14 @@ QKR_TWO_FUNCTION(bits)
 QKR_TWO_FUNCTION(real)
 QKR_TWO_FUNCTION(exponent)
 QKR_TWO_FUNCTION(exact_mad)
+QKR_TWO_FUNCTION(product_error)
 QKR_TWO_FUNCTION(zero_unless)
 QKR_TWO_FUNCTION(add_if_zero)
 QKR_TWO_FUNCTION(approximate_rsqrt)
 QKR_TWO_FUNCTION(zero_unless_within)
+QKR_TWO_FUNCTION(larger)
+QKR_TWO_FUNCTION(smaller)
+QKR_TWO_FUNCTION(square_root)
 QKR_TWO_FUNCTION(widen)
 QKR_TWO_FUNCTION(narrow)
 #undef QKR_TWO_FUNCTION
@@ -70,6 +74,10 @@ QKR_TWO_FUNCTION(narrow)
 template <class V, class S>
 QKR_INLINE Flags beyond(Two<V> x, S limit) {
   return beyond(x.a, limit) | beyond(x.b, limit);
+}
+template <class V>
+QKR_INLINE Flags outside(Two<V> x, double low, double high) {
+  return outside(x.a, low, high) | outside(x.b, low, high);
 }
 template <class V>
 QKR_INLINE Flags not_positive_normal(Two<V> x) {
@@ -84,6 +92,11 @@ template <class T, class V>
 QKR_INLINE void load(const T *p, Two<V> &x) {
   load(p, x.a);
   load(p + sizeof(V) / sizeof(T), x.b);
+}
+template <class T, class V>
+QKR_INLINE void broadcast(T number, Two<V> &x) {
+  broadcast(number, x.a);
+  x.b = x.a;
 }
 template <class T, class V>
 QKR_INLINE void store(T *p, Two<V> x) {
