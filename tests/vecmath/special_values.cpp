@@ -95,13 +95,9 @@ std::vector<Special<T>> circular_values(T inf, T smallest, T normal, T largest) 
     add_nan(quiet, is_double ? indefinite : quiet, 0);
     add_nan(negative_quiet, is_double ? indefinite : negative_quiet, 0);
     add_nan(nan<T>(0x1234, true), is_double ? indefinite : quiet, is_double ? 1 : 0);  // high word 0x7FF00000
-    add_nan(nan<T>(0x1234, true, true), is_double ? indefinite : negative_quiet, is_double ? 1 : 0);
     add(0, f.of_zero, 0, T(1));
     add(-T(0), f.of_negative_zero, 0, T(1));
-    for (T x : {smallest, next_down(normal), normal, T(1e-30), largest, T(1e22)}) {
-      add(x, accurate, 0, accurate);
-      add(-x, accurate, 0, accurate);
-    }
+    for (T x : {smallest, -normal, -largest, T(1e22)}) add(x, accurate, 0, accurate);
   }
   return rows;
 }
