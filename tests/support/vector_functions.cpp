@@ -31,6 +31,10 @@ template <class W>
 W quotient(W a, W b) {
   return a / b;
 }
+template <class W>
+W fraction(W a) {
+  return a - std::trunc(a);
+}
 
 // One row serves both precisions; where they differ, either() picks.
 #define FUNCTION(function)                                             \
@@ -89,7 +93,8 @@ std::vector<VectorFunction<T>> make_table() {
        .rounding = Rounding::callers},
       {EXACT_FUNCTION(Rint), .exact = {mpfr_rint}, .quick = {std::rint}, .rounding = Rounding::callers},
       {EXACT_FUNCTION(NearbyInt), .exact = {mpfr_rint}, .quick = {std::rint}, .rounding = Rounding::callers},
-      {EXACT_FUNCTION(Modf), .exact = {mpfr_rint_trunc, mpfr_frac}, .rounding = Rounding::callers},
+      {EXACT_FUNCTION(Modf), .exact = {mpfr_rint_trunc, mpfr_frac}, .quick = {std::trunc, fraction<Wider<T>>},
+       .rounding = Rounding::callers},
   };
 }
 
