@@ -28,7 +28,9 @@ struct Modf {
     const auto nan = (typename B::Unsigned)((I)size > (I)(decltype(size){} + B::infinity));
     const auto integer = parts.template rounded<Rounding::to_zero>();
     const auto takes_part = ~(parts.below_one | parts.no_fraction);
-    const V fraction = real(pattern & takes_part) - real(integer & takes_part);
+    auto minuend = pattern & takes_part, subtrahend = integer & takes_part;
+    asm("" : "+x"(minuend), "+x"(subtrahend));  // else clang 19 subtracts first, in all lanes
+    const V fraction = real(minuend) - real(subtrahend);
     const V twice = real(pattern & nan) + real(pattern & nan);
     const auto quiet = bits(twice) & nan;
     return {real((integer & ~nan) | quiet),
