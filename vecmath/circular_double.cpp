@@ -125,6 +125,10 @@ extern "C" void _dSinCos(double x, double *sine, double *cosine) {
 }
 #endif
 
+QKR_CONTRACT(_vxmdSin_HA, 0.53, -0x1.3bffffffffffp+3);
+QKR_CONTRACT(_vxmdCos_HA, 0.53, 0x1.fffffffffffcdp+16);
+QKR_CONTRACT(_vxmdSinCos_HA, 0.56, 0x1.20eda84dbbc25p+6);
+
 QKR_UNARY(_vxmdSin_HA, double, SinDouble)
 QKR_UNARY(_vxmdCos_HA, double, CosDouble)
 QKR_TWO_RESULTS(_vxmdSinCos_HA, double, SinCosDouble)

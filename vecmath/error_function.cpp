@@ -21,7 +21,7 @@ struct ErfDouble : UnaryKernel<double, 2> {
   // erf x = T + d + d * (slope - 1): what follows the exact T.hi + d is small beside it.
   template <class V>
   QKR_INLINE static V core(V x) {
-    const NearestRow<7, V> at(at_most(size_of(x), one_from));
+    const NearestRow<7, V> at(smaller(size_of(x), one_from));
     V t_hi, t_lo, c1, c2, c3, c4, c5, c6;
     look_up(erf_double::rows, at.row, t_hi, t_lo, c1, c2, c3, c4, c5, c6);
     const V d = at.distance;
@@ -45,7 +45,7 @@ struct ErfSingle : UnaryKernel<float, QKR_BASELINE ? 1 : 2> {
   template <class V>
   QKR_INLINE static V core(V x) {
     const auto wide = widen(x);
-    const auto r = cubic(erf_single::rows, at_most(size_of(wide), one_from));
+    const auto r = cubic(erf_single::rows, smaller(size_of(wide), one_from));
     return narrow(real(bits(r) | (bits(wide) & sign_bit)));
   }
   static void scalar(ptrdiff_t i, Arrays<float> v) {
@@ -80,12 +80,12 @@ struct ErfcDouble : UnaryKernel<double, 2> {
 
   template <class V>
   QKR_INLINE static Flags special(V x) {
-    return beyond(x, infinity_double) | beyond(at_least(x, 0.0), fast_limit);
+    return beyond(x, infinity_double) | beyond(larger(x, 0.0), fast_limit);
   }
   // For negative x, 2 - erfc -x.
   template <class V>
   QKR_INLINE static V core(V x) {
-    const ScaledErfc<V> size(at_most(size_of(x), fast_limit));
+    const ScaledErfc<V> size(smaller(size_of(x), fast_limit));
     const auto sign = bits(x) & sign_bit;
     const V scale = real((((bits(size.t) >> 6) + 1023u) << 52) | sign);
     const V two = real(sign >> 1);  // or 0
@@ -102,7 +102,7 @@ struct ErfcDouble : UnaryKernel<double, 2> {
     } else if (x < 0) {
       v.r[i] = 2.0;
     } else {
-      const ScaledErfc<double> e(at_most(x, zero_from));
+      const ScaledErfc<double> e(smaller(x, zero_from));
       const double scale = ExpSteps::scale(e.t, 1022), hi = e.hi * scale, lo = e.lo * scale;
       if (hi + lo >= 1.0) {
         v.r[i] = (hi + lo) * smallest_normal;
@@ -121,12 +121,12 @@ struct ErfcSingle : UnaryKernel<float, 1> {
 
   template <class V>
   QKR_INLINE static Flags special(V x) {
-    return beyond(x, infinity_single) | beyond(at_least(x, 0.0f), fast_limit);
+    return beyond(x, infinity_single) | beyond(larger(x, 0.0f), fast_limit);
   }
   template <class V>
   QKR_INLINE static V core(V x) {
     const auto wide = widen(x);
-    const auto size = at_most(size_of(wide), zero_from), square = size * size;
+    const auto size = smaller(size_of(wide), zero_from), square = size * size;
     const auto e = ExpSteps::scaled(ExpSteps::reduce(0.0 - square, 0.0));
     const auto sign = bits(wide) & sign_bit;
     return narrow(real(sign >> 1) + real(bits(e * cubic(erfc_single::rows, size)) | sign));

@@ -72,5 +72,7 @@ extern "C" double _dTan(double x) {
 }
 #endif
 
+QKR_CONTRACT(_vxmdTan_HA, 0.68, -0x1.dcac81c98acb9p-5);
+
 QKR_UNARY(_vxmdTan_HA, double, TanDouble)
 QKR_UNARY_FORWARD(_vxmdTan_HA, _vxmdTan_50, double)
