@@ -18,7 +18,7 @@ struct ErfDouble : UnaryKernel<double, 2> {
   QKR_INLINE static Flags special(V x) {
     return beyond(x, infinity_double);
   }
-  // erf x = T + d + d * (slope - 1): what follows the exact T.hi + d is small beside it.
+  // erf x = T + d + d * (slope - 1): what follows the exact T.hi + d is small beside it. T is scaled up.
   template <class V>
   QKR_INLINE static V core(V x) {
     const NearestRow<7, V> at(smaller(size_of(x), one_from));
@@ -26,8 +26,8 @@ struct ErfDouble : UnaryKernel<double, 2> {
     look_up(erf_double::rows, at.row, t_hi, t_lo, c1, c2, c3, c4, c5, c6);
     const V d = at.distance;
     const V slope = c1 + d * (c2 + d * (c3 + d * (c4 + d * (c5 + d * c6))));
-    const V sum = t_hi + d, sum_error = (t_hi - sum) + d;
-    return real(bits(sum + ((sum_error + t_lo) + d * slope)) | (bits(x) & sign_bit));
+    const V scaled = d * scaled_up, sum = t_hi + scaled, sum_error = (t_hi - sum) + scaled;
+    return scaled_down(sum + ((sum_error + t_lo) + scaled * slope), x);
   }
   static void scalar(ptrdiff_t i, Arrays<double> v) {
     const double x = v.a[i];
@@ -145,7 +145,7 @@ struct ErfcSingle : UnaryKernel<float, 1> {
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_CONTRACT(_vxmdErf_HA, 0.82, 0x1.73310c9e7cff5p-1021);
+QKR_CONTRACT(_vxmdErf_HA, 0.76, -0x1.b5bee6da8cf89p-12);
 QKR_CONTRACT(_vxmsErf_HA, 0.507, -0x1.d04132p+0);
 QKR_CONTRACT(_vxmdErfc_HA, 0.53, 0x1.9cdbbdb97cec4p-3);
 QKR_CONTRACT(_vxmsErfc_HA, 0.512, 0x1.880ae8p+1);

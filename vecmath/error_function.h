@@ -15,14 +15,23 @@ QKR_INLINE V size_of(V x) {
   return real(bits(x) & ~sign_bit);
 }
 
-// The row nearest to x >= 0, and the distance of x from its node, which is exact.
+// Results and what they are the sum of are scaled up, so that close to the subnormal numbers only the result
+// itself loses bits.
+constexpr double scaled_up = 0x1p64;
+template <class V>
+QKR_INLINE V scaled_down(V size, V x) {
+  return size * real((bits(x) & sign_bit) | __builtin_bit_cast(uint64_t, 1 / scaled_up));
+}
+
+// The row nearest to x >= 0, the lower of two, and the distance of x from its node. It is exact: from row 1
+// on the two are within a factor of 2 of each other.
 template <int bits_of_node, class V>
 struct NearestRow {
   decltype(bits(V())) row;
   V node, distance;
   QKR_INLINE explicit NearestRow(V x) {
     constexpr int shift = 52 - bits_of_node;
-    const auto rounded = (bits(x + 1.0) + ((uint64_t)1 << (shift - 1))) >> shift;
+    const auto rounded = (bits(x + 1.0) + (((uint64_t)1 << (shift - 1)) - 1)) >> shift;
     row = rounded - ((uint64_t)1023 << bits_of_node);
     node = real(rounded << shift) - 1.0;
     distance = x - node;

@@ -41,8 +41,8 @@ struct ErfInvDouble : UnaryKernel<double, QKR_BASELINE ? 1 : 2> {
     look_up(erf_inverse_double::rows, at.row, g, c0, c1, c2, c3, c4, c5, c6);
     const V correction = c0 + d * (c1 + d * (c2 + d * (c3 + d * (c4 + d * (c5 + d * c6)))));
     // Both halves of x have exact products with g.
-    const V head = real(bits(size) & 0xFFFFFFFFF8000000u), tail = size - head;
-    return real(bits(head * g + (tail * g + size * correction)) | (bits(x) & sign_bit));
+    const V scaled = size * scaled_up, head = real(bits(scaled) & 0xFFFFFFFFF8000000u), tail = scaled - head;
+    return scaled_down(head * g + (tail * g + scaled * correction), x);
   }
 
   static void scalar(ptrdiff_t i, Arrays<double> v) { _vxmdErfInv_HA_SC_p4((int32_t)i, v.a, v.r); }

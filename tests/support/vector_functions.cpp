@@ -107,7 +107,7 @@ std::vector<VectorFunction<T>> make_table() {
       {FUNCTION(Erf), .exact = {mpfr_erf}, .quick = {std::erf}, .a = {-7, 7},
        .points = {T(0x1p-8), 1, 3, 4, 6}},
       {FUNCTION(Erfc), .exact = {mpfr_erfc}, .quick = {std::erfc},
-       .a = either<T>(Range<T>{-7, 27.5}, Range<T>{-5, 10.5f}),
+       .a = either<T>(Range<T>{-7, 26.5}, Range<T>{-5, 9.1f}),
        .points = either<T>(List{1, 3, 7, 15, 26, T(26.543258), T(27.226017)},
                            List{1, 3, 7, T(9.19), T(9.194555), T(10.054)})},
       {FUNCTION(ErfInv), .exact = {inverse_erf}, .a = {-1, 1},

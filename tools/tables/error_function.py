@@ -5,11 +5,11 @@ Row j of every table belongs to the node x0 = y - 1, where y is number j of the 
 bits behind the leading one; its polynomial in d = x - x0 interpolates at the Chebyshev points of the x whose y = x + 1
 rounds to that of the row.
 
-erf_double:          T.hi, T.lo, c1, ..., c6 with erf(x0 + d) = T + d + d * (c1 + c2 * d + ... + c6 * d**5).
+erf_double:          T.hi, T.lo, c1, ..., c6 with erf(x0 + d) = T / 2**64 + d + d * (c1 + c2 * d + ... + c6 * d**5).
 erfc_double:         g, w0, ..., w6 with exp(x**2) * erfc(x) = g * (1 + w0 + w1 * d + ... + w6 * d**6) and g of 15
                      bits, so that its product with the 38 bits of an entry of exp_double is exact.
 erf_inverse_double:  g, c0, ..., c6 with erfinv(x) / x = g + (c0 + c1 * d + ... + c6 * d**6) at w0 + d, where
-                     w = -ln(1 - x**2), and g of 26 bits; g is 1 in row 0, for arguments below the normal range.
+                     w = -ln(1 - x**2), and g of 26 bits.
 The tables of singles hold c0, ..., c3 of plain cubic polynomials of the same three functions, in double.
 """
 import gmpy2
@@ -18,6 +18,7 @@ from gmpy2 import cos, erf, erfc, exp, expm1, mpfr, sqrt
 from table_file import Table, main, to_double
 
 pi = gmpy2.const_pi(240)
+SCALE = 2**64
 
 
 def interpolate(f, low, high, degree):
@@ -55,6 +56,8 @@ def scaled_erfc(x):
 
 def inverse_factor(w):
     """erfinv(x) / x for w = -ln(1 - x**2), by Newton's iteration from below, where it converges steadily."""
+    if not w:
+        return sqrt(pi) / 2
     x = sqrt(-expm1(-w))
     z, step = x / 2, mpfr(1)
     while abs(step) > z * mpfr(2) ** -150:
@@ -72,7 +75,7 @@ def erf_row(x0, low, high):
     value = erf(x0)
     hi = to_double(value)
     slope = interpolate(lambda d: (erf(x0 + d) - value - d) / d, low, high, 5)
-    return tuple(to_double(c) for c in [hi, value - hi, *slope])
+    return tuple(to_double(c) for c in [SCALE * hi, SCALE * (value - hi), *slope])
 
 
 def erfc_row(x0, low, high):
@@ -81,7 +84,7 @@ def erfc_row(x0, low, high):
 
 
 def inverse_row(w0, low, high):
-    g = leading(inverse_factor(w0), 26) if w0 else mpfr(1)
+    g = leading(inverse_factor(w0), 26)
     return tuple(to_double(c) for c in [g, *interpolate(lambda d: inverse_factor(w0 + d) - g, low, high, 6)])
 
 
