@@ -32,6 +32,10 @@ QKR_INLINE void load_part(const float *p, int count, f32 &v) {
   v = (f32)_mm256_blendv_ps(_mm256_set1_ps(1), _mm256_maskload_ps(p, mask), _mm256_castsi256_ps(mask));
 }
 
+// The smaller of v and limit; limit where v is NaN.
+QKR_INLINE f64 at_most(f64 v, f64 limit) { return (f64)_mm256_min_pd((__m256d)v, (__m256d)limit); }
+QKR_INLINE f32 at_most(f32 v, f32 limit) { return (f32)_mm256_min_ps((__m256)v, (__m256)limit); }
+
 // Conversions of the lower and the upper floats, and back.
 QKR_INLINE f64 low_doubles(f32 v) { return (f64)_mm256_cvtps_pd(_mm256_castps256_ps128((__m256)v)); }
 QKR_INLINE f64 high_doubles(f32 v) { return (f64)_mm256_cvtps_pd(_mm256_extractf128_ps((__m256)v, 1)); }

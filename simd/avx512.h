@@ -74,6 +74,10 @@ QKR_INLINE void store_part(float *p, int count, f32 v) {
   _mm512_mask_storeu_ps(p, (1u << count) - 1, (__m512)v);
 }
 
+// The smaller of v and limit; limit where v is NaN.
+QKR_INLINE f64 at_most(f64 v, f64 limit) { return (f64)_mm512_min_pd((__m512d)v, (__m512d)limit); }
+QKR_INLINE f32 at_most(f32 v, f32 limit) { return (f32)_mm512_min_ps((__m512)v, (__m512)limit); }
+
 // Conversions of the lower and the upper floats, and back.
 QKR_INLINE f64 low_doubles(f32 v) { return (f64)_mm512_cvtps_pd(_mm512_castps512_ps256((__m512)v)); }
 QKR_INLINE f64 high_doubles(f32 v) { return (f64)_mm512_cvtps_pd(_mm512_extractf32x8_ps((__m512)v, 1)); }

@@ -63,6 +63,7 @@ QKR_TWO_FUNCTION(zero_unless)
 QKR_TWO_FUNCTION(add_if_zero)
 QKR_TWO_FUNCTION(approximate_rsqrt)
 QKR_TWO_FUNCTION(zero_unless_within)
+QKR_TWO_FUNCTION(at_most)
 QKR_TWO_FUNCTION(widen)
 QKR_TWO_FUNCTION(narrow)
 #undef QKR_TWO_FUNCTION

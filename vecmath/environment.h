@@ -38,6 +38,13 @@ struct X87Environment {
 using X87Double = X87Environment<0x200>;    // 53 bits, round to nearest
 using X87Extended = X87Environment<0x300>;  // 64 bits, round to nearest
 
+// Kernels with vector arithmetic whose entry also sets the x87 word.
+struct X87ExtendedAndSse {
+  const X87Extended x87;
+  const SseEnvironment sse;
+  QKR_INLINE X87ExtendedAndSse() {}
+};
+
 // Exact families work under whatever the caller has set.
 struct CallersEnvironment {
   QKR_INLINE CallersEnvironment() {}

@@ -239,6 +239,52 @@ QKR_API void _vxmsPowx_HA(int32_t n, const float *a, float b, float *r);
 QKR_API void _vxmsPowx_21(int32_t n, const float *a, float b, float *r);
 /**@}*/
 
+/** @name Cosh
+ * The hyperbolic cosine, r[i] = cosh(a[i]).
+ *
+ * | a[i]                                    | r[i] | status      |
+ * |-----------------------------------------|------|-------------|
+ * | NaN                                     | NaN  | none        |
+ * | +inf, -inf                              | +inf | none        |
+ * | +0, -0                                  | 1    | none        |
+ * | above 710.475 (float 89.416) in size    | +inf | 3, overflow |
+ *
+ * Method: addition theorem around a table of nodes, after P. T. P. Tang, 10th IEEE Symposium on Computer Arithmetic
+ * (1991) 232. */
+/**@{*/
+QKR_API void _vxmdCosh_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdCosh_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsCosh_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsCosh_21(int32_t n, const float *a, float *r);
+/**@}*/
+
+/** @name Sinh
+ * The hyperbolic sine, r[i] = sinh(a[i]).
+ *
+ * | a[i]                                    | r[i]                    | status      |
+ * |-----------------------------------------|-------------------------|-------------|
+ * | NaN                                     | NaN                     | none        |
+ * | +inf, -inf, +0, -0                      | a[i]                    | none        |
+ * | above 710.475 (float 89.416) in size    | infinity of a[i]'s sign | 3, overflow |
+ *
+ * Subnormal numbers give themselves. Method as for Cosh. */
+/**@{*/
+QKR_API void _vxmdSinh_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdSinh_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsSinh_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsSinh_21(int32_t n, const float *a, float *r);
+/**@}*/
+
+/** @name Tanh
+ * The hyperbolic tangent, r[i] = tanh(a[i]). Zeros keep their sign, subnormal numbers give themselves, infinities give
+ * 1 and -1, a NaN gives NaN; nothing is reported. Method as for Cosh. */
+/**@{*/
+QKR_API void _vxmdTanh_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdTanh_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsTanh_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsTanh_21(int32_t n, const float *a, float *r);
+/**@}*/
+
 QKR_END_DECLS
 
 #endif

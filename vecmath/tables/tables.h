@@ -26,6 +26,13 @@ alignas(64) extern const float exp2f_hi[128];
 alignas(64) extern const float exp2f_lo[128];
 }  // namespace qkr::exp_single
 
+namespace qkr::hyperbolic_double {
+// Row j: e^a / 2 and e^-a / 2 with a = j ln2/64, each as hi, lo with hi + lo the value.
+alignas(64) extern const double halves[64][4];
+// Row j: hi, lo with hi + lo = tanh(j/16).
+alignas(64) extern const double tangents[321][2];
+}  // namespace qkr::hyperbolic_double
+
 namespace qkr::ln_double {
 // Row k of 0 to 512: r, r, T.hi, T.lo with r about 1 / (1 + k/512), a multiple of 2^-23, and T = -ln(r), less ln 2
 // from row 256 on.
