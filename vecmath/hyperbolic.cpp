@@ -2,9 +2,9 @@
 // that
 //   cosh |x| = cosh a cosh r + sinh a sinh r,  sinh |x| = sinh a cosh r + cosh a sinh r,
 //   tanh |x| = (tanh a + tanh r) / (1 + tanh a tanh r).
-// All terms are positive or small beside the first, which a table gives as a sum of two doubles (P. T. P. Tang,
-// Proc. 10th IEEE Symposium on Computer Arithmetic (1991) 232). Next to 0 the node is 0: no formula of its own
-// is needed there.
+// All terms are positive or small beside the first, which a table gives as a sum of two doubles (P. T. P.
+// Tang, Proc. 10th IEEE Symposium on Computer Arithmetic (1991) 232). Next to 0 the node is 0: no formula of
+// its own is needed there.
 #include "vecmath/contract.h"
 #include "vecmath/exponential.h"
 #include "vecmath/scalar.h"
@@ -160,8 +160,8 @@ struct GrowingSingle : GrowingHyperbolic<float, Value> {
   using Environment = X87ExtendedAndSse;
 };
 
-// tanh |x| with nodes of j/16, up to 20. The sum of the tangents is divided only where it is small beside them:
-// (A + t) / (1 + A t) = A + t - A t (A + t) / (1 + A t).
+// tanh |x| with nodes of j/16, up to 20. The sum of the tangents is divided only where it is small beside
+// them: (A + t) / (1 + A t) = A + t - A t (A + t) / (1 + A t).
 struct TanhDouble : UnaryKernel<double, 1> {
   template <class V>
   QKR_INLINE static Flags special(V x) {
@@ -174,8 +174,9 @@ struct TanhDouble : UnaryKernel<double, 1> {
     const V r = exact_mad(n, -1.0 / 16, size), r2 = r * r;
     V node, node_low;
     look_up(hyperbolic_double::tangents, bits(t) & 511u, node, node_low);
-    const V rest = (r * r2) * (-0.33333333333333326 +
-                               r2 * (0.13333333333127007 + r2 * (-0.05396824340575474 + r2 * 0.021852183486978663)));
+    const V rest =
+        (r * r2) * (-0.33333333333333326 +
+                    r2 * (0.13333333333127007 + r2 * (-0.05396824340575474 + r2 * 0.021852183486978663)));
     const V tangent = r + rest, product = node * tangent;
     const V quotient = product * (node + tangent) / (1.0 + product);
     const V sum = node + r, lost = (node - sum) + r;
