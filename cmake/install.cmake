@@ -11,6 +11,8 @@ configure_package_config_file(
     ${PROJECT_SOURCE_DIR}/cmake/qkr-config.cmake.in ${PROJECT_BINARY_DIR}/qkr-config.cmake
     INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qkr)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/qkr-config-version.cmake COMPATIBILITY SameMinorVersion)
+file(RELATIVE_PATH QKR_PREFIX_FROM_PC /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+string(REGEX REPLACE "/$" "" QKR_PREFIX_FROM_PC ${QKR_PREFIX_FROM_PC})
 configure_file(${PROJECT_SOURCE_DIR}/cmake/qkr.pc.in ${PROJECT_BINARY_DIR}/qkr.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/qkr-config.cmake ${PROJECT_BINARY_DIR}/qkr-config-version.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qkr)

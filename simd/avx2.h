@@ -18,6 +18,16 @@ QKR_INLINE f32 exact_mad(f32 a, f32 b, f32 c) {
   return (f32)_mm256_fmadd_ps((__m256)a, (__m256)b, (__m256)c);
 }
 
+// Rounding in the direction that the immediate names, without the inexact flag.
+template <int direction>
+QKR_INLINE f64 round_by_hardware(f64 v) {
+  return (f64)_mm256_round_pd((__m256d)v, direction | _MM_FROUND_NO_EXC);
+}
+template <int direction>
+QKR_INLINE f32 round_by_hardware(f32 v) {
+  return (f32)_mm256_round_ps((__m256)v, direction | _MM_FROUND_NO_EXC);
+}
+
 // Ones behind the last element: no kernel finds them special.
 constexpr int32_t part_masks[16] = {-1, -1, -1, -1, -1, -1, -1, -1, 0, 0, 0, 0, 0, 0, 0, 0};
 QKR_INLINE __m256i part_mask(int words) {
@@ -32,9 +42,11 @@ QKR_INLINE void load_part(const float *p, int count, f32 &v) {
   v = (f32)_mm256_blendv_ps(_mm256_set1_ps(1), _mm256_maskload_ps(p, mask), _mm256_castsi256_ps(mask));
 }
 
-// The smaller of v and limit; limit where v is NaN.
-QKR_INLINE f64 at_most(f64 v, f64 limit) { return (f64)_mm256_min_pd((__m256d)v, (__m256d)limit); }
-QKR_INLINE f32 at_most(f32 v, f32 limit) { return (f32)_mm256_min_ps((__m256)v, (__m256)limit); }
+// Of numbers that are not NaN.
+QKR_INLINE f64 larger(f64 a, f64 b) { return (f64)_mm256_max_pd((__m256d)a, (__m256d)b); }
+QKR_INLINE f64 smaller(f64 a, f64 b) { return (f64)_mm256_min_pd((__m256d)a, (__m256d)b); }
+
+QKR_INLINE f64 square_root(f64 v) { return (f64)_mm256_sqrt_pd((__m256d)v); }
 
 // Conversions of the lower and the upper floats, and back.
 QKR_INLINE f64 low_doubles(f32 v) { return (f64)_mm256_cvtps_pd(_mm256_castps256_ps128((__m256)v)); }

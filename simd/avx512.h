@@ -21,6 +21,15 @@ QKR_INLINE Flags beyond(f32 x, float limit) {
   return _mm512_cmp_ps_mask(_mm512_abs_ps((__m512)x), _mm512_set1_ps(limit), _CMP_NLT_UQ);
 }
 
+// Lanes of a number without sign that lie below `low` or not below `high`.
+QKR_INLINE Flags outside(f64 x, double low, double high) {
+  const uint64_t first = __builtin_bit_cast(uint64_t, low),
+                 count = __builtin_bit_cast(uint64_t, high) - first;
+  return _mm512_cmpge_epu64_mask((__m512i)(bits(x) - first), _mm512_set1_epi64(count));
+}
+QKR_INLINE f64 larger(f64 a, f64 b) { return (f64)_mm512_max_pd((__m512d)a, (__m512d)b); }
+QKR_INLINE f64 smaller(f64 a, f64 b) { return (f64)_mm512_min_pd((__m512d)a, (__m512d)b); }
+
 // Lanes that hold anything but a positive normal number: every class that the instruction knows.
 QKR_INLINE Flags not_positive_normal(f64 x) { return _mm512_fpclass_pd_mask((__m512d)x, 0xFF); }
 QKR_INLINE Flags not_positive_normal(f32 x) { return _mm512_fpclass_ps_mask((__m512)x, 0xFF); }
@@ -60,6 +69,23 @@ QKR_INLINE f32 add_if_zero(f32 s, f32 v, f32 c) {
   return (f32)_mm512_mask_add_ps((__m512)s, is_zero(c), (__m512)s, (__m512)v);
 }
 
+// Rounding in the direction that the immediate names, without the inexact flag.
+template <int direction>
+QKR_INLINE f64 round_by_hardware(f64 v) {
+  return (f64)_mm512_roundscale_pd((__m512d)v, direction | _MM_FROUND_NO_EXC);
+}
+template <int direction>
+QKR_INLINE f32 round_by_hardware(f32 v) {
+  return (f32)_mm512_roundscale_ps((__m512)v, direction | _MM_FROUND_NO_EXC);
+}
+// v + w toward zero, without any flag.
+QKR_INLINE f64 add_toward_zero(f64 v, f64 w) {
+  return (f64)_mm512_add_round_pd((__m512d)v, (__m512d)w, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC);
+}
+QKR_INLINE f32 add_toward_zero(f32 v, f32 w) {
+  return (f32)_mm512_add_round_ps((__m512)v, (__m512)w, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC);
+}
+
 // Ones behind the last element: no kernel finds them special.
 QKR_INLINE void load_part(const double *p, int count, f64 &v) {
   v = (f64)_mm512_mask_loadu_pd(_mm512_set1_pd(1), (1u << count) - 1, p);
@@ -74,9 +100,7 @@ QKR_INLINE void store_part(float *p, int count, f32 v) {
   _mm512_mask_storeu_ps(p, (1u << count) - 1, (__m512)v);
 }
 
-// The smaller of v and limit; limit where v is NaN.
-QKR_INLINE f64 at_most(f64 v, f64 limit) { return (f64)_mm512_min_pd((__m512d)v, (__m512d)limit); }
-QKR_INLINE f32 at_most(f32 v, f32 limit) { return (f32)_mm512_min_ps((__m512)v, (__m512)limit); }
+QKR_INLINE f64 square_root(f64 v) { return (f64)_mm512_sqrt_pd((__m512d)v); }
 
 // Conversions of the lower and the upper floats, and back.
 QKR_INLINE f64 low_doubles(f32 v) { return (f64)_mm512_cvtps_pd(_mm512_castps512_ps256((__m512)v)); }

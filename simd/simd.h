@@ -19,8 +19,7 @@ QKR_INLINE f64 exact_mad(f64 a, double b, f64 c) { return exact_mad(a, b - f64{}
 QKR_INLINE f32 exact_mad(f32 a, float b, f32 c) { return exact_mad(a, b - f32{}, c); }
 QKR_INLINE f64 exact_mad(f64 a, f64 b, double c) { return exact_mad(a, b, c - f64{}); }
 QKR_INLINE f32 exact_mad(f32 a, f32 b, float c) { return exact_mad(a, b, c - f32{}); }
-QKR_INLINE f64 at_most(f64 v, double limit) { return at_most(v, limit - f64{}); }
-QKR_INLINE f32 at_most(f32 v, float limit) { return at_most(v, limit - f32{}); }
+QKR_INLINE f64 smaller(f64 a, double b) { return smaller(a, b - f64{}); }
 
 // a * b - product, where product = a * b rounded: exact, if it is not below the normal range. With a fused
 // operation at the levels that have it, by halves of 26 bits (T. J. Dekker, Numerische Mathematik 18 (1971)
@@ -53,8 +52,9 @@ QKR_INLINE float approximate_rsqrt(float x) { return _mm_cvtss_f32(_mm_rsqrt_ss(
 QKR_INLINE uint64_t approximate_rsqrt(uint64_t single) {
   return bits(approximate_rsqrt(real((uint32_t)single)));
 }
-QKR_INLINE double at_most(double v, double limit) { return v < limit ? v : limit; }
-QKR_INLINE float at_most(float v, float limit) { return v < limit ? v : limit; }
+QKR_INLINE double square_root(double x) { return __builtin_sqrt(x); }
+QKR_INLINE double larger(double a, double b) { return a > b ? a : b; }
+QKR_INLINE double smaller(double a, double b) { return a < b ? a : b; }
 QKR_INLINE double widen(float x) { return x; }
 QKR_INLINE float narrow(double x) { return (float)x; }
 QKR_INLINE double zero_unless(double v, double c) { return c != 0.0 ? v : 0.0; }

@@ -19,9 +19,11 @@ QKR_INLINE void load_part(const float *p, int count, f32 &v) {
   v = f32{p[0], count > 1 ? p[1] : 1, count > 2 ? p[2] : 1, 1};
 }
 
-// The smaller of v and limit; limit where v is NaN.
-QKR_INLINE f64 at_most(f64 v, f64 limit) { return (f64)_mm_min_pd((__m128d)v, (__m128d)limit); }
-QKR_INLINE f32 at_most(f32 v, f32 limit) { return (f32)_mm_min_ps((__m128)v, (__m128)limit); }
+// Of numbers that are not NaN.
+QKR_INLINE f64 larger(f64 a, f64 b) { return (f64)_mm_max_pd((__m128d)a, (__m128d)b); }
+QKR_INLINE f64 smaller(f64 a, f64 b) { return (f64)_mm_min_pd((__m128d)a, (__m128d)b); }
+
+QKR_INLINE f64 square_root(f64 v) { return (f64)_mm_sqrt_pd((__m128d)v); }
 
 // Conversions of the lower and the upper floats, and back.
 QKR_INLINE f64 low_doubles(f32 v) { return (f64)_mm_cvtps_pd((__m128)v); }

@@ -1,7 +1,7 @@
 // Sine and cosine in double: table of the sine and its slope at nodes of a regular grid, short polynomials
 // between them (S. Gal and B. Bachelis, ACM TOMS 17 (1991) 26, with a regular grid). Large arguments go
 // through argument_reduction.cpp one by one.
-#include "vecmath/circular.h"
+#include "vecmath/circular_grid.h"
 #include "vecmath/contract.h"
 #include "vecmath/frame.h"
 #include "vecmath/scalar.h"
@@ -17,12 +17,9 @@ constexpr double S1 = -0.16666666666666666, S2 = 0.008333333333333333;
 constexpr double S3 = -0.0001984126984126984, S4 = 2.7557319223985893e-06;
 constexpr double C1 = -0.5, C2 = 0.041666666666666664, C3 = -0.001388888888888889, C4 = 2.48015873015873e-05;
 
-// A grid of `rows` steps a turn: its step in three parts, and where the two polynomials end.
-struct Grid64 {
+// The grids with their tables, and where the two polynomials end.
+struct OneResult : Grid64 {
   static constexpr auto table = circular::SinCosTbl;
-  static constexpr unsigned rows = 64;
-  static constexpr double steps_per_radian = 10.185916357881302;  // 32 / pi
-  static constexpr double P1 = 0.09817477042088285, P2 = 3.798187816439979e-12, P3 = 1.2639164054974691e-22;
   template <class V>
   QKR_INLINE static V sine_polynomial(V z) {
     return z * (S1 + z * (S2 + z * (S3 + z * S4)));
@@ -32,7 +29,7 @@ struct Grid64 {
     return z * (C1 + z * (C2 + z * (C3 + z * C4)));
   }
 };
-struct Grid128 {
+struct TwoResults {
   static constexpr auto table = circular::SinCosTblFine;
   static constexpr unsigned rows = 128;
   static constexpr double steps_per_radian = 20.371832715762604;  // 64 / pi
@@ -47,25 +44,12 @@ struct Grid128 {
   }
 };
 
-// x = N steps + r + r_lo; t, whose low bits hold N + offset.
-template <class V>
-struct Reduced {
-  V t, r, r_lo;
-};
-template <class Grid, class V>
-QKR_INLINE Reduced<V> reduce(V x, double offset) {
-  const double dbSh = 6755399441055744.0 + offset;
-  const V t = x * Grid::steps_per_radian + dbSh, N = t - dbSh;
-  const V u = exact_mad(N, -Grid::P1, x), r = exact_mad(N, -Grid::P2, u);
-  return {t, r, exact_mad(N, -Grid::P2, u - r) - N * Grid::P3};
-}
-
-// The sine at node j plus r + r_lo, |r| at most half a step.
+// The sine at node j plus r - excess, |r| at most half a step.
 template <class Grid, class V, class Index>
-QKR_INLINE V sine_near_node(Index j, V r, V r_lo) {
+QKR_INLINE V sine_near_node(Index j, V r, V excess) {
   V T0, T1, T2, T3;
   look_up(Grid::table, j, T0, T1, T2, T3);
-  const V D = T0 + T3, w = T2 + r_lo * (D - T1 * r), z = r * r;
+  const V D = T0 + T3, w = T2 - excess * (D - T1 * r), z = r * r;
   const V ps = Grid::sine_polynomial(z), pc = Grid::cosine_polynomial(z);
   const V rT0 = r * T0;
   const V h1 = exact_mad(T3, r, T1), h2 = h1 + rT0;
@@ -82,8 +66,8 @@ struct Circular : UnaryKernel<double, QKR_BASELINE ? 2 : 4> {
   }
   template <class V>
   QKR_INLINE static V core(V x) {
-    const Reduced<V> s = reduce<Grid64>(x, quarter * 16);
-    return sine_near_node<Grid64>(bits(s.t) & 63u, s.r, s.r_lo);
+    const Reduced<V> s = reduce<OneResult>(x, quarter * 16);
+    return sine_near_node<OneResult>(bits(s.t) & 63u, s.r, s.excess);
   }
   QKR_INLINE static void scalar(ptrdiff_t i, Arrays<double> v) { per_element(i, v.a, v.r); }
 };
@@ -98,9 +82,9 @@ struct SinCosDouble : UnaryKernel<double, 2> {
   }
   template <class V>
   QKR_INLINE static Pair<V> core(V x) {
-    const Reduced<V> s = reduce<Grid128>(x, 0);
-    return {sine_near_node<Grid128>(bits(s.t) & 127u, s.r, s.r_lo),
-            sine_near_node<Grid128>((bits(s.t) + 32u) & 127u, s.r, s.r_lo)};
+    const Reduced<V> s = reduce<TwoResults>(x, 0);
+    return {sine_near_node<TwoResults>(bits(s.t) & 127u, s.r, s.excess),
+            sine_near_node<TwoResults>((bits(s.t) + 32u) & 127u, s.r, s.excess)};
   }
   QKR_INLINE static void scalar(ptrdiff_t i, Arrays<double> v) { _vxmdSinCos_SC_HA(i, v.a, v.r, v.q); }
 };
@@ -111,48 +95,39 @@ struct SinCosDouble : UnaryKernel<double, 2> {
 #if QKR_BASELINE
 using namespace qkr;
 
-// Any finite x of at least 2^-252, reduced to the grid; N + offset, where the offset brings in the quadrant.
-static sse2::Reduced<double> reduce_any(double x) {
-  constexpr double no_reduction = 0x1p17;
-  if (__builtin_fabs(x) < no_reduction) return sse2::reduce<sse2::Grid64>(x, 0);
-  double sum[2];
-  const int32_t quadrant = _vxmreduce_pio2d(x, sum);
-  sse2::Reduced<double> s = sse2::reduce<sse2::Grid64>(sum[0], 16.0 * quadrant);
-  s.r_lo += sum[1];
-  return s;
-}
+static constexpr double no_reduction = 0x1p17;
 
 static double sine_of(const sse2::Reduced<double> &s, unsigned rows_on) {
-  return sse2::sine_near_node<sse2::Grid64>((sse2::bits(s.t) + rows_on) & 63u, s.r, s.r_lo);
+  return sse2::sine_near_node<sse2::OneResult>((sse2::bits(s.t) + rows_on) & 63u, s.r, s.excess);
 }
-
-static bool tiny(double x) { return __builtin_fabs(x) < 0x1p-252; }
-// x, or what is next to it toward zero in that rounding mode, with the flags that belong to it.
-static double sine_of_tiny(double x) { return x == 0 ? x : (x * 0x1p55 - x) * 0x1p-55; }
 
 extern "C" double _dSin(double x) {
   if (__builtin_fabs(x) == infinity_double) return x * 0.0;
   if (x != x) return x * x;
-  return tiny(x) ? sine_of_tiny(x) : sine_of(reduce_any(x), 0);
+  return sse2::tiny(x) ? sse2::itself_if_tiny(x) : sine_of(sse2::reduce_any(x, no_reduction), 0);
 }
 
 extern "C" double _dCos(double x) {
   if (__builtin_fabs(x) == infinity_double) return x * 0.0;
   if (x != x) return x * x;
-  return tiny(x) ? 1.0 - __builtin_fabs(x) : sine_of(reduce_any(x), 16);
+  return sse2::tiny(x) ? 1.0 - __builtin_fabs(x) : sine_of(sse2::reduce_any(x, no_reduction), 16);
 }
 
 extern "C" void _dSinCos(double x, double *sine, double *cosine) {
-  if (tiny(x) || !(__builtin_fabs(x) < infinity_double)) {
+  if (sse2::tiny(x) || !(__builtin_fabs(x) < infinity_double)) {
     const double c = _dCos(x);
     *sine = _dSin(x), *cosine = c;
     return;
   }
-  const sse2::Reduced<double> s = reduce_any(x);
+  const sse2::Reduced<double> s = sse2::reduce_any(x, no_reduction);
   *sine = sine_of(s, 0);
   *cosine = sine_of(s, 16);
 }
 #endif
+
+QKR_CONTRACT(_vxmdSin_HA, 0.53, -0x1.3bffffffffffp+3);
+QKR_CONTRACT(_vxmdCos_HA, 0.53, 0x1.fffffffffffcdp+16);
+QKR_CONTRACT(_vxmdSinCos_HA, 0.56, 0x1.20eda84dbbc25p+6);
 
 QKR_UNARY(_vxmdSin_HA, double, SinDouble)
 QKR_UNARY(_vxmdCos_HA, double, CosDouble)

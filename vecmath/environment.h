@@ -38,11 +38,11 @@ struct X87Environment {
 using X87Double = X87Environment<0x200>;    // 53 bits, round to nearest
 using X87Extended = X87Environment<0x300>;  // 64 bits, round to nearest
 
-// Kernels with vector arithmetic whose entry also sets the x87 word.
-struct X87ExtendedAndSse {
-  const X87Extended x87;
-  const SseEnvironment sse;
-  QKR_INLINE X87ExtendedAndSse() {}
+// Kernels of our own design behind such an entry: their arithmetic is SSE's, and its environment counts as well.
+template <class X87>
+struct WithSse {
+  SseEnvironment sse;
+  X87 x87;
 };
 
 // Exact families work under whatever the caller has set.

@@ -134,6 +134,9 @@ extern "C" void _ScalarExp(ptrdiff_t i, Arrays<float> v) {
 }
 #endif
 
+QKR_CONTRACT(_vxmdExp_HA, 0.53, -0x1.6c69c98ccaf31p+0);
+QKR_CONTRACT(_vxmsExp_HA, 0.574, 0x1.30c77p+6);
+
 QKR_UNARY(_vxmdExp_HA, double, ExpDouble)
 QKR_UNARY(_vxmsExp_HA, float, ExpSingle)
 QKR_UNARY_FORWARD(_vxmdExp_HA, _vxmdExp_50, double)

@@ -40,7 +40,7 @@ struct NodeDouble {
     k_in_place = (bits(t) << 46) & 0xFFF0000000000000u;
     look_up(hyperbolic_double::halves, bits(t) & 63u, rising, rising_low, falling, falling_low);
     // 2^-2k, held at 2^-256, where it is far too small to matter.
-    const V held = at_most(t, round_to_integer + 64 * 128);
+    const V held = smaller(t, round_to_integer + 64 * 128);
     const V scale = real(0x3FF0000000000000u - ((bits(held) << 47) & 0xFFE0000000000000u));
     falling = falling * scale;
     falling_low = falling_low * scale;
@@ -157,7 +157,7 @@ struct GrowingHyperbolic : UnaryKernel<T, 1> {
 };
 template <class Value>
 struct GrowingSingle : GrowingHyperbolic<float, Value> {
-  using Environment = X87ExtendedAndSse;
+  using Environment = WithSse<X87Extended>;
 };
 
 // tanh |x| with nodes of j/16, up to 20. The sum of the tangents is divided only where it is small beside
@@ -169,7 +169,7 @@ struct TanhDouble : UnaryKernel<double, 1> {
   }
   template <class V>
   QKR_INLINE static V core(V x) {
-    const V size = at_most(size_of<double>(x), 20.0);
+    const V size = smaller(size_of<double>(x), 20.0);
     const V t = size * 16.0 + round_to_integer, n = t - round_to_integer;
     const V r = exact_mad(n, -1.0 / 16, size), r2 = r * r;
     V node, node_low;
@@ -207,7 +207,7 @@ struct TanhSingle : UnaryKernel<float, 1> {
   }
   template <class V>
   QKR_INLINE static V core(V x) {
-    return with_sign_of<float>(x, narrow(of_size(widen(at_most(size_of<float>(x), 10.0f)))));
+    return with_sign_of<float>(x, narrow(of_size(smaller(widen(size_of<float>(x)), 10.0))));
   }
   static void scalar(ptrdiff_t i, Arrays<float> v) {
     const float x = v.a[i];
@@ -222,6 +222,13 @@ using SinhSingle = GrowingSingle<SinhValue>;
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
+
+QKR_CONTRACT(_vxmdCosh_HA, 0.75, 1);
+QKR_CONTRACT(_vxmsCosh_HA, 0.55, 1);
+QKR_CONTRACT(_vxmdSinh_HA, 0.75, 1);
+QKR_CONTRACT(_vxmsSinh_HA, 0.55, 1);
+QKR_CONTRACT(_vxmdTanh_HA, 0.75, 1);
+QKR_CONTRACT(_vxmsTanh_HA, 0.55, 1);
 
 QKR_UNARY(_vxmdCosh_HA, double, CoshDouble)
 QKR_UNARY(_vxmsCosh_HA, float, CoshSingle)

@@ -4,33 +4,11 @@
 // bits that its residual e = x y^k - 1 comes out exact; the binomial series of (1 + e)^(-1/k) gives the rest.
 // No instruction is used whose bits differ between makers of processors.
 #include "vecmath/contract.h"
-#include "vecmath/frame.h"
+#include "vecmath/reciprocal_root.h"
 #include "vecmath/scalar.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
-
-// x cut to its leading bits by a mask, and y rounded to its leading bits, half of the last one being given.
-template <class V, class Mask>
-QKR_INLINE V leading_bits(V x, Mask mask) {
-  return real(bits(x) & mask);
-}
-template <class V, class Mask>
-QKR_INLINE V round_to(V y, Mask mask, Mask half) {
-  return real((bits(y) + half) & mask);
-}
-
-// Doubles: y gets 16 bits and the head of x 21, so that x_head y^2 has 53. Floats: 8, 8 and 24.
-struct DoubleRoot {
-  using Element = double;
-  static constexpr uint64_t guess = 0x5FE6E80000000000, head = 0xFFFFFFFF00000000;
-  static constexpr uint64_t y_mask = ~(uint64_t)0 << 37, y_half = (uint64_t)1 << 36;
-};
-struct SingleRoot {
-  using Element = float;
-  static constexpr uint32_t guess = 0x5F374000, head = 0xFFFF0000;
-  static constexpr uint32_t y_mask = 0xFFFF0000, y_half = 0x8000;
-};
 
 template <class Format>
 struct InvSqrt : UnaryKernel<typename Format::Element, QKR_BASELINE ? 2 : 4> {
@@ -43,13 +21,10 @@ struct InvSqrt : UnaryKernel<typename Format::Element, QKR_BASELINE ? 2 : 4> {
 
   template <class V>
   QKR_INLINE static V core(V x) {
-    const V guess = real(Format::guess - (bits(x) >> 1));  // within 3.4 %
-    const V z = (T)1 - (x * guess) * guess;
-    const V better = guess + guess * (z * ((T)0.5 + z * ((T)0.375 + z * (T)0.3125)));
-    const V y = round_to(better, Format::y_mask, Format::y_half), y2 = y * y;
+    const V y = short_reciprocal_root<Format>(x), y2 = y * y;
     const V x_head = leading_bits(x, Format::head), x_rest = x - x_head;
     const V e = exact_mad(x_head, y2, (T)-1) + x_rest * y2;
-    return y + y * (e * ((T)-0.5 + e * ((T)0.375 + e * ((T)-0.3125 + e * (T)0.2734375))));
+    return y + y * reciprocal_root_series<T>(e);
   }
 
   static void scalar(ptrdiff_t i, Arrays<T> v) {
@@ -159,6 +134,13 @@ struct CubeRoot : UnaryKernel<T, 2> {
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
+
+QKR_CONTRACT(_vxmdInvSqrt_HA, 0.501, 0x1.528be3e20b924p+8);
+QKR_CONTRACT(_vxmsInvSqrt_HA, 0.51, 0x1.591f9p+12);
+QKR_CONTRACT(_vxmdCbrt_HA, 0.54, -0x1.f202422888ef7p-169);
+QKR_CONTRACT(_vxmsCbrt_HA, 0.501, 0x1.d050bap+8);
+QKR_CONTRACT(_vxmdInvCbrt_HA, 0.51, 0x1.f94dcf4cadf75p+2);
+QKR_CONTRACT(_vxmsInvCbrt_HA, 0.501, -0x1.7b6194p-2);
 
 QKR_UNARY(_vxmdInvSqrt_HA, double, InvSqrt<DoubleRoot>)
 QKR_UNARY(_vxmsInvSqrt_HA, float, InvSqrt<SingleRoot>)

@@ -19,6 +19,7 @@
 
 #include <qkr/api.h>
 #include <qkr/vecmath_control.h>
+#include <qkr/vecmath_exact.h>
 
 QKR_BEGIN_DECLS
 
@@ -237,6 +238,18 @@ QKR_API void _vxmsPow_HA(int32_t n, const float *a, const float *b, float *r);
 QKR_API void _vxmsPow_21(int32_t n, const float *a, const float *b, float *r);
 QKR_API void _vxmsPowx_HA(int32_t n, const float *a, float b, float *r);
 QKR_API void _vxmsPowx_21(int32_t n, const float *a, float b, float *r);
+/**@}*/
+
+/** @name Hypot
+ * The hypotenuse, r[i] = sqrt(a[i]^2 + b[i]^2), without overflow or underflow on the way.
+ *
+ * An infinite a[i] or b[i] gives +inf, also beside a NaN; else a NaN gives NaN; neither is reported. An overflow gives
+ * +inf and status 3. Method: exact squares (T. J. Dekker, 1971), root as in InvSqrt. */
+/**@{*/
+QKR_API void _vxmdHypot_HA(int32_t n, const double *a, const double *b, double *r);
+QKR_API void _vxmdHypot_50(int32_t n, const double *a, const double *b, double *r);
+QKR_API void _vxmsHypot_HA(int32_t n, const float *a, const float *b, float *r);
+QKR_API void _vxmsHypot_21(int32_t n, const float *a, const float *b, float *r);
 /**@}*/
 
 /** @name Cosh

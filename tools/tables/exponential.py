@@ -1,12 +1,12 @@
 #!/usr/bin/python3
 """Tables of 2**(j/64) (double) and 2**(j/128) (single) as pairs hi, lo.
 
-Double: hi is cut to 38 bits (15 low bits zero) and lo is what is left, 2**(j/64) - hi, so lo >= 0 and
-hi + lo carries the power to 2**-91. The kernel adds lo before hi, so the last addition alone rounds visibly.
+Double: hi is cut to 38 bits (15 low bits zero) and lo is what is left, 2**(j/64) - hi, so lo >= 0 and hi + lo
+carries the power to 2**-91. The kernel adds lo before hi, so the last addition alone rounds visibly.
 
-Single: hi is the nearest single and lo the relative remainder (2**(j/128) - hi) / hi: the kernel adds lo to the
-reduced argument, before the polynomial's value is multiplied by hi. The columns are also kept as arrays of their
-own, for look-ups in tables held in registers.
+Single: hi is the nearest single and lo the relative remainder (2**(j/128) - hi) / hi: the kernel adds lo to
+the reduced argument, before the polynomial's value is multiplied by hi. The columns are also kept as arrays
+of their own, for look-ups in tables held in registers.
 """
 from gmpy2 import exp2, mpfr
 

@@ -1,7 +1,7 @@
 """Writes the committed table files of vecmath/tables: C++ arrays of hexadecimal floats.
 
-A generator describes its arrays as Table records and hands them to main(), which writes the file that bears the
-generator's name, or with --check compares it with the committed one.
+A generator describes its arrays as Table records and hands them to main(), which writes the file that bears
+the generator's name, or with --check compares it with the committed one.
 """
 import sys
 from dataclasses import dataclass
@@ -49,7 +49,7 @@ def literal(x, element):
     assert mpfr(kept) == x, "not a double"
     suffix = "f" if element == "float" else ""
     if kept == 0:
-        return "0.0" + suffix
+        return str(kept) + suffix
     mantissa, exponent = kept.hex().split("p")
     if "." in mantissa:
         mantissa = mantissa.rstrip("0").rstrip(".")

@@ -1,7 +1,8 @@
 #pragma once
 
-// Tables of the vector functions, made by the generators in tools/tables, whose opening comments give the rule of
-// the rows. Rows lie on their own lines of cache as far as they fit: every table is aligned to 64 bytes.
+// Tables of the vector functions, made by the generators in tools/tables, whose opening comments give the
+// rule of the rows. Rows lie on their own lines of cache as far as they fit: every table is aligned to 64
+// bytes.
 
 #pragma GCC visibility push(hidden)
 
@@ -9,6 +10,9 @@ namespace qkr::circular {
 // Row j: T0, T1, T2, T3 for the sine around the node a = 2 pi j / rows: sin(a) = T1 + T2, cos(a) = T3 + T0.
 alignas(64) extern const double SinCosTbl[64][4];
 alignas(64) extern const double SinCosTblFine[128][4];
+// Row j, in groups of columns 32 rows apart: the tangent around the node pi j / 32 less its pole, T + T_lo + r (slope +
+// D + A2 r + ... + A9 r^8): T, T_lo, slope, D; A2 to A5; A6 to A9.
+alignas(64) extern const double _dTanTab[96][4];
 // Bits of 4/pi: chunk k of 25 bits times 2^200, from chunk 1 on.
 alignas(64) extern const double _vxmReductionTab[52];
 }  // namespace qkr::circular
@@ -34,14 +38,14 @@ alignas(64) extern const double tangents[321][2];
 }  // namespace qkr::hyperbolic_double
 
 namespace qkr::ln_double {
-// Row k of 0 to 512: r, r, T.hi, T.lo with r about 1 / (1 + k/512), a multiple of 2^-23, and T = -ln(r), less ln 2
-// from row 256 on.
+// Row k of 0 to 512: r, r, T.hi, T.lo with r about 1 / (1 + k/512), a multiple of 2^-23, and T = -ln(r), less
+// ln 2 from row 256 on.
 alignas(64) extern const double BT_Tbl[520][4];
 }  // namespace qkr::ln_double
 
 namespace qkr::log10_double {
-// Row k of 0 to 512: r * C, r * C, T.hi, T.lo with r about 1 / (1 + k/512), C = 0.43359375, r * C a multiple of 2^-23,
-// and T = -log10(r).
+// Row k of 0 to 512: r * C, r * C, T.hi, T.lo with r about 1 / (1 + k/512), C = 0.43359375, r * C a multiple
+// of 2^-23, and T = -log10(r).
 alignas(64) extern const double BT_Tbl[520][4];
 }  // namespace qkr::log10_double
 
@@ -51,8 +55,8 @@ alignas(64) extern const float Table[65][4];
 }  // namespace qkr::ln_single
 
 namespace qkr::log10_single {
-// Row k: r * C, r * C, T.hi, T.lo with r about 1 / (1 + k/128), C = 0.43359375, r * C of seven significant bits, and
-// T = -log10(r), less log10(2) from row 64 on.
+// Row k: r * C, r * C, T.hi, T.lo with r about 1 / (1 + k/128), C = 0.43359375, r * C of seven significant
+// bits, and T = -log10(r), less log10(2) from row 64 on.
 alignas(64) extern const float BT_Tbl[129][4];
 }  // namespace qkr::log10_single
 

@@ -1,0 +1,104 @@
+#!/usr/bin/python3
+"""Pictures from the numbers that the example programs wrote.
+
+plot.py OUT_DIR prints the path of each picture. Without matplotlib it says so and draws nothing.
+"""
+import sys
+from pathlib import Path
+
+try:
+    import matplotlib
+
+    matplotlib.use("Agg")
+    import matplotlib.pyplot as plt
+    import numpy as np
+except ImportError as missing:
+    print(f"plots skipped: {missing} (Debian package: python3-matplotlib)")
+    sys.exit(0)
+
+BLUE, RED, GREY = "#2a6f97", "#c1121f", "#8d99ae"
+plt.rcParams.update({
+    "figure.constrained_layout.use": True, "figure.dpi": 120, "font.size": 10, "axes.titlesize": 11,
+    "axes.titleweight": "bold", "axes.spines.top": False, "axes.spines.right": False,
+})
+
+
+def read_csv(path):
+    return np.genfromtxt(path, delimiter=",", names=True)
+
+
+def read_pgm(path):
+    """A binary PGM of 8 bits a pixel, without comments, as the programs write it."""
+    magic, size, largest, pixels = path.read_bytes().split(b"\n", 3)
+    width, height = map(int, size.split())
+    if magic != b"P5" or largest != b"255":
+        sys.exit(f"{path} is not an 8-bit binary PGM")
+    return np.frombuffer(pixels, np.uint8).reshape(height, width)
+
+
+def plot_co2(out_dir):
+    fit, rates = read_csv(out_dir / "co2_fit.csv"), read_csv(out_dir / "co2_rates.csv")
+    whole, decades = rates[0]["percent_per_year"], rates[1:]
+    figure, (record, growth) = plt.subplots(1, 2, figsize=(11, 4.6), width_ratios=(2.2, 1))
+
+    record.plot(fit["year"], fit["ppm"], color=BLUE, linewidth=0.8, label="weekly measurements")
+    record.plot(fit["year"], fit["fit_ppm"], color=RED, linewidth=1.8,
+                label=f"exponential fit, {whole:.3f} % a year")
+    record.set(title="Carbon dioxide in the air at Mauna Loa", xlabel="year", ylabel="CO$_2$ (ppm by volume)")
+    record.margins(x=0.01)
+    record.grid(alpha=0.25)
+    record.legend(frameon=False, loc="upper left")
+
+    names = [f"{row['from_year']:.0f}s" for row in decades]
+    bars = growth.bar(names, decades["percent_per_year"], color=BLUE, width=0.65)
+    growth.bar_label(bars, fmt="%.2f", label_type="center", color="white")
+    growth.axhline(whole, color=RED, linewidth=1.4, linestyle="--", label="whole record")
+    growth.set(title="Growth by decade", xlabel="decade", ylabel="growth (% a year)")
+    growth.set_ylim(0, 1.25 * decades["percent_per_year"].max())
+    growth.legend(frameon=False, loc="upper left")
+    return figure, "co2_growth.png"
+
+
+def plot_tone_curve(out_dir):
+    before, after = read_pgm(out_dir / "tone_before.pgm"), read_pgm(out_dir / "tone_after.pgm")
+    curve = read_csv(out_dir / "tone_curve.csv")
+    figure = plt.figure(figsize=(13, 4.7))
+    left, middle, right = figure.subplots(1, 3, width_ratios=(1, 1, 0.85))
+
+    after_title = "After the logarithmic tone curve"
+    for axes, picture, title in ((left, before, "Before"), (middle, after, after_title)):
+        axes.imshow(picture, cmap="gray", vmin=0, vmax=255)
+        axes.set_title(title)
+        axes.axis("off")
+
+    levels = np.arange(257)
+    share = right.twinx()
+    for picture, colour, name in ((before, GREY, "before"), (after, BLUE, "after")):
+        percent = 100 * np.histogram(picture, levels[::8])[0] / picture.size
+        share.stairs(percent, levels[::8], fill=True, color=colour, alpha=0.4, label=f"pixels {name}")
+    share.set(ylabel="pixels (% in 8 grey levels)", ylim=(0, 40), yticks=(0, 5, 10))
+    share.yaxis.set_label_coords(1.1, 0.3)
+    share.legend(frameon=False, loc="lower right", bbox_to_anchor=(1, 0.36))
+    right.plot(curve["grey_before"], curve["grey_after"], color=RED, linewidth=2, label="tone curve")
+    right.plot([0, 255], [0, 255], color="black", linewidth=0.8, linestyle=":", label="unchanged")
+    right.set(title="The curve and the pixels", xlabel="grey level (0 black, 255 white)",
+              ylabel="grey level after", xlim=(0, 255), ylim=(0, 255),
+              xticks=range(0, 256, 51), yticks=range(0, 256, 51))
+    right.legend(frameon=False, loc="upper left")
+    return figure, "tone_curve.png"
+
+
+def main():
+    if len(sys.argv) != 2:
+        sys.exit("usage: plot.py OUT_DIR")
+    out_dir = Path(sys.argv[1])
+    for plot in (plot_co2, plot_tone_curve):
+        try:
+            figure, name = plot(out_dir)
+            figure.savefig(out_dir / name)
+        except OSError as error:
+            sys.exit(f"plot.py: {error}")
+        print(out_dir / name)
+
+
+main()

@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# Runs the example programs on examples/data. Reports go to the terminal, numbers and pictures to OUT_DIR.
+set -euo pipefail
+(($# == 2)) || { echo "usage: run_demo.sh BUILD_DIR OUT_DIR" >&2; exit 1; }
+programs=$1/examples
+out=$2
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+python=/usr/bin/python3 # Debian's own, which sees Debian's matplotlib
+
+mkdir -p "$out"
+
+printf 'Growth of carbon dioxide in the air (examples/co2_growth.cpp)\n\n'
+"$programs/co2_growth" "$here/data/co2_weekly.csv" "$out"
+
+printf '\nLogarithmic tone curve over a photograph (examples/tone_curve.cpp)\n\n'
+"$programs/tone_curve" "$here/data/photo.pgm" "$out"
+
+printf '\nWhat happens to bad elements (examples/error_policy.c)\n\n'
+"$programs/error_policy" "$out"
+
+printf '\nPictures\n\n'
+if [[ -x $python ]]; then
+  "$python" "$here/plot.py" "$out"
+else
+  echo "plots skipped: no $python (Debian packages: python3 python3-matplotlib)"
+fi

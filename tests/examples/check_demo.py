@@ -1,0 +1,136 @@
+"""Runs the demonstration into a scratch directory and checks what it printed and wrote.
+
+check_demo.py EXAMPLES_DIR BUILD_DIR SCRATCH_DIR
+"""
+import csv
+import datetime
+import importlib.util
+import math
+import os
+import shutil
+import subprocess
+import sys
+import unittest
+from pathlib import Path
+
+examples, build, out = map(Path, sys.argv[1:])
+
+
+def run(*command, **environment):
+    """Exit code, and stdout and stderr in the order in which they were written."""
+    done = subprocess.run(list(map(str, command)), env=os.environ | environment,
+                          text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+    return done.returncode, done.stdout
+
+
+def rows(path):
+    with open(path, newline="") as file:
+        return list(csv.DictReader(file))
+
+
+def pixels(path):
+    return path.read_bytes()[-512 * 512:]
+
+
+class Demo(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        shutil.rmtree(out, ignore_errors=True)
+        code, cls.report = run(examples / "run_demo.sh", build, out)
+        assert code == 0, cls.report
+
+    def test_growth(self):
+        """The same line through the same logarithms, by Python's own."""
+        points = []
+        for line in (examples / "data/co2_weekly.csv").read_text().splitlines()[2:]:
+            date, ppm = line.split(",")
+            day = datetime.date(int(date[:4]), int(date[4:6]), int(date[6:]))
+            start, end = datetime.date(day.year, 1, 1), datetime.date(day.year + 1, 1, 1)
+            if ppm:
+                points.append((day.year + (day - start).days / (end - start).days, math.log(float(ppm))))
+        rates = rows(out / "co2_rates.csv")
+        self.assertEqual(len(rates), 5)
+        for i, rate in enumerate(rates):
+            first, last = (1900, 2100) if i == 0 else (float(rate["from_year"]), float(rate["to_year"]))
+            chosen = [(t, y) for t, y in points if first <= t < last]
+            middle = sum(t for t, _ in chosen) / len(chosen)
+            slope = sum((t - middle) * y for t, y in chosen) / sum((t - middle) ** 2 for t, _ in chosen)
+            self.assertAlmostEqual(float(rate["percent_per_year"]), 100 * math.expm1(slope), places=7)
+        whole = float(rates[0]["percent_per_year"])
+        self.assertTrue(0.3 < whole < 0.5, whole)
+        self.assertIn(f"growth of the whole record: {whole:.3f} % a year", self.report)
+        self.assertIn("2284 weeks from 1958.2 to 2002.0, 59 of them not measured", self.report)
+
+    def test_fit(self):
+        weeks = rows(out / "co2_fit.csv")
+        self.assertEqual(len(weeks), 2284)
+        deviations = [float(w["ppm"]) - float(w["fit_ppm"]) for w in weeks if w["ppm"] != "nan"]
+        self.assertEqual(len(deviations), 2284 - 59)
+        self.assertLess(max(map(abs, deviations)), 10)  # ppm: season and bend of the trend, 4 each
+
+    def test_tone_curve(self):
+        before, after = pixels(out / "tone_before.pgm"), pixels(out / "tone_after.pgm")
+        self.assertEqual(before, pixels(examples / "data/photo.pgm"))
+        curve = [255 * math.log1p(10 * level / 255) / math.log(11) for level in range(256)]
+        self.assertLess(max(abs(a - curve[b]) for a, b in zip(after, before)), 0.501)
+
+    def test_error_policy(self):
+        status = {}
+        for row in rows(out / "error_policy.csv"):
+            status.setdefault(row["function"], []).append(int(row["status"]))
+            if row["status"] == "2":  # only singularities are repaired
+                self.assertEqual(abs(float(row["result"])), math.inf)
+                self.assertEqual(abs(float(row["repaired"])), sys.float_info.max)
+            else:
+                result, repaired = float(row["result"]), float(row["repaired"])
+                self.assertTrue(result == repaired or math.isnan(result) and math.isnan(repaired), row)
+        self.assertEqual(status, {"ln(a)": [0, 2, 1, 0, 0], "1/a": [0, 2, 0, 0, 0]})
+        for text in ("status 1 (out of domain)", "status 2 (singularity)",
+                     "callback: _vxmdLn_HA, element 1, status 2 (singularity), repaired",
+                     "callback: _vxmdDiv_HA, element 1, status 2 (singularity), repaired",
+                     "Error (VXM_STATUS_SING) in _vxmdLn_HA: argument caused singularity\n"
+                     "a(1)=0\nr(1)=-inf\n",
+                     "Error (VXM_STATUS_ERRDOM) in _vxmdLn_HA: argument is out of domain\na(2)=-3\n"):
+            self.assertIn(text, self.report)
+
+    def test_pictures(self):
+        if importlib.util.find_spec("matplotlib") is None:
+            self.assertIn("plots skipped", self.report)
+            return
+        for name in ("co2_growth.png", "tone_curve.png"):
+            self.assertIn(str(out / name), self.report)
+            picture = (out / name).read_bytes()
+            self.assertEqual(picture[:8], b"\x89PNG\r\n\x1a\n")
+            self.assertGreater(len(picture), 20000)
+
+    def test_without_matplotlib(self):
+        blocked = out / "blocked"
+        blocked.mkdir()
+        (blocked / "matplotlib.py").write_text("raise ImportError('No module named matplotlib')\n")
+        code, text = run("/usr/bin/python3", examples / "plot.py", out, PYTHONPATH=str(blocked))
+        self.assertEqual((code, text.startswith("plots skipped: ")), (0, True), text)
+
+    def test_bad_files(self):
+        bad_row, zero, short = out / "bad_row.csv", out / "zero.csv", out / "short.pgm"
+        bad_row.write_text("date,ppm\n19580329,316.1\n19580230,316.1\n")
+        zero.write_text("date,ppm\n19580329,316.1\n19580405,0\n")
+        short.write_bytes(b"P5\n4 4\n255\nxxx")
+        co2, photo = examples / "data/co2_weekly.csv", examples / "data/photo.pgm"
+        for program, arguments, message in (
+                ("co2_growth", ["nowhere.csv", out], "cannot read nowhere.csv"),
+                ("co2_growth", [bad_row, out], "line 3"),
+                ("co2_growth", [zero, out], "not positive"),
+                ("co2_growth", [co2, out / "nowhere"], "cannot write"),
+                ("tone_curve", ["nowhere.pgm", out], "cannot read nowhere.pgm"),
+                ("tone_curve", [co2, out], "not a binary PGM"),
+                ("tone_curve", [short, out], "ends before its last pixel"),
+                ("tone_curve", [photo, out / "nowhere"], "cannot write"),
+                ("error_policy", [out / "nowhere"], "cannot write"),
+                ("error_policy", [], "usage: ")):
+            with self.subTest(program=program, message=message):
+                code, text = run(build / "examples" / program, *arguments)
+                self.assertEqual(code, 1, text)
+                self.assertIn(message, text)
+
+
+unittest.main(argv=sys.argv[:1], verbosity=2)

@@ -1,0 +1,42 @@
+"""Calls run downward only: a file of one room includes nothing of a room that it does not stand on."""
+import pathlib
+import re
+import sys
+
+STANDS_ON = {
+    "simd": set(),
+    "service": {"simd"},
+    "vecmath": {"simd"},
+    "sigfft": {"simd"},
+    "streams": {"simd"},
+    "distributions": {"simd", "vecmath", "streams"},
+    "dft": {"simd", "service", "sigfft"},
+    "convcorr": {"simd", "sigfft", "dft"},
+}
+root = pathlib.Path(sys.argv[1])
+faults, checked = [], 0
+
+
+def room_of_header(name):
+    """include/qkr/vecmath.h and include/qkr/vecmath_control.h are headers of vecmath."""
+    return pathlib.PurePath(name).stem.partition("_")[0]
+
+
+def check(file, room, included):
+    if included != room and included not in STANDS_ON[room]:
+        faults.append(f"{file.relative_to(root)} ({room}) includes a file of {included}")
+
+
+for room in STANDS_ON:
+    public = [file for file in (root / "include" / "qkr").glob("*.h") if room_of_header(file) == room]
+    own = [file for file in (root / room).rglob("*") if file.suffix in {".h", ".cpp"}]
+    for file in public + own:
+        checked += 1
+        for name in re.findall(r'^\s*#\s*include\s*[<"]([^>"]+)[>"]', file.read_text(), re.MULTILINE):
+            first, _, rest = name.partition("/")
+            if first == "qkr" and rest != "api.h":
+                check(file, room, room_of_header(rest))  # also refuses qkr.h, which includes all rooms
+            elif first in STANDS_ON or first in {"tests", "tools", "bench", "examples"}:
+                check(file, room, first)
+print(f"{checked} files")
+sys.exit("\n".join(faults) or (0 if checked else "no files found"))

@@ -1,0 +1,184 @@
+// The tables of the vector functions: known rows, the short factors that make a kernel's products exact, and
+// the accuracy of every pair against long double.
+#include "vecmath/tables/tables.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <functional>
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace qkr;
+
+constexpr long double kShortLog10e = 0.43359375L;
+const long double kLn2 = std::log(2.0L);
+const long double kLog10Of2 = std::log10(2.0L);
+
+// Whether x is a whole multiple of 2^exponent.
+bool is_multiple(double x, int exponent) {
+  const double scaled = std::ldexp(x, -exponent);
+  return scaled == std::trunc(scaled);
+}
+
+TEST(Tables, KnownRows) {
+  EXPECT_EQ(exp_double::s_dwExp2[0][0], 1.0);
+  EXPECT_EQ(exp_double::s_dwExp2[0][1], 0.0);
+  EXPECT_EQ(exp_single::exp2f_table[0][0], 1.0f);
+  EXPECT_EQ(exp_single::exp2f_table[0][1], 0.0f);
+  EXPECT_EQ(std::bit_cast<std::uint64_t>(exp_double::s_dwExp2[1][0]), 0x3FF02C9A3E778000u);
+  EXPECT_EQ(std::bit_cast<std::uint64_t>(exp_double::s_dwExp2[1][1]), 0x3D183B9BDF2B293Eu);
+  EXPECT_EQ(std::bit_cast<std::uint32_t>(exp_single::exp2f_table[1][0]), 0x3F80B1EDu);
+  EXPECT_EQ(std::bit_cast<std::uint32_t>(exp_single::exp2f_table[1][1]), 0x331ED669u);
+
+  const struct {
+    const double *row;
+    double column[4];
+  } double_rows[] = {
+      {ln_double::BT_Tbl[0], {1.0, 1.0, 0.0, 0.0}},
+      {ln_double::BT_Tbl[1],
+       {0.9980506896972656, 0.9980506896972656, 0.001951212645508349, 3.5172831329618426e-11}},
+      {ln_double::BT_Tbl[512], {0.5, 0.5, 0.0, 0.0}},
+      {ln_double::BT_Tbl[513], {0.0, 0.0, 0.0, 0.0}},
+      {log10_double::BT_Tbl[0], {0.43359375, 0.43359375, 0.0, 0.0}},
+      {log10_double::BT_Tbl[512], {0.216796875, 0.216796875, 0.30102999566395283, 2.8363394551044964e-14}},
+  };
+  for (const auto &known : double_rows)
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(known.row[i], known.column[i]) << &known - double_rows << ' ' << i;
+  EXPECT_EQ(ln_double::BT_Tbl[255][0], 0.6675359010696411);
+  EXPECT_EQ(ln_double::BT_Tbl[255][2], 0.40416209399700165);
+  EXPECT_EQ(ln_double::BT_Tbl[256][0], 0.6666666269302368);
+  EXPECT_EQ(ln_double::BT_Tbl[256][2], -0.28768201172351837);
+
+  const struct {
+    const float *row;
+    float column[4];
+  } single_rows[] = {
+      {ln_single::Table[0], {0.0f, 0.0f, 1.0f, 0.0f}},
+      {ln_single::Table[1], {0.0157470703125f, 1.2866556744484114e-06f, 0.984375f, 0.0f}},
+      {ln_single::Table[32], {0.40350341796875f, 1.0470008419360965e-05f, 0.66796875f, 0.0f}},
+      {ln_single::Table[64], {0.693115234375f, 3.194618329871446e-05f, 0.5f, 0.0f}},
+      {log10_single::BT_Tbl[0], {0.43359375f, 0.43359375f, 0.0f, 0.0f}},
+      {log10_single::BT_Tbl[128], {0.216796875f, 0.216796875f, 0.0f, 0.0f}},
+  };
+  for (const auto &known : single_rows)
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(known.row[i], known.column[i]) << &known - single_rows << ' ' << i;
+  EXPECT_EQ(log10_single::BT_Tbl[63][2], 0.17578125f);
+  EXPECT_EQ(log10_single::BT_Tbl[64][2], -0.124755859375f);
+}
+
+TEST(Tables, PowersOfTwo) {
+  for (int j = 0; j < 64; ++j) {
+    const auto [hi, lo] = exp_double::s_dwExp2[j];
+    EXPECT_EQ(std::bit_cast<std::uint64_t>(hi) & 0x7FFF, 0u) << j;
+    EXPECT_NEAR(static_cast<double>((hi + static_cast<long double>(lo)) - std::exp2(j / 64.0L)), 0, 0x1p-62)
+        << j;
+  }
+  for (int j = 0; j < 128; ++j) {
+    const auto [hi, lo] = exp_single::exp2f_table[j];
+    EXPECT_NEAR(static_cast<double>(hi * (1 + static_cast<long double>(lo)) - std::exp2(j / 128.0L)), 0,
+                0x1p-48)
+        << j;
+    EXPECT_EQ(exp_single::exp2f_hi[j], hi);
+    EXPECT_EQ(exp_single::exp2f_lo[j], lo);
+  }
+}
+
+// One row for each logarithm. A kernel multiplies r (scaled by C in Log10) by a mantissa of y_bits bits, and
+// adds the product less C to n * log2_hi + T.hi; all of that must fit the format's bits.
+struct LogarithmTable {
+  const char *name;
+  int size, first_raised;  // rows 0 to size; from first_raised on T is less by log 2
+  int format_bits, y_bits;
+  int r_unit, hi_unit,
+      head_bits;  // r and T.hi are multiples of 2^r_unit and 2^hi_unit; |result| < 2^head_bits
+  long double c;
+  double log2_hi;
+  long double log2;
+  long double (*log)(long double);
+  double z_bound, t_bound;  // of |z| / C over a row's interval; of the pair T
+  std::function<double(int)> r, hi, lo;
+};
+
+const LogarithmTable kLogarithms[] = {
+    {"Ln double", 512, 256, 53, 21, -23, -35, 10, 1, 0x1.62e42fefa38p-1, kLn2, std::log, 0x1.01p-10, 0x1p-63,
+     [](int k) { return ln_double::BT_Tbl[k][0]; }, [](int k) { return ln_double::BT_Tbl[k][2]; },
+     [](int k) { return ln_double::BT_Tbl[k][3]; }},
+    {"Log10 double", 512, 1000, 53, 22, -23, -43, 9, kShortLog10e, 0x1.34413509f78p-2, kLog10Of2, std::log10,
+     0x1.01p-10, 0x1p-64, [](int k) { return log10_double::BT_Tbl[k][0]; },
+     [](int k) { return log10_double::BT_Tbl[k][2]; }, [](int k) { return log10_double::BT_Tbl[k][3]; }},
+    {"Ln single", 64, 1000, 24, 10, -8, -14, 7, 1, 0.693115234375, kLn2, std::log, 0x1.8p-7, 0x1p-38,
+     [](int k) { return ln_single::Table[k][2]; }, [](int k) { return ln_single::Table[k][0]; },
+     [](int k) { return ln_single::Table[k][1]; }},
+    {"Log10 single", 128, 64, 24, 9, -9, -18, 6, kShortLog10e, 0.3125, kLog10Of2, std::log10, 0x1.9p-7,
+     0x1p-36, [](int k) { return log10_single::BT_Tbl[k][0]; },
+     [](int k) { return log10_single::BT_Tbl[k][2]; }, [](int k) { return log10_single::BT_Tbl[k][3]; }},
+};
+
+TEST(Tables, Logarithms) {
+  for (const LogarithmTable &t : kLogarithms) {
+    SCOPED_TRACE(t.name);
+    // The head's last bit comes from yh * r, from T.hi or from log2_hi.
+    const int product_unit = 1 - t.y_bits + t.r_unit;
+    EXPECT_LE(t.y_bits - t.r_unit, t.format_bits);
+    EXPECT_LE(t.head_bits - std::min(product_unit, t.hi_unit), t.format_bits);
+    EXPECT_TRUE(is_multiple(t.log2_hi, std::min(product_unit, t.hi_unit)));
+
+    for (int k = 0; k <= t.size; ++k) {
+      SCOPED_TRACE(k);
+      EXPECT_TRUE(is_multiple(t.r(k), t.r_unit));
+      EXPECT_TRUE(is_multiple(t.hi(k), t.hi_unit));
+
+      const long double r = t.r(k) / t.c;
+      const long double expected = -t.log(r) - (k >= t.first_raised ? t.log2 : 0);
+      EXPECT_NEAR(static_cast<double>(static_cast<long double>(t.hi(k)) + t.lo(k) - expected), 0, t.t_bound);
+
+      for (double end : {k - 0.5, k + 0.5}) {
+        const long double y = 1 + std::clamp(end, 0.0, double(t.size)) / t.size;
+        EXPECT_LE(std::fabs(static_cast<double>(y * r - 1)), t.z_bound);
+      }
+      // A tail of zero tells a kernel that r is 1 or 1/2 exactly, and nothing of T is lost.
+      const bool jumps = t.first_raised <= t.size;
+      const double tail_at_half = jumps ? 0.0 : t.lo(t.size);
+      if (t.lo(k) == 0 || t.lo(k) == tail_at_half) {
+        EXPECT_TRUE(t.r(k) == t.r(0) || t.r(k) == t.r(t.size));
+      }
+    }
+  }
+}
+
+TEST(Tables, Log10SingleDeviationIsExact) {
+  for (int k = 0; k <= 128; ++k)
+    for (int step = -64; step <= 63; ++step) {
+      const float y = 1 + k / 128.0f + step * 0x1p-14f + 0x1p-23f;
+      if (y < 1 || y >= 2) continue;
+      const double z = double(y) * log10_single::BT_Tbl[k][0] - 0.43359375;
+      EXPECT_EQ(z, static_cast<float>(z)) << k << ' ' << step;
+    }
+}
+
+// Largest relative error of the quadratics, at 16 points of each part.
+template <typename Exact>
+long double quadratic_error(const double *a2, const double *a1, const double *a0, int parts, Exact exact) {
+  long double worst = 0;
+  for (int i = 0; i <= 16 * parts; ++i)
+    for (int k : {i / 16, (i - 1) / 16}) {  // the end of one part is the beginning of the next
+      if (k >= parts) continue;
+      const long double m = 1 + i / (16.0L * parts);
+      worst = std::max(worst, std::fabs(((a2[k] * m + a1[k]) * m + a0[k]) / exact(m) - 1));
+    }
+  return worst;
+}
+
+TEST(Tables, SquareRoots) {
+  using namespace sqrt_double;
+  using namespace sqrt_single;
+  EXPECT_LT(quadratic_error(dsqrt_dwA2, dsqrt_dwA1, dsqrt_dwA0, 128, [](auto m) { return 1 / std::sqrt(m); }),
+            5.7e-9L);
+  EXPECT_LT(quadratic_error(dwA2, dwA1, dwA0, 64, [](auto m) { return std::sqrt(m); }), 7.3e-9L);
+  EXPECT_EQ(dsqrt_dwA2[0] + dsqrt_dwA1[0] + dsqrt_dwA0[0], 1.0);
+}
+
+}  // namespace
