@@ -55,7 +55,8 @@ std::vector<VectorFunction<T>> make_table() {
   const List hand_overs = {10000, 12800, 90112, 0x1p17, 0x1p23, 0x1p30, T(0x1p-252)};
   // Where hyperbolic functions hand over to the scalar routine, and where they overflow.
   const Range<T> growing = either<T>(Range<T>{-711, 711}, Range<T>{-90, 90});
-  const List overflow = either<T>(List{T(0.0054), 709, T(710.475860073944)}, List{T(0.3466), 89, T(89.415985)});
+  const List overflow =
+      either<T>(List{T(0.0054), 709, T(710.475860073944)}, List{T(0.3466), 89, T(89.415985)});
   return {
       {FUNCTION(Exp), .exact = {mpfr_exp}, .quick = {std::exp},
        .a = either<T>(Range<T>{-750, 710}, Range<T>{-105, 89}),

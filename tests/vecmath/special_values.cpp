@@ -114,7 +114,7 @@ std::vector<Special<T>> special_values() {
   const T default_nan = nan<T>(0, false, true);  // what the processor makes of 0 / 0
   const T domain_nan = default_nan;              // and most kernels of a domain error
   const T ln_domain_nan = either<T>(default_nan, from_pattern<float>(0x7FFC0000));
-  const T cosh_overflow = either<T>(0x1.633ce8fb9f87ep+9, 0x1.65a9fap+6f);  // the first number whose cosh does
+  const T cosh_overflow = either<T>(0x1.633ce8fb9f87ep+9, 0x1.65a9fap+6f);  // the first number to overflow
   const T all_ones = from_pattern<T>(~Pattern<T>());
   const bool is_double = sizeof(T) == 8;
 
