@@ -225,9 +225,9 @@ using SinhSingle = GrowingSingle<SinhValue>;
 
 QKR_CONTRACT(_vxmdCosh_HA, 0.56, -0x1.03ee211c0457dp+1);
 QKR_CONTRACT(_vxmsCosh_HA, 0.503, -0x1.0a33bp+0);
-QKR_CONTRACT(_vxmdSinh_HA, 0.55, -0x1.63a2f28c4a9dcp-8);
+QKR_CONTRACT(_vxmdSinh_HA, 0.56, 0x1.63140974f32bp-8);
 QKR_CONTRACT(_vxmsSinh_HA, 0.504, 0x1.62e792p-2);
-QKR_CONTRACT(_vxmdTanh_HA, 0.63, 0x1.5be428a90fc72p+1);
+QKR_CONTRACT(_vxmdTanh_HA, 0.64, 0x1.63f61b766ecb5p+1);
 QKR_CONTRACT(_vxmsTanh_HA, 0.517, 0x1.62f9b6p-2);
 
 QKR_UNARY(_vxmdCosh_HA, double, CoshDouble)
