@@ -83,6 +83,10 @@ std::vector<VectorFunction<T>> make_table() {
   constexpr T max = std::numeric_limits<T>::max();
   // Where circular functions hand over from kernel to scalar core, and from one reduction to the next.
   const List hand_overs = {10000, 12800, 90112, 0x1p17, 0x1p23, 0x1p30, T(0x1p-252)};
+  // Where hyperbolic functions hand over to the scalar routine, and where they overflow.
+  const Range<T> growing = either<T>(Range<T>{-711, 711}, Range<T>{-90, 90});
+  const List overflow =
+      either<T>(List{T(0.0054), 709, T(710.475860073944)}, List{T(0.3466), 89, T(89.415985)});
   return {
       {FUNCTION(Exp), .exact = {mpfr_exp}, .quick = {std::exp},
        .a = either<T>(Range<T>{-750, 710}, Range<T>{-105, 89}),
@@ -112,12 +116,18 @@ std::vector<VectorFunction<T>> make_table() {
                            List{1, 3, 7, T(9.19), T(9.194555), T(10.054)})},
       {FUNCTION(ErfInv), .exact = {inverse_erf}, .a = {-1, 1},
        .points = {T(0.125), T(0.75), T(0.9375), T(1 - 0x1p-10), T(1 - 0x1p-23)}},
-      {FUNCTION(InvSqrt), .exact = {mpfr_rec_sqrt}, .quick = {reciprocal_square_root<Wider<T>>}, .a = {0, max},
-       .points = {2, 4}},
+      {FUNCTION(InvSqrt), .exact = {mpfr_rec_sqrt}, .quick = {reciprocal_square_root<Wider<T>>},
+       .a = {0, max}, .points = {2, 4}},
       {FUNCTION(Cbrt), .exact = {mpfr_cbrt}, .quick = {std::cbrt}, .points = {8, 27}},
       {FUNCTION(InvCbrt), .exact = {reciprocal_cube_root}, .quick = {reciprocal_cube_root<Wider<T>>},
        .points = {8, 27}},
       {FUNCTION(Hypot), .exact = {mpfr_hypot}, .quick = {std::hypot}, .points = {1, 3}},
+      {FUNCTION(Cosh), .exact = {mpfr_cosh}, .quick = {std::cosh}, .a = growing, .points = overflow,
+       .period = T(either<T>(ln2 / 64, ln2))},
+      {FUNCTION(Sinh), .exact = {mpfr_sinh}, .quick = {std::sinh}, .a = growing, .points = overflow,
+       .period = T(either<T>(ln2 / 64, ln2))},
+      {FUNCTION(Tanh), .exact = {mpfr_tanh}, .quick = {std::tanh},
+       .points = {T(0.03125), 9, T(9.010913), 10, T(19.0615), 20}, .period = T(either<T>(0.0625, ln2))},
       {FUNCTION(Pow), .exact = {mpfr_pow}, .quick = {std::pow}, .a = {T(0.01), T(100)},
        .b = either<T>(Range<T>{-150, 150}, Range<T>{-18, 18}), .points = {1, T(0.5), 2}},
       {FUNCTION(Div), .exact = {mpfr_div}, .quick = {quotient<Wider<T>>}, .rounding = Rounding::callers},

@@ -114,6 +114,7 @@ std::vector<Special<T>> special_values() {
   const T default_nan = nan<T>(0, false, true);  // what the processor makes of 0 / 0
   const T domain_nan = default_nan;              // and most kernels of a domain error
   const T ln_domain_nan = either<T>(default_nan, from_pattern<float>(0x7FFC0000));
+  const T cosh_overflow = either<T>(0x1.633ce8fb9f87ep+9, 0x1.65a9fap+6f);  // the first number to overflow
   const T all_ones = from_pattern<T>(~Pattern<T>());
   const bool is_double = sizeof(T) == 8;
 
@@ -212,6 +213,28 @@ std::vector<Special<T>> special_values() {
       {NAME(Hypot), std::numeric_limits<T>::max(), std::numeric_limits<T>::max(), inf, 3},
       {NAME(Hypot), std::numeric_limits<T>::denorm_min(), 0, std::numeric_limits<T>::denorm_min(), 0},
       {NAME(Hypot), -T(0), -T(0), T(0), 0},
+      {NAME(Cosh), quiet, 0, quiet, 0},
+      {NAME(Cosh), -inf, 0, inf, 0},
+      {NAME(Cosh), -T(0), 0, T(1), 0},
+      {NAME(Cosh), smallest, 0, T(1), 0},
+      {NAME(Cosh), -cosh_overflow, 0, inf, 3},
+      {NAME(Cosh), largest, 0, inf, 3},
+      {NAME(Cosh), std::nextafter(cosh_overflow, T(0)), 0, accurate, 0},
+      {NAME(Sinh), negative_quiet, 0, negative_quiet, 0},
+      {NAME(Sinh), -inf, 0, -inf, 0},
+      {NAME(Sinh), -T(0), 0, -T(0), 0},
+      {NAME(Sinh), -smallest, 0, -smallest, 0},
+      {NAME(Sinh), normal, 0, normal, 0},
+      {NAME(Sinh), -cosh_overflow, 0, -inf, 3},
+      {NAME(Sinh), largest, 0, inf, 3},
+      {NAME(Sinh), -std::nextafter(cosh_overflow, T(0)), 0, accurate, 0},
+      {NAME(Tanh), signalling, 0, quiet, 0},
+      {NAME(Tanh), -inf, 0, -T(1), 0},
+      {NAME(Tanh), -T(0), 0, -T(0), 0},
+      {NAME(Tanh), -smallest, 0, -smallest, 0},
+      {NAME(Tanh), subnormal, 0, subnormal, 0},
+      {NAME(Tanh), normal, 0, normal, 0},
+      {NAME(Tanh), -largest, 0, -T(1), 0},
       {NAME(Pow), nan<T>(1), 0, T(1), 0},
       {NAME(Pow), 1, nan<T>(1), T(1), 0},
       {NAME(Pow), -T(0), -3, -inf, 2},

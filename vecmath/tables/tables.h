@@ -49,6 +49,12 @@ alignas(64) extern const double rows[219][4];
 namespace qkr::erf_inverse_single {
 alignas(64) extern const double rows[264][4];
 }
+namespace qkr::hyperbolic_double {
+// Row j: e^a / 2 and e^-a / 2 with a = j ln2/64, each as hi, lo with hi + lo the value.
+alignas(64) extern const double halves[64][4];
+// Row j: hi, lo with hi + lo = tanh(j/16).
+alignas(64) extern const double tangents[321][2];
+}  // namespace qkr::hyperbolic_double
 
 namespace qkr::ln_double {
 // Row k of 0 to 512: r, r, T.hi, T.lo with r about 1 / (1 + k/512), a multiple of 2^-23, and T = -ln(r), less
