@@ -1,15 +1,12 @@
 // The inverse of the error function as x F(w) with w = -ln(1 - x^2), of which F is so smooth (M. Giles,
 // Approximating the erfinv function, GPU Computing Gems 2, 2010) that one table of short polynomials carries
 // it from 0 to the largest number below 1.
+#include <qkr/vecmath_elements.h>
+
 #include "vecmath/contract.h"
 #include "vecmath/error_function.h"
 #include "vecmath/logarithm.h"
 #include "vecmath/scalar.h"
-
-extern "C" {
-void _vxmdErfInv_HA_SC_p4(int32_t i, const double *a, double *r);
-void _vxmsErfInv_HA_SC_p4(int32_t i, const float *a, float *r);
-}
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {

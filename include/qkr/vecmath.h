@@ -20,6 +20,7 @@
 
 #include <qkr/api.h>
 #include <qkr/vecmath_control.h>
+#include <qkr/vecmath_elements.h>
 #include <qkr/vecmath_exact.h>
 
 QKR_BEGIN_DECLS
