@@ -180,16 +180,22 @@ QKR_INLINE void look_up(const float (*rows)[4], u32 j, f32 &c0, f32 &c1, f32 &c2
   c3 = (f32)_mm512_shuffle_ps(AB, CD, 0xEE);
 }
 
-// A column of 64 or 128 floats held in registers.
-QKR_INLINE f32 pick64(const float *t, u32 j) {
-  const __mmask16 upper = _mm512_test_epi32_mask((__m512i)j, _mm512_set1_epi32(32));
-  const __m512 low = _mm512_permutex2var_ps(_mm512_load_ps(t), (__m512i)j, _mm512_load_ps(t + 16));
-  const __m512 high = _mm512_permutex2var_ps(_mm512_load_ps(t + 32), (__m512i)j, _mm512_load_ps(t + 48));
-  return (f32)_mm512_mask_mov_ps(low, upper, high);
-}
-QKR_INLINE f32 pick128(const float *t, u32 j) {
-  const __mmask16 upper = _mm512_test_epi32_mask((__m512i)j, _mm512_set1_epi32(64));
-  return (f32)_mm512_mask_mov_ps((__m512)pick64(t, j), upper, (__m512)pick64(t + 64, j));
+// Element j of a column held in registers: of 64 or 128 floats, or of one more, which is put in by itself.
+template <int size>
+QKR_INLINE f32 pick(const float *t, u32 j) {
+  if (!t) return f32{};
+  if constexpr (size == 64) {
+    const __mmask16 upper = _mm512_test_epi32_mask((__m512i)j, _mm512_set1_epi32(32));
+    const __m512 low = _mm512_permutex2var_ps(_mm512_load_ps(t), (__m512i)j, _mm512_load_ps(t + 16));
+    const __m512 high = _mm512_permutex2var_ps(_mm512_load_ps(t + 32), (__m512i)j, _mm512_load_ps(t + 48));
+    return (f32)_mm512_mask_mov_ps(low, upper, high);
+  } else if constexpr (size == 128) {
+    const __mmask16 upper = _mm512_test_epi32_mask((__m512i)j, _mm512_set1_epi32(64));
+    return (f32)_mm512_mask_mov_ps((__m512)pick<64>(t, j), upper, (__m512)pick<64>(t + 64, j));
+  } else {
+    const __mmask16 last = _mm512_test_epi32_mask((__m512i)j, _mm512_set1_epi32(size - 1));
+    return (f32)_mm512_mask_mov_ps((__m512)pick<size - 1>(t, j), last, _mm512_set1_ps(t[size - 1]));
+  }
 }
 
 }  // namespace

@@ -66,22 +66,25 @@ QKR_INLINE void look_up(const T (*rows)[sizeof...(Columns)], uint64_t j, Columns
   ((columns = *row++), ...);
 }
 
-// Rows of two floats that also stand as two columns of 128: only the widest level can hold columns in
-// registers.
-QKR_INLINE void look_up_128(const float (*rows)[2], const float *column0, const float *column1, u32 j,
-                            f32 &c0, f32 &c1) {
+// A table of floats that stands as rows and again as columns, which only the widest level can hold in
+// registers. A column that no kernel wants is null, and what a look-up gives for it has no meaning.
+template <int rows_count, int width>
+struct RowsAndColumns {
+  const float (*rows)[width];
+  const float *columns[width];
+};
+template <int rows_count, int width, class... Columns>
+QKR_INLINE void look_up(const RowsAndColumns<rows_count, width> &table, u32 j, Columns &...columns) {
 #if QKR_SIMD_BYTES == 64
-  (void)rows;
-  c0 = pick128(column0, j);
-  c1 = pick128(column1, j);
+  const float *const *column = table.columns;
+  ((columns = pick<rows_count>(*column++, j)), ...);
 #else
-  (void)column0, (void)column1;
-  look_up(rows, j, c0, c1);
+  look_up(table.rows, j, columns...);
 #endif
 }
-QKR_INLINE void look_up_128(const float (*rows)[2], const float *, const float *, uint32_t j, float &c0,
-                            float &c1) {
-  look_up(rows, j, c0, c1);
+template <int rows_count, int width, class... Columns>
+QKR_INLINE void look_up(const RowsAndColumns<rows_count, width> &table, uint32_t j, Columns &...columns) {
+  look_up(table.rows, j, columns...);
 }
 
 // v where first <= pattern <= last as unsigned numbers, else +0.

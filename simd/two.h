@@ -103,12 +103,6 @@ QKR_INLINE void store(T *p, Two<V> x) {
   store(p, x.a);
   store(p + sizeof(V) / sizeof(T), x.b);
 }
-template <class I, class V>
-QKR_INLINE void look_up_128(const float (*rows)[2], const float *column0, const float *column1, Two<I> j,
-                            Two<V> &c0, Two<V> &c1) {
-  look_up_128(rows, column0, column1, j.a, c0.a, c1.a);
-  look_up_128(rows, column0, column1, j.b, c0.b, c1.b);
-}
 template <class Rows, class I, class... Columns>
 QKR_INLINE void look_up(Rows rows, Two<I> j, Columns &...columns) {
   look_up(rows, j.a, columns.a...);

@@ -20,6 +20,9 @@ is exact in all rows.
 Where a kernel raises n by one from mantissa 1.5 upwards, T drops by log(2) at the row of 1.5 and n = 0 covers
 0.75 <= x < 1.5, which leaves no cancellation around 1. The two others need no jump: their T.hi are multiples
 of one power of two, so that -log2hi + T.hi is exact.
+
+The columns of the single-precision tables are also kept as arrays of their own, for look-ups in tables held in
+registers.
 """
 import gmpy2
 from gmpy2 import log, log10, mpfr
@@ -62,9 +65,21 @@ def log10_single_row(k):
     return scaled, scaled, hi, to_float(t - hi)
 
 
+def column(rows, i):
+    return [row[i] for row in rows]
+
+
+ln_single_rows = [ln_single_row(k) for k in range(65)]
+log10_single_rows = [log10_single_row(k) for k in range(129)]
 main("logarithm", [
     Table("ln_double", "double", "BT_Tbl", [ln_double_row(k) for k in range(513)], declared=520),
     Table("log10_double", "double", "BT_Tbl", [log10_double_row(k) for k in range(513)], declared=520),
-    Table("ln_single", "float", "Table", [ln_single_row(k) for k in range(65)]),
-    Table("log10_single", "float", "BT_Tbl", [log10_single_row(k) for k in range(129)]),
+    Table("ln_single", "float", "Table", ln_single_rows),
+    Table("ln_single", "float", "Table_hi", column(ln_single_rows, 0)),
+    Table("ln_single", "float", "Table_lo", column(ln_single_rows, 1)),
+    Table("ln_single", "float", "Table_r", column(ln_single_rows, 2)),
+    Table("log10_single", "float", "BT_Tbl", log10_single_rows),
+    Table("log10_single", "float", "BT_Tbl_r", column(log10_single_rows, 0)),
+    Table("log10_single", "float", "BT_Tbl_hi", column(log10_single_rows, 2)),
+    Table("log10_single", "float", "BT_Tbl_lo", column(log10_single_rows, 3)),
 ])

@@ -45,12 +45,20 @@ alignas(64) extern const double BT_Tbl[520][4];
 namespace qkr::ln_single {
 // Row k: T.hi, T.lo, r, 0 with r about 1 / (1 + k/64), a multiple of 2^-8, and T = -ln(r).
 alignas(64) extern const float Table[65][4];
+// The three columns by themselves.
+alignas(64) extern const float Table_hi[65];
+alignas(64) extern const float Table_lo[65];
+alignas(64) extern const float Table_r[65];
 }  // namespace qkr::ln_single
 
 namespace qkr::log10_single {
 // Row k: r * C, r * C, T.hi, T.lo with r about 1 / (1 + k/128), C = 0.43359375, r * C of seven significant
 // bits, and T = -log10(r), less log10(2) from row 64 on.
 alignas(64) extern const float BT_Tbl[129][4];
+// The columns r * C, T.hi and T.lo by themselves.
+alignas(64) extern const float BT_Tbl_r[129];
+alignas(64) extern const float BT_Tbl_hi[129];
+alignas(64) extern const float BT_Tbl_lo[129];
 }  // namespace qkr::log10_single
 
 namespace qkr::sqrt_double {
