@@ -105,6 +105,12 @@ struct TanSingle : SingleKernel<1> {
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
+// The coefficients of these are what limits them.
+QKR_CONTRACT(_vxmsSin_HA, 0.81, -0x1.aa7d58p+4);
+QKR_CONTRACT(_vxmsCos_HA, 0.81, -0x1.8e89dap-5);
+QKR_CONTRACT(_vxmsSinCos_HA, 0.57, 0x1.fa8cdep+11);
+QKR_CONTRACT(_vxmsTan_HA, 0.95, 0x1.fc8948p+5);
+
 QKR_UNARY(_vxmsSin_HA, float, SinSingle)
 QKR_UNARY(_vxmsCos_HA, float, CosSingle)
 QKR_TWO_RESULTS(_vxmsSinCos_HA, float, SinCosSingle)

@@ -84,6 +84,10 @@ struct HypotSingle : BinaryKernel<float, 1> {
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
+// The first input of the worst pair.
+QKR_CONTRACT(_vxmdHypot_HA, 0.501, 0x1.8d2947993fff2p-5);
+QKR_CONTRACT(_vxmsHypot_HA, 0.501, 0x1.1c015ap-1);
+
 QKR_BINARY(_vxmdHypot_HA, double, HypotDouble)
 QKR_BINARY(_vxmsHypot_HA, float, HypotSingle)
 QKR_BINARY_FORWARD(_vxmdHypot_HA, _vxmdHypot_50, double)

@@ -157,7 +157,7 @@ extern "C" void _sLg_Scalar(ptrdiff_t i, Arrays<float> v) {
 }
 #endif
 
-QKR_CONTRACT(_vxmdLn_HA, 0.59, 0x1.003ffd1db6cb4p+0);
+QKR_CONTRACT(_vxmdLn_HA, 0.59, 0x1.003ffeed01983p+0);
 QKR_CONTRACT(_vxmdLog10_HA, 0.59, 0x1.ffdb60b21b953p-1);
 QKR_CONTRACT(_vxmsLog10_HA, 0.75, 0x1.01d8bep+0);
 

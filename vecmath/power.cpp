@@ -169,6 +169,10 @@ using PowDoubleVector = PowDouble<2>;
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
+// The base of the worst pair.
+QKR_CONTRACT(_vxmdPow_HA, 0.53, 0x1.ea3d41330a7d7p-6);
+QKR_CONTRACT(_vxmsPow_HA, 0.501, 0x1.ab8c6ep-4);
+
 QKR_BINARY(_vxmdPow_HA, double, PowDoubleVector)
 QKR_BINARY(_vxmsPow_HA, float, PowSingle)
 QKR_VECTOR_AND_NUMBER(_vxmdPowx_HA, double, PowxDouble)

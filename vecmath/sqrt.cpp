@@ -119,7 +119,7 @@ void sqrt_scalar(ptrdiff_t i, Arrays<float> v) {
 }  // namespace qkr::sse2
 #endif
 
-QKR_CONTRACT(_vxmdSqrt_HA, 0.51, 0x1.fffffffa9bbbfp-1);
+QKR_CONTRACT(_vxmdSqrt_HA, 0.501, 0x1.303d9e1c7e2dbp+11);
 QKR_CONTRACT(_vxmsSqrt_HA, 0.761, 0x1.d36a5ep-125);
 
 QKR_UNARY(_vxmdSqrt_HA, double, SqrtDouble)

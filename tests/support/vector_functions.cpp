@@ -15,9 +15,25 @@ template <class W>
 W reciprocal(W a) {
   return 1 / a;
 }
+int reciprocal_cube_root(mpfr_ptr r, mpfr_srcptr a, mpfr_rnd_t rounding) {
+  mpfr_cbrt(r, a, rounding);
+  return mpfr_ui_div(r, 1, r, rounding);
+}
+template <class W>
+W reciprocal_cube_root(W a) {
+  return 1 / std::cbrt(a);
+}
+template <class W>
+W reciprocal_square_root(W a) {
+  return 1 / std::sqrt(a);
+}
 template <class W>
 W quotient(W a, W b) {
   return a / b;
+}
+template <class W>
+W fraction(W a) {
+  return a - std::trunc(a);
 }
 
 // One row serves both precisions; where they differ, either() picks.
@@ -58,6 +74,14 @@ std::vector<VectorFunction<T>> make_table() {
        .period = T(pi / 64), .reported = either<T>("dSinCos_HA", "sSinCos_HA")},
       {FUNCTION(Tan), .exact = {mpfr_tan}, .quick = {std::tan}, .points = hand_overs, .period = T(pi / 32),
        .reported = either<T>("dTan_HA", "sTan_HA")},
+      {FUNCTION(InvSqrt), .exact = {mpfr_rec_sqrt}, .quick = {reciprocal_square_root<Wider<T>>}, .a = {0, max},
+       .points = {2, 4}},
+      {FUNCTION(Cbrt), .exact = {mpfr_cbrt}, .quick = {std::cbrt}, .points = {8, 27}},
+      {FUNCTION(InvCbrt), .exact = {reciprocal_cube_root}, .quick = {reciprocal_cube_root<Wider<T>>},
+       .points = {8, 27}},
+      {FUNCTION(Hypot), .exact = {mpfr_hypot}, .quick = {std::hypot}, .points = {1, 3}},
+      {FUNCTION(Pow), .exact = {mpfr_pow}, .quick = {std::pow}, .a = {T(0.01), T(100)},
+       .b = either<T>(Range<T>{-150, 150}, Range<T>{-18, 18}), .points = {1, T(0.5), 2}},
       {FUNCTION(Div), .exact = {mpfr_div}, .quick = {quotient<Wider<T>>}, .rounding = Rounding::callers},
       {FUNCTION(Inv), .exact = {reciprocal}, .quick = {reciprocal<Wider<T>>}, .rounding = Rounding::callers},
       {EXACT_FUNCTION(Ceil), .exact = {mpfr_rint_ceil}, .quick = {std::ceil}, .rounding = Rounding::callers},
@@ -69,7 +93,8 @@ std::vector<VectorFunction<T>> make_table() {
        .rounding = Rounding::callers},
       {EXACT_FUNCTION(Rint), .exact = {mpfr_rint}, .quick = {std::rint}, .rounding = Rounding::callers},
       {EXACT_FUNCTION(NearbyInt), .exact = {mpfr_rint}, .quick = {std::rint}, .rounding = Rounding::callers},
-      {EXACT_FUNCTION(Modf), .exact = {mpfr_rint_trunc, mpfr_frac}, .rounding = Rounding::callers},
+      {EXACT_FUNCTION(Modf), .exact = {mpfr_rint_trunc, mpfr_frac}, .quick = {std::trunc, fraction<Wider<T>>},
+       .rounding = Rounding::callers},
   };
 }
 

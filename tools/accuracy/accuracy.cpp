@@ -27,15 +27,14 @@ constexpr const char usage[] =
 
 constexpr const char introduction[] =
     "# Accuracy of the vector functions\n\n"
-    "Made by `./dev accuracy --exhaustive --markdown docs/accuracy.md`: functions of one float at every "
-    "float of\n"
-    "their range, the others at random inputs and around notable ones. Errors are in units in the last place "
-    "of\n"
-    "the exact result, as MPFR gives it; a correctly rounded result has an error of at most 0.5. The bound "
-    "is\n"
-    "what the function promises for results that are normal numbers; smaller results, which have a column "
-    "of\n"
-    "their own, stay within one subnormal spacing.\n\n";
+    "Made by `./dev accuracy%s --markdown docs/accuracy.md`: at random inputs and around notable ones%s.\n"
+    "Errors are in units in the last place of the exact result, as MPFR gives it; a correctly rounded result "
+    "has\n"
+    "an error of at most 0.5. The bound is what the function promises for results that are normal numbers, "
+    "and\n"
+    "was measured at every float for functions of one float; smaller results, which have a column of their "
+    "own,\n"
+    "stay within one subnormal spacing.\n\n";
 
 struct Options {
   std::vector<std::string> functions;
@@ -83,7 +82,9 @@ class Report {
   explicit Report(const Options &options) : options_(options) {
     if (options.markdown && !(file_ = fopen(options.markdown, "w")))
       fail(std::string("cannot write ") + options.markdown);
-    if (file_) fputs(introduction, file_);
+    if (file_ && options.exhaustive)
+      fprintf(file_, introduction, " --exhaustive", ", functions of one float at every float");
+    else if (file_) fprintf(file_, introduction, "", "");
     print("| function | bound | largest error | at | pattern | mean error | below normal range | points |\n");
     print("|---|---:|---:|---|---|---:|---:|---:|\n");
   }
