@@ -67,23 +67,22 @@ QKR_INLINE void look_up(const T (*rows)[sizeof...(Columns)], uint64_t j, Columns
 }
 
 // A table of floats that stands as rows and again as columns, which only the widest level can hold in
-// registers. A column that no kernel wants is null, and what a look-up gives for it has no meaning.
-template <int rows_count, int width>
+// registers.
+template <int count, int width, int stride>
 struct RowsAndColumns {
   const float (*rows)[width];
-  const float *columns[width];
+  const float (*columns)[stride];
 };
-template <int rows_count, int width, class... Columns>
-QKR_INLINE void look_up(const RowsAndColumns<rows_count, width> &table, u32 j, Columns &...columns) {
+template <int count, int width, int stride, class... Columns>
+QKR_INLINE void look_up(RowsAndColumns<count, width, stride> table, u32 j, Columns &...columns) {
 #if QKR_SIMD_BYTES == 64
-  const float *const *column = table.columns;
-  ((columns = pick<rows_count>(*column++, j)), ...);
+  pick<count>(table.columns, j, columns...);
 #else
   look_up(table.rows, j, columns...);
 #endif
 }
-template <int rows_count, int width, class... Columns>
-QKR_INLINE void look_up(const RowsAndColumns<rows_count, width> &table, uint32_t j, Columns &...columns) {
+template <int count, int width, int stride, class... Columns>
+QKR_INLINE void look_up(RowsAndColumns<count, width, stride> table, uint32_t j, Columns &...columns) {
   look_up(table.rows, j, columns...);
 }
 

@@ -109,6 +109,18 @@ QKR_INLINE void look_up(Rows rows, Two<I> j, Columns &...columns) {
   look_up(rows, j.b, columns.b...);
 }
 
+#if QKR_SIMD_BYTES == 64
+template <int count, class T, size_t stride, class I, class... Columns>
+QKR_INLINE void pick(const T (*table)[stride], Two<I> j, Columns &...columns) {
+  pick<count>(table, j.a, columns.a...);
+  pick<count>(table, j.b, columns.b...);
+}
+template <class I, class B, class V>
+QKR_INLINE Two<V> choose(Two<I> j, B bit, Two<V> a, Two<V> b) {
+  return {choose(j.a, bit, a.a, b.a), choose(j.b, bit, a.b, b.b)};
+}
+#endif
+
 // V side by side `count` times (a power of two).
 template <class V, int count>
 struct SideBySide {

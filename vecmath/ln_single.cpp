@@ -14,8 +14,7 @@ struct LnSingle : UnaryKernel<float, QKR_SIMD_BYTES == 32 ? 4 : 2> {
   static constexpr float Log2Hi = 0.693115234375f, Log2Lo = 3.194618329871446e-05f;  // n * hi is exact
   static constexpr float poly[3] = {-0.5f, 0.3333333432674408f, -0.25f};
   static constexpr uint32_t MMask = 0x7FFFFF, One = 0x3F800000, hi_mask = 0x7FFFC000;
-  static constexpr RowsAndColumns<65, 4> table = {
-      ln_single::Table, {ln_single::Table_hi, ln_single::Table_lo, ln_single::Table_r, nullptr}};
+  static constexpr RowsAndColumns<65, 4, 80> table = {ln_single::Table, ln_single::Table_columns};
   static constexpr uint32_t near_one_first = 0x3F7E0001, near_one_last = 0x3F81FFFF;
 
   template <class V>

@@ -66,9 +66,7 @@ struct CommonDouble : DoubleFormat {
   }
 };
 struct CommonSingle : SingleFormat {
-  static constexpr RowsAndColumns<129, 4> table = {
-      log10_single::BT_Tbl,
-      {log10_single::BT_Tbl_r, nullptr, log10_single::BT_Tbl_hi, log10_single::BT_Tbl_lo}};
+  static constexpr RowsAndColumns<129, 4, 144> table = {log10_single::BT_Tbl, log10_single::BT_Tbl_columns};
   static constexpr uint32_t next_binade = 0x00408000;
   static constexpr uint32_t dbYHiMask = 0xFFFF8000;
   static constexpr float log2_hi = 0.3125f, log2_lo = -0.011470003984868526f;

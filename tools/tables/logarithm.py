@@ -21,13 +21,12 @@ Where a kernel raises n by one from mantissa 1.5 upwards, T drops by log(2) at t
 0.75 <= x < 1.5, which leaves no cancellation around 1. The two others need no jump: their T.hi are multiples
 of one power of two, so that -log2hi + T.hi is exact.
 
-The columns of the single-precision tables are also kept as arrays of their own, for look-ups in tables held in
-registers.
+The single-precision tables are also kept by columns, for look-ups in tables held in registers.
 """
 import gmpy2
 from gmpy2 import log, log10, mpfr
 
-from table_file import Table, clear_low_bits, main, multiple, to_double, to_float
+from table_file import Table, by_columns, clear_low_bits, main, multiple, to_double, to_float
 
 C = mpfr(111) / 256  # a short log10(e)
 
@@ -65,21 +64,13 @@ def log10_single_row(k):
     return scaled, scaled, hi, to_float(t - hi)
 
 
-def column(rows, i):
-    return [row[i] for row in rows]
-
-
 ln_single_rows = [ln_single_row(k) for k in range(65)]
 log10_single_rows = [log10_single_row(k) for k in range(129)]
 main("logarithm", [
     Table("ln_double", "double", "BT_Tbl", [ln_double_row(k) for k in range(513)], declared=520),
     Table("log10_double", "double", "BT_Tbl", [log10_double_row(k) for k in range(513)], declared=520),
     Table("ln_single", "float", "Table", ln_single_rows),
-    Table("ln_single", "float", "Table_hi", column(ln_single_rows, 0)),
-    Table("ln_single", "float", "Table_lo", column(ln_single_rows, 1)),
-    Table("ln_single", "float", "Table_r", column(ln_single_rows, 2)),
+    Table("ln_single", "float", "Table_columns", by_columns(ln_single_rows, "float")),
     Table("log10_single", "float", "BT_Tbl", log10_single_rows),
-    Table("log10_single", "float", "BT_Tbl_r", column(log10_single_rows, 0)),
-    Table("log10_single", "float", "BT_Tbl_hi", column(log10_single_rows, 2)),
-    Table("log10_single", "float", "BT_Tbl_lo", column(log10_single_rows, 3)),
+    Table("log10_single", "float", "BT_Tbl_columns", by_columns(log10_single_rows, "float")),
 ])

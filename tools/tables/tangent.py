@@ -11,11 +11,12 @@ interpolated at Chebyshev's nodes. `slope` is a power of two next to F'(0), so t
 float, as no more of it can matter. In row 0 the polynomial is odd and starts with r; the zeros of its row are signed
 so that the kernel's sum keeps the sign of a zero.
 
-Three groups of four columns, each group over all rows: T, T_lo, slope, D; A2 to A5; A6 to A9.
+Three groups of four columns, each group over all rows: T, T_lo, slope, D; A2 to A5; A6 to A9. They are also kept
+by columns, for look-ups in tables held in registers.
 """
 from gmpy2 import const_pi, cos, mpfr, tan
 
-from table_file import Table, main, to_double, to_float
+from table_file import Table, by_columns, main, to_double, to_float
 
 PI = const_pi()
 HALF_STEP = PI / 64
@@ -60,4 +61,5 @@ def row(j):
 rows = [row(j) for j in range(32)]
 main("tangent", [
     Table("circular", "double", "_dTanTab", [tuple(r[k:k + 4]) for k in (0, 4, 8) for r in rows]),
+    Table("circular", "double", "_dTanTab_columns", by_columns(rows, "double")),
 ])

@@ -1111,7 +1111,8 @@ alignas(64) const float Table[65][4] = {
     {0x1.62ep-1f, 0x1.0bfbe8p-15f, 0x1p-1f, 0.0f},
 };
 
-alignas(64) const float Table_hi[65] = {
+alignas(64) const float Table_columns[4][80] = {
+    {
     0.0f, 0x1.02p-6f, 0x1.04p-5f, 0x1.678p-5f,
     0x1.ee8p-5f, 0x1.3bcp-4f, 0x1.7p-4f, 0x1.a4cp-4f,
     0x1.da4p-4f, 0x1.116p-3f, 0x1.2dp-3f, 0x1.49p-3f,
@@ -1128,10 +1129,12 @@ alignas(64) const float Table_hi[65] = {
     0x1.3158p-1f, 0x1.35p-1f, 0x1.38a8p-1f, 0x1.3c6p-1f,
     0x1.4018p-1f, 0x1.47ap-1f, 0x1.4b68p-1f, 0x1.4f4p-1f,
     0x1.532p-1f, 0x1.57p-1f, 0x1.5afp-1f, 0x1.5ee8p-1f,
-    0x1.62ep-1f,
-};
-
-alignas(64) const float Table_lo[65] = {
+    0x1.62ep-1f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    },
+    {
     0.0f, 0x1.59624ep-20f, 0x1.5d89e8p-17f, 0x1.253cb6p-15f,
     0x1.18e004p-16f, 0x1.f5a7d2p-16f, 0x1.a615d6p-17f, 0x1.3b2058p-15f,
     0x1.93b1c2p-15f, 0x1.8e8228p-15f, 0x1.610c86p-15f, 0x1.3d8334p-15f,
@@ -1148,10 +1151,12 @@ alignas(64) const float Table_lo[65] = {
     0x1.6910dp-15f, 0x1.456cecp-16f, 0x1.885c66p-15f, 0x1.0186d8p-18f,
     0x1.c2125cp-17f, 0x1.527e8ap-17f, 0x1.f5be5cp-15f, 0x1.6a0d6ap-15f,
     0x1.713434p-16f, 0x1.e89aeep-15f, 0x1.0170dap-15f, 0x1.55120cp-20f,
-    0x1.0bfbe8p-15f,
-};
-
-alignas(64) const float Table_r[65] = {
+    0x1.0bfbe8p-15f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    },
+    {
     0x1p+0f, 0x1.f8p-1f, 0x1.fp-1f, 0x1.eap-1f,
     0x1.e2p-1f, 0x1.dap-1f, 0x1.d4p-1f, 0x1.cep-1f,
     0x1.c8p-1f, 0x1.cp-1f, 0x1.bap-1f, 0x1.b4p-1f,
@@ -1168,7 +1173,33 @@ alignas(64) const float Table_r[65] = {
     0x1.1ap-1f, 0x1.18p-1f, 0x1.16p-1f, 0x1.14p-1f,
     0x1.12p-1f, 0x1.0ep-1f, 0x1.0cp-1f, 0x1.0ap-1f,
     0x1.08p-1f, 0x1.06p-1f, 0x1.04p-1f, 0x1.02p-1f,
-    0x1p-1f,
+    0x1p-1f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    },
+    {
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    },
 };
 
 }  // namespace qkr::ln_single
@@ -1307,7 +1338,8 @@ alignas(64) const float BT_Tbl[129][4] = {
     {0x1.bcp-3f, 0x1.bcp-3f, 0.0f, 0.0f},
 };
 
-alignas(64) const float BT_Tbl_r[129] = {
+alignas(64) const float BT_Tbl_columns[4][144] = {
+    {
     0x1.bcp-2f, 0x1.b8p-2f, 0x1.b4p-2f, 0x1.bp-2f,
     0x1.bp-2f, 0x1.acp-2f, 0x1.a8p-2f, 0x1.a4p-2f,
     0x1.ap-2f, 0x1.ap-2f, 0x1.9cp-2f, 0x1.98p-2f,
@@ -1340,10 +1372,50 @@ alignas(64) const float BT_Tbl_r[129] = {
     0x1.dp-3f, 0x1.dp-3f, 0x1.dp-3f, 0x1.ccp-3f,
     0x1.ccp-3f, 0x1.c8p-3f, 0x1.c8p-3f, 0x1.c4p-3f,
     0x1.c4p-3f, 0x1.cp-3f, 0x1.cp-3f, 0x1.bcp-3f,
-    0x1.bcp-3f,
-};
-
-alignas(64) const float BT_Tbl_hi[129] = {
+    0x1.bcp-3f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    },
+    {
+    0x1.bcp-2f, 0x1.b8p-2f, 0x1.b4p-2f, 0x1.bp-2f,
+    0x1.bp-2f, 0x1.acp-2f, 0x1.a8p-2f, 0x1.a4p-2f,
+    0x1.ap-2f, 0x1.ap-2f, 0x1.9cp-2f, 0x1.98p-2f,
+    0x1.94p-2f, 0x1.94p-2f, 0x1.9p-2f, 0x1.8cp-2f,
+    0x1.8cp-2f, 0x1.88p-2f, 0x1.84p-2f, 0x1.84p-2f,
+    0x1.8p-2f, 0x1.7cp-2f, 0x1.7cp-2f, 0x1.78p-2f,
+    0x1.74p-2f, 0x1.74p-2f, 0x1.7p-2f, 0x1.7p-2f,
+    0x1.6cp-2f, 0x1.68p-2f, 0x1.68p-2f, 0x1.64p-2f,
+    0x1.64p-2f, 0x1.6p-2f, 0x1.6p-2f, 0x1.5cp-2f,
+    0x1.5cp-2f, 0x1.58p-2f, 0x1.58p-2f, 0x1.54p-2f,
+    0x1.54p-2f, 0x1.5p-2f, 0x1.5p-2f, 0x1.4cp-2f,
+    0x1.4cp-2f, 0x1.48p-2f, 0x1.48p-2f, 0x1.44p-2f,
+    0x1.44p-2f, 0x1.4p-2f, 0x1.4p-2f, 0x1.3cp-2f,
+    0x1.3cp-2f, 0x1.38p-2f, 0x1.38p-2f, 0x1.38p-2f,
+    0x1.34p-2f, 0x1.34p-2f, 0x1.3p-2f, 0x1.3p-2f,
+    0x1.3p-2f, 0x1.2cp-2f, 0x1.2cp-2f, 0x1.28p-2f,
+    0x1.28p-2f, 0x1.28p-2f, 0x1.24p-2f, 0x1.24p-2f,
+    0x1.2p-2f, 0x1.2p-2f, 0x1.2p-2f, 0x1.1cp-2f,
+    0x1.1cp-2f, 0x1.1cp-2f, 0x1.18p-2f, 0x1.18p-2f,
+    0x1.18p-2f, 0x1.14p-2f, 0x1.14p-2f, 0x1.14p-2f,
+    0x1.1p-2f, 0x1.1p-2f, 0x1.1p-2f, 0x1.0cp-2f,
+    0x1.0cp-2f, 0x1.0cp-2f, 0x1.08p-2f, 0x1.08p-2f,
+    0x1.08p-2f, 0x1.04p-2f, 0x1.04p-2f, 0x1.04p-2f,
+    0x1.04p-2f, 0x1p-2f, 0x1p-2f, 0x1.fcp-3f,
+    0x1.fcp-3f, 0x1.f8p-3f, 0x1.f8p-3f, 0x1.f4p-3f,
+    0x1.f4p-3f, 0x1.fp-3f, 0x1.fp-3f, 0x1.ecp-3f,
+    0x1.e8p-3f, 0x1.e8p-3f, 0x1.e4p-3f, 0x1.e4p-3f,
+    0x1.ep-3f, 0x1.ep-3f, 0x1.dcp-3f, 0x1.dcp-3f,
+    0x1.d8p-3f, 0x1.d8p-3f, 0x1.d4p-3f, 0x1.d4p-3f,
+    0x1.dp-3f, 0x1.dp-3f, 0x1.dp-3f, 0x1.ccp-3f,
+    0x1.ccp-3f, 0x1.c8p-3f, 0x1.c8p-3f, 0x1.c4p-3f,
+    0x1.c4p-3f, 0x1.cp-3f, 0x1.cp-3f, 0x1.bcp-3f,
+    0x1.bcp-3f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    },
+    {
     0.0f, 0x1.01p-8f, 0x1.02p-7f, 0x1.85p-7f,
     0x1.85p-7f, 0x1.05p-6f, 0x1.47p-6f, 0x1.8bp-6f,
     0x1.cfp-6f, 0x1.cfp-6f, 0x1.0ap-5f, 0x1.2cp-5f,
@@ -1376,10 +1448,12 @@ alignas(64) const float BT_Tbl_hi[129] = {
     -0x1.39p-6f, -0x1.39p-6f, -0x1.39p-6f, -0x1.f7p-7f,
     -0x1.f7p-7f, -0x1.7bp-7f, -0x1.7bp-7f, -0x1.fcp-8f,
     -0x1.fcp-8f, -0x1.fep-9f, -0x1.fep-9f, 0.0f,
-    0.0f,
-};
-
-alignas(64) const float BT_Tbl_lo[129] = {
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    },
+    {
     0.0f, 0x1.26c532p-17f, 0x1.80f6fcp-16f, 0x1.d3d6ecp-16f,
     0x1.d3d6ecp-16f, 0x1.2ed6eap-17f, 0x1.ebb7f8p-15f, 0x1.9ff51ep-16f,
     0x1.fd646ap-16f, 0x1.fd646ap-16f, 0x1.f906bcp-17f, 0x1.aa9dccp-14f,
@@ -1412,7 +1486,11 @@ alignas(64) const float BT_Tbl_lo[129] = {
     -0x1.041a06p-15f, -0x1.041a06p-15f, -0x1.041a06p-15f, -0x1.9b5f9cp-16f,
     -0x1.9b5f9cp-16f, -0x1.0793d4p-16f, -0x1.0793d4p-16f, -0x1.0c6cf4p-18f,
     -0x1.0c6cf4p-18f, -0x1.0ff862p-18f, -0x1.0ff862p-18f, 0.0f,
-    0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    0.0f, 0.0f, 0.0f, 0.0f,
+    },
 };
 
 }  // namespace qkr::log10_single
