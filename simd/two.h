@@ -109,6 +109,10 @@ QKR_INLINE void look_up(Rows rows, Two<I> j, Columns &...columns) {
   look_up(rows, j.b, columns.b...);
 }
 
+template <int count, class T, class I>
+QKR_INLINE auto pick(const T *column, Two<I> j) -> Two<decltype(pick<count>(column, j.a))> {
+  return {pick<count>(column, j.a), pick<count>(column, j.b)};
+}
 #if QKR_SIMD_BYTES == 64
 template <int count, class T, size_t stride, class I, class... Columns>
 QKR_INLINE void pick(const T (*table)[stride], Two<I> j, Columns &...columns) {

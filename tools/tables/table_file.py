@@ -44,6 +44,22 @@ def multiple(x, exponent, rounded=gmpy2.rint_round):
     return rounded(x / unit) * unit
 
 
+def interpolate(f, low, high, degree):
+    """Coefficients, from the lowest on, of the polynomial that meets f at Chebyshev's nodes of [low, high]."""
+    count = degree + 1
+    nodes = [(low + high) / 2 + (high - low) / 2 * gmpy2.cos(gmpy2.const_pi() * (2 * i + 1) / (2 * count)) for i in range(count)]
+    differences = [f(x) for x in nodes]
+    for order in range(1, count):
+        for i in range(degree, order - 1, -1):
+            differences[i] = (differences[i] - differences[i - 1]) / (nodes[i] - nodes[i - order])
+    coefficients = []
+    for node, difference in zip(reversed(nodes), reversed(differences)):  # times (x - node), plus the difference
+        shifted = [mpfr(0)] + coefficients
+        coefficients = [s - node * c for s, c in zip(shifted, coefficients + [mpfr(0)])]
+        coefficients[0] += difference
+    return coefficients
+
+
 def by_columns(rows, element):
     """The same table with its columns as rows, each filled up with zeros to whole registers of 64 bytes."""
     filling = [mpfr(0)] * (-len(rows) % (16 if element == "float" else 8))

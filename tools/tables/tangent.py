@@ -14,28 +14,12 @@ so that the kernel's sum keeps the sign of a zero.
 Three groups of four columns, each group over all rows: T, T_lo, slope, D; A2 to A5; A6 to A9. They are also kept
 by columns, for look-ups in tables held in registers.
 """
-from gmpy2 import const_pi, cos, mpfr, tan
+from gmpy2 import const_pi, mpfr, tan
 
-from table_file import Table, by_columns, main, to_double, to_float
+from table_file import Table, by_columns, interpolate, main, to_double, to_float
 
 PI = const_pi()
 HALF_STEP = PI / 64
-
-
-def interpolate(f, low, high, degree):
-    """Coefficients, from the lowest on, of the polynomial that meets f at Chebyshev's nodes of [low, high]."""
-    count = degree + 1
-    nodes = [(low + high) / 2 + (high - low) / 2 * cos(PI * (2 * i + 1) / (2 * count)) for i in range(count)]
-    differences = [f(x) for x in nodes]
-    for order in range(1, count):
-        for i in range(degree, order - 1, -1):
-            differences[i] = (differences[i] - differences[i - 1]) / (nodes[i] - nodes[i - order])
-    coefficients = []
-    for node, difference in zip(reversed(nodes), reversed(differences)):  # times (x - node), plus the difference
-        shifted = [mpfr(0)] + coefficients
-        coefficients = [s - node * c for s, c in zip(shifted, coefficients + [mpfr(0)])]
-        coefficients[0] += difference
-    return coefficients
 
 
 def row_of_zero():

@@ -58,6 +58,18 @@ alignas(64) extern const float BT_Tbl[129][4];
 alignas(64) extern const float BT_Tbl_columns[4][144];
 }  // namespace qkr::log10_single
 
+namespace qkr::pow_single {
+// Floats from pattern 0x3F320000 on in steps of 0x40000 patterns, interval j: about 1/x, a multiple of 2^-28,
+// and -log2 of it; for the interval around 1 they are 1 and 0.
+alignas(64) extern const double reciprocal[32];
+alignas(64) extern const double minus_log[32];
+// 2^(j/32).
+alignas(64) extern const double powers[32];
+// c[0] + c[1] z + ... is about log2(1 + z)/z and (2^z - 1)/z for |z| <= 1/64.
+alignas(64) extern const double log_polynomial[7];
+alignas(64) extern const double power_polynomial[5];
+}  // namespace qkr::pow_single
+
 namespace qkr::sqrt_double {
 // Row k: A2 * m^2 + A1 * m + A0 is about 1 / sqrt(m) for 1 + k/128 <= m <= 1 + (k + 1)/128.
 alignas(64) extern const double dsqrt_dwA2[128];
