@@ -26,6 +26,7 @@ struct Inputs {
   const char *first = nullptr, *second = nullptr;  // C names of the parts of a function of two results
   long double (*exact)(long double, long double) = nullptr;  // where C has no such function
   Integers integers = Integers::none;
+  double hard = 0;  // accuracy is also judged around this input
 };
 
 struct Function {
@@ -96,13 +97,14 @@ inline Long invcbrt(Long x, Long) { return 1 / std::cbrt(x); }
 
 const Function functions[] = {
     APPROXIMATE(Exp, "exp", .a = uniform(-700, 700), .a_single = uniform(-80, 80)),
-    APPROXIMATE(Ln, "log", .a = magnitudes, .a_single = magnitudes_single),
-    APPROXIMATE(Log10, "log10", .a = magnitudes, .a_single = magnitudes_single),
-    APPROXIMATE(Sin, "sin", .a = uniform(-10, 10)),
-    APPROXIMATE(Cos, "cos", .a = uniform(-10, 10)),
+    APPROXIMATE(Ln, "log", .a = magnitudes, .a_single = magnitudes_single, .hard = 1),
+    APPROXIMATE(Log10, "log10", .a = magnitudes, .a_single = magnitudes_single, .hard = 1),
+    APPROXIMATE(Sin, "sin", .a = uniform(-10, 10), .hard = 3.141592653589793),
+    APPROXIMATE(Cos, "cos", .a = uniform(-10, 10), .hard = 1.5707963267948966),
     APPROXIMATE(SinCos, "sincos", .a = uniform(-10, 10), .first = "sin", .second = "cos"),
-    APPROXIMATE(Tan, "tan", .a = uniform(-10, 10)),
-    APPROXIMATE(Pow, "pow", .a = log_uniform(1e-3, 1e3), .b = uniform(-20, 20), .b_single = uniform(-10, 10)),
+    APPROXIMATE(Tan, "tan", .a = uniform(-10, 10), .hard = 1.5707963267948966),
+    APPROXIMATE(Pow, "pow", .a = log_uniform(1e-3, 1e3), .b = uniform(-20, 20), .b_single = uniform(-10, 10),
+                .hard = 1),
     APPROXIMATE(Powx, "pow", .a = log_uniform(1e-3, 1e3), .b = uniform(1.7, 1.7)),
     APPROXIMATE(Hypot, "hypot", .a = ordinary, .b = ordinary),
     APPROXIMATE(Sqrt, "sqrt", .a = magnitudes, .a_single = magnitudes_single),
