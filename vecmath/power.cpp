@@ -74,11 +74,12 @@ struct PowxDouble : PowDouble<2> {
   static void scalar(ptrdiff_t i, Arrays<double> v) { power_of_specials(i, v, *v.b, "_vxmdPowx_HA"); }
 };
 
-// c[0] + c[1] x + ... + c[degree] x^degree, the table being constants to the kernel.
+// c[0] + c[1] x + ... + c[degree] x^degree, two terms at a time, which takes half as long as one by one.
 template <int degree, class V>
-QKR_INLINE V polynomial(const double *c, V x) {
-  if constexpr (degree == 1) return c[0] + x * c[1];
-  else return c[0] + x * polynomial<degree - 1>(c + 1, x);
+QKR_INLINE auto polynomial(const double *c, V x, V square) {
+  if constexpr (degree == 0) return c[0];
+  else if constexpr (degree == 1) return c[0] + x * c[1];
+  else return (c[0] + x * c[1]) + square * polynomial<degree - 2>(c + 2, x, square);
 }
 
 // Floats: log2 x = n - log2 r + log2(1 + z) with z = x r 2^-n - 1 exact, and 2^p = 2^N 2^(j/32) 2^r; all of
@@ -91,7 +92,7 @@ QKR_INLINE auto single_exponent(V x, V y) {
   const auto j = (bits(mantissa) - 0x3FE6400000000000u) >> 47;
   const auto z = exact_mad(mantissa, pick<32>(pow_single::reciprocal, j), -1.0);
   const auto log =
-      (n + pick<32>(pow_single::minus_log, j)) + z * polynomial<6>(pow_single::log_polynomial, z);
+      (n + pick<32>(pow_single::minus_log, j)) + z * polynomial<6>(pow_single::log_polynomial, z, z * z);
   return widen(y) * log;
 }
 template <class V>
@@ -99,7 +100,7 @@ QKR_INLINE V power_of_two(V p) {
   constexpr double to_32nds = 0x1.8p47;  // adding it rounds to a multiple of 1/32
   const V t = p + to_32nds, r = p - (t - to_32nds);
   const V node = pick<32>(pow_single::powers, bits(t));
-  const V m = node + node * (r * polynomial<4>(pow_single::power_polynomial, r));
+  const V m = node + node * (r * polynomial<4>(pow_single::power_polynomial, r, r * r));
   return real(bits(m) + ((bits(t) << 47) & 0xFFF0000000000000u));
 }
 
