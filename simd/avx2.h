@@ -68,6 +68,14 @@ QKR_INLINE __m256 pair(const float *p, const float *q) {
   return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_load_ps(p)), _mm_load_ps(q), 1);
 }
 
+// Element j of a column of 2^k; higher bits of j do not count.
+template <int count>
+QKR_INLINE f64 pick(const double *column, u64 j) {
+  const u64 k = j & (uint64_t)(count - 1);
+  const auto two = [&](int i) { return _mm_loadh_pd(_mm_load_sd(column + k[i]), column + k[i + 1]); };
+  return (f64)_mm256_insertf128_pd(_mm256_castpd128_pd256(two(0)), two(2), 1);
+}
+
 QKR_INLINE void look_up(const double (*rows)[2], u64 j, f64 &c0, f64 &c1) {
   const __m256d a = pair(rows[j[0]], rows[j[2]]), b = pair(rows[j[1]], rows[j[3]]);
   c0 = (f64)_mm256_unpacklo_pd(a, b);

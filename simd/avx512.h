@@ -181,16 +181,33 @@ QKR_INLINE void look_up(const float (*rows)[4], u32 j, f32 &c0, f32 &c1, f32 &c2
   c3 = (f32)_mm512_shuffle_ps(AB, CD, 0xEE);
 }
 
-// A column of 64 or 128 floats held in registers.
-QKR_INLINE f32 pick64(const float *t, u32 j) {
-  const __mmask16 upper = _mm512_test_epi32_mask((__m512i)j, _mm512_set1_epi32(32));
-  const __m512 low = _mm512_permutex2var_ps(_mm512_load_ps(t), (__m512i)j, _mm512_load_ps(t + 16));
-  const __m512 high = _mm512_permutex2var_ps(_mm512_load_ps(t + 32), (__m512i)j, _mm512_load_ps(t + 48));
-  return (f32)_mm512_mask_mov_ps(low, upper, high);
+// Element j of a column held in registers: of two of them, of 2^k times as many, or of one element more,
+// which is put in by itself. Higher bits of j do not count.
+QKR_INLINE f64 pick_of_two(const double *t, u64 j) {
+  return (f64)_mm512_permutex2var_pd(_mm512_load_pd(t), (__m512i)j, _mm512_load_pd(t + 8));
 }
-QKR_INLINE f32 pick128(const float *t, u32 j) {
-  const __mmask16 upper = _mm512_test_epi32_mask((__m512i)j, _mm512_set1_epi32(64));
-  return (f32)_mm512_mask_mov_ps((__m512)pick64(t, j), upper, (__m512)pick64(t + 64, j));
+QKR_INLINE f32 pick_of_two(const float *t, u32 j) {
+  return (f32)_mm512_permutex2var_ps(_mm512_load_ps(t), (__m512i)j, _mm512_load_ps(t + 16));
+}
+// b where the bit of j is set, else a.
+QKR_INLINE f64 choose(u64 j, uint64_t bit, f64 a, f64 b) {
+  return (f64)_mm512_mask_mov_pd((__m512d)a, _mm512_test_epi64_mask((__m512i)j, _mm512_set1_epi64(bit)),
+                                 (__m512d)b);
+}
+QKR_INLINE f32 choose(u32 j, uint32_t bit, f32 a, f32 b) {
+  return (f32)_mm512_mask_mov_ps((__m512)a, _mm512_test_epi32_mask((__m512i)j, _mm512_set1_epi32(bit)),
+                                 (__m512)b);
+}
+template <int count, class T, class I>
+QKR_INLINE Native<T> pick(const T *t, I j) {
+  constexpr int half = count / 2;
+  if constexpr (half * sizeof(T) == 64) return pick_of_two(t, j);
+  else if constexpr (count % 2 == 0) return choose(j, half, pick<half>(t, j), pick<half>(t + half, j));
+  else return choose(j, count - 1, pick<count - 1>(t, j), t[count - 1] - Native<T>{});
+}
+template <int count, class T, size_t stride, class I, class... Columns>
+QKR_INLINE void pick(const T (*table)[stride], I j, Columns &...columns) {
+  ((columns = pick<count>(*table++, j)), ...);
 }
 
 }  // namespace

@@ -79,22 +79,24 @@ QKR_INLINE void look_up(const double (*rows)[8], u64 j, f64 &c0, f64 &c1, f64 &c
   look_up(halves + 1, even, c4, c5, c6, c7);
 }
 
-// Rows of two floats that also stand as two columns of 128: only the widest level can hold columns in
+// A table of floats that stands as rows and again as columns, which only the widest level can hold in
 // registers.
-QKR_INLINE void look_up_128(const float (*rows)[2], const float *column0, const float *column1, u32 j,
-                            f32 &c0, f32 &c1) {
+template <int count, int width, int stride>
+struct RowsAndColumns {
+  const float (*rows)[width];
+  const float (*columns)[stride];
+};
+template <int count, int width, int stride, class... Columns>
+QKR_INLINE void look_up(RowsAndColumns<count, width, stride> table, u32 j, Columns &...columns) {
 #if QKR_SIMD_BYTES == 64
-  (void)rows;
-  c0 = pick128(column0, j);
-  c1 = pick128(column1, j);
+  pick<count>(table.columns, j, columns...);
 #else
-  (void)column0, (void)column1;
-  look_up(rows, j, c0, c1);
+  look_up(table.rows, j, columns...);
 #endif
 }
-QKR_INLINE void look_up_128(const float (*rows)[2], const float *, const float *, uint32_t j, float &c0,
-                            float &c1) {
-  look_up(rows, j, c0, c1);
+template <int count, int width, int stride, class... Columns>
+QKR_INLINE void look_up(RowsAndColumns<count, width, stride> table, uint32_t j, Columns &...columns) {
+  look_up(table.rows, j, columns...);
 }
 
 // v where first <= pattern <= last as unsigned numbers, else +0.

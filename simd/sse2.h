@@ -37,6 +37,13 @@ QKR_INLINE f32 approximate_rsqrt(f32 v) { return (f32)_mm_rsqrt_ps((__m128)v); }
 // Of the single-precision numbers in the lower halves of the lanes.
 QKR_INLINE u64 approximate_rsqrt(u64 v) { return (u64)_mm_rsqrt_ps((__m128)v); }
 
+// Element j of a column of 2^k; higher bits of j do not count.
+template <int count>
+QKR_INLINE f64 pick(const double *column, u64 j) {
+  const u64 k = j & (uint64_t)(count - 1);
+  return (f64)_mm_loadh_pd(_mm_load_sd(column + k[0]), column + k[1]);
+}
+
 QKR_INLINE void look_up(const double (*rows)[2], u64 j, f64 &c0, f64 &c1) {
   const __m128d p = _mm_load_pd(rows[j[0]]), q = _mm_load_pd(rows[j[1]]);
   c0 = (f64)_mm_unpacklo_pd(p, q);

@@ -2,7 +2,7 @@
 
 // Tables of the vector functions, made by the generators in tools/tables, whose opening comments give the
 // rule of the rows. Rows lie on their own lines of cache as far as they fit: every table is aligned to 64
-// bytes.
+// bytes. Where a table also stands by columns, these are for the level that can hold them in registers.
 
 #pragma GCC visibility push(hidden)
 
@@ -10,9 +10,14 @@ namespace qkr::circular {
 // Row j: T0, T1, T2, T3 for the sine around the node a = 2 pi j / rows: sin(a) = T1 + T2, cos(a) = T3 + T0.
 alignas(64) extern const double SinCosTbl[64][4];
 alignas(64) extern const double SinCosTblFine[128][4];
+// 32 rows from node 0 on; and from nodes -16 and 16 on, where the second holds the cosines of the first.
+alignas(64) extern const double SinCosTbl_columns[4][32];
+alignas(64) extern const double SinCosTblFine_sine_columns[4][32];
+alignas(64) extern const double SinCosTblFine_cosine_columns[4][32];
 // Row j, in groups of columns 32 rows apart: the tangent around the node pi j / 32 less its pole, T + T_lo + r (slope +
 // D + A2 r + ... + A9 r^8): T, T_lo, slope, D; A2 to A5; A6 to A9.
 alignas(64) extern const double _dTanTab[96][4];
+alignas(64) extern const double _dTanTab_columns[12][32];
 // Bits of 4/pi: chunk k of 25 bits times 2^200, from chunk 1 on.
 alignas(64) extern const double _vxmReductionTab[52];
 }  // namespace qkr::circular
@@ -25,9 +30,7 @@ alignas(64) extern const double s_dwExp2[64][2];
 namespace qkr::exp_single {
 // Row j: hi, lo with hi * (1 + lo) = 2^(j/128).
 alignas(64) extern const float exp2f_table[128][2];
-// The two columns by themselves.
-alignas(64) extern const float exp2f_hi[128];
-alignas(64) extern const float exp2f_lo[128];
+alignas(64) extern const float exp2f_columns[2][128];
 }  // namespace qkr::exp_single
 
 // Polynomials for the error functions, a row for each node; the columns stand in the generator.
@@ -71,13 +74,27 @@ alignas(64) extern const double BT_Tbl[520][4];
 namespace qkr::ln_single {
 // Row k: T.hi, T.lo, r, 0 with r about 1 / (1 + k/64), a multiple of 2^-8, and T = -ln(r).
 alignas(64) extern const float Table[65][4];
+alignas(64) extern const float Table_columns[4][80];
 }  // namespace qkr::ln_single
 
 namespace qkr::log10_single {
 // Row k: r * C, r * C, T.hi, T.lo with r about 1 / (1 + k/128), C = 0.43359375, r * C of seven significant
 // bits, and T = -log10(r), less log10(2) from row 64 on.
 alignas(64) extern const float BT_Tbl[129][4];
+alignas(64) extern const float BT_Tbl_columns[4][144];
 }  // namespace qkr::log10_single
+
+namespace qkr::pow_single {
+// Floats from pattern 0x3F320000 on in steps of 0x40000 patterns, interval j: about 1/x, a multiple of 2^-28,
+// and -log2 of it; for the interval around 1 they are 1 and 0.
+alignas(64) extern const double reciprocal[32];
+alignas(64) extern const double minus_log[32];
+// 2^(j/32).
+alignas(64) extern const double powers[32];
+// c[0] + c[1] z + ... is about log2(1 + z)/z and (2^z - 1)/z for |z| <= 1/64.
+alignas(64) extern const double log_polynomial[7];
+alignas(64) extern const double power_polynomial[5];
+}  // namespace qkr::pow_single
 
 namespace qkr::sqrt_double {
 // Row k: A2 * m^2 + A1 * m + A0 is about 1 / sqrt(m) for 1 + k/128 <= m <= 1 + (k + 1)/128.
