@@ -42,6 +42,14 @@ QKR_INLINE void load_part(const float *p, int count, f32 &v) {
   v = (f32)_mm256_blendv_ps(_mm256_set1_ps(1), _mm256_maskload_ps(p, mask), _mm256_castsi256_ps(mask));
 }
 
+// Conversions of the lower and the upper floats, and back.
+QKR_INLINE f64 low_doubles(f32 v) { return (f64)_mm256_cvtps_pd(_mm256_castps256_ps128((__m256)v)); }
+QKR_INLINE f64 high_doubles(f32 v) { return (f64)_mm256_cvtps_pd(_mm256_extractf128_ps((__m256)v, 1)); }
+QKR_INLINE f32 join_singles(f64 low, f64 high) {
+  const __m128 l = _mm256_cvtpd_ps((__m256d)low), h = _mm256_cvtpd_ps((__m256d)high);
+  return (f32)_mm256_insertf128_ps(_mm256_castps128_ps256(l), h, 1);
+}
+
 QKR_INLINE f32 approximate_rsqrt(f32 v) { return (f32)_mm256_rsqrt_ps((__m256)v); }
 // Of the single-precision numbers in the lower halves of the lanes.
 QKR_INLINE u64 approximate_rsqrt(u64 v) { return (u64)_mm256_rsqrt_ps((__m256)v); }

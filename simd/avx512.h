@@ -91,6 +91,14 @@ QKR_INLINE void store_part(float *p, int count, f32 v) {
   _mm512_mask_storeu_ps(p, (1u << count) - 1, (__m512)v);
 }
 
+// Conversions of the lower and the upper floats, and back.
+QKR_INLINE f64 low_doubles(f32 v) { return (f64)_mm512_cvtps_pd(_mm512_castps512_ps256((__m512)v)); }
+QKR_INLINE f64 high_doubles(f32 v) { return (f64)_mm512_cvtps_pd(_mm512_extractf32x8_ps((__m512)v, 1)); }
+QKR_INLINE f32 join_singles(f64 low, f64 high) {
+  const __m256 l = _mm512_cvtpd_ps((__m512d)low), h = _mm512_cvtpd_ps((__m512d)high);
+  return (f32)_mm512_insertf32x8(_mm512_castps256_ps512(l), h, 1);
+}
+
 // The 8-lane instruction twice: the 16-lane one has another, longer approximation.
 QKR_INLINE f32 approximate_rsqrt(f32 v) {
   const __m256 low = _mm256_rsqrt_ps(_mm512_castps512_ps256((__m512)v));

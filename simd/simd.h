@@ -28,6 +28,8 @@ QKR_INLINE float approximate_rsqrt(float x) { return _mm_cvtss_f32(_mm_rsqrt_ss(
 QKR_INLINE uint64_t approximate_rsqrt(uint64_t single) {
   return bits(approximate_rsqrt(real((uint32_t)single)));
 }
+QKR_INLINE double widen(float x) { return x; }
+QKR_INLINE float narrow(double x) { return (float)x; }
 QKR_INLINE double zero_unless(double v, double c) { return c != 0.0 ? v : 0.0; }
 QKR_INLINE double add_if_zero(double s, double v, double c) { return c == 0.0 ? s + v : s; }
 QKR_INLINE float zero_unless(float v, float c) { return c != 0.0f ? v : 0.0f; }

@@ -19,6 +19,13 @@ QKR_INLINE void load_part(const float *p, int count, f32 &v) {
   v = f32{p[0], count > 1 ? p[1] : 1, count > 2 ? p[2] : 1, 1};
 }
 
+// Conversions of the lower and the upper floats, and back.
+QKR_INLINE f64 low_doubles(f32 v) { return (f64)_mm_cvtps_pd((__m128)v); }
+QKR_INLINE f64 high_doubles(f32 v) { return (f64)_mm_cvtps_pd(_mm_movehl_ps((__m128)v, (__m128)v)); }
+QKR_INLINE f32 join_singles(f64 low, f64 high) {
+  return (f32)_mm_movelh_ps(_mm_cvtpd_ps((__m128d)low), _mm_cvtpd_ps((__m128d)high));
+}
+
 QKR_INLINE f32 approximate_rsqrt(f32 v) { return (f32)_mm_rsqrt_ps((__m128)v); }
 // Of the single-precision numbers in the lower halves of the lanes.
 QKR_INLINE u64 approximate_rsqrt(u64 v) { return (u64)_mm_rsqrt_ps((__m128)v); }

@@ -34,6 +34,10 @@ QKR_TWO_OPERATOR(<<)
 QKR_TWO_OPERATOR(>>)
 #undef QKR_TWO_OPERATOR
 
+// Single to double and back: a vector of floats widens to two vectors of doubles.
+QKR_INLINE Two<f64> widen(f32 v) { return {low_doubles(v), high_doubles(v)}; }
+QKR_INLINE f32 narrow(Two<f64> v) { return join_singles(v.a, v.b); }
+
 // Half i of an argument; one number serves both halves.
 template <class V>
 QKR_INLINE V half(Two<V> x, int i) {
@@ -58,6 +62,8 @@ QKR_TWO_FUNCTION(zero_unless)
 QKR_TWO_FUNCTION(add_if_zero)
 QKR_TWO_FUNCTION(approximate_rsqrt)
 QKR_TWO_FUNCTION(zero_unless_within)
+QKR_TWO_FUNCTION(widen)
+QKR_TWO_FUNCTION(narrow)
 #undef QKR_TWO_FUNCTION
 
 // A lane set of Two says only whether any lane of either is in it.
