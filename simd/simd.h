@@ -30,6 +30,11 @@ QKR_INLINE uint64_t approximate_rsqrt(uint64_t single) {
 }
 QKR_INLINE double widen(float x) { return x; }
 QKR_INLINE float narrow(double x) { return (float)x; }
+QKR_INLINE double product_tail(double a, double b, double p) { return product_tail_of_halves(a, b, p); }
+QKR_INLINE double at_most(double x, double limit) { return limit < x ? limit : x; }
+QKR_INLINE double at_least(double x, double limit) { return x > limit ? x : limit; }
+QKR_INLINE double square_root(double x) { return __builtin_sqrt(x); }
+QKR_INLINE float square_root(float x) { return __builtin_sqrtf(x); }
 QKR_INLINE double zero_unless(double v, double c) { return c != 0.0 ? v : 0.0; }
 QKR_INLINE double add_if_zero(double s, double v, double c) { return c == 0.0 ? s + v : s; }
 QKR_INLINE float zero_unless(float v, float c) { return c != 0.0f ? v : 0.0f; }
@@ -57,6 +62,16 @@ QKR_INLINE void look_up_128(const float (*rows)[2], const float *, const float *
                             float &c1) {
   look_up(rows, j, c0, c1);
 }
+
+QKR_INLINE f64 lanes(f64 v) { return v; }
+QKR_INLINE f64 lanes(double x) { return x - f64{}; }
+
+// yes where a < b, else no; any of them one number or a vector.
+template <class A, class B, class Yes, class No>
+QKR_INLINE f64 select_less(A a, B b, Yes yes, No no) requires(sizeof(a + b) == sizeof(f64)) {
+  return lanes(a) < lanes(b) ? lanes(yes) : lanes(no);
+}
+QKR_INLINE double select_less(double a, double b, double yes, double no) { return a < b ? yes : no; }
 
 // v where first <= pattern <= last as unsigned numbers, else +0.
 QKR_INLINE f32 zero_unless_within(f32 v, u32 pattern, uint32_t first, uint32_t last) {

@@ -14,6 +14,13 @@ QKR_INLINE unsigned lane_set(Flags f, float) { return _mm_movemask_ps((__m128)f)
 QKR_INLINE f64 exact_mad(f64 a, f64 b, f64 c) { return a * b + c; }
 QKR_INLINE f32 exact_mad(f32 a, f32 b, f32 c) { return a * b + c; }
 
+QKR_INLINE f64 product_tail(f64 a, f64 b, f64 p) { return product_tail_of_halves(a, b, p); }
+
+QKR_INLINE f64 at_most(f64 x, double limit) { return (f64)_mm_min_pd(_mm_set1_pd(limit), (__m128d)x); }
+QKR_INLINE f64 at_least(f64 x, double limit) { return (f64)_mm_max_pd((__m128d)x, _mm_set1_pd(limit)); }
+QKR_INLINE f64 square_root(f64 x) { return (f64)_mm_sqrt_pd((__m128d)x); }
+QKR_INLINE f32 square_root(f32 x) { return (f32)_mm_sqrt_ps((__m128)x); }
+
 QKR_INLINE void load_part(const double *p, int, f64 &v) { v = f64{p[0], 1}; }
 QKR_INLINE void load_part(const float *p, int count, f32 &v) {
   v = f32{p[0], count > 1 ? p[1] : 1, count > 2 ? p[2] : 1, 1};

@@ -62,6 +62,11 @@ QKR_TWO_FUNCTION(zero_unless)
 QKR_TWO_FUNCTION(add_if_zero)
 QKR_TWO_FUNCTION(approximate_rsqrt)
 QKR_TWO_FUNCTION(zero_unless_within)
+QKR_TWO_FUNCTION(product_tail)
+QKR_TWO_FUNCTION(at_most)
+QKR_TWO_FUNCTION(at_least)
+QKR_TWO_FUNCTION(square_root)
+QKR_TWO_FUNCTION(select_less)
 QKR_TWO_FUNCTION(widen)
 QKR_TWO_FUNCTION(narrow)
 #undef QKR_TWO_FUNCTION
@@ -70,6 +75,10 @@ QKR_TWO_FUNCTION(narrow)
 template <class V, class S>
 QKR_INLINE Flags beyond(Two<V> x, S limit) {
   return beyond(x.a, limit) | beyond(x.b, limit);
+}
+template <class V, class S>
+QKR_INLINE Flags outside(Two<V> x, S first, S limit) {
+  return outside(x.a, first, limit) | outside(x.b, first, limit);
 }
 template <class V>
 QKR_INLINE Flags not_positive_normal(Two<V> x) {

@@ -20,6 +20,7 @@
 #include <qkr/api.h>
 #include <qkr/vecmath_control.h>
 #include <qkr/vecmath_exact.h>
+#include <qkr/vecmath_inverse.h>
 
 QKR_BEGIN_DECLS
 

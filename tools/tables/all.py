@@ -4,7 +4,7 @@ import subprocess
 import sys
 from pathlib import Path
 
-GENERATORS = ["exponential", "logarithm", "square_root"]
+GENERATORS = ["exponential", "inverse", "logarithm", "square_root"]
 
 here = Path(__file__).resolve().parent
 failed = [name for name in GENERATORS

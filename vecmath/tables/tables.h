@@ -6,6 +6,21 @@
 
 #pragma GCC visibility push(hidden)
 
+namespace qkr::arc_tangent {
+// Row 2k: a, c, hi, lo: the direction (a, c) with c/a the k-th slope from 0 to infinity, and its angle hi + lo; row
+// 2k + 1: the same for (-a, c).
+alignas(64) extern const double directions[164][4];
+// arctan t = t + t z p(z), z = t^2.
+alignas(64) extern const double polynomial_for_double[4];
+alignas(64) extern const double polynomial_for_single[2];
+}  // namespace qkr::arc_tangent
+
+namespace qkr::arc_sine {
+// arcsin u = u + u z p(z), z = u^2.
+alignas(64) extern const double polynomial_for_double[13];
+alignas(64) extern const double polynomial_for_single[6];
+}  // namespace qkr::arc_sine
+
 namespace qkr::exp_double {
 // Row j: hi, lo with hi + lo = 2^(j/64); the 15 low bits of hi are zero.
 alignas(64) extern const double s_dwExp2[64][2];

@@ -1,0 +1,56 @@
+/** @file
+ * Inverse circular and inverse hyperbolic vector functions. What vecmath.h tells of all functions holds here. Zeros and
+ * subnormal numbers keep their sign and all their bits. */
+#ifndef QKR_VECMATH_INVERSE_H
+#define QKR_VECMATH_INVERSE_H
+
+#include <qkr/api.h>
+
+QKR_BEGIN_DECLS
+
+/** @name Atan
+ * The arc tangent, r[i] = arctan(a[i]) in radians, from -pi/2 to pi/2.
+ *
+ * | a[i]       | r[i]         | status |
+ * |------------|--------------|--------|
+ * | NaN        | NaN          | none   |
+ * | +inf, -inf | +pi/2, -pi/2 | none   |
+ * | +0, -0     | a[i]         | none   |
+ *
+ * Method: table and short polynomial, S. Gal, Lecture Notes in Computer Science 235 (1986) 1. */
+/**@{*/
+QKR_API void _vxmdAtan_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdAtan_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsAtan_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsAtan_21(int32_t n, const float *a, float *r);
+/**@}*/
+
+/** @name Atan2
+ * The angle of the point with abscissa b[i] and ordinate a[i], in radians, from -pi to pi.
+ *
+ * No status is set. r[i] has the sign of a[i], and a zero result or a zero of an input counts with its sign:
+ *
+ * | a[i]           | b[i]                        | r[i]    |
+ * |----------------|-----------------------------|---------|
+ * | NaN            | any                         | NaN     |
+ * | any            | NaN                         | NaN     |
+ * | +-0            | +0 or positive              | +-0     |
+ * | +-0            | -0 or negative              | +-pi    |
+ * | not zero       | +-0                         | +-pi/2  |
+ * | finite         | +inf                        | +-0     |
+ * | finite         | -inf                        | +-pi    |
+ * | +-inf          | finite                      | +-pi/2  |
+ * | +-inf          | +inf                        | +-pi/4  |
+ * | +-inf          | -inf                        | +-3pi/4 |
+ *
+ * Method: as Atan. */
+/**@{*/
+QKR_API void _vxmdAtan2_HA(int32_t n, const double *a, const double *b, double *r);
+QKR_API void _vxmdAtan2_50(int32_t n, const double *a, const double *b, double *r);
+QKR_API void _vxmsAtan2_HA(int32_t n, const float *a, const float *b, float *r);
+QKR_API void _vxmsAtan2_21(int32_t n, const float *a, const float *b, float *r);
+/**@}*/
+
+QKR_END_DECLS
+
+#endif

@@ -1,0 +1,51 @@
+// What the inverse functions share. All of them compute in double; single-precision kernels take shorter polynomials
+// and leave the compensating tails out.
+#pragma once
+
+#include "simd/simd.h"
+
+namespace qkr::QKR_SIMD_LEVEL {
+namespace {
+
+template <class T>
+constexpr bool is_single = sizeof(T) == sizeof(float);
+
+// The argument of a kernel of T as doubles, and a result as T.
+template <class T, class V>
+QKR_INLINE auto in_double(V x) {
+  if constexpr (is_single<T>) return widen(x);
+  else return x;
+}
+template <class T, class V>
+QKR_INLINE auto rounded(V x) {
+  if constexpr (is_single<T>) return narrow(x);
+  else return x;
+}
+
+constexpr uint64_t sign_bit = 0x8000000000000000u;
+
+template <class V>
+QKR_INLINE V absolute(V x) {
+  return real(bits(x) & ~sign_bit);
+}
+template <class V>
+QKR_INLINE V flip_sign(V x, V sign) {
+  return real(bits(x) ^ (bits(sign) & sign_bit));
+}
+
+// 1/x to 5.1 % for normal x from 2^-1022 to 2^1022, and some finite number for 0: enough to turn the remainder of a
+// quotient or root into its tail.
+template <class V>
+QKR_INLINE V rough_reciprocal(V x) {
+  return real(0x7FDE600000000000u - bits(x));
+}
+
+template <size_t terms, class V>
+QKR_INLINE V polynomial(const double (&c)[terms], V x) {
+  V sum = x * c[terms - 1] + c[terms - 2];
+  for (int k = (int)terms - 3; k >= 0; --k) sum = sum * x + c[k];
+  return sum;
+}
+
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL
