@@ -32,26 +32,44 @@ QKR_INLINE Direction<V> nearest_direction(V slope, Mirrored mirrored) {
   return d;
 }
 
-// hi + lo + arctan(t + t_lo).
-template <class T, class V, class Tail>
-QKR_INLINE V add_arctangent(V t, V z, V hi, Tail lo) {
-  if constexpr (is_single<T>) return hi + (t + t * (z * polynomial(arc_tangent::polynomial_for_single, z)));
-  else return hi + (t + (lo + t * (z * polynomial(arc_tangent::polynomial_for_double, z))));
+// The angle of (x, y), y not negative, to single precision: the axes and the diagonals are directions enough.
+template <class V, class X>
+QKR_INLINE V single_angle(V y, X x) {
+  constexpr double quarter_pi = 0x1.921fb54442d18p-1;
+  constexpr double low_slope = 0.41421356237309503, high_slope = 2.414213562373095;  // of pi/8 and 3pi/8
+  const X size = absolute<double>(x);
+  const V c = select_less(y, size * low_slope, 0.0, 1.0), a_size = select_less(y, size * high_slope, 1.0, 0.0);
+  const V a = flip_sign(a_size, x);
+  const V direction = 2.0 * quarter_pi - quarter_pi * flip_sign(1.0 + a_size - c, x);
+  const V t = (a * y - c * x) / (a * x + c * y), z = t * t;
+  return direction + (t + t * (z * polynomial(arc_tangent::polynomial_for_single, z)));
 }
 
-template <class T>
-struct Atan : UnaryKernel<T, 2> {
+// hi + lo + arctan t.
+template <class V>
+QKR_INLINE V add_arctangent(V t, V z, V hi, V lo) {
+  return hi + (t + (lo + t * (z * polynomial(arc_tangent::polynomial_for_double, z))));
+}
+
+constexpr double almost_infinite = 0x1p60;  // the angle of this slope is pi/2 rounded
+
+struct AtanDouble : UnaryKernel<double, 2> {
   template <class V>
-  QKR_INLINE static V core(V argument) {
-    constexpr double almost_infinite = 0x1p60;  // the angle is pi/2 rounded from here on
-    const auto x = in_double<T>(argument), y = at_most(absolute(x), almost_infinite);
+  QKR_INLINE static V core(V x) {
+    const V y = at_most(absolute<double>(x), almost_infinite);
     const auto d = nearest_direction(y, 0ul);
-    const auto t = (d.a * y - d.c) / (d.a + d.c * y);
-    return rounded<T>(flip_sign(add_arctangent<T>(t, t * t, d.hi, d.lo), x));
+    const V t = (d.a * y - d.c) / (d.a + d.c * y);
+    return flip_sign(add_arctangent(t, t * t, d.hi, d.lo), x);
   }
 };
-using AtanDouble = Atan<double>;
-using AtanSingle = Atan<float>;
+
+struct AtanSingle : UnaryKernel<float, 2> {
+  template <class V>
+  QKR_INLINE static V core(V argument) {
+    const auto x = widen(argument), y = at_most(absolute<double>(x), almost_infinite);
+    return narrow(flip_sign(single_angle(y, 1.0), x));
+  }
+};
 
 struct Atan2Double : BinaryKernel<double, 2> {
   // With the larger coordinate in this range no product below overflows, and tails that matter are exact.
@@ -59,20 +77,20 @@ struct Atan2Double : BinaryKernel<double, 2> {
 
   template <class V>
   QKR_INLINE static Flags special(V y, V x) {
-    return outside(absolute(x) + absolute(y), smallest, limit);
+    return outside(absolute<double>(x) + absolute<double>(y), smallest, limit);
   }
 
   template <class V>
   QKR_INLINE static V core(V signed_y, V x) {
-    const V y = absolute(signed_y);
-    const auto d = nearest_direction(y / absolute(x), bits(x) >> 63);
+    const V y = absolute<double>(signed_y);
+    const auto d = nearest_direction(y / absolute<double>(x), bits(x) >> 63);
     const V x_hi = real(bits(x) & ~15ul);  // c * x_hi is exact
     const V rise = (d.a * y - d.c * x_hi) - d.c * (x - x_hi), run = d.a * x + d.c * y;
     const V t = rise / run, z = t * t, p = t * run;
     const V t_lo = ((rise - p) - product_tail(t, run, p)) * rough_reciprocal(run);
     // Below 2^-32 arctan t rounds as t does.
     const V lo = d.lo + select_less(z, 0x1p-64, 0.0, t_lo);
-    return flip_sign(add_arctangent<double>(t, z, d.hi, lo), signed_y);
+    return flip_sign(add_arctangent(t, z, d.hi, lo), signed_y);
   }
 
   QKR_INLINE static void scalar(ptrdiff_t i, Arrays<double> v) { _dAtan2_Scalar(i, v); }
@@ -81,18 +99,13 @@ struct Atan2Double : BinaryKernel<double, 2> {
 struct Atan2Single : BinaryKernel<float, 2> {
   template <class V>
   QKR_INLINE static Flags special(V y, V x) {
-    constexpr uint32_t size = 0x7FFFFFFF;
-    return outside(real(bits(x) & size) + real(bits(y) & size), 0x1p-149f, __builtin_inff());
+    return outside(absolute<float>(x) + absolute<float>(y), 0x1p-149f, __builtin_inff());
   }
-
   template <class V>
-  QKR_INLINE static V core(V single_y, V single_x) {
-    const auto signed_y = widen(single_y), x = widen(single_x), y = absolute(signed_y);
-    const auto d = nearest_direction(y / absolute(x), bits(x) >> 63);
-    const auto t = (d.a * y - d.c * x) / (d.a * x + d.c * y);
-    return narrow(flip_sign(add_arctangent<float>(t, t * t, d.hi, d.lo), signed_y));
+  QKR_INLINE static V core(V signed_y, V x) {
+    const auto y = widen(signed_y);
+    return narrow(flip_sign(single_angle(absolute<double>(y), widen(x)), y));
   }
-
   QKR_INLINE static void scalar(ptrdiff_t i, Arrays<float> v) { _sAtan2_Scalar(i, v); }
 };
 

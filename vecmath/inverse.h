@@ -3,6 +3,7 @@
 #pragma once
 
 #include "simd/simd.h"
+#include "vecmath/frame.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -24,12 +25,13 @@ QKR_INLINE auto rounded(V x) {
 
 constexpr uint64_t sign_bit = 0x8000000000000000u;
 
-template <class V>
+template <class T, class V>
 QKR_INLINE V absolute(V x) {
-  return real(bits(x) & ~sign_bit);
+  if constexpr (is_single<T>) return real(bits(x) & 0x7FFFFFFFu);
+  else return real(bits(x) & ~sign_bit);
 }
-template <class V>
-QKR_INLINE V flip_sign(V x, V sign) {
+template <class V, class Sign>
+QKR_INLINE V flip_sign(V x, Sign sign) {
   return real(bits(x) ^ (bits(sign) & sign_bit));
 }
 
@@ -39,6 +41,18 @@ template <class V>
 QKR_INLINE V rough_reciprocal(V x) {
   return real(0x7FDE600000000000u - bits(x));
 }
+
+// What a scalar routine does with an element in error.
+QKR_INLINE void store_and_report(double result, int32_t status, ptrdiff_t i, Arrays<double> v, const char *name) {
+  v.r[i] = result;
+  _vxmdErrorGate(status, i, v.a, v.a, v.r, v.r, name);
+}
+QKR_INLINE void store_and_report(float result, int32_t status, ptrdiff_t i, Arrays<float> v, const char *name) {
+  v.r[i] = result;
+  _vxmsErrorGate(status, i, v.a, v.a, v.r, v.r, name);
+}
+template <class T>
+constexpr T default_nan = -__builtin_nan("");  // 0xFFF8000000000000, 0xFFC00000
 
 template <size_t terms, class V>
 QKR_INLINE V polynomial(const double (&c)[terms], V x) {

@@ -51,6 +51,40 @@ QKR_API void _vxmsAtan2_HA(int32_t n, const float *a, const float *b, float *r);
 QKR_API void _vxmsAtan2_21(int32_t n, const float *a, const float *b, float *r);
 /**@}*/
 
+/** @name Asin
+ * The arc sine, r[i] = arcsin(a[i]) in radians, from -pi/2 to pi/2.
+ *
+ * | a[i]                        | r[i] | status    |
+ * |-----------------------------|------|-----------|
+ * | NaN                         | NaN  | none      |
+ * | +0, -0                      | a[i] | none      |
+ * | above 1, below -1, infinite | NaN  | 1, domain |
+ *
+ * Method: W. J. Cody and W. Waite, Software Manual for the Elementary Functions, 1980, chapter 10. */
+/**@{*/
+QKR_API void _vxmdAsin_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdAsin_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsAsin_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsAsin_21(int32_t n, const float *a, float *r);
+/**@}*/
+
+/** @name Acos
+ * The arc cosine, r[i] = arccos(a[i]) in radians, from 0 to pi.
+ *
+ * | a[i]                        | r[i] | status    |
+ * |-----------------------------|------|-----------|
+ * | NaN                         | NaN  | none      |
+ * | 1                           | +0   | none      |
+ * | above 1, below -1, infinite | NaN  | 1, domain |
+ *
+ * Method: as Asin. */
+/**@{*/
+QKR_API void _vxmdAcos_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdAcos_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsAcos_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsAcos_21(int32_t n, const float *a, float *r);
+/**@}*/
+
 QKR_END_DECLS
 
 #endif

@@ -7,7 +7,7 @@ with four significant bits, then infinity, so that products with a number of 49 
 direction of the nearest row, a point has the slope t with |t| at most 1/31.
 
 The polynomials p are fitted so that u + u * z * p(z), z = u**2, is the function of u; the error is relative to u:
-  arc tangent on |t| <= 1/31, arc sine on |u| <= 1/2, each for doubles and for floats.
+  arc tangent on |t| <= 1/31 for doubles and on |t| <= tan(pi/8) for floats, arc sine on |u| <= 1/2.
 """
 import gmpy2
 from gmpy2 import asin, atan, const_pi, mpfr, sqrt
@@ -41,7 +41,7 @@ def odd_function(f, limit, terms):
 main("inverse", [
     Table("arc_tangent", "double", "directions", direction_rows()),
     Table("arc_tangent", "double", "polynomial_for_double", odd_function(atan, mpfr(1) / 31, 4)),
-    Table("arc_tangent", "double", "polynomial_for_single", odd_function(atan, mpfr(1) / 31, 2)),
+    Table("arc_tangent", "double", "polynomial_for_single", odd_function(atan, sqrt(mpfr(2)) - 1, 5)),
     Table("arc_sine", "double", "polynomial_for_double", odd_function(asin, mpfr(1) / 2, 13)),
     Table("arc_sine", "double", "polynomial_for_single", odd_function(asin, mpfr(1) / 2, 6)),
 ])

@@ -174,8 +174,9 @@ alignas(64) const double polynomial_for_double[4] = {
     -0x1.55555555554dp-2, 0x1.9999999738057p-3, -0x1.24922e23ee61ap-3, 0x1.c62b07f434f26p-4,
 };
 
-alignas(64) const double polynomial_for_single[2] = {
-    -0x1.555550de015e3p-2, 0x1.992d303991b7dp-3,
+alignas(64) const double polynomial_for_single[5] = {
+    -0x1.5555495e7df16p-2, 0x1.9991ae282c2a5p-3, -0x1.23b6ca2e88f34p-3, 0x1.b2032182c9843p-4,
+    -0x1.f25b459e37fb5p-5,
 };
 
 }  // namespace qkr::arc_tangent

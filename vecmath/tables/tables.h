@@ -12,7 +12,7 @@ namespace qkr::arc_tangent {
 alignas(64) extern const double directions[164][4];
 // arctan t = t + t z p(z), z = t^2.
 alignas(64) extern const double polynomial_for_double[4];
-alignas(64) extern const double polynomial_for_single[2];
+alignas(64) extern const double polynomial_for_single[5];
 }  // namespace qkr::arc_tangent
 
 namespace qkr::arc_sine {
