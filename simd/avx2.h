@@ -30,8 +30,8 @@ QKR_INLINE f32 round_by_hardware(f32 v) {
 
 QKR_INLINE f64 product_tail(f64 a, f64 b, f64 p) { return (f64)_mm256_fmsub_pd((__m256d)a, (__m256d)b, (__m256d)p); }
 
-QKR_INLINE f64 at_most(f64 x, double limit) { return (f64)_mm256_min_pd(_mm256_set1_pd(limit), (__m256d)x); }
-QKR_INLINE f64 at_least(f64 x, double limit) { return (f64)_mm256_max_pd((__m256d)x, _mm256_set1_pd(limit)); }
+QKR_INLINE f64 at_most(f64 x, f64 limit) { return (f64)_mm256_min_pd((__m256d)limit, (__m256d)x); }
+QKR_INLINE f64 at_least(f64 x, f64 limit) { return (f64)_mm256_max_pd((__m256d)x, (__m256d)limit); }
 QKR_INLINE f64 square_root(f64 x) { return (f64)_mm256_sqrt_pd((__m256d)x); }
 QKR_INLINE f32 square_root(f32 x) { return (f32)_mm256_sqrt_ps((__m256)x); }
 

@@ -25,16 +25,14 @@ QKR_INLINE Flags beyond(f32 x, float limit) {
 QKR_INLINE Flags not_positive_normal(f64 x) { return _mm512_fpclass_pd_mask((__m512d)x, 0xFF); }
 QKR_INLINE Flags not_positive_normal(f32 x) { return _mm512_fpclass_ps_mask((__m512)x, 0xFF); }
 
-// Lanes with !(first <= |x| < limit), infinities and NaNs always among them; first is not negative.
+// Lanes with !(first <= x < limit), NaNs always among them; the two are positive.
 QKR_INLINE Flags outside(f64 x, double first, double limit) {
-  const __m512d size = _mm512_abs_pd((__m512d)x);
-  return _mm512_cmp_pd_mask(size, _mm512_set1_pd(first), _CMP_NGE_UQ) |
-         _mm512_cmp_pd_mask(size, _mm512_set1_pd(limit), _CMP_NLT_UQ);
+  return _mm512_cmp_pd_mask((__m512d)x, _mm512_set1_pd(first), _CMP_NGE_UQ) |
+         _mm512_cmp_pd_mask((__m512d)x, _mm512_set1_pd(limit), _CMP_NLT_UQ);
 }
 QKR_INLINE Flags outside(f32 x, float first, float limit) {
-  const __m512 size = _mm512_abs_ps((__m512)x);
-  return _mm512_cmp_ps_mask(size, _mm512_set1_ps(first), _CMP_NGE_UQ) |
-         _mm512_cmp_ps_mask(size, _mm512_set1_ps(limit), _CMP_NLT_UQ);
+  return _mm512_cmp_ps_mask((__m512)x, _mm512_set1_ps(first), _CMP_NGE_UQ) |
+         _mm512_cmp_ps_mask((__m512)x, _mm512_set1_ps(limit), _CMP_NLT_UQ);
 }
 
 QKR_INLINE Flags is_zero(f64 x) { return _mm512_cmp_pd_mask((__m512d)x, _mm512_setzero_pd(), _CMP_EQ_OQ); }
@@ -91,8 +89,8 @@ QKR_INLINE f32 add_toward_zero(f32 v, f32 w) {
 
 QKR_INLINE f64 product_tail(f64 a, f64 b, f64 p) { return (f64)_mm512_fmsub_pd((__m512d)a, (__m512d)b, (__m512d)p); }
 
-QKR_INLINE f64 at_most(f64 x, double limit) { return (f64)_mm512_min_pd(_mm512_set1_pd(limit), (__m512d)x); }
-QKR_INLINE f64 at_least(f64 x, double limit) { return (f64)_mm512_max_pd((__m512d)x, _mm512_set1_pd(limit)); }
+QKR_INLINE f64 at_most(f64 x, f64 limit) { return (f64)_mm512_min_pd((__m512d)limit, (__m512d)x); }
+QKR_INLINE f64 at_least(f64 x, f64 limit) { return (f64)_mm512_max_pd((__m512d)x, (__m512d)limit); }
 QKR_INLINE f64 square_root(f64 x) { return (f64)_mm512_sqrt_pd((__m512d)x); }
 QKR_INLINE f32 square_root(f32 x) { return (f32)_mm512_sqrt_ps((__m512)x); }
 

@@ -28,15 +28,13 @@ QKR_INLINE Flags not_positive_normal(f32 x) {
   return flags_of((bits(x) - 0x00800000u) | ~(bits(x) - 0x7F800000u));
 }
 
-// Lanes with !(first <= |x| < limit), infinities and NaNs always among them; first is not negative.
+// Lanes with !(first <= x < limit), NaNs always among them; the two are positive.
 QKR_INLINE Flags outside(f64 x, double first, double limit) {
-  const u64 pattern = bits(x) & 0x7FFFFFFFFFFFFFFFu;
-  return (pattern - __builtin_bit_cast(uint64_t, first)) | ~(pattern - __builtin_bit_cast(uint64_t, limit));
+  return (bits(x) - __builtin_bit_cast(uint64_t, first)) | ~(bits(x) - __builtin_bit_cast(uint64_t, limit));
 }
 QKR_INLINE Flags outside(f32 x, float first, float limit) {
-  const u32 pattern = bits(x) & 0x7FFFFFFFu;
-  return flags_of((pattern - __builtin_bit_cast(uint32_t, first)) |
-                  ~(pattern - __builtin_bit_cast(uint32_t, limit)));
+  return flags_of((bits(x) - __builtin_bit_cast(uint32_t, first)) |
+                  ~(bits(x) - __builtin_bit_cast(uint32_t, limit)));
 }
 
 QKR_INLINE Flags is_zero(f64 x) { return (u64)(x == 0.0); }

@@ -31,6 +31,28 @@ QKR_INLINE uint64_t approximate_rsqrt(uint64_t single) {
 QKR_INLINE double widen(float x) { return x; }
 QKR_INLINE float narrow(double x) { return (float)x; }
 QKR_INLINE double product_tail(double a, double b, double p) { return product_tail_of_halves(a, b, p); }
+QKR_INLINE f64 lanes(f64 v) { return v; }
+QKR_INLINE f64 lanes(double x) { return x - f64{}; }
+
+// yes where a < b, else no; and no where !(a < b), else 0. Operands may be one number.
+template <class A, class B, class Yes, class No>
+QKR_INLINE f64 select_less(A a, B b, Yes yes, No no) requires(sizeof(a + b) == sizeof(f64)) {
+  return lanes(a) < lanes(b) ? lanes(yes) : lanes(no);
+}
+template <class B, class No>
+QKR_INLINE f64 zero_if_less(f64 a, B b, No no) {
+#if QKR_SIMD_BYTES == 64
+  return (f64)_mm512_maskz_mov_pd(_mm512_cmp_pd_mask((__m512d)a, (__m512d)lanes(b), _CMP_NLT_UQ), (__m512d)lanes(no));
+#else
+  return real(bits(lanes(no)) & ~(u64)(a < lanes(b)));
+#endif
+}
+QKR_INLINE double select_less(double a, double b, double yes, double no) { return a < b ? yes : no; }
+QKR_INLINE double zero_if_less(double a, double b, double no) { return a < b ? 0.0 : no; }
+
+// The smaller and the larger number. A NaN x is at_most its x, at_least its limit.
+QKR_INLINE f64 at_most(f64 x, double limit) { return at_most(x, lanes(limit)); }
+QKR_INLINE f64 at_least(f64 x, double limit) { return at_least(x, lanes(limit)); }
 QKR_INLINE double at_most(double x, double limit) { return limit < x ? limit : x; }
 QKR_INLINE double at_least(double x, double limit) { return x > limit ? x : limit; }
 QKR_INLINE double square_root(double x) { return __builtin_sqrt(x); }
@@ -62,16 +84,6 @@ QKR_INLINE void look_up_128(const float (*rows)[2], const float *, const float *
                             float &c1) {
   look_up(rows, j, c0, c1);
 }
-
-QKR_INLINE f64 lanes(f64 v) { return v; }
-QKR_INLINE f64 lanes(double x) { return x - f64{}; }
-
-// yes where a < b, else no; any of them one number or a vector.
-template <class A, class B, class Yes, class No>
-QKR_INLINE f64 select_less(A a, B b, Yes yes, No no) requires(sizeof(a + b) == sizeof(f64)) {
-  return lanes(a) < lanes(b) ? lanes(yes) : lanes(no);
-}
-QKR_INLINE double select_less(double a, double b, double yes, double no) { return a < b ? yes : no; }
 
 // v where first <= pattern <= last as unsigned numbers, else +0.
 QKR_INLINE f32 zero_unless_within(f32 v, u32 pattern, uint32_t first, uint32_t last) {

@@ -16,8 +16,8 @@ QKR_INLINE f32 exact_mad(f32 a, f32 b, f32 c) { return a * b + c; }
 
 QKR_INLINE f64 product_tail(f64 a, f64 b, f64 p) { return product_tail_of_halves(a, b, p); }
 
-QKR_INLINE f64 at_most(f64 x, double limit) { return (f64)_mm_min_pd(_mm_set1_pd(limit), (__m128d)x); }
-QKR_INLINE f64 at_least(f64 x, double limit) { return (f64)_mm_max_pd((__m128d)x, _mm_set1_pd(limit)); }
+QKR_INLINE f64 at_most(f64 x, f64 limit) { return (f64)_mm_min_pd((__m128d)limit, (__m128d)x); }
+QKR_INLINE f64 at_least(f64 x, f64 limit) { return (f64)_mm_max_pd((__m128d)x, (__m128d)limit); }
 QKR_INLINE f64 square_root(f64 x) { return (f64)_mm_sqrt_pd((__m128d)x); }
 QKR_INLINE f32 square_root(f32 x) { return (f32)_mm_sqrt_ps((__m128)x); }
 

@@ -67,6 +67,7 @@ QKR_TWO_FUNCTION(at_most)
 QKR_TWO_FUNCTION(at_least)
 QKR_TWO_FUNCTION(square_root)
 QKR_TWO_FUNCTION(select_less)
+QKR_TWO_FUNCTION(zero_if_less)
 QKR_TWO_FUNCTION(widen)
 QKR_TWO_FUNCTION(narrow)
 #undef QKR_TWO_FUNCTION

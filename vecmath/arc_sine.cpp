@@ -24,32 +24,30 @@ constexpr T next_above_one = is_single<T> ? 0x1.000002p0 : 0x1.0000000000001p0;
 
 constexpr double fold = 0.5;  // from here on, |x| is folded
 
-// u + u_lo = sqrt((1 - |x|)/2) for the upper half of the arguments, and arcsin w / w - 1 for w = |x| or u.
+// w + w_lo = 2u, u = sqrt((1 - |x|)/2), for the upper half of the arguments; and arcsin y / y - 1 for y = |x| or u.
 template <class V>
 struct Folded {
-  V u, u_lo, ratio;
+  V w, w_lo, ratio;
 };
 
 template <class T, class V, class D>
 QKR_INLINE Folded<D> folded(V argument, D size) {
   const V square = (T)0.5 - (T)0.5 * absolute<T>(argument);  // exact where it counts
   const D u2 = in_double<T>(square), u = in_double<T>(square_root(square)), product = u * u;
-  const D z = select_less(size, fold, size * size, u2);
-  D remainder, ratio;
+  const D z = at_most(u2, size * size);  // they meet at the fold
   if constexpr (is_single<T>) {
-    remainder = u2 - product;
-    ratio = z * polynomial(arc_sine::polynomial_for_single, z);
+    const D w_lo = (u2 - product) * rough_reciprocal(u);
+    return {2.0 * u + w_lo, w_lo, z * polynomial(arc_sine::polynomial_for_single, z)};
   } else {
-    remainder = (u2 - product) - product_tail(u, u, product);
-    ratio = z * polynomial(arc_sine::polynomial_for_double, z);
+    const D w_lo = ((u2 - product) - product_tail(u, u, product)) * rough_reciprocal(u);
+    return {2.0 * u, w_lo, z * polynomial(arc_sine::polynomial_for_double, z)};
   }
-  return {u, remainder * rough_reciprocal(u) * 0.5, ratio};
 }
 
-// base + lo + v + v ratio, where base is 0 or larger than v.
+// base + lo + v + v ratio, where base is 0 or larger than v; lo does not matter in single precision.
 template <class T, class V>
 QKR_INLINE V sum(V base, V lo, V v, V ratio) {
-  if constexpr (is_single<T>) return base + (v + (lo + v * ratio));
+  if constexpr (is_single<T>) return base + (v + v * ratio);
   const V head = base + v, rest = (base - head) + v;
   return head + (rest + (lo + v * ratio));
 }
@@ -69,10 +67,9 @@ struct Asin : ArcKernel<T, scalar_routine> {
   template <class V>
   QKR_INLINE static V core(V argument) {
     const auto x = in_double<T>(argument), size = absolute<double>(x);
-    const auto [u, u_lo, ratio] = folded<T>(argument, size);
-    const auto base = select_less(size, fold, 0.0, half_pi_hi);
-    const auto lo = select_less(size, fold, 0.0, half_pi_lo - 2.0 * u_lo);
-    const auto v = select_less(size, fold, size, -2.0 * u);
+    const auto [w, w_lo, ratio] = folded<T>(argument, size);
+    const auto base = zero_if_less(size, fold, half_pi_hi), lo = zero_if_less(size, fold, half_pi_lo - w_lo);
+    const auto v = select_less(size, fold, size, 0.0 - w);
     return rounded<T>(flip_sign(sum<T>(base, lo, v, ratio), x));
   }
 };
@@ -83,10 +80,10 @@ struct Acos : ArcKernel<T, scalar_routine> {
   template <class V>
   QKR_INLINE static V core(V argument) {
     const auto x = in_double<T>(argument), size = absolute<double>(x);
-    const auto [u, u_lo, ratio] = folded<T>(argument, size);
-    const auto base = half_pi_hi - flip_sign(select_less(size, fold, 0.0, half_pi_hi), x);
-    const auto lo = half_pi_lo - flip_sign(select_less(size, fold, 0.0, half_pi_lo - 2.0 * u_lo), x);
-    const auto v = flip_sign(select_less(size, fold, -1.0 * size, 2.0 * u), x);
+    const auto [w, w_lo, ratio] = folded<T>(argument, size);
+    const auto base = half_pi_hi - flip_sign(zero_if_less(size, fold, half_pi_hi), x);
+    const auto lo = half_pi_lo - flip_sign(zero_if_less(size, fold, half_pi_lo - w_lo), x);
+    const auto v = flip_sign(select_less(size, fold, 0.0 - size, w), x);
     return rounded<T>(sum<T>(base, lo, v, ratio));
   }
 };

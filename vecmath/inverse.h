@@ -54,11 +54,15 @@ QKR_INLINE void store_and_report(float result, int32_t status, ptrdiff_t i, Arra
 template <class T>
 constexpr T default_nan = -__builtin_nan("");  // 0xFFF8000000000000, 0xFFC00000
 
+// Even and odd powers by themselves: two chains of operations half as long. At least four terms.
 template <size_t terms, class V>
 QKR_INLINE V polynomial(const double (&c)[terms], V x) {
-  V sum = x * c[terms - 1] + c[terms - 2];
-  for (int k = (int)terms - 3; k >= 0; --k) sum = sum * x + c[k];
-  return sum;
+  constexpr int top = (int)terms - 1;
+  const V square = x * x;
+  V high = square * c[top] + c[top - 2], next = square * c[top - 1] + c[top - 3];
+  for (int k = top - 4; k >= 0; k -= 2) high = high * square + c[k];
+  for (int k = top - 5; k >= 0; k -= 2) next = next * square + c[k];
+  return top % 2 ? high * x + next : next * x + high;
 }
 
 }  // namespace

@@ -85,6 +85,58 @@ QKR_API void _vxmsAcos_HA(int32_t n, const float *a, float *r);
 QKR_API void _vxmsAcos_21(int32_t n, const float *a, float *r);
 /**@}*/
 
+/** @name Acosh
+ * The inverse hyperbolic cosine, r[i] = arcosh(a[i]), not negative.
+ *
+ * | a[i]                   | r[i] | status    |
+ * |------------------------|------|-----------|
+ * | NaN                    | NaN  | none      |
+ * | +inf                   | +inf | none      |
+ * | 1                      | +0   | none      |
+ * | below 1, -inf included | NaN  | 1, domain |
+ *
+ * Method: logarithm of 1 + u with a small u, W. Kahan, Branch cuts for complex elementary functions (1987). */
+/**@{*/
+QKR_API void _vxmdAcosh_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdAcosh_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsAcosh_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsAcosh_21(int32_t n, const float *a, float *r);
+/**@}*/
+
+/** @name Asinh
+ * The inverse hyperbolic sine, r[i] = arsinh(a[i]).
+ *
+ * | a[i]               | r[i] | status |
+ * |--------------------|------|--------|
+ * | NaN                | NaN  | none   |
+ * | +inf, -inf, +0, -0 | a[i] | none   |
+ *
+ * Method: as Acosh. */
+/**@{*/
+QKR_API void _vxmdAsinh_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdAsinh_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsAsinh_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsAsinh_21(int32_t n, const float *a, float *r);
+/**@}*/
+
+/** @name Atanh
+ * The inverse hyperbolic tangent, r[i] = artanh(a[i]).
+ *
+ * | a[i]                        | r[i]       | status         |
+ * |-----------------------------|------------|----------------|
+ * | NaN                         | NaN        | none           |
+ * | +0, -0                      | a[i]       | none           |
+ * | 1, -1                       | +inf, -inf | 2, singularity |
+ * | above 1, below -1, infinite | NaN        | 1, domain      |
+ *
+ * Method: as Acosh. */
+/**@{*/
+QKR_API void _vxmdAtanh_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdAtanh_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsAtanh_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsAtanh_21(int32_t n, const float *a, float *r);
+/**@}*/
+
 QKR_END_DECLS
 
 #endif
