@@ -28,13 +28,6 @@ QKR_INLINE f32 round_by_hardware(f32 v) {
   return (f32)_mm256_round_ps((__m256)v, direction | _MM_FROUND_NO_EXC);
 }
 
-QKR_INLINE f64 product_tail(f64 a, f64 b, f64 p) { return (f64)_mm256_fmsub_pd((__m256d)a, (__m256d)b, (__m256d)p); }
-
-QKR_INLINE f64 at_most(f64 x, f64 limit) { return (f64)_mm256_min_pd((__m256d)limit, (__m256d)x); }
-QKR_INLINE f64 at_least(f64 x, f64 limit) { return (f64)_mm256_max_pd((__m256d)x, (__m256d)limit); }
-QKR_INLINE f64 square_root(f64 x) { return (f64)_mm256_sqrt_pd((__m256d)x); }
-QKR_INLINE f32 square_root(f32 x) { return (f32)_mm256_sqrt_ps((__m256)x); }
-
 // Ones behind the last element: no kernel finds them special.
 constexpr int32_t part_masks[16] = {-1, -1, -1, -1, -1, -1, -1, -1, 0, 0, 0, 0, 0, 0, 0, 0};
 QKR_INLINE __m256i part_mask(int words) {
@@ -48,6 +41,13 @@ QKR_INLINE void load_part(const float *p, int count, f32 &v) {
   const __m256i mask = part_mask(count);
   v = (f32)_mm256_blendv_ps(_mm256_set1_ps(1), _mm256_maskload_ps(p, mask), _mm256_castsi256_ps(mask));
 }
+
+// The second where one of them is a NaN.
+QKR_INLINE f64 larger(f64 a, f64 b) { return (f64)_mm256_max_pd((__m256d)a, (__m256d)b); }
+QKR_INLINE f64 smaller(f64 a, f64 b) { return (f64)_mm256_min_pd((__m256d)a, (__m256d)b); }
+
+QKR_INLINE f64 square_root(f64 v) { return (f64)_mm256_sqrt_pd((__m256d)v); }
+QKR_INLINE f32 square_root(f32 v) { return (f32)_mm256_sqrt_ps((__m256)v); }
 
 // Conversions of the lower and the upper floats, and back.
 QKR_INLINE f64 low_doubles(f32 v) { return (f64)_mm256_cvtps_pd(_mm256_castps256_ps128((__m256)v)); }

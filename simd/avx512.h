@@ -21,15 +21,20 @@ QKR_INLINE Flags beyond(f32 x, float limit) {
   return _mm512_cmp_ps_mask(_mm512_abs_ps((__m512)x), _mm512_set1_ps(limit), _CMP_NLT_UQ);
 }
 
+// Lanes of a number without sign that lie below `low` or not below `high`.
+QKR_INLINE Flags outside(f64 x, double low, double high) {
+  const uint64_t first = __builtin_bit_cast(uint64_t, low),
+                 count = __builtin_bit_cast(uint64_t, high) - first;
+  return _mm512_cmpge_epu64_mask((__m512i)(bits(x) - first), _mm512_set1_epi64(count));
+}
+QKR_INLINE f64 larger(f64 a, f64 b) { return (f64)_mm512_max_pd((__m512d)a, (__m512d)b); }
+QKR_INLINE f64 smaller(f64 a, f64 b) { return (f64)_mm512_min_pd((__m512d)a, (__m512d)b); }
+
 // Lanes that hold anything but a positive normal number: every class that the instruction knows.
 QKR_INLINE Flags not_positive_normal(f64 x) { return _mm512_fpclass_pd_mask((__m512d)x, 0xFF); }
 QKR_INLINE Flags not_positive_normal(f32 x) { return _mm512_fpclass_ps_mask((__m512)x, 0xFF); }
 
 // Lanes with !(first <= x < limit), NaNs always among them; the two are positive.
-QKR_INLINE Flags outside(f64 x, double first, double limit) {
-  return _mm512_cmp_pd_mask((__m512d)x, _mm512_set1_pd(first), _CMP_NGE_UQ) |
-         _mm512_cmp_pd_mask((__m512d)x, _mm512_set1_pd(limit), _CMP_NLT_UQ);
-}
 QKR_INLINE Flags outside(f32 x, float first, float limit) {
   return _mm512_cmp_ps_mask((__m512)x, _mm512_set1_ps(first), _CMP_NGE_UQ) |
          _mm512_cmp_ps_mask((__m512)x, _mm512_set1_ps(limit), _CMP_NLT_UQ);
@@ -87,13 +92,6 @@ QKR_INLINE f32 add_toward_zero(f32 v, f32 w) {
   return (f32)_mm512_add_round_ps((__m512)v, (__m512)w, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC);
 }
 
-QKR_INLINE f64 product_tail(f64 a, f64 b, f64 p) { return (f64)_mm512_fmsub_pd((__m512d)a, (__m512d)b, (__m512d)p); }
-
-QKR_INLINE f64 at_most(f64 x, f64 limit) { return (f64)_mm512_min_pd((__m512d)limit, (__m512d)x); }
-QKR_INLINE f64 at_least(f64 x, f64 limit) { return (f64)_mm512_max_pd((__m512d)x, (__m512d)limit); }
-QKR_INLINE f64 square_root(f64 x) { return (f64)_mm512_sqrt_pd((__m512d)x); }
-QKR_INLINE f32 square_root(f32 x) { return (f32)_mm512_sqrt_ps((__m512)x); }
-
 // Ones behind the last element: no kernel finds them special.
 QKR_INLINE void load_part(const double *p, int count, f64 &v) {
   v = (f64)_mm512_mask_loadu_pd(_mm512_set1_pd(1), (1u << count) - 1, p);
@@ -107,6 +105,9 @@ QKR_INLINE void store_part(double *p, int count, f64 v) {
 QKR_INLINE void store_part(float *p, int count, f32 v) {
   _mm512_mask_storeu_ps(p, (1u << count) - 1, (__m512)v);
 }
+
+QKR_INLINE f64 square_root(f64 v) { return (f64)_mm512_sqrt_pd((__m512d)v); }
+QKR_INLINE f32 square_root(f32 v) { return (f32)_mm512_sqrt_ps((__m512)v); }
 
 // Conversions of the lower and the upper floats, and back.
 QKR_INLINE f64 low_doubles(f32 v) { return (f64)_mm512_cvtps_pd(_mm512_castps512_ps256((__m512)v)); }

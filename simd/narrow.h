@@ -20,6 +20,11 @@ QKR_INLINE Flags beyond(f32 x, float limit) {
   return flags_of(~((bits(x) & 0x7FFFFFFFu) - __builtin_bit_cast(uint32_t, limit)));
 }
 
+// Lanes of a number without sign that lie below `low` or not below `high`.
+QKR_INLINE Flags outside(f64 x, double low, double high) {
+  return (bits(x) - __builtin_bit_cast(uint64_t, low)) | ~(bits(x) - __builtin_bit_cast(uint64_t, high));
+}
+
 // Lanes that hold anything but a positive normal number.
 QKR_INLINE Flags not_positive_normal(f64 x) {
   return (bits(x) - 0x0010000000000000u) | ~(bits(x) - 0x7FF0000000000000u);
@@ -29,9 +34,6 @@ QKR_INLINE Flags not_positive_normal(f32 x) {
 }
 
 // Lanes with !(first <= x < limit), NaNs always among them; the two are positive.
-QKR_INLINE Flags outside(f64 x, double first, double limit) {
-  return (bits(x) - __builtin_bit_cast(uint64_t, first)) | ~(bits(x) - __builtin_bit_cast(uint64_t, limit));
-}
 QKR_INLINE Flags outside(f32 x, float first, float limit) {
   return flags_of((bits(x) - __builtin_bit_cast(uint32_t, first)) |
                   ~(bits(x) - __builtin_bit_cast(uint32_t, limit)));

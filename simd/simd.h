@@ -20,6 +20,29 @@ QKR_INLINE f32 exact_mad(f32 a, float b, f32 c) { return exact_mad(a, b - f32{},
 QKR_INLINE f64 exact_mad(f64 a, f64 b, double c) { return exact_mad(a, b, c - f64{}); }
 QKR_INLINE f32 exact_mad(f32 a, f32 b, float c) { return exact_mad(a, b, c - f32{}); }
 
+// a * b - product, where product = a * b rounded: exact, if it is not below the normal range. With a fused
+// operation at the levels that have it, by halves of 26 bits (T. J. Dekker, Numerische Mathematik 18 (1971)
+// 224) elsewhere.
+template <class V>
+QKR_INLINE V product_error_by_halves(V a, V b, V product) {
+  const auto head = [](V v) { return real((bits(v) + 0x4000000u) & 0xFFFFFFFFF8000000u); };
+  const V a_hi = head(a), a_lo = a - a_hi, b_hi = head(b), b_lo = b - b_hi;
+  return ((a_hi * b_hi - product) + a_hi * b_lo + a_lo * b_hi) + a_lo * b_lo;
+}
+QKR_INLINE f64 product_error(f64 a, f64 b, f64 product) {
+#if QKR_BASELINE
+  return product_error_by_halves(a, b, product);
+#else
+  return exact_mad(a, b, -product);
+#endif
+}
+QKR_INLINE double product_error(double a, double b, double product) {
+  return product_error_by_halves(a, b, product);
+}
+
+QKR_INLINE void broadcast(double x, f64 &v) { v = x - f64{}; }
+QKR_INLINE void broadcast(float x, f32 &v) { v = x - f32{}; }
+
 QKR_INLINE double exact_mad(double a, double b, double c) { return a * b + c; }
 QKR_INLINE float exact_mad(float a, float b, float c) { return a * b + c; }
 QKR_INLINE double exponent(uint64_t pattern) { return (double)((int)(pattern >> 52) - 1023); }
@@ -28,9 +51,6 @@ QKR_INLINE float approximate_rsqrt(float x) { return _mm_cvtss_f32(_mm_rsqrt_ss(
 QKR_INLINE uint64_t approximate_rsqrt(uint64_t single) {
   return bits(approximate_rsqrt(real((uint32_t)single)));
 }
-QKR_INLINE double widen(float x) { return x; }
-QKR_INLINE float narrow(double x) { return (float)x; }
-QKR_INLINE double product_tail(double a, double b, double p) { return product_tail_of_halves(a, b, p); }
 QKR_INLINE f64 lanes(f64 v) { return v; }
 QKR_INLINE f64 lanes(double x) { return x - f64{}; }
 
@@ -50,13 +70,16 @@ QKR_INLINE f64 zero_if_less(f64 a, B b, No no) {
 QKR_INLINE double select_less(double a, double b, double yes, double no) { return a < b ? yes : no; }
 QKR_INLINE double zero_if_less(double a, double b, double no) { return a < b ? 0.0 : no; }
 
-// The smaller and the larger number. A NaN x is at_most its x, at_least its limit.
-QKR_INLINE f64 at_most(f64 x, double limit) { return at_most(x, lanes(limit)); }
-QKR_INLINE f64 at_least(f64 x, double limit) { return at_least(x, lanes(limit)); }
+// As smaller, but a NaN stays.
+QKR_INLINE f64 at_most(f64 x, double limit) { return smaller(lanes(limit), x); }
 QKR_INLINE double at_most(double x, double limit) { return limit < x ? limit : x; }
-QKR_INLINE double at_least(double x, double limit) { return x > limit ? x : limit; }
-QKR_INLINE double square_root(double x) { return __builtin_sqrt(x); }
 QKR_INLINE float square_root(float x) { return __builtin_sqrtf(x); }
+QKR_INLINE double square_root(double x) { return __builtin_sqrt(x); }
+QKR_INLINE double larger(double a, double b) { return a > b ? a : b; }
+QKR_INLINE double smaller(double a, double b) { return a < b ? a : b; }
+QKR_INLINE f64 larger(f64 a, double b) { return larger(a, lanes(b)); }
+QKR_INLINE double widen(float x) { return x; }
+QKR_INLINE float narrow(double x) { return (float)x; }
 QKR_INLINE double zero_unless(double v, double c) { return c != 0.0 ? v : 0.0; }
 QKR_INLINE double add_if_zero(double s, double v, double c) { return c == 0.0 ? s + v : s; }
 QKR_INLINE float zero_unless(float v, float c) { return c != 0.0f ? v : 0.0f; }

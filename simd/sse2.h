@@ -14,17 +14,17 @@ QKR_INLINE unsigned lane_set(Flags f, float) { return _mm_movemask_ps((__m128)f)
 QKR_INLINE f64 exact_mad(f64 a, f64 b, f64 c) { return a * b + c; }
 QKR_INLINE f32 exact_mad(f32 a, f32 b, f32 c) { return a * b + c; }
 
-QKR_INLINE f64 product_tail(f64 a, f64 b, f64 p) { return product_tail_of_halves(a, b, p); }
-
-QKR_INLINE f64 at_most(f64 x, f64 limit) { return (f64)_mm_min_pd((__m128d)limit, (__m128d)x); }
-QKR_INLINE f64 at_least(f64 x, f64 limit) { return (f64)_mm_max_pd((__m128d)x, (__m128d)limit); }
-QKR_INLINE f64 square_root(f64 x) { return (f64)_mm_sqrt_pd((__m128d)x); }
-QKR_INLINE f32 square_root(f32 x) { return (f32)_mm_sqrt_ps((__m128)x); }
-
 QKR_INLINE void load_part(const double *p, int, f64 &v) { v = f64{p[0], 1}; }
 QKR_INLINE void load_part(const float *p, int count, f32 &v) {
   v = f32{p[0], count > 1 ? p[1] : 1, count > 2 ? p[2] : 1, 1};
 }
+
+// The second where one of them is a NaN.
+QKR_INLINE f64 larger(f64 a, f64 b) { return (f64)_mm_max_pd((__m128d)a, (__m128d)b); }
+QKR_INLINE f64 smaller(f64 a, f64 b) { return (f64)_mm_min_pd((__m128d)a, (__m128d)b); }
+
+QKR_INLINE f64 square_root(f64 v) { return (f64)_mm_sqrt_pd((__m128d)v); }
+QKR_INLINE f32 square_root(f32 v) { return (f32)_mm_sqrt_ps((__m128)v); }
 
 // Conversions of the lower and the upper floats, and back.
 QKR_INLINE f64 low_doubles(f32 v) { return (f64)_mm_cvtps_pd((__m128)v); }

@@ -58,16 +58,17 @@ QKR_TWO_FUNCTION(bits)
 QKR_TWO_FUNCTION(real)
 QKR_TWO_FUNCTION(exponent)
 QKR_TWO_FUNCTION(exact_mad)
+QKR_TWO_FUNCTION(product_error)
 QKR_TWO_FUNCTION(zero_unless)
 QKR_TWO_FUNCTION(add_if_zero)
 QKR_TWO_FUNCTION(approximate_rsqrt)
 QKR_TWO_FUNCTION(zero_unless_within)
-QKR_TWO_FUNCTION(product_tail)
 QKR_TWO_FUNCTION(at_most)
-QKR_TWO_FUNCTION(at_least)
-QKR_TWO_FUNCTION(square_root)
 QKR_TWO_FUNCTION(select_less)
 QKR_TWO_FUNCTION(zero_if_less)
+QKR_TWO_FUNCTION(larger)
+QKR_TWO_FUNCTION(smaller)
+QKR_TWO_FUNCTION(square_root)
 QKR_TWO_FUNCTION(widen)
 QKR_TWO_FUNCTION(narrow)
 #undef QKR_TWO_FUNCTION
@@ -94,6 +95,11 @@ template <class T, class V>
 QKR_INLINE void load(const T *p, Two<V> &x) {
   load(p, x.a);
   load(p + sizeof(V) / sizeof(T), x.b);
+}
+template <class T, class V>
+QKR_INLINE void broadcast(T number, Two<V> &x) {
+  broadcast(number, x.a);
+  x.b = x.a;
 }
 template <class T, class V>
 QKR_INLINE void store(T *p, Two<V> x) {

@@ -62,18 +62,6 @@ QKR_INLINE uint32_t bits(float x) { return __builtin_bit_cast(uint32_t, x); }
 QKR_INLINE double real(uint64_t x) { return __builtin_bit_cast(double, x); }
 QKR_INLINE float real(uint32_t x) { return __builtin_bit_cast(float, x); }
 
-// a * b - p, where p is a * b rounded: exact unless it underflows, and so one number whether it comes from a
-// fused operation or, as here, from halves of 26 bits (T. J. Dekker, Numerische Mathematik 18 (1971) 224).
-template <class V>
-QKR_INLINE V upper_half(V x) {
-  return real((bits(x) + 0x4000000u) & ~0x7FFFFFFul);
-}
-template <class V>
-QKR_INLINE V product_tail_of_halves(V a, V b, V p) {
-  const V a_hi = upper_half(a), a_lo = a - a_hi, b_hi = upper_half(b), b_lo = b - b_hi;
-  return ((a_hi * b_hi - p) + a_hi * b_lo + a_lo * b_hi) + a_lo * b_lo;
-}
-
 QKR_INLINE void load(const double *p, f64 &v) { memcpy(&v, p, sizeof v); }
 QKR_INLINE void load(const float *p, f32 &v) { memcpy(&v, p, sizeof v); }
 QKR_INLINE void store(double *p, f64 v) { memcpy(p, &v, sizeof v); }

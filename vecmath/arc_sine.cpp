@@ -34,12 +34,12 @@ template <class T, class V, class D>
 QKR_INLINE Folded<D> folded(V argument, D size) {
   const V square = (T)0.5 - (T)0.5 * absolute<T>(argument);  // exact where it counts
   const D u2 = in_double<T>(square), u = in_double<T>(square_root(square)), product = u * u;
-  const D z = at_most(u2, size * size);  // they meet at the fold
+  const D z = smaller(u2, size * size);  // they meet at the fold
   if constexpr (is_single<T>) {
     const D w_lo = (u2 - product) * rough_reciprocal(u);
     return {2.0 * u + w_lo, w_lo, z * polynomial(arc_sine::polynomial_for_single, z)};
   } else {
-    const D w_lo = ((u2 - product) - product_tail(u, u, product)) * rough_reciprocal(u);
+    const D w_lo = ((u2 - product) - product_error(u, u, product)) * rough_reciprocal(u);
     return {2.0 * u, w_lo, z * polynomial(arc_sine::polynomial_for_double, z)};
   }
 }

@@ -25,7 +25,7 @@ QKR_INLINE Direction<V> nearest_direction(V slope, Mirrored mirrored) {
   constexpr int shift = 49;
   constexpr uint64_t half_row = 1ul << (shift - 1);
   constexpr uint64_t first = __builtin_bit_cast(uint64_t, zero_row) >> shift;
-  const auto pattern = bits(at_least(at_most(slope, infinity_row), zero_row));
+  const auto pattern = bits(larger(at_most(slope, infinity_row), zero_row));
   Direction<V> d;
   look_up(arc_tangent::directions, ((((pattern + half_row) >> shift) - first) << 1) + mirrored, d.a, d.c, d.hi,
           d.lo);
@@ -87,7 +87,7 @@ struct Atan2Double : BinaryKernel<double, 2> {
     const V x_hi = real(bits(x) & ~15ul);  // c * x_hi is exact
     const V rise = (d.a * y - d.c * x_hi) - d.c * (x - x_hi), run = d.a * x + d.c * y;
     const V t = rise / run, z = t * t, p = t * run;
-    const V t_lo = ((rise - p) - product_tail(t, run, p)) * rough_reciprocal(run);
+    const V t_lo = ((rise - p) - product_error(t, run, p)) * rough_reciprocal(run);
     // Below 2^-32 arctan t rounds as t does.
     const V lo = d.lo + select_less(z, 0x1p-64, 0.0, t_lo);
     return flip_sign(add_arctangent(t, z, d.hi, lo), signed_y);

@@ -79,15 +79,15 @@ struct Asinh : AreaKernel<T, scalar_routine> {
       const auto square = x * x;
       return narrow(flip_sign(ln_of_one_plus(x + square / (1.0 + square_root(1.0 + square))), signed_x));
     } else {
-      const V s = at_most(x, huge), square = s * s, square_lo = product_tail(s, s, square);
+      const V s = at_most(x, huge), square = s * s, square_lo = product_error(s, s, square);
       const V radicand = 1.0 + square, from_square = radicand - 1.0;
       const V radicand_lo = ((1.0 - (radicand - from_square)) + (square - from_square)) + square_lo;
       const V root = square_root(radicand), root_square = root * root;
-      const V remainder = (radicand - root_square) - product_tail(root, root, root_square);
+      const V remainder = (radicand - root_square) - product_error(root, root, root_square);
       const V root_lo = (remainder + radicand_lo) * (0.5 * rough_reciprocal(root));
       const V divisor = 1.0 + root, divisor_lo = ((root - divisor) + 1.0) + root_lo;
       const V quotient = square / divisor, product = quotient * divisor;
-      const V rest = ((square - product) - product_tail(quotient, divisor, product)) + square_lo;
+      const V rest = ((square - product) - product_error(quotient, divisor, product)) + square_lo;
       const V quotient_lo = (rest - quotient * divisor_lo) * rough_reciprocal(divisor);
       const V u = s + quotient, u_lo = ((s - u) + quotient) + quotient_lo;
       return flip_sign(ln_of_one_plus<true>(u, u_lo, x), signed_x);
@@ -111,10 +111,10 @@ struct Acosh : AreaKernel<T, scalar_routine> {
       return narrow(ln_of_one_plus((x - 1.0) + square_root((x - 1.0) * (x + 1.0))));
     } else {
       const V s = at_most(x, huge), square = s * s, less_one = square - 1.0;
-      const V less_one_lo = ((square - less_one) - 1.0) + product_tail(s, s, square);
+      const V less_one_lo = ((square - less_one) - 1.0) + product_error(s, s, square);
       const V radicand = less_one + less_one_lo, radicand_lo = (less_one - radicand) + less_one_lo;
       const V root = square_root(radicand), root_square = root * root;
-      const V remainder = (radicand - root_square) - product_tail(root, root, root_square);
+      const V remainder = (radicand - root_square) - product_error(root, root, root_square);
       const V root_lo = (remainder + radicand_lo) * (0.5 * rough_reciprocal(root));
       const V excess = s - 1.0, u = root + excess, u_lo = ((root - u) + excess) + root_lo;
       return ln_of_one_plus<true>(u, u_lo, x);
@@ -139,7 +139,7 @@ struct Atanh : AreaKernel<T, scalar_routine> {
     } else {
       const V divisor = 1.0 - x, divisor_lo = (1.0 - divisor) - x;
       const V u = twice / divisor, product = u * divisor;
-      const V rest = (twice - product) - product_tail(u, divisor, product);
+      const V rest = (twice - product) - product_error(u, divisor, product);
       const V rough = rough_reciprocal(divisor), reciprocal = rough * (2.0 - rough * divisor);  // to 0.3 %
       return flip_sign(0.5 * ln_of_one_plus<false>(u, (rest - u * divisor_lo) * reciprocal, x), signed_x);
     }

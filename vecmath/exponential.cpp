@@ -1,9 +1,9 @@
 // e^x by table and short polynomial (P. T. P. Tang, ACM TOMS 15 (1989) 144): x = N ln2/64 + r, so that
 // e^x = 2^(N >> 6) * 2^((N & 63)/64) * e^r; in single precision with 128 table rows.
+#include "vecmath/exponential.h"
+
 #include "vecmath/contract.h"
-#include "vecmath/frame.h"
 #include "vecmath/scalar.h"
-#include "vecmath/tables/tables.h"
 
 extern "C" {
 void _vxmdSpecSc(ptrdiff_t i, qkr::Arrays<double> v);
@@ -13,46 +13,15 @@ void _ScalarExp(ptrdiff_t i, qkr::Arrays<float> v);
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
-struct ExpDouble : UnaryKernel<double, 4> {
-  static constexpr double s_dwInvLn = 92.33248261689366;    // 64 / ln 2
-  static constexpr double s_dwRS = 6755399441055744.0;      // 1.5 * 2^52: adding it rounds to an integer
-  static constexpr double s_dwLnHi = 0x1.62e42fef00000p-7;  // ln 2 / 64 = hi + lo; N * hi is exact
-  static constexpr double s_dwLnLo = 1.162596423439437e-12;
-  static constexpr double s_dwA2 = 0.49999999999945266, s_dwA3 = 0.16666666666653376;
-  static constexpr double s_dwA4 = 0.04166672515731616, s_dwA5 = 0.008333343728805863;
-  static constexpr uint64_t s_dwBias = 0xFFC0;  // 1023 << 6
-  static constexpr uint64_t s_dwExpbMask = 0x7FF0000000000000;
-
-  // Below this 2^(N >> 6) is a normal number.
-  static constexpr double fast_limit = 0x1.6232bp9;  // 708.39599609375
-
+struct ExpDouble : UnaryKernel<double, 4>, ExpSteps {
   template <class V>
   QKR_INLINE static Flags special(V x) {
     return beyond(x, fast_limit);
   }
-
-  // t, whose low bits hold N, and m = 2^((N & 63)/64) * e^r.
-  template <class V>
-  QKR_INLINE static Pair<V> reduce(V x) {
-    const V t = x * s_dwInvLn + s_dwRS, n = t - s_dwRS;
-    const V r = exact_mad(n, -s_dwLnHi, x) - n * s_dwLnLo;
-    V hi, lo;
-    look_up(exp_double::s_dwExp2, bits(t) & 63u, hi, lo);
-    const V p = r + (r * r) * (s_dwA2 + r * (s_dwA3 + r * (s_dwA4 + r * s_dwA5)));
-    return {t, (p * (hi + lo) + lo) + hi};
-  }
-
   template <class V>
   QKR_INLINE static V core(V x) {
-    const Pair<V> e = reduce(x);
-    return real(bits(e.second) + ((bits(e.first) << 46) & 0xFFF0000000000000u));
+    return scaled(reduce(x, 0.0));
   }
-
-  // 2^((N >> 6) + shift), which must be a normal number.
-  static double scale(double t, int64_t shift) {
-    return real(((bits(t) + s_dwBias + ((uint64_t)shift << 6)) << 46) & s_dwExpbMask);
-  }
-
   QKR_INLINE static void scalar(ptrdiff_t i, Arrays<double> v) { _vxmdSpecSc(i, v); }
 };
 
@@ -113,7 +82,7 @@ extern "C" void _vxmdSpecSc(ptrdiff_t i, Arrays<double> v) {
   } else if (!negative && pattern >= overflow_from) {
     r = infinity_double, status = 3;
   } else {
-    const auto [t, m] = Exp::reduce(x);
+    const auto [t, m] = Exp::reduce(x, 0.0);
     if (negative && pattern >= subnormal_from)  // only the last product rounds into the subnormal range
       r = m * Exp::scale(t, 1022) * 0x1p-1022, status = 4;
     else if (!negative && pattern >= top_binade_from) r = m * 0x1p1023 * 2.0;
@@ -164,6 +133,9 @@ extern "C" void _ScalarExp(ptrdiff_t i, Arrays<float> v) {
   if (status) sse2::report(status, i, v, "_vxmsExp_HA");
 }
 #endif
+
+QKR_CONTRACT(_vxmdExp_HA, 0.53, -0x1.6c69c98ccaf31p+0);
+QKR_CONTRACT(_vxmsExp_HA, 0.574, 0x1.30c77p+6);
 
 QKR_UNARY(_vxmdExp_HA, double, ExpDouble)
 QKR_UNARY(_vxmsExp_HA, float, ExpSingle)

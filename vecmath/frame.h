@@ -65,11 +65,17 @@ struct Group {
 
   QKR_INLINE Group(const Arrays<T> &v, ptrdiff_t i) {
     load(v.a + i, x);
-    if constexpr (K::inputs == 2) load(v.b + i, y);
+    load_second(v, [&](auto &second) { load(v.b + i, second); });
   }
   QKR_INLINE Group(const Arrays<T> &v, ptrdiff_t i, int count) {
     load_part(v.a + i, count, x);
-    if constexpr (K::inputs == 2) load_part(v.b + i, count, y);
+    load_second(v, [&](auto &second) { load_part(v.b + i, count, second); });
+  }
+  // Where the second input is one number for all, v.b points to it.
+  template <class Load>
+  QKR_INLINE void load_second(const Arrays<T> &v, Load from_vector) {
+    if constexpr (requires { K::second_is_number; }) broadcast(*v.b, y);
+    else if constexpr (K::inputs == 2) from_vector(y);
   }
   QKR_INLINE auto core() const {
     if constexpr (K::inputs == 2) return K::core(x, y);
@@ -203,3 +209,11 @@ QKR_INLINE void run(ptrdiff_t n, Arrays<typename K::Element> v) {
   QKR_FORWARD(name, low_name, (int32_t n, const T *a, T *r), (n, a, r))
 #define QKR_BINARY_FORWARD(name, low_name, T) \
   QKR_FORWARD(name, low_name, (int32_t n, const T *a, const T *b, T *r), (n, a, b, r))
+#define QKR_TWO_RESULTS_FORWARD(name, low_name, T) \
+  QKR_FORWARD(name, low_name, (int32_t n, const T *a, T *r1, T *r2), (n, a, r1, r2))
+
+// A vector and a number, by value.
+#define QKR_VECTOR_AND_NUMBER(name, T, kernel) \
+  QKR_ENTRY(name, (int32_t n, const T *a, T b, T *r), (n, a, b, r)) { run<kernel>(n, {a, &b, r, nullptr}); }
+#define QKR_VECTOR_AND_NUMBER_FORWARD(name, low_name, T) \
+  QKR_FORWARD(name, low_name, (int32_t n, const T *a, T b, T *r), (n, a, b, r))

@@ -71,5 +71,7 @@ extern "C" void _sLn_Scalar(ptrdiff_t i, Arrays<float> v) {
 }
 #endif
 
+QKR_CONTRACT(_vxmsLn_HA, 0.567, 0x1.f9ffd2p-1);
+
 QKR_UNARY(_vxmsLn_HA, float, LnSingle)
 QKR_UNARY_FORWARD(_vxmsLn_HA, _vxmsLn_21, float)

@@ -95,7 +95,7 @@ static int32_t special_logarithm(ptrdiff_t i, Arrays<T> v) {
   const auto pattern = sse2::bits(x);
   if (magnitude(pattern) > Log::infinity) {
     v.r[i] = x;
-    at_run_time(at_run_time(x) * (T)1);  // a signalling NaN stays in the result but raises its exception
+    at_run_time(x * at_run_time((T)1));  // a signalling NaN stays in the result but raises its exception
     return 0;
   }
   if (magnitude(pattern) == 0) return v.r[i] = -__builtin_inf(), 2;
@@ -120,6 +120,10 @@ extern "C" void _sLg_Scalar(ptrdiff_t i, Arrays<float> v) {
   if (status) sse2::report(status, i, v, "_vxmsLog10_HA");
 }
 #endif
+
+QKR_CONTRACT(_vxmdLn_HA, 0.59, 0x1.003ffeed01983p+0);
+QKR_CONTRACT(_vxmdLog10_HA, 0.59, 0x1.ffdb60b21b953p-1);
+QKR_CONTRACT(_vxmsLog10_HA, 0.75, 0x1.01d8bep+0);
 
 QKR_UNARY(_vxmdLn_HA, double, LnDouble)
 QKR_UNARY(_vxmdLog10_HA, double, Log10Double)

@@ -54,7 +54,10 @@ QKR_INLINE void unpack_stride(ptrdiff_t n, const T *a, T *y, ptrdiff_t inc) {
 
 #if QKR_SIMD_BYTES == 64
 // Eight doubles or sixteen floats at a time, by masks.
-struct MaskedDouble {
+template <class T>
+struct Masked;
+template <>
+struct Masked<double> {
   static constexpr ptrdiff_t lanes = 8;
   QKR_INLINE static unsigned wanted(const int32_t *mask) {
     const __m256i m = _mm256_loadu_si256((const __m256i *)mask);
@@ -69,7 +72,8 @@ struct MaskedDouble {
     _mm512_mask_storeu_pd(y, k, _mm512_maskz_expand_pd(k, packed));
   }
 };
-struct MaskedSingle {
+template <>
+struct Masked<float> {
   static constexpr ptrdiff_t lanes = 16;
   QKR_INLINE static unsigned wanted(const int32_t *mask) {
     const __m512i m = _mm512_loadu_si512(mask);
@@ -84,19 +88,16 @@ struct MaskedSingle {
     _mm512_mask_storeu_ps(y, k, _mm512_maskz_expand_ps(k, packed));
   }
 };
-QKR_INLINE MaskedDouble masked(const double *) { return {}; }
-QKR_INLINE MaskedSingle masked(const float *) { return {}; }
 #endif
 
 template <class T>
 QKR_INLINE void pack_mask(ptrdiff_t n, const T *a, const int32_t *mask, T *y) {
   ptrdiff_t i = 0, j = 0;
 #if QKR_SIMD_BYTES == 64
-  using Masked = decltype(masked(a));
   if (!overlap(a, (const T *)y, n) && !overlap((const T *)mask, (const T *)y, n) && (const void *)mask != y)
-    for (; i + Masked::lanes <= n; i += Masked::lanes) {
-      const unsigned k = Masked::wanted(mask + i);
-      Masked::compress(a + i, k, y + j);
+    for (; i + Masked<T>::lanes <= n; i += Masked<T>::lanes) {
+      const unsigned k = Masked<T>::wanted(mask + i);
+      Masked<T>::compress(a + i, k, y + j);
       j += __builtin_popcount(k);
     }
 #endif
@@ -108,12 +109,11 @@ template <class T>
 QKR_INLINE void unpack_mask(ptrdiff_t n, const T *a, T *y, const int32_t *mask) {
   ptrdiff_t i = 0, j = 0;
 #if QKR_SIMD_BYTES == 64
-  using Masked = decltype(masked(a));
   if (a != y && !overlap(a, (const T *)y, n) && !overlap((const T *)mask, (const T *)y, n) &&
       (const void *)mask != y)
-    for (; i + Masked::lanes <= n; i += Masked::lanes) {
-      const unsigned k = Masked::wanted(mask + i);
-      Masked::expand(a + j, k, y + i);
+    for (; i + Masked<T>::lanes <= n; i += Masked<T>::lanes) {
+      const unsigned k = Masked<T>::wanted(mask + i);
+      Masked<T>::expand(a + j, k, y + i);
       j += __builtin_popcount(k);
     }
 #endif

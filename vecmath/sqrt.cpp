@@ -84,7 +84,7 @@ void sqrt_scalar(ptrdiff_t i, Arrays<double> v) {
   const uint64_t pattern = bits(x);
   double &r = v.r[i];
   if (magnitude(pattern) > infinity_pattern_double) {
-    r = at_run_time(x) * 1.0;
+    r = x * at_run_time(1.0);
   } else if (pattern == infinity_pattern_double || magnitude(pattern) == 0) {
     r = x;
   } else if (pattern >> 63) {
@@ -105,7 +105,7 @@ void sqrt_scalar(ptrdiff_t i, Arrays<float> v) {
   if (magnitude(pattern) == 0 || pattern == infinity_pattern_single) {
     r = x;
   } else if (magnitude(pattern) > infinity_pattern_single) {
-    r = at_run_time(x) * 1.0f;
+    r = x * at_run_time(1.0f);
   } else if (pattern >> 31) {
     r = real(0xFFC00000u);
     report(1, i, v, "_vxmsSqrt_HA");
@@ -118,6 +118,9 @@ void sqrt_scalar(ptrdiff_t i, Arrays<float> v) {
 
 }  // namespace qkr::sse2
 #endif
+
+QKR_CONTRACT(_vxmdSqrt_HA, 0.501, 0x1.303d9e1c7e2dbp+11);
+QKR_CONTRACT(_vxmsSqrt_HA, 0.761, 0x1.d36a5ep-125);
 
 QKR_UNARY(_vxmdSqrt_HA, double, SqrtDouble)
 QKR_UNARY(_vxmsSqrt_HA, float, SqrtSingle)

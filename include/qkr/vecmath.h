@@ -122,6 +122,137 @@ QKR_API void _vxmsInv_HA(int32_t n, const float *a, float *r);
 QKR_API void _vxmsInv_21(int32_t n, const float *a, float *r);
 /**@}*/
 
+/** @name Sin
+ * The sine of a[i] radians.
+ *
+ * An infinity gives NaN and status 1, reported under the short name "dSin_HA" ("sSin_HA"). A NaN gives NaN and no
+ * status. Finite arguments of any size keep full accuracy: large ones are reduced with as many bits of 4/pi as they need.
+ * A double zero of either sign gives +0. */
+/**@{*/
+QKR_API void _vxmdSin_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdSin_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsSin_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsSin_21(int32_t n, const float *a, float *r);
+/**@}*/
+
+/** @name Cos
+ * The cosine of a[i] radians.
+ *
+ * An infinity gives NaN and status 1, reported under the short name "dCos_HA" ("sCos_HA"). A NaN gives NaN and no
+ * status. Finite arguments of any size keep full accuracy: large ones are reduced with as many bits of 4/pi as they need.
+ * A zero gives exactly 1. */
+/**@{*/
+QKR_API void _vxmdCos_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdCos_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsCos_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsCos_21(int32_t n, const float *a, float *r);
+/**@}*/
+
+/** @name SinCos
+ * Sine in r1[i] and cosine in r2[i] of a[i] radians; r1 or r2 may be a, but r1 is not r2.
+ *
+ * An infinity gives NaN and status 1, reported under the short name "dSinCos_HA" ("sSinCos_HA"). A NaN gives NaN and no
+ * status. Finite arguments of any size keep full accuracy: large ones are reduced with as many bits of 4/pi as they need.
+ * Both results of an infinity are NaN, reported once. */
+/**@{*/
+QKR_API void _vxmdSinCos_HA(int32_t n, const double *a, double *r1, double *r2);
+QKR_API void _vxmdSinCos_50(int32_t n, const double *a, double *r1, double *r2);
+QKR_API void _vxmsSinCos_HA(int32_t n, const float *a, float *r1, float *r2);
+QKR_API void _vxmsSinCos_21(int32_t n, const float *a, float *r1, float *r2);
+/**@}*/
+
+/** @name Tan
+ * The tangent of a[i] radians.
+ *
+ * An infinity gives NaN and status 1, reported under the short name "dTan_HA" ("sTan_HA"). A NaN gives NaN and no
+ * status. Finite arguments of any size keep full accuracy: large ones are reduced with as many bits of 4/pi as they need.
+ * A zero keeps its sign. */
+/**@{*/
+QKR_API void _vxmdTan_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdTan_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsTan_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsTan_21(int32_t n, const float *a, float *r);
+/**@}*/
+
+/** @name InvSqrt
+ * The reciprocal square root, r[i] = 1 / sqrt(a[i]).
+ *
+ * | a[i]                     | r[i]       | status         |
+ * |--------------------------|------------|----------------|
+ * | NaN                      | NaN        | none           |
+ * | +inf                     | +0         | none           |
+ * | +0, -0                   | +inf, -inf | 2, singularity |
+ * | negative, -inf included  | NaN        | 1, domain      |
+ *
+ * Method: guess from the bit pattern (J. F. Blinn, 1997), Householder step, binomial series on an exact residual. */
+/**@{*/
+QKR_API void _vxmdInvSqrt_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdInvSqrt_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsInvSqrt_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsInvSqrt_21(int32_t n, const float *a, float *r);
+/**@}*/
+
+/** @name Cbrt
+ * The cube root. Zeros, infinities and NaNs give themselves; nothing is reported. Method as for InvSqrt. */
+/**@{*/
+QKR_API void _vxmdCbrt_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdCbrt_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsCbrt_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsCbrt_21(int32_t n, const float *a, float *r);
+/**@}*/
+
+/** @name InvCbrt
+ * The reciprocal cube root. A zero gives the infinity of its sign and status 2; an infinity gives the zero of its
+ * sign; a NaN gives NaN. Method as for InvSqrt. */
+/**@{*/
+QKR_API void _vxmdInvCbrt_HA(int32_t n, const double *a, double *r);
+QKR_API void _vxmdInvCbrt_50(int32_t n, const double *a, double *r);
+QKR_API void _vxmsInvCbrt_HA(int32_t n, const float *a, float *r);
+QKR_API void _vxmsInvCbrt_21(int32_t n, const float *a, float *r);
+/**@}*/
+
+/** @name Pow, Powx
+ * Powers: Pow, r[i] = a[i]^b[i]; Powx, r[i] = a[i]^b with one exponent b for all.
+ *
+ * | a[i]                 | b                        | r[i]                       | status         |
+ * |----------------------|--------------------------|----------------------------|----------------|
+ * | anything, NaN too    | +0, -0                   | 1                          | none           |
+ * | 1                    | anything, NaN too        | 1                          | none           |
+ * | NaN                  | else                     | NaN                        | none           |
+ * | else                 | NaN                      | NaN                        | none           |
+ * | +0, -0               | negative, finite         | +inf; -inf of -0 and odd b | 2, singularity |
+ * | +0, -0               | positive, or an infinity | 0 or +inf, as the limit    | none           |
+ * | -1                   | +inf, -inf               | 1                          | none           |
+ * | finite, negative     | finite, not an integer   | NaN                        | 1, domain      |
+ * | an infinity          | or b is an infinity      | 0 or an infinity           | none           |
+ * | finite, not 0        | result too large         | an infinity                | 3, overflow    |
+ * | finite, not 0        | result below the normals | subnormal or zero          | 4, underflow   |
+ *
+ * The sign of the result is that of a[i] where b is an odd integer, else positive. Method: logarithm and product in
+ * double-double arithmetic, by table and polynomial; after P. T. P. Tang (1990, 1989) and T. J. Dekker (1971). */
+/**@{*/
+QKR_API void _vxmdPow_HA(int32_t n, const double *a, const double *b, double *r);
+QKR_API void _vxmdPow_50(int32_t n, const double *a, const double *b, double *r);
+QKR_API void _vxmdPowx_HA(int32_t n, const double *a, double b, double *r);
+QKR_API void _vxmdPowx_50(int32_t n, const double *a, double b, double *r);
+QKR_API void _vxmsPow_HA(int32_t n, const float *a, const float *b, float *r);
+QKR_API void _vxmsPow_21(int32_t n, const float *a, const float *b, float *r);
+QKR_API void _vxmsPowx_HA(int32_t n, const float *a, float b, float *r);
+QKR_API void _vxmsPowx_21(int32_t n, const float *a, float b, float *r);
+/**@}*/
+
+/** @name Hypot
+ * The hypotenuse, r[i] = sqrt(a[i]^2 + b[i]^2), without overflow or underflow on the way.
+ *
+ * An infinite a[i] or b[i] gives +inf, also beside a NaN; else a NaN gives NaN; neither is reported. An overflow gives
+ * +inf and status 3. Method: exact squares (T. J. Dekker, 1971), root as in InvSqrt. */
+/**@{*/
+QKR_API void _vxmdHypot_HA(int32_t n, const double *a, const double *b, double *r);
+QKR_API void _vxmdHypot_50(int32_t n, const double *a, const double *b, double *r);
+QKR_API void _vxmsHypot_HA(int32_t n, const float *a, const float *b, float *r);
+QKR_API void _vxmsHypot_21(int32_t n, const float *a, const float *b, float *r);
+/**@}*/
+
 QKR_END_DECLS
 
 #endif

@@ -74,11 +74,11 @@ QKR_API double _vxmdsqrt_scalar(double x);
  * NaN 0xFFC00000; nothing is reported. */
 QKR_API float _vxmssqrt_scalar(float x);
 
-/** The absolute value of one number: the sign bit cleared, of NaNs too. */
-/**@{*/
+/** The absolute value of a double: the sign bit cleared, of NaNs too. */
 QKR_API double _vxm_dabs_scalar(double x);
+
+/** The absolute value of a float: the sign bit cleared, of NaNs too. */
 QKR_API float _vxm_sabs_scalar(float x);
-/**@}*/
 
 /** The processor that this build of the library is made for.
  * @return 0: every x86-64 processor */

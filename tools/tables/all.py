@@ -4,7 +4,7 @@ import subprocess
 import sys
 from pathlib import Path
 
-GENERATORS = ["exponential", "inverse", "logarithm", "square_root"]
+GENERATORS = ["circular", "exponential", "inverse", "logarithm", "square_root", "tangent"]
 
 here = Path(__file__).resolve().parent
 failed = [name for name in GENERATORS

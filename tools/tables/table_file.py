@@ -49,7 +49,7 @@ def literal(x, element):
     assert mpfr(kept) == x, "not a double"
     suffix = "f" if element == "float" else ""
     if kept == 0:
-        return "0.0" + suffix
+        return str(kept) + suffix
     mantissa, exponent = kept.hex().split("p")
     if "." in mantissa:
         mantissa = mantissa.rstrip("0").rstrip(".")

@@ -21,6 +21,17 @@ alignas(64) extern const double polynomial_for_double[13];
 alignas(64) extern const double polynomial_for_single[6];
 }  // namespace qkr::arc_sine
 
+namespace qkr::circular {
+// Row j: T0, T1, T2, T3 for the sine around the node a = 2 pi j / rows: sin(a) = T1 + T2, cos(a) = T3 + T0.
+alignas(64) extern const double SinCosTbl[64][4];
+alignas(64) extern const double SinCosTblFine[128][4];
+// Row j, in groups of columns 32 rows apart: the tangent around the node pi j / 32 less its pole, T + T_lo + r (slope +
+// D + A2 r + ... + A9 r^8): T, T_lo, slope, D; A2 to A5; A6 to A9.
+alignas(64) extern const double _dTanTab[96][4];
+// Bits of 4/pi: chunk k of 25 bits times 2^200, from chunk 1 on.
+alignas(64) extern const double _vxmReductionTab[52];
+}  // namespace qkr::circular
+
 namespace qkr::exp_double {
 // Row j: hi, lo with hi + lo = 2^(j/64); the 15 low bits of hi are zero.
 alignas(64) extern const double s_dwExp2[64][2];

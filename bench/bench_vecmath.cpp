@@ -1,0 +1,176 @@
+// Vector math beside SLEEF, libmvec, libm and plain loops, on the same arrays in one process.
+//
+//   bench_vecmath [--quick] [--filter REGEX] [--benchmark_out=FILE.json ...]
+//
+// A benchmark is named FUNCTION/LEVEL/N/CONTENDER, for instance dExp/avx2/1024/sleef; bench/report.py makes
+// tables and plots of the file. Repetitions of all benchmarks are run in random order, so that a disturbance
+// of the machine hits all contenders alike; the report takes the smallest time of each, since on a shared
+// machine others only ever add to it.
+#include <benchmark/benchmark.h>
+#include <cstdio>
+#include <limits>
+#include <memory>
+#include <regex>
+
+#include "vecmath/contenders.h"
+
+namespace qkr::bench {
+namespace {
+
+template <class T>
+Task<T> task(const Function &function, const Sample<T> &sample, const Contender<T> &contender, int n) {
+  fill(array<T>(0), sample.a, n * stride);
+  fill(array<T>(1), sample.b, n);
+  return {n,           array<T>(0), array<T>(1),
+          array<T>(2), array<T>(3), integers(function.inputs.integers, n),
+          contender.f, contender.g};
+}
+
+// All of the sample at once; what a function leaves alone in its result stays zero.
+template <class T>
+Task<T> run_on_sample(const Function &function, const Sample<T> &sample, const Contender<T> &contender) {
+  const Task<T> t = task(function, sample, contender, sample_size);
+  std::fill_n(t.r, sample_size * stride, T());
+  contender.run(t);
+  return t;
+}
+
+template <class T>
+double error_in_ulp(T result, long double exact) {
+  if (exact == 0 || !std::isfinite(exact)) return result == exact ? 0 : INFINITY;
+  using Limits = std::numeric_limits<T>;
+  const int exponent = std::max(std::ilogb(exact), Limits::min_exponent - 1);
+  const double error = std::fabs(std::ldexp(result - exact, Limits::digits - 1 - exponent));
+  return std::isnan(error) ? INFINITY : error;
+}
+
+// The results that a function must have, in long double where C has such a function or the row gives one;
+// else the function is exact and a plain loop says what it does.
+template <class T>
+struct Reference {
+  std::vector<long double> r, q;
+};
+template <class T>
+Reference<T> reference(const Function &function, const Sample<T> &sample) {
+  using Long = long double;
+  const Inputs &in = function.inputs;
+  Reference<T> exact{std::vector<Long>(sample_size), std::vector<Long>(sample_size)};
+  const bool two = function.shape == Shape::two_results;
+  const void *f = symbol((two && in.first ? in.first : function.c_name) + std::string("l"));
+  const void *g = two && in.second ? symbol(in.second + std::string("l")) : nullptr;
+  if (in.exact || (f && (g || !two))) {
+    for (int i = 0; i < sample_size; ++i) {
+      const Long x = sample.a[i], y = sample.b[i];
+      if (in.exact) exact.r[i] = in.exact(x, y);
+      else if (function.shape == Shape::binary) exact.r[i] = ((Long(*)(Long, Long))f)(x, y);
+      else exact.r[i] = ((Long(*)(Long))f)(x);
+      if (g) exact.q[i] = ((Long(*)(Long))g)(x);
+    }
+  } else {
+    const Loop<T> loop = plain_loop<T>(function, Level::sse2);
+    if (!loop) std::fprintf(stderr, "%s: nothing says what is exact\n", function.name), std::exit(1);
+    const Task<T> t = run_on_sample(function, sample, {"loop", loop});
+    std::copy_n(t.r, sample_size, exact.r.begin());
+    if (two) std::copy_n(t.q, sample_size, exact.q.begin());
+  }
+  return exact;
+}
+
+template <class T>
+double largest_error(const Function &function, const Sample<T> &sample, const Reference<T> &exact,
+                     const Contender<T> &contender) {
+  const Task<T> t = run_on_sample(function, sample, contender);
+  double worst = 0;
+  for (int i = 0; i < sample_size; ++i) {
+    worst = std::max(worst, error_in_ulp(t.r[i], exact.r[i]));
+    if (function.shape == Shape::two_results) worst = std::max(worst, error_in_ulp(t.q[i], exact.q[i]));
+  }
+  return worst;
+}
+
+// Ours is to be no slower than the fastest peer of its accuracy, with some room where vectors are narrow and
+// ours spends more steps on the same bits at every width; and an exact function nearly as fast as copying.
+double aim(const Function &function, Level level) {
+  if (!function.approximates) return 1.2;
+  return level == Level::avx512 ? 1.0 : 1.1;
+}
+
+template <class T>
+void add_benchmarks(const Function &function, const std::vector<int> &sizes, const std::regex &filter) {
+  const auto sample = std::make_shared<Sample<T>>(function.inputs);
+  std::unique_ptr<Reference<T>> exact;
+  const std::string name = (is_double<T> ? "d" : "s") + std::string(function.name);
+  const bool small = std::count(std::begin(at_small_n), std::end(at_small_n), name) && sizes.size() > 2;
+
+  for (int l = 0; l <= static_cast<int>(supported_level()); ++l) {
+    const Level level = static_cast<Level>(l);
+    force_level(level);
+    for (const Contender<T> &contender : contenders<T>(function, level)) {
+      std::vector<int> lengths = sizes;
+      for (int n = 1; small && n <= 32; ++n)
+        if (!std::count(sizes.begin(), sizes.end(), n)) lengths.push_back(n);
+      const std::string level_name = contender.name == "libm" ? "any" : level_names[l].ours;
+      double error = -1;
+      for (const int n : lengths) {
+        const std::string full_name =
+            name + '/' + level_name + '/' + std::to_string(n) + '/' + contender.name;
+        if (!std::regex_search(full_name, filter)) continue;
+        if (!exact) exact = std::make_unique<Reference<T>>(reference(function, *sample));
+        if (error < 0 && contender.name != "copy")
+          error = largest_error(function, *sample, *exact, contender);
+        benchmark::RegisterBenchmark(full_name.c_str(), [=, &function](benchmark::State &state) {
+          force_level(level);
+          const Task<T> t = task(function, *sample, contender, n);
+          for (auto _ : state) {
+            contender.run(t);
+            benchmark::ClobberMemory();
+          }
+          state.counters["elements"] = n;
+          if (contender.name == "copy") state.counters["reference"] = 1;
+          else state.counters["ulp"] = error;
+          if (contender.name == "qkr") state.counters["aim"] = aim(function, level);
+        });
+      }
+    }
+  }
+}
+
+// Nothing on the terminal: a line for each repetition would bury the report.
+struct Silent : benchmark::BenchmarkReporter {
+  bool ReportContext(const Context &) override { return true; }
+  void ReportRuns(const std::vector<Run> &) override {}
+};
+
+}  // namespace
+}  // namespace qkr::bench
+
+int main(int argc, char **argv) {
+  using namespace qkr::bench;
+  bool quick = false, to_file = false;
+  std::string filter;
+  std::vector<std::string> flags;
+  for (int i = 1; i < argc; ++i) {
+    const std::string argument = argv[i];
+    if (argument == "--quick") quick = true;
+    else if (argument == "--filter" && i + 1 < argc) filter = argv[++i];
+    else flags.push_back(argument);
+    to_file |= argument.starts_with("--benchmark_out=");
+  }
+  // Flags of the caller come later and win.
+  flags.insert(flags.begin(), {argv[0], "--benchmark_enable_random_interleaving=true",
+                               quick ? "--benchmark_min_time=0.001" : "--benchmark_min_time=0.002",
+                               "--benchmark_repetitions=15"});
+  std::vector<char *> pointers;
+  for (std::string &flag : flags) pointers.push_back(flag.data());
+  int count = (int)pointers.size();
+  benchmark::Initialize(&count, pointers.data());
+  if (benchmark::ReportUnrecognizedArguments(count, pointers.data())) return 1;
+
+  const std::vector<int> sizes = quick ? std::vector{64, 1024} : std::vector{8, 64, 1024, largest_n};
+  for (const Function &function : functions) {
+    add_benchmarks<double>(function, sizes, std::regex(filter));
+    add_benchmarks<float>(function, sizes, std::regex(filter));
+  }
+  Silent silent;
+  benchmark::RunSpecifiedBenchmarks(to_file ? &silent : nullptr);
+}

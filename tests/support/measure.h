@@ -1,0 +1,41 @@
+// The largest and the mean error of a function over many inputs, on all processors.
+#pragma once
+
+#include "tests/support/vector_functions.h"
+
+namespace qkr::tests {
+
+template <class T>
+struct Worst {
+  double error = 0;
+  T a = 0, b = 0;  // where it was found
+};
+
+template <class T>
+struct Errors {
+  Worst<T> normal;     // of the results that are normal numbers, infinities or NaNs: what a contract bounds
+  Worst<T> subnormal;  // of subnormal and zero results, in subnormal spacings
+  double sum = 0;
+  uint64_t points = 0;
+  // The largest difference seen between quick reference and MPFR. Wherever the quick one comes near the
+  // largest error MPFR decides, so the largest errors are sound as long as this is small.
+  double reference_gap = 0;
+
+  double mean() const { return points ? sum / static_cast<double>(points) : 0; }
+};
+
+// What every function promises for results below the normal range.
+constexpr double subnormal_bound = 1;
+
+// How far a quick reference may be off.
+template <class T>
+constexpr double reference_tolerance = sizeof(T) == 8 ? 2e-3 : 1e-6;
+
+// Around every notable point, then `points` samples; the same ones in every run.
+template <class T>
+Errors<T> measure(const VectorFunction<T> &f, uint64_t points);
+
+// Every float in the range of a function of one input.
+Errors<float> measure_all(const VectorFunction<float> &f);
+
+}  // namespace qkr::tests

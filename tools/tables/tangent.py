@@ -1,0 +1,63 @@
+#!/usr/bin/python3
+"""Table of the tangent around the nodes j * pi/32, j of 0 to 31, less its pole in the middle, at j = 16.
+
+Row j stands for F(r) = tan(a + r) + 1/(a + r - pi/2) with a = j * pi/32 and |r| <= pi/64; row 0 for the tangent
+itself, as there its smallest arguments need it whole. The pole gone, the next one is at least 16 steps away, so a
+short polynomial will do:
+
+  F(r) = T + T_lo + r * (slope + D + A2 * r + ... + A9 * r**8)
+
+interpolated at Chebyshev's nodes. `slope` is a power of two next to F'(0), so that slope * r is exact, and T_lo a
+float, as no more of it can matter. In row 0 the polynomial is odd and starts with r; the zeros of its row are signed
+so that the kernel's sum keeps the sign of a zero.
+
+Three groups of four columns, each group over all rows: T, T_lo, slope, D; A2 to A5; A6 to A9.
+"""
+from gmpy2 import const_pi, cos, mpfr, tan
+
+from table_file import Table, main, to_double, to_float
+
+PI = const_pi()
+HALF_STEP = PI / 64
+
+
+def interpolate(f, low, high, degree):
+    """Coefficients, from the lowest on, of the polynomial that meets f at Chebyshev's nodes of [low, high]."""
+    count = degree + 1
+    nodes = [(low + high) / 2 + (high - low) / 2 * cos(PI * (2 * i + 1) / (2 * count)) for i in range(count)]
+    differences = [f(x) for x in nodes]
+    for order in range(1, count):
+        for i in range(degree, order - 1, -1):
+            differences[i] = (differences[i] - differences[i - 1]) / (nodes[i] - nodes[i - order])
+    coefficients = []
+    for node, difference in zip(reversed(nodes), reversed(differences)):  # times (x - node), plus the difference
+        shifted = [mpfr(0)] + coefficients
+        coefficients = [s - node * c for s, c in zip(shifted, coefficients + [mpfr(0)])]
+        coefficients[0] += difference
+    return coefficients
+
+
+def row_of_zero():
+    cubic_and_up = interpolate(lambda z: tan(z**0.5) / z**1.5 - 1 / z, 0, HALF_STEP**2, 3)
+    odd = [to_double(c) for c in cubic_and_up]
+    return [mpfr("-0"), mpfr("-0"), mpfr(1), mpfr(0)] + [c for a in odd for c in (mpfr(0), a)]
+
+
+def row(j):
+    if j == 0:
+        return row_of_zero()
+
+    def less_pole(r):
+        s = r + (j - 16) * PI / 32
+        return tan(s + PI / 2) + 1 / s
+
+    c = [x if abs(x) > mpfr(2) ** -100 else mpfr(0) for x in interpolate(less_pole, -HALF_STEP, HALF_STEP, 9)]
+    slope = mpfr(0.5)
+    head = to_double(c[0])
+    return [head, to_float(c[0] - head), slope, to_double(c[1] - slope)] + [to_double(x) for x in c[2:]]
+
+
+rows = [row(j) for j in range(32)]
+main("tangent", [
+    Table("circular", "double", "_dTanTab", [tuple(r[k:k + 4]) for k in (0, 4, 8) for r in rows]),
+])

@@ -1,0 +1,183 @@
+// x^y = e^(y ln x), ln x by the table of Ln as a sum of two doubles with more than 64 good bits, the product
+// exact. In single precision one double is enough.
+#include "vecmath/contract.h"
+#include "vecmath/exponential.h"
+#include "vecmath/scalar.h"
+
+namespace qkr::QKR_SIMD_LEVEL {
+namespace {
+
+constexpr double ln2_hi = 0x1.62e42fefa3800p-1, ln2_lo = 5.497923018708371e-14;
+
+// x = 2^n y, r about 1/y from the table; y = head + tail, of which head * r is exact.
+template <class V>
+struct LogReduction {
+  V n, r, t_hi, t_lo, head_residual, tail;
+  QKR_INLINE explicit LogReduction(V x) {
+    const V y = real((bits(x) & 0x000FFFFFFFFFFFFFu) | 0x3FF0000000000000u);
+    n = exponent(bits(x) + 0x0008040000000000u);  // one more from 1.499 on, with the table's jump
+    V again;
+    look_up(ln_double::BT_Tbl, ((bits(y) + 0x0000040000000000u) >> 43) - 0x7FE00u, r, again, t_hi, t_lo);
+    const V head = real(bits(y) & 0x7FFFFFFF00000000u);
+    tail = y - head;
+    head_residual = exact_mad(head, r, -1.0);
+  }
+};
+
+// ln x + shift * ln 2 for positive normal x.
+template <class V>
+QKR_INLINE Pair<V> ln_as_pair(V x, double shift) {
+  const LogReduction<V> x_is(x);
+  // z = y r - 1 = z_hi + z_lo, at most 2^-10 in size.
+  const V b = x_is.tail * x_is.r, b_error = product_error(x_is.tail, x_is.r, b);
+  const V z = x_is.head_residual + b, old = z - b;
+  const V z_lo = ((x_is.head_residual - old) + (b - (z - old))) + b_error;
+  // s + z - z^2/2, with what each operation loses; s is exact.
+  const V n = x_is.n + shift;
+  const V s = exact_mad(n, ln2_hi, x_is.t_hi);
+  const V half_z = 0.5 * z, square = z * half_z, square_error = product_error(z, half_z, square);
+  const V h1 = s + z, e1 = (s - h1) + z;
+  const V h2 = h1 - square, e2 = (h1 - h2) - square;
+  const V cubic = (z * square) * (2.0 / 3 + z * (-0.5 + z * (0.4 + z * (-1.0 / 3 + z * (2.0 / 7)))));
+  const V low = (((e1 + e2) + (n * ln2_lo + x_is.t_lo)) + ((z_lo - z * z_lo) - square_error)) + cubic;
+  const V hi = h2 + low;
+  return {hi, (h2 - hi) + low};
+}
+
+// y ln x as a pair.
+template <class V>
+QKR_INLINE Pair<V> power_exponent(V x, V y, double shift) {
+  const Pair<V> log = ln_as_pair(x, shift);
+  const V p = y * log.first;
+  return {p, product_error(y, log.first, p) + y * log.second};
+}
+
+void power_of_specials(ptrdiff_t i, Arrays<double> v, double y, const char *name);
+void power_of_specials(ptrdiff_t i, Arrays<float> v, float y, const char *name);
+
+template <int group_width>
+struct PowDouble : BinaryKernel<double, group_width> {
+  // Exponents within this keep the exact product in range, and those below it give 1.
+  template <class V>
+  QKR_INLINE static Flags special(V x, V y) {
+    return not_positive_normal(x) | beyond(y, 0x1p500) | beyond(power_exponent(x, y, 0.0).first, 708.0);
+  }
+  template <class V>
+  QKR_INLINE static V core(V x, V y) {
+    const Pair<V> p = power_exponent(x, y, 0.0);
+    return ExpSteps::scaled(ExpSteps::reduce(p.first, p.second));
+  }
+  static void scalar(ptrdiff_t i, Arrays<double> v) { power_of_specials(i, v, v.b[i], "_vxmdPow_HA"); }
+};
+struct PowxDouble : PowDouble<2> {
+  static constexpr bool second_is_number = true;
+  static void scalar(ptrdiff_t i, Arrays<double> v) { power_of_specials(i, v, *v.b, "_vxmdPowx_HA"); }
+};
+
+// y ln x of floats: a relative error of 2^-52 is small enough.
+template <class V>
+QKR_INLINE V single_exponent(V x, V y) {
+  const LogReduction<V> x_is(x);
+  const V z = x_is.head_residual + x_is.tail * x_is.r;
+  const V series = (z * z) * (-0.5 + z * (1.0 / 3 + z * (-0.25 + z * 0.2)));
+  const V tail = (z + series) + (x_is.n * ln2_lo + x_is.t_lo);
+  return y * (exact_mad(x_is.n, ln2_hi, x_is.t_hi) + tail);
+}
+
+struct PowSingle : BinaryKernel<float, 1> {
+  // The limit keeps the result a normal number.
+  template <class V>
+  QKR_INLINE static Flags special(V x, V y) {
+    const auto p = narrow(single_exponent(widen(x), widen(y)));
+    return not_positive_normal(x) | beyond(p, 87.3f);
+  }
+  template <class V>
+  QKR_INLINE static V core(V x, V y) {
+    return narrow(ExpSteps::scaled(ExpSteps::reduce(single_exponent(widen(x), widen(y)), 0.0)));
+  }
+  static void scalar(ptrdiff_t i, Arrays<float> v) { power_of_specials(i, v, v.b[i], "_vxmsPow_HA"); }
+};
+struct PowxSingle : PowSingle {
+  static constexpr bool second_is_number = true;
+  static void scalar(ptrdiff_t i, Arrays<float> v) { power_of_specials(i, v, *v.b, "_vxmsPowx_HA"); }
+};
+
+// 0: not an integer, 1: odd, 2: even.
+int parity(double y) {
+  const double size = __builtin_fabs(y);
+  if (size >= 0x1p53) return 2;
+  const int64_t integer = (int64_t)size;
+  return (double)integer != size ? 0 : integer & 1 ? 1 : 2;
+}
+
+// x^y of finite positive x and finite y, rounded to T once; no exception but those of the result.
+template <class T>
+T finite_power(double x, double y) {
+  const bool subnormal = x < 0x1p-1022;
+  if (__builtin_fabs(y) > 0x1p500) y = y < 0 ? -0x1p500 : 0x1p500;  // as good as an infinity
+  if (__builtin_fabs(y) < 0x1p-500) return (T)1;
+  Pair<double> p = power_exponent(subnormal ? x * 0x1p52 : x, y, subnormal ? -52.0 : 0.0);
+  if (p.first > 800) p = {800, 0};
+  if (p.first < -800) p = {-800, 0};
+  const Pair<double> e = ExpSteps::reduce(p.first, p.second);
+  if (p.first > 700) return (T)(e.second * ExpSteps::scale(e.first, -512) * 0x1p512);
+  if (p.first < -700) return (T)(e.second * ExpSteps::scale(e.first, 512) * 0x1p-512);
+  return (T)(e.second * ExpSteps::scale(e.first, 0));
+}
+
+// Any x and y; sets the status.
+template <class T>
+T any_power(T x, T y, int32_t *status) {
+  const T size = __builtin_fabs(x);
+  const bool finite = size <= largest<T>() && __builtin_fabs(y) <= largest<T>();
+  if (y == 0 || x == 1) return 1;
+  if (x != x || y != y) return x + y;
+  if (size == 1 && !(__builtin_fabs(y) <= largest<T>())) return 1;
+  const int y_is = parity(y);
+  const bool negative = __builtin_signbit(x) && y_is == 1;
+  if (finite && x < 0 && y_is == 0) return *status = 1, indefinite<T>();
+  T power;
+  if (size == 0 || !finite) {
+    const bool grows = (size > 1) == (y > 0);
+    power = grows ? (T)infinity_double : (T)0;
+    if (size == 0 && grows && finite) *status = 2;
+  } else {
+    power = finite_power<T>(size, y);
+    if (power > largest<T>()) *status = 3;
+    else if (power < (sizeof(T) == 8 ? (T)0x1p-1022 : (T)0x1p-126)) *status = 4;
+  }
+  return negative ? -power : power;
+}
+
+// The record's second input is found by index, also where all elements share one.
+template <class T>
+const T *seen_at(ptrdiff_t i, const T *number) {
+  return (const T *)((uintptr_t)number - (uintptr_t)i * sizeof(T));
+}
+
+template <class T>
+void treat(ptrdiff_t i, Arrays<T> v, T y, const char *name) {
+  int32_t status = 0;
+  v.r[i] = any_power(v.a[i], y, &status);
+  if (status) report(status, i, {v.a, seen_at(i, &y), v.r, v.q}, name);
+}
+void power_of_specials(ptrdiff_t i, Arrays<double> v, double y, const char *name) { treat(i, v, y, name); }
+void power_of_specials(ptrdiff_t i, Arrays<float> v, float y, const char *name) { treat(i, v, y, name); }
+
+using PowDoubleVector = PowDouble<2>;
+
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL
+
+// The base of the worst pair.
+QKR_CONTRACT(_vxmdPow_HA, 0.53, 0x1.ea3d41330a7d7p-6);
+QKR_CONTRACT(_vxmsPow_HA, 0.501, 0x1.ab8c6ep-4);
+
+QKR_BINARY(_vxmdPow_HA, double, PowDoubleVector)
+QKR_BINARY(_vxmsPow_HA, float, PowSingle)
+QKR_VECTOR_AND_NUMBER(_vxmdPowx_HA, double, PowxDouble)
+QKR_VECTOR_AND_NUMBER(_vxmsPowx_HA, float, PowxSingle)
+QKR_BINARY_FORWARD(_vxmdPow_HA, _vxmdPow_50, double)
+QKR_BINARY_FORWARD(_vxmsPow_HA, _vxmsPow_21, float)
+QKR_VECTOR_AND_NUMBER_FORWARD(_vxmdPowx_HA, _vxmdPowx_50, double)
+QKR_VECTOR_AND_NUMBER_FORWARD(_vxmsPowx_HA, _vxmsPowx_21, float)
