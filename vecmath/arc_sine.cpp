@@ -114,6 +114,11 @@ extern "C" void _sAsin_Scalar(ptrdiff_t i, Arrays<float> v) { arc_of_any<sse2::A
 extern "C" void _sAcos_Scalar(ptrdiff_t i, Arrays<float> v) { arc_of_any<sse2::AcosSingle>(i, v, "_vxmsAcos_HA"); }
 #endif
 
+QKR_CONTRACT(_vxmdAsin_HA, 0.67, 0x1.1905de6cccf78p-1);
+QKR_CONTRACT(_vxmdAcos_HA, 0.67, 0x1.167ffdfd9982ep-1);
+QKR_CONTRACT(_vxmsAsin_HA, 0.53, 0x1.00996ap-1);
+QKR_CONTRACT(_vxmsAcos_HA, 0.53, 0x1.15d02cp-1);
+
 QKR_UNARY(_vxmdAsin_HA, double, AsinDouble)
 QKR_UNARY(_vxmdAcos_HA, double, AcosDouble)
 QKR_UNARY(_vxmsAsin_HA, float, AsinSingle)

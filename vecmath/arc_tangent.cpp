@@ -140,6 +140,12 @@ extern "C" void _sAtan2_Scalar(ptrdiff_t i, Arrays<float> v) {
 }
 #endif
 
+// Of Atan2 the first input of the worst pair.
+QKR_CONTRACT(_vxmdAtan_HA, 0.60, 0x1.119207cd1274cp-1);
+QKR_CONTRACT(_vxmsAtan_HA, 0.51, 0x1.9ef5bep-3);
+QKR_CONTRACT(_vxmdAtan2_HA, 0.58, 0x1.ffffffffffff9p-2);
+QKR_CONTRACT(_vxmsAtan2_HA, 0.51, 0x1.7ddb3cp-10);
+
 QKR_UNARY(_vxmdAtan_HA, double, AtanDouble)
 QKR_UNARY(_vxmsAtan_HA, float, AtanSingle)
 QKR_BINARY(_vxmdAtan2_HA, double, Atan2Double)
