@@ -48,15 +48,22 @@ QKR_INLINE V ln_of_one_plus(V u, V u_lo, V x) {
   return (((LnOfTwice::polynomial(z) + low * t.r) + t.c) + zero_unless(b, t.c)) + add_if_zero(t.s, b, t.c);
 }
 
-// The same to single precision.
+// ln y to 2^-37, for y from 1 on.
 template <class V>
-QKR_INLINE V ln_of_one_plus(V u) {
-  const V y = 1.0 + u, half = 0.5 * y, y_lo = u - (y - 1.0);
-  const V scale = real(0x7FD0000000000000u - (bits(half) & 0x7FF0000000000000u));
-  const LogTerms<V> t = log_terms<LnOfTwice>(half);
-  const V b = (t.y_lo + y_lo * scale) * t.r, z = b + t.a;
-  return t.s + (b + (t.c + (z * z) * (-0.5 + z * (1.0 / 3))));
+QKR_INLINE V short_ln(V y) {
+  constexpr double ln2 = 0x1.62e42fefa39efp-1;
+  constexpr int shift = 46;
+  constexpr uint64_t half_row = 1ul << (shift - 1), one = 0x3FF0000000000000u;
+  const V m = real((bits(y) & 0x000FFFFFFFFFFFFFu) | one);
+  V r, minus_ln_r;
+  look_up(area::short_logarithms, ((bits(m) + half_row) >> shift) - (one >> shift), r, minus_ln_r);
+  const V z = m * r - 1.0;
+  return (exponent(bits(y)) * ln2 + minus_ln_r) + (z + (z * z) * (-0.5 + z * (1.0 / 3 - z * 0.25)));
 }
+
+// In single precision the logarithm of 1 + u needs no small u where the result is above this; below it, two terms of
+// the function's series do.
+constexpr double small = 0x1p-8;
 
 template <class T, void (*scalar_routine)(ptrdiff_t, Arrays<T>)>
 struct AreaKernel : UnaryKernel<T, is_single<T> || QKR_BASELINE ? 1 : 2> {
@@ -77,7 +84,8 @@ struct Asinh : AreaKernel<T, scalar_routine> {
     const auto signed_x = in_double<T>(argument), x = absolute<double>(signed_x);
     if constexpr (is_single<T>) {
       const auto square = x * x;
-      return narrow(flip_sign(ln_of_one_plus(x + square / (1.0 + square_root(1.0 + square))), signed_x));
+      const auto log = short_ln(x + square_root(1.0 + square));
+      return narrow(flip_sign(select_less(x, small, x - x * (square * (1.0 / 6)), log), signed_x));
     } else {
       const V s = at_most(x, huge), square = s * s, square_lo = product_error(s, s, square);
       const V radicand = 1.0 + square, from_square = radicand - 1.0;
@@ -108,7 +116,7 @@ struct Acosh : AreaKernel<T, scalar_routine> {
   QKR_INLINE static V core(V argument) {
     const auto x = in_double<T>(argument);
     if constexpr (is_single<T>) {
-      return narrow(ln_of_one_plus((x - 1.0) + square_root((x - 1.0) * (x + 1.0))));
+      return narrow(short_ln(x + square_root(x * x - 1.0)));
     } else {
       const V s = at_most(x, huge), square = s * s, less_one = square - 1.0;
       const V less_one_lo = ((square - less_one) - 1.0) + product_error(s, s, square);
@@ -135,7 +143,8 @@ struct Atanh : AreaKernel<T, scalar_routine> {
   QKR_INLINE static V core(V argument) {
     const auto signed_x = in_double<T>(argument), x = absolute<double>(signed_x), twice = x + x;
     if constexpr (is_single<T>) {
-      return narrow(flip_sign(0.5 * ln_of_one_plus(twice / (1.0 - x)), signed_x));
+      const auto log = 0.5 * short_ln((1.0 + x) / (1.0 - x));
+      return narrow(flip_sign(select_less(x, small, x + x * (x * x * (1.0 / 3)), log), signed_x));
     } else {
       const V divisor = 1.0 - x, divisor_lo = (1.0 - divisor) - x;
       const V u = twice / divisor, product = u * divisor;

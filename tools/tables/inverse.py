@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Tables of the inverse circular functions.
+"""Tables of the inverse functions.
 
 directions: the half circle of angles in steps that are fine where the angle is small. Row 2k is the direction (a, c)
 of slope c/a in [0, inf] and its angle hi + lo; row 2k + 1 is its mirror image (-a, c). Slopes are 0, then 2**-5 to 30
@@ -8,9 +8,11 @@ direction of the nearest row, a point has the slope t with |t| at most 1/31.
 
 The polynomials p are fitted so that u + u * z * p(z), z = u**2, is the function of u; the error is relative to u:
   arc tangent on |t| <= 1/31 for doubles and on |t| <= tan(pi/8) for floats, arc sine on |u| <= 1/2.
+
+short_logarithms: row k is r, about 1/(1 + k/64), and -ln r.
 """
 import gmpy2
-from gmpy2 import asin, atan, const_pi, mpfr, sqrt
+from gmpy2 import asin, atan, const_pi, log, mpfr, sqrt
 
 from minimax import minimax
 from table_file import Table, main, to_double
@@ -38,10 +40,16 @@ def odd_function(f, limit, terms):
     return [to_double(c) for c in coefficients]
 
 
+def short_logarithm_row(k):
+    r = to_double(1 / (1 + mpfr(k) / 64))
+    return r, to_double(-log(r))
+
+
 main("inverse", [
     Table("arc_tangent", "double", "directions", direction_rows()),
     Table("arc_tangent", "double", "polynomial_for_double", odd_function(atan, mpfr(1) / 31, 4)),
     Table("arc_tangent", "double", "polynomial_for_single", odd_function(atan, sqrt(mpfr(2)) - 1, 5)),
     Table("arc_sine", "double", "polynomial_for_double", odd_function(asin, mpfr(1) / 2, 13)),
     Table("arc_sine", "double", "polynomial_for_single", odd_function(asin, mpfr(1) / 2, 6)),
+    Table("area", "double", "short_logarithms", [short_logarithm_row(k) for k in range(65)]),
 ])

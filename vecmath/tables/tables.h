@@ -21,6 +21,11 @@ alignas(64) extern const double polynomial_for_double[13];
 alignas(64) extern const double polynomial_for_single[6];
 }  // namespace qkr::arc_sine
 
+namespace qkr::area {
+// Row k: r, about 1/(1 + k/64), and -ln r.
+alignas(64) extern const double short_logarithms[65][2];
+}  // namespace qkr::area
+
 namespace qkr::circular {
 // Row j: T0, T1, T2, T3 for the sine around the node a = 2 pi j / rows: sin(a) = T1 + T2, cos(a) = T3 + T0.
 alignas(64) extern const double SinCosTbl[64][4];
