@@ -108,6 +108,12 @@ QKR_INLINE void look_up_128(const float (*rows)[2], const float *, const float *
   look_up(rows, j, c0, c1);
 }
 
+// Rows of a table of 16.
+#if QKR_SIMD_BYTES < 64
+QKR_INLINE void look_up_16(const double (*rows)[2], u64 j, f64 &c0, f64 &c1) { look_up(rows, j, c0, c1); }
+#endif
+QKR_INLINE void look_up_16(const double (*rows)[2], uint64_t j, double &c0, double &c1) { look_up(rows, j, c0, c1); }
+
 // v where first <= pattern <= last as unsigned numbers, else +0.
 QKR_INLINE f32 zero_unless_within(f32 v, u32 pattern, uint32_t first, uint32_t last) {
   const u32 shifted = pattern - (first + 0x80000000u);

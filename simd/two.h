@@ -112,6 +112,11 @@ QKR_INLINE void look_up_128(const float (*rows)[2], const float *column0, const 
   look_up_128(rows, column0, column1, j.a, c0.a, c1.a);
   look_up_128(rows, column0, column1, j.b, c0.b, c1.b);
 }
+template <class I, class V>
+QKR_INLINE void look_up_16(const double (*rows)[2], Two<I> j, Two<V> &c0, Two<V> &c1) {
+  look_up_16(rows, j.a, c0.a, c1.a);
+  look_up_16(rows, j.b, c0.b, c1.b);
+}
 template <class Rows, class I, class... Columns>
 QKR_INLINE void look_up(Rows rows, Two<I> j, Columns &...columns) {
   look_up(rows, j.a, columns.a...);

@@ -48,25 +48,30 @@ QKR_INLINE V ln_of_one_plus(V u, V u_lo, V x) {
   return (((LnOfTwice::polynomial(z) + low * t.r) + t.c) + zero_unless(b, t.c)) + add_if_zero(t.s, b, t.c);
 }
 
-// ln y to 2^-37, for y from 1 on.
+// ln x to 2^-37, for x from 1 on: x = 2^n m with m from 1 - 1/64 to 2 - 1/32, z = r m - 1 at most 1/32.
 template <class V>
-QKR_INLINE V short_ln(V y) {
+QKR_INLINE V short_ln(V x) {
   constexpr double ln2 = 0x1.62e42fefa39efp-1;
-  constexpr int shift = 46;
-  constexpr uint64_t half_row = 1ul << (shift - 1), one = 0x3FF0000000000000u;
-  const V m = real((bits(y) & 0x000FFFFFFFFFFFFFu) | one);
+  constexpr double series[] = {-1.0 / 2, 1.0 / 3, -1.0 / 4, 1.0 / 5, -1.0 / 6};
+  constexpr int shift = 48;
+  constexpr uint64_t half_row = 1ul << (shift - 1), one = 0x3FF0000000000000u, exponent_field = 0x7FF0000000000000u;
+  const auto rounded_up = bits(x) + half_row;
+  const V m = real(bits(x) - (rounded_up & exponent_field) + one);
   V r, minus_ln_r;
-  look_up(area::short_logarithms, ((bits(m) + half_row) >> shift) - (one >> shift), r, minus_ln_r);
+  look_up_16(area::short_logarithms, rounded_up >> shift & 15u, r, minus_ln_r);
   const V z = m * r - 1.0;
-  return (exponent(bits(y)) * ln2 + minus_ln_r) + (z + (z * z) * (-0.5 + z * (1.0 / 3 - z * 0.25)));
+  return (exponent(rounded_up) * ln2 + minus_ln_r) + (z + (z * z) * polynomial(series, z));
 }
 
 // In single precision the logarithm of 1 + u needs no small u where the result is above this; below it, two terms of
 // the function's series do.
 constexpr double small = 0x1p-8;
 
+template <class T>
+constexpr int area_width = is_single<T> ? (QKR_SIMD_BYTES == 64 ? 2 : 1) : QKR_BASELINE ? 1 : 2;
+
 template <class T, void (*scalar_routine)(ptrdiff_t, Arrays<T>)>
-struct AreaKernel : UnaryKernel<T, is_single<T> || QKR_BASELINE ? 1 : 2> {
+struct AreaKernel : UnaryKernel<T, area_width<T>> {
   QKR_INLINE static void scalar(ptrdiff_t i, Arrays<T> v) { scalar_routine(i, v); }
 };
 

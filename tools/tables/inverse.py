@@ -9,7 +9,7 @@ direction of the nearest row, a point has the slope t with |t| at most 1/31.
 The polynomials p are fitted so that u + u * z * p(z), z = u**2, is the function of u; the error is relative to u:
   arc tangent on |t| <= 1/31 for doubles and on |t| <= tan(pi/8) for floats, arc sine on |u| <= 1/2.
 
-short_logarithms: row k is r, about 1/(1 + k/64), and -ln r.
+short_logarithms: row k is r, about 1/(1 + k/16), and -ln r.
 """
 import gmpy2
 from gmpy2 import asin, atan, const_pi, log, mpfr, sqrt
@@ -41,7 +41,7 @@ def odd_function(f, limit, terms):
 
 
 def short_logarithm_row(k):
-    r = to_double(1 / (1 + mpfr(k) / 64))
+    r = to_double(1 / (1 + mpfr(k) / 16))
     return r, to_double(-log(r))
 
 
@@ -51,5 +51,5 @@ main("inverse", [
     Table("arc_tangent", "double", "polynomial_for_single", odd_function(atan, sqrt(mpfr(2)) - 1, 5)),
     Table("arc_sine", "double", "polynomial_for_double", odd_function(asin, mpfr(1) / 2, 13)),
     Table("arc_sine", "double", "polynomial_for_single", odd_function(asin, mpfr(1) / 2, 6)),
-    Table("area", "double", "short_logarithms", [short_logarithm_row(k) for k in range(65)]),
+    Table("area", "double", "short_logarithms", [short_logarithm_row(k) for k in range(16)]),
 ])

@@ -22,8 +22,8 @@ alignas(64) extern const double polynomial_for_single[6];
 }  // namespace qkr::arc_sine
 
 namespace qkr::area {
-// Row k: r, about 1/(1 + k/64), and -ln r.
-alignas(64) extern const double short_logarithms[65][2];
+// Row k: r, about 1/(1 + k/16), and -ln r.
+alignas(64) extern const double short_logarithms[16][2];
 }  // namespace qkr::area
 
 namespace qkr::circular {
