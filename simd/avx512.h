@@ -189,7 +189,8 @@ QKR_INLINE void look_up(const float (*rows)[4], u32 j, f32 &c0, f32 &c1, f32 &c2
 
 // 16 rows, as two columns held in registers.
 QKR_INLINE void look_up_16(const double (*rows)[2], u64 j, f64 &c0, f64 &c1) {
-  const __m512i even = _mm512_setr_epi64(0, 2, 4, 6, 8, 10, 12, 14), odd = _mm512_setr_epi64(1, 3, 5, 7, 9, 11, 13, 15);
+  const __m512i even = _mm512_setr_epi64(0, 2, 4, 6, 8, 10, 12, 14),
+                odd = _mm512_setr_epi64(1, 3, 5, 7, 9, 11, 13, 15);
   const auto pick = [&](__m512i column) {
     const auto half = [&](int k) {
       return _mm512_permutex2var_pd(_mm512_load_pd(rows[k]), column, _mm512_load_pd(rows[k + 4]));

@@ -62,7 +62,8 @@ QKR_INLINE f64 select_less(A a, B b, Yes yes, No no) requires(sizeof(a + b) == s
 template <class B, class No>
 QKR_INLINE f64 zero_if_less(f64 a, B b, No no) {
 #if QKR_SIMD_BYTES == 64
-  return (f64)_mm512_maskz_mov_pd(_mm512_cmp_pd_mask((__m512d)a, (__m512d)lanes(b), _CMP_NLT_UQ), (__m512d)lanes(no));
+  return (f64)_mm512_maskz_mov_pd(_mm512_cmp_pd_mask((__m512d)a, (__m512d)lanes(b), _CMP_NLT_UQ),
+                                  (__m512d)lanes(no));
 #else
   return real(bits(lanes(no)) & ~(u64)(a < lanes(b)));
 #endif
@@ -112,7 +113,9 @@ QKR_INLINE void look_up_128(const float (*rows)[2], const float *, const float *
 #if QKR_SIMD_BYTES < 64
 QKR_INLINE void look_up_16(const double (*rows)[2], u64 j, f64 &c0, f64 &c1) { look_up(rows, j, c0, c1); }
 #endif
-QKR_INLINE void look_up_16(const double (*rows)[2], uint64_t j, double &c0, double &c1) { look_up(rows, j, c0, c1); }
+QKR_INLINE void look_up_16(const double (*rows)[2], uint64_t j, double &c0, double &c1) {
+  look_up(rows, j, c0, c1);
+}
 
 // v where first <= pattern <= last as unsigned numbers, else +0.
 QKR_INLINE f32 zero_unless_within(f32 v, u32 pattern, uint32_t first, uint32_t last) {

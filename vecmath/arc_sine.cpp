@@ -1,6 +1,6 @@
-// Arc sine and arc cosine. Up to |x| = 1/2 the arc sine is a polynomial in x; above, with u = sqrt((1 - |x|)/2), it is
-// pi/2 - 2 arcsin u (W. J. Cody and W. Waite, Software Manual for the Elementary Functions, 1980, ch. 10). Both
-// functions become base + v + tail, where base is a multiple of pi/2 and v is x or 2u.
+// Arc sine and arc cosine. Up to |x| = 1/2 the arc sine is a polynomial in x; above, with u = sqrt((1 -
+// |x|)/2), it is pi/2 - 2 arcsin u (W. J. Cody and W. Waite, Software Manual for the Elementary Functions,
+// 1980, ch. 10). Both functions become base + v + tail, where base is a multiple of pi/2 and v is x or 2u.
 #include "vecmath/contract.h"
 #include "vecmath/frame.h"
 #include "vecmath/inverse.h"
@@ -24,7 +24,8 @@ constexpr T next_above_one = is_single<T> ? 0x1.000002p0 : 0x1.0000000000001p0;
 
 constexpr double fold = 0.5;  // from here on, |x| is folded
 
-// w + w_lo = 2u, u = sqrt((1 - |x|)/2), for the upper half of the arguments; and arcsin y / y - 1 for y = |x| or u.
+// w + w_lo = 2u, u = sqrt((1 - |x|)/2), for the upper half of the arguments; and arcsin y / y - 1 for y = |x|
+// or u.
 template <class V>
 struct Folded {
   V w, w_lo, ratio;
@@ -53,7 +54,7 @@ QKR_INLINE V sum(V base, V lo, V v, V ratio) {
 }
 
 template <class T, void (*scalar_routine)(ptrdiff_t, Arrays<T>)>
-struct ArcKernel : UnaryKernel<T, 2> {
+struct ArcKernel : UnaryKernel<T, QKR_SIMD_BYTES == 64 && !is_single<T> ? 2 : 4> {
   template <class V>
   QKR_INLINE static Flags special(V x) {
     return beyond(x, next_above_one<T>);
@@ -108,10 +109,18 @@ static void arc_of_any(ptrdiff_t i, Arrays<T> v, const char *name) {
   else sse2::store_and_report(sse2::default_nan<T>, 1, i, v, name);
 }
 
-extern "C" void _dAsin_Scalar(ptrdiff_t i, Arrays<double> v) { arc_of_any<sse2::AsinDouble>(i, v, "_vxmdAsin_HA"); }
-extern "C" void _dAcos_Scalar(ptrdiff_t i, Arrays<double> v) { arc_of_any<sse2::AcosDouble>(i, v, "_vxmdAcos_HA"); }
-extern "C" void _sAsin_Scalar(ptrdiff_t i, Arrays<float> v) { arc_of_any<sse2::AsinSingle>(i, v, "_vxmsAsin_HA"); }
-extern "C" void _sAcos_Scalar(ptrdiff_t i, Arrays<float> v) { arc_of_any<sse2::AcosSingle>(i, v, "_vxmsAcos_HA"); }
+extern "C" void _dAsin_Scalar(ptrdiff_t i, Arrays<double> v) {
+  arc_of_any<sse2::AsinDouble>(i, v, "_vxmdAsin_HA");
+}
+extern "C" void _dAcos_Scalar(ptrdiff_t i, Arrays<double> v) {
+  arc_of_any<sse2::AcosDouble>(i, v, "_vxmdAcos_HA");
+}
+extern "C" void _sAsin_Scalar(ptrdiff_t i, Arrays<float> v) {
+  arc_of_any<sse2::AsinSingle>(i, v, "_vxmsAsin_HA");
+}
+extern "C" void _sAcos_Scalar(ptrdiff_t i, Arrays<float> v) {
+  arc_of_any<sse2::AcosSingle>(i, v, "_vxmsAcos_HA");
+}
 #endif
 
 QKR_CONTRACT(_vxmdAsin_HA, 0.67, 0x1.1905de6cccf78p-1);

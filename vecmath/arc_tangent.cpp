@@ -1,6 +1,6 @@
-// Arc tangent of one and of two arguments, by table and short polynomial (S. Gal, in LNCS 235 (1986) 1): the point
-// (x, y) is turned back by the nearest direction (a, c) of the table; what is left has the slope
-// t = (a y - c x) / (a x + c y), at most 1/31, and the angle is that of the direction plus arctan t.
+// Arc tangent of one and of two arguments, by table and short polynomial (S. Gal, in LNCS 235 (1986) 1): the
+// point (x, y) is turned back by the nearest direction (a, c) of the table; what is left has the slope t = (a
+// y - c x) / (a x + c y), at most 1/31, and the angle is that of the direction plus arctan t.
 #include "vecmath/contract.h"
 #include "vecmath/frame.h"
 #include "vecmath/inverse.h"
@@ -27,8 +27,8 @@ QKR_INLINE Direction<V> nearest_direction(V slope, Mirrored mirrored) {
   constexpr uint64_t first = __builtin_bit_cast(uint64_t, zero_row) >> shift;
   const auto pattern = bits(larger(at_most(slope, infinity_row), zero_row));
   Direction<V> d;
-  look_up(arc_tangent::directions, ((((pattern + half_row) >> shift) - first) << 1) + mirrored, d.a, d.c, d.hi,
-          d.lo);
+  look_up(arc_tangent::directions, ((((pattern + half_row) >> shift) - first) << 1) + mirrored, d.a, d.c,
+          d.hi, d.lo);
   return d;
 }
 
@@ -38,7 +38,8 @@ QKR_INLINE V single_angle(V y, X x) {
   constexpr double quarter_pi = 0x1.921fb54442d18p-1;
   constexpr double low_slope = 0.41421356237309503, high_slope = 2.414213562373095;  // of pi/8 and 3pi/8
   const X size = absolute<double>(x);
-  const V c = select_less(y, size * low_slope, 0.0, 1.0), a_size = select_less(y, size * high_slope, 1.0, 0.0);
+  const V c = select_less(y, size * low_slope, 0.0, 1.0),
+          a_size = select_less(y, size * high_slope, 1.0, 0.0);
   const V a = flip_sign(a_size, x);
   const V direction = 2.0 * quarter_pi - quarter_pi * flip_sign(1.0 + a_size - c, x);
   const V t = (a * y - c * x) / (a * x + c * y), z = t * t;
@@ -53,7 +54,7 @@ QKR_INLINE V add_arctangent(V t, V z, V hi, V lo) {
 
 constexpr double almost_infinite = 0x1p60;  // the angle of this slope is pi/2 rounded
 
-struct AtanDouble : UnaryKernel<double, 2> {
+struct AtanDouble : UnaryKernel<double, 4> {
   template <class V>
   QKR_INLINE static V core(V x) {
     const V y = at_most(absolute<double>(x), almost_infinite);
@@ -63,7 +64,7 @@ struct AtanDouble : UnaryKernel<double, 2> {
   }
 };
 
-struct AtanSingle : UnaryKernel<float, 2> {
+struct AtanSingle : UnaryKernel<float, 4> {
   template <class V>
   QKR_INLINE static V core(V argument) {
     const auto x = widen(argument), y = at_most(absolute<double>(x), almost_infinite);
@@ -71,7 +72,7 @@ struct AtanSingle : UnaryKernel<float, 2> {
   }
 };
 
-struct Atan2Double : BinaryKernel<double, 2> {
+struct Atan2Double : BinaryKernel<double, 4> {
   // With the larger coordinate in this range no product below overflows, and tails that matter are exact.
   static constexpr double smallest = 0x1p-900, limit = 0x1p1000;
 
@@ -96,7 +97,7 @@ struct Atan2Double : BinaryKernel<double, 2> {
   QKR_INLINE static void scalar(ptrdiff_t i, Arrays<double> v) { _dAtan2_Scalar(i, v); }
 };
 
-struct Atan2Single : BinaryKernel<float, 2> {
+struct Atan2Single : BinaryKernel<float, 4> {
   template <class V>
   QKR_INLINE static Flags special(V y, V x) {
     return outside(absolute<float>(x) + absolute<float>(y), 0x1p-149f, __builtin_inff());

@@ -1,9 +1,11 @@
-// Inverse hyperbolic functions, all as ln(1 + u) of a u that is as small as the result (W. Kahan, Branch cuts for
-// complex elementary functions, 1987):
+// Inverse hyperbolic functions, all as ln(1 + u) of a u that is as small as the result (W. Kahan, Branch cuts
+// for complex elementary functions, 1987):
 //   arsinh x = ln(1 + x + x^2 / (1 + sqrt(1 + x^2)))
 //   arcosh x = ln(1 + (x - 1) + sqrt(x^2 - 1))
 //   artanh x = ln(1 + 2x / (1 - x)) / 2
-// In double precision u is carried with a tail, so that the rounding of the result is nearly the only one.
+// In double precision u is carried with a tail, so that the rounding of the result is nearly the only one. In
+// single precision the logarithm of 1 + u in a double is enough, but for small results, for which a series
+// stands.
 #include <type_traits>
 
 #include "vecmath/contract.h"
@@ -54,7 +56,8 @@ QKR_INLINE V short_ln(V x) {
   constexpr double ln2 = 0x1.62e42fefa39efp-1;
   constexpr double series[] = {-1.0 / 2, 1.0 / 3, -1.0 / 4, 1.0 / 5, -1.0 / 6};
   constexpr int shift = 48;
-  constexpr uint64_t half_row = 1ul << (shift - 1), one = 0x3FF0000000000000u, exponent_field = 0x7FF0000000000000u;
+  constexpr uint64_t half_row = 1ul << (shift - 1), one = 0x3FF0000000000000u,
+                     exponent_field = 0x7FF0000000000000u;
   const auto rounded_up = bits(x) + half_row;
   const V m = real(bits(x) - (rounded_up & exponent_field) + one);
   V r, minus_ln_r;
@@ -63,15 +66,11 @@ QKR_INLINE V short_ln(V x) {
   return (exponent(rounded_up) * ln2 + minus_ln_r) + (z + (z * z) * polynomial(series, z));
 }
 
-// In single precision the logarithm of 1 + u needs no small u where the result is above this; below it, two terms of
-// the function's series do.
+// In single precision two terms of the function's series do below this.
 constexpr double small = 0x1p-8;
 
-template <class T>
-constexpr int area_width = is_single<T> ? (QKR_SIMD_BYTES == 64 ? 2 : 1) : QKR_BASELINE ? 1 : 2;
-
 template <class T, void (*scalar_routine)(ptrdiff_t, Arrays<T>)>
-struct AreaKernel : UnaryKernel<T, area_width<T>> {
+struct AreaKernel : UnaryKernel<T, QKR_SIMD_BYTES == 64 && !is_single<T> ? 4 : 2> {
   QKR_INLINE static void scalar(ptrdiff_t i, Arrays<T> v) { scalar_routine(i, v); }
 };
 
@@ -146,12 +145,12 @@ struct Atanh : AreaKernel<T, scalar_routine> {
 
   template <class V>
   QKR_INLINE static V core(V argument) {
-    const auto signed_x = in_double<T>(argument), x = absolute<double>(signed_x), twice = x + x;
+    const auto signed_x = in_double<T>(argument), x = absolute<double>(signed_x);
     if constexpr (is_single<T>) {
       const auto log = 0.5 * short_ln((1.0 + x) / (1.0 - x));
       return narrow(flip_sign(select_less(x, small, x + x * (x * x * (1.0 / 3)), log), signed_x));
     } else {
-      const V divisor = 1.0 - x, divisor_lo = (1.0 - divisor) - x;
+      const V twice = x + x, divisor = 1.0 - x, divisor_lo = (1.0 - divisor) - x;
       const V u = twice / divisor, product = u * divisor;
       const V rest = (twice - product) - product_error(u, divisor, product);
       const V rough = rough_reciprocal(divisor), reciprocal = rough * (2.0 - rough * divisor);  // to 0.3 %

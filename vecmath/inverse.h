@@ -1,5 +1,5 @@
-// What the inverse functions share. All of them compute in double; single-precision kernels take shorter polynomials
-// and leave the compensating tails out.
+// What the inverse functions share. All of them compute in double; single-precision kernels take shorter
+// polynomials and leave the compensating tails out.
 #pragma once
 
 #include "simd/simd.h"
@@ -35,19 +35,21 @@ QKR_INLINE V flip_sign(V x, Sign sign) {
   return real(bits(x) ^ (bits(sign) & sign_bit));
 }
 
-// 1/x to 5.1 % for normal x from 2^-1022 to 2^1022, and some finite number for 0: enough to turn the remainder of a
-// quotient or root into its tail.
+// 1/x to 5.1 % for normal x from 2^-1022 to 2^1022, and some finite number for 0: enough to turn the
+// remainder of a quotient or root into its tail.
 template <class V>
 QKR_INLINE V rough_reciprocal(V x) {
   return real(0x7FDE600000000000u - bits(x));
 }
 
 // What a scalar routine does with an element in error.
-QKR_INLINE void store_and_report(double result, int32_t status, ptrdiff_t i, Arrays<double> v, const char *name) {
+QKR_INLINE void store_and_report(double result, int32_t status, ptrdiff_t i, Arrays<double> v,
+                                 const char *name) {
   v.r[i] = result;
   _vxmdErrorGate(status, i, v.a, v.a, v.r, v.r, name);
 }
-QKR_INLINE void store_and_report(float result, int32_t status, ptrdiff_t i, Arrays<float> v, const char *name) {
+QKR_INLINE void store_and_report(float result, int32_t status, ptrdiff_t i, Arrays<float> v,
+                                 const char *name) {
   v.r[i] = result;
   _vxmsErrorGate(status, i, v.a, v.a, v.r, v.r, name);
 }

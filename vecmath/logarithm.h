@@ -17,8 +17,8 @@ struct DoubleFormat {
   static constexpr uint64_t half_row = 0x0000040000000000;
 };
 
-// A logarithm: how n is extracted, the table, log 2 = hi + lo, C (the table's first column holds r * C), the polynomial,
-// and for subnormal inputs the scaling and its logarithm.
+// A logarithm: how n is extracted, the table, log 2 = hi + lo, C (the table's first column holds r * C), the
+// polynomial, and for subnormal inputs the scaling and its logarithm.
 struct NaturalDouble : DoubleFormat {
   static constexpr auto table = ln_double::BT_Tbl;
   static constexpr uint64_t next_binade =

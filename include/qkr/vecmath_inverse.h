@@ -1,6 +1,6 @@
 /** @file
- * Inverse circular and inverse hyperbolic vector functions. What vecmath.h tells of all functions holds here. Zeros and
- * subnormal numbers keep their sign and all their bits. */
+ * Inverse circular and inverse hyperbolic vector functions. What vecmath.h tells of all functions holds here.
+ * Zeros and subnormal numbers keep their sign and all their bits. */
 #ifndef QKR_VECMATH_INVERSE_H
 #define QKR_VECMATH_INVERSE_H
 
@@ -95,7 +95,8 @@ QKR_API void _vxmsAcos_21(int32_t n, const float *a, float *r);
  * | 1                      | +0   | none      |
  * | below 1, -inf included | NaN  | 1, domain |
  *
- * Method: logarithm of 1 + u with a small u, W. Kahan, Branch cuts for complex elementary functions (1987). */
+ * Method: logarithm of 1 + u with a small u, W. Kahan, Branch cuts for complex elementary functions (1987).
+ */
 /**@{*/
 QKR_API void _vxmdAcosh_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdAcosh_50(int32_t n, const double *a, double *r);

@@ -142,11 +142,12 @@ std::vector<Special<T>> inverse_values(T inf, T smallest, T normal, T largest) {
     rows.push_back({name, nan<T>(0x1234, true), 0, quiet, 0});
   }
   for (const char *name : {NAME(Atan), NAME(Asin), NAME(Asinh), NAME(Atanh)})
-    for (const T x : {T(0), -T(0), smallest, -smallest, normal, next_down(normal)}) rows.push_back({name, x, 0, x, 0});
+    for (const T x : {T(0), -T(0), smallest, -smallest, normal, next_down(normal)})
+      rows.push_back({name, x, 0, x, 0});
   // Axes, diagonals and corners, where the angle is a multiple of pi/4.
   for (const T sign : {T(1), T(-1)})
-    for (const T x : {T(0), -T(0), smallest, -smallest, T(1), -largest, inf, -inf})
-      for (const T y : {T(0), smallest, T(1), largest, inf})
+    for (const T x : {-T(0), -smallest, T(1), -largest, inf, -inf})
+      for (const T y : {T(0), smallest, largest, inf})
         if (x < 0 || y > 0) rows.push_back({NAME(Atan2), std::copysign(y, sign), x, accurate, 0});
   return rows;
 }

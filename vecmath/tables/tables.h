@@ -7,8 +7,8 @@
 #pragma GCC visibility push(hidden)
 
 namespace qkr::arc_tangent {
-// Row 2k: a, c, hi, lo: the direction (a, c) with c/a the k-th slope from 0 to infinity, and its angle hi + lo; row
-// 2k + 1: the same for (-a, c).
+// Row 2k: a, c, hi, lo: the direction (a, c) with c/a the k-th slope from 0 to infinity, and its angle hi +
+// lo; row 2k + 1: the same for (-a, c).
 alignas(64) extern const double directions[164][4];
 // arctan t = t + t z p(z), z = t^2.
 alignas(64) extern const double polynomial_for_double[4];
@@ -30,8 +30,8 @@ namespace qkr::circular {
 // Row j: T0, T1, T2, T3 for the sine around the node a = 2 pi j / rows: sin(a) = T1 + T2, cos(a) = T3 + T0.
 alignas(64) extern const double SinCosTbl[64][4];
 alignas(64) extern const double SinCosTblFine[128][4];
-// Row j, in groups of columns 32 rows apart: the tangent around the node pi j / 32 less its pole, T + T_lo + r (slope +
-// D + A2 r + ... + A9 r^8): T, T_lo, slope, D; A2 to A5; A6 to A9.
+// Row j, in groups of columns 32 rows apart: the tangent around the node pi j / 32 less its pole, T + T_lo +
+// r (slope + D + A2 r + ... + A9 r^8): T, T_lo, slope, D; A2 to A5; A6 to A9.
 alignas(64) extern const double _dTanTab[96][4];
 // Bits of 4/pi: chunk k of 25 bits times 2^200, from chunk 1 on.
 alignas(64) extern const double _vxmReductionTab[52];
