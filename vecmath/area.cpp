@@ -26,11 +26,6 @@ void _sAtanh_Scalar(ptrdiff_t i, qkr::Arrays<float> v);
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
-// ln(2x): a unit in the exponent more.
-struct LnOfTwice : NaturalDouble {
-  static constexpr uint64_t next_binade = NaturalDouble::next_binade + 0x0010000000000000u;
-};
-
 // From here on arsinh x and arcosh x are ln(2x) rounded.
 constexpr double huge = 0x1p30;
 
@@ -44,10 +39,13 @@ QKR_INLINE V ln_of_one_plus(V u, V u_lo, V x) {
     argument = select_less(x, huge, half, x);
     middle = select_less(x, huge, middle, 0.0), low = select_less(x, huge, low, 0.0);
   }
-  const LogTerms<V> t = log_terms<LnOfTwice>(argument);
-  const V b = (t.y_lo + middle) * t.r, z = b + t.a;
-  // Around 1 + u = 1 the head is u itself.
-  return (((LnOfTwice::polynomial(z) + low * t.r) + t.c) + zero_unless(b, t.c)) + add_if_zero(t.s, b, t.c);
+  const LogReduction<V> l(argument);
+  const V n = l.n + 1.0, b = (l.tail + middle) * l.r, z = b + l.head_residual;
+  const V head = l.head_residual + exact_mad(n, ln2_hi, l.t_hi), rest = n * ln2_lo + l.t_lo;
+  const V series = (z * z) * (-0.49999999999995254 +
+                              z * (0.3333333333332741 + z * (-0.2500001988694339 + z * 0.2000001934420511)));
+  // Around 1 + u = 1 the rest is 0, and the head is u itself.
+  return (((series + low * l.r) + rest) + zero_unless(b, rest)) + add_if_zero(head, b, rest);
 }
 
 // ln x to 2^-37, for x from 1 on: x = 2^n m with m from 1 - 1/64 to 2 - 1/32, z = r m - 1 at most 1/32.
