@@ -35,6 +35,12 @@ QKR_INLINE f64 smaller(f64 a, f64 b) { return (f64)_mm512_min_pd((__m512d)a, (__
 QKR_INLINE Flags not_positive_normal(f64 x) { return _mm512_fpclass_pd_mask((__m512d)x, 0xFF); }
 QKR_INLINE Flags not_positive_normal(f32 x) { return _mm512_fpclass_ps_mask((__m512)x, 0xFF); }
 
+// Lanes with !(first <= x < limit), NaNs always among them; the two are positive.
+QKR_INLINE Flags outside(f32 x, float first, float limit) {
+  return _mm512_cmp_ps_mask((__m512)x, _mm512_set1_ps(first), _CMP_NGE_UQ) |
+         _mm512_cmp_ps_mask((__m512)x, _mm512_set1_ps(limit), _CMP_NLT_UQ);
+}
+
 QKR_INLINE Flags is_zero(f64 x) { return _mm512_cmp_pd_mask((__m512d)x, _mm512_setzero_pd(), _CMP_EQ_OQ); }
 QKR_INLINE Flags is_zero(f32 x) { return _mm512_cmp_ps_mask((__m512)x, _mm512_setzero_ps(), _CMP_EQ_OQ); }
 // Of patterns without sign.
@@ -102,6 +108,7 @@ QKR_INLINE void store_part(float *p, int count, f32 v) {
 }
 
 QKR_INLINE f64 square_root(f64 v) { return (f64)_mm512_sqrt_pd((__m512d)v); }
+QKR_INLINE f32 square_root(f32 v) { return (f32)_mm512_sqrt_ps((__m512)v); }
 
 // Conversions of the lower and the upper floats, and back.
 QKR_INLINE f64 low_doubles(f32 v) { return (f64)_mm512_cvtps_pd(_mm512_castps512_ps256((__m512)v)); }
@@ -179,6 +186,20 @@ QKR_INLINE void look_up(const float (*rows)[4], u32 j, f32 &c0, f32 &c1, f32 &c2
   c1 = (f32)_mm512_shuffle_ps(ab, cd, 0xEE);
   c2 = (f32)_mm512_shuffle_ps(AB, CD, 0x44);
   c3 = (f32)_mm512_shuffle_ps(AB, CD, 0xEE);
+}
+
+// 16 rows, as two columns held in registers.
+QKR_INLINE void look_up_16(const double (*rows)[2], u64 j, f64 &c0, f64 &c1) {
+  const __m512i even = _mm512_setr_epi64(0, 2, 4, 6, 8, 10, 12, 14),
+                odd = _mm512_setr_epi64(1, 3, 5, 7, 9, 11, 13, 15);
+  const auto pick = [&](__m512i column) {
+    const auto half = [&](int k) {
+      return _mm512_permutex2var_pd(_mm512_load_pd(rows[k]), column, _mm512_load_pd(rows[k + 4]));
+    };
+    return (f64)_mm512_permutex2var_pd(half(0), (__m512i)j, half(8));
+  };
+  c0 = pick(even);
+  c1 = pick(odd);
 }
 
 // Element j of a column held in registers: of two of them, of 2^k times as many, or of one element more,

@@ -54,10 +54,35 @@ QKR_INLINE float approximate_rsqrt(float x) { return _mm_cvtss_f32(_mm_rsqrt_ss(
 QKR_INLINE uint64_t approximate_rsqrt(uint64_t single) {
   return bits(approximate_rsqrt(real((uint32_t)single)));
 }
+QKR_INLINE f64 lanes(f64 v) { return v; }
+QKR_INLINE f64 lanes(double x) { return x - f64{}; }
+
+// yes where a < b, else no; and no where !(a < b), else 0. Operands may be one number.
+template <class A, class B, class Yes, class No>
+QKR_INLINE f64 select_less(A a, B b, Yes yes, No no) requires(sizeof(a + b) == sizeof(f64)) {
+  return lanes(a) < lanes(b) ? lanes(yes) : lanes(no);
+}
+template <class B, class No>
+QKR_INLINE f64 zero_if_less(f64 a, B b, No no) {
+#if QKR_SIMD_BYTES == 64
+  return (f64)_mm512_maskz_mov_pd(_mm512_cmp_pd_mask((__m512d)a, (__m512d)lanes(b), _CMP_NLT_UQ),
+                                  (__m512d)lanes(no));
+#else
+  return real(bits(lanes(no)) & ~(u64)(a < lanes(b)));
+#endif
+}
+QKR_INLINE double select_less(double a, double b, double yes, double no) { return a < b ? yes : no; }
+QKR_INLINE double zero_if_less(double a, double b, double no) { return a < b ? 0.0 : no; }
+
+// As smaller, but a NaN stays.
+QKR_INLINE f64 at_most(f64 x, double limit) { return smaller(lanes(limit), x); }
+QKR_INLINE double at_most(double x, double limit) { return limit < x ? limit : x; }
+QKR_INLINE float square_root(float x) { return __builtin_sqrtf(x); }
 QKR_INLINE double square_root(double x) { return __builtin_sqrt(x); }
 QKR_INLINE double larger(double a, double b) { return a > b ? a : b; }
 QKR_INLINE float larger(float a, float b) { return a > b ? a : b; }
 QKR_INLINE double smaller(double a, double b) { return a < b ? a : b; }
+QKR_INLINE f64 larger(f64 a, double b) { return larger(a, lanes(b)); }
 QKR_INLINE double widen(float x) { return x; }
 QKR_INLINE float narrow(double x) { return (float)x; }
 QKR_INLINE double zero_unless(double v, double c) { return c != 0.0 ? v : 0.0; }
@@ -97,6 +122,14 @@ QKR_INLINE void look_up(RowsAndColumns<count, width, stride> table, u32 j, Colum
 template <int count, int width, int stride, class... Columns>
 QKR_INLINE void look_up(RowsAndColumns<count, width, stride> table, uint32_t j, Columns &...columns) {
   look_up(table.rows, j, columns...);
+}
+
+// Rows of a table of 16.
+#if QKR_SIMD_BYTES < 64
+QKR_INLINE void look_up_16(const double (*rows)[2], u64 j, f64 &c0, f64 &c1) { look_up(rows, j, c0, c1); }
+#endif
+QKR_INLINE void look_up_16(const double (*rows)[2], uint64_t j, double &c0, double &c1) {
+  look_up(rows, j, c0, c1);
 }
 
 // v where first <= pattern <= last as unsigned numbers, else +0.

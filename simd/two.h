@@ -63,6 +63,9 @@ QKR_TWO_FUNCTION(zero_unless)
 QKR_TWO_FUNCTION(add_if_zero)
 QKR_TWO_FUNCTION(approximate_rsqrt)
 QKR_TWO_FUNCTION(zero_unless_within)
+QKR_TWO_FUNCTION(at_most)
+QKR_TWO_FUNCTION(select_less)
+QKR_TWO_FUNCTION(zero_if_less)
 QKR_TWO_FUNCTION(larger)
 QKR_TWO_FUNCTION(smaller)
 QKR_TWO_FUNCTION(square_root)
@@ -75,9 +78,9 @@ template <class V, class S>
 QKR_INLINE Flags beyond(Two<V> x, S limit) {
   return beyond(x.a, limit) | beyond(x.b, limit);
 }
-template <class V>
-QKR_INLINE Flags outside(Two<V> x, double low, double high) {
-  return outside(x.a, low, high) | outside(x.b, low, high);
+template <class V, class S>
+QKR_INLINE Flags outside(Two<V> x, S first, S limit) {
+  return outside(x.a, first, limit) | outside(x.b, first, limit);
 }
 template <class V>
 QKR_INLINE Flags not_positive_normal(Two<V> x) {
@@ -102,6 +105,11 @@ template <class T, class V>
 QKR_INLINE void store(T *p, Two<V> x) {
   store(p, x.a);
   store(p + sizeof(V) / sizeof(T), x.b);
+}
+template <class I, class V>
+QKR_INLINE void look_up_16(const double (*rows)[2], Two<I> j, Two<V> &c0, Two<V> &c1) {
+  look_up_16(rows, j.a, c0.a, c1.a);
+  look_up_16(rows, j.b, c0.b, c1.b);
 }
 template <class Rows, class I, class... Columns>
 QKR_INLINE void look_up(Rows rows, Two<I> j, Columns &...columns) {

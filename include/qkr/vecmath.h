@@ -22,6 +22,7 @@
 #include <qkr/vecmath_control.h>
 #include <qkr/vecmath_elements.h>
 #include <qkr/vecmath_exact.h>
+#include <qkr/vecmath_inverse.h>
 
 QKR_BEGIN_DECLS
 

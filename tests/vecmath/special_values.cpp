@@ -102,6 +102,56 @@ std::vector<Special<T>> circular_values(T inf, T smallest, T normal, T largest) 
   return rows;
 }
 
+// The inverse functions; those of one sign are odd or have rows of their own.
+template <class T>
+std::vector<Special<T>> inverse_values(T inf, T smallest, T normal, T largest) {
+  const T domain_nan = nan<T>(0, false, true), above = next_up(T(1)), below = next_down(T(1));
+  const T quiet = nan<T>(0x1234), negative_quiet = nan<T>(0x1234, false, true);
+  std::vector<Special<T>> rows = {
+      {NAME(Atan), inf, 0, accurate, 0},
+      {NAME(Atan), largest, 0, accurate, 0},
+      {NAME(Asin), 1, 0, accurate, 0},
+      {NAME(Acos), 1, 0, T(0), 0},
+      {NAME(Acos), -1, 0, accurate, 0},
+      {NAME(Acos), 0, 0, accurate, 0},
+      {NAME(Acosh), 1, 0, T(0), 0},
+      {NAME(Acosh), above, 0, accurate, 0},
+      {NAME(Acosh), largest, 0, accurate, 0},
+      {NAME(Acosh), inf, 0, inf, 0},
+      {NAME(Asinh), inf, 0, inf, 0},
+      {NAME(Asinh), largest, 0, accurate, 0},
+      {NAME(Atanh), 1, 0, inf, 2},
+      {NAME(Atanh), -1, 0, -inf, 2},
+      {NAME(Atanh), below, 0, accurate, 0},
+      {NAME(Atan2), quiet, inf, quiet, 0},
+      {NAME(Atan2), 0, quiet, quiet, 0},
+      {NAME(Atan2), smallest, inf, T(0), 0},
+      {NAME(Atan2), -1, inf, -T(0), 0},
+      {NAME(Atan2), 0, 1, T(0), 0},
+      {NAME(Atan2), -T(0), largest, -T(0), 0},
+      {NAME(Atan2), 0, 0, T(0), 0},
+      {NAME(Atan2), -T(0), 0, -T(0), 0},
+  };
+  for (const char *name : {NAME(Asin), NAME(Acos), NAME(Atanh)})
+    for (const T x : {above, -above, largest, inf, -inf}) rows.push_back({name, x, 0, domain_nan, 1});
+  for (const T x : {below, T(0), -T(0), -smallest, T(-1), -largest, -inf})
+    rows.push_back({NAME(Acosh), x, 0, domain_nan, 1});
+  for (const char *name : {NAME(Atan), NAME(Asin), NAME(Acos), NAME(Acosh), NAME(Asinh), NAME(Atanh)}) {
+    rows.push_back({name, quiet, 0, quiet, 0});
+    rows.push_back({name, negative_quiet, 0, negative_quiet, 0});
+    rows.push_back({name, nan<T>(0x1234, true), 0, quiet, 0});
+  }
+  for (const char *name : {NAME(Atan), NAME(Asin), NAME(Asinh), NAME(Atanh)})
+    for (const T x : {T(0), -T(0), smallest, -smallest, normal, next_down(normal)})
+      rows.push_back({name, x, 0, x, 0});
+  // Axes, diagonals and corners, where the angle is a multiple of pi/4.
+  for (const T sign : {T(1), T(-1)})
+    for (const T x : {-T(0), -smallest, T(1), -largest, inf, -inf})
+      for (const T y : {T(0), smallest, largest, inf})
+        if (x < 0 || y > 0) rows.push_back({NAME(Atan2), std::copysign(y, sign), x, accurate, 0});
+  return rows;
+}
+
 }  // namespace
 
 template <class T>
@@ -286,6 +336,7 @@ std::vector<Special<T>> special_values() {
       rows.push_back(row);
   for (const Special<T> &row : exp_thresholds(T())) rows.push_back(row);
   for (const Special<T> &row : circular_values<T>(inf, smallest, normal, largest)) rows.push_back(row);
+  for (const Special<T> &row : inverse_values<T>(inf, smallest, normal, largest)) rows.push_back(row);
   return rows;
 }
 template std::vector<Special<double>> special_values();

@@ -6,6 +6,26 @@
 
 #pragma GCC visibility push(hidden)
 
+namespace qkr::arc_tangent {
+// Row 2k: a, c, hi, lo: the direction (a, c) with c/a the k-th slope from 0 to infinity, and its angle hi +
+// lo; row 2k + 1: the same for (-a, c).
+alignas(64) extern const double directions[164][4];
+// arctan t = t + t z p(z), z = t^2.
+alignas(64) extern const double polynomial_for_double[4];
+alignas(64) extern const double polynomial_for_single[5];
+}  // namespace qkr::arc_tangent
+
+namespace qkr::arc_sine {
+// arcsin u = u + u z p(z), z = u^2.
+alignas(64) extern const double polynomial_for_double[13];
+alignas(64) extern const double polynomial_for_single[6];
+}  // namespace qkr::arc_sine
+
+namespace qkr::area {
+// Row k: r, about 1/(1 + k/16), and -ln r.
+alignas(64) extern const double short_logarithms[16][2];
+}  // namespace qkr::area
+
 namespace qkr::circular {
 // Row j: T0, T1, T2, T3 for the sine around the node a = 2 pi j / rows: sin(a) = T1 + T2, cos(a) = T3 + T0.
 alignas(64) extern const double SinCosTbl[64][4];
