@@ -82,7 +82,6 @@ QKR_INLINE double square_root(double x) { return __builtin_sqrt(x); }
 QKR_INLINE double larger(double a, double b) { return a > b ? a : b; }
 QKR_INLINE float larger(float a, float b) { return a > b ? a : b; }
 QKR_INLINE double smaller(double a, double b) { return a < b ? a : b; }
-QKR_INLINE f64 larger(f64 a, double b) { return larger(a, lanes(b)); }
 QKR_INLINE double widen(float x) { return x; }
 QKR_INLINE float narrow(double x) { return (float)x; }
 QKR_INLINE double zero_unless(double v, double c) { return c != 0.0 ? v : 0.0; }

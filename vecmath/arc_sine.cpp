@@ -106,7 +106,7 @@ static void arc_of_any(ptrdiff_t i, Arrays<T> v, const char *name) {
   const T x = v.a[i];
   if (__builtin_fabs(x) <= 1) v.r[i] = Kernel::core(x);
   else if (x != x) v.r[i] = x + x;
-  else sse2::store_and_report(sse2::default_nan<T>, 1, i, v, name);
+  else sse2::store_and_report(indefinite<T>(), 1, i, v, name);
 }
 
 extern "C" void _dAsin_Scalar(ptrdiff_t i, Arrays<double> v) {

@@ -180,7 +180,7 @@ static void asinh_of_any(ptrdiff_t i, Arrays<T> v) {
 template <class Kernel, class T>
 static void acosh_of_any(ptrdiff_t i, Arrays<T> v, const char *name) {
   const T x = v.a[i];
-  if (x < 1) sse2::store_and_report(sse2::default_nan<T>, 1, i, v, name);
+  if (x < 1) sse2::store_and_report(indefinite<T>(), 1, i, v, name);
   else v.r[i] = x < (T)__builtin_inf() ? Kernel::core(x) : x + x;
 }
 
@@ -188,8 +188,8 @@ template <class Kernel, class T>
 static void atanh_of_any(ptrdiff_t i, Arrays<T> v, const char *name) {
   const T x = v.a[i], size = __builtin_fabs(x);
   if (size < 1) v.r[i] = Kernel::core(x);
-  else if (size == 1) sse2::store_and_report(__builtin_copysign((T)__builtin_inf(), x), 2, i, v, name);
-  else if (size > 1) sse2::store_and_report(sse2::default_nan<T>, 1, i, v, name);
+  else if (size == 1) sse2::store_and_report((T)__builtin_copysign((T)__builtin_inf(), x), 2, i, v, name);
+  else if (size > 1) sse2::store_and_report(indefinite<T>(), 1, i, v, name);
   else v.r[i] = x + x;
 }
 

@@ -21,7 +21,7 @@ struct ErfDouble : UnaryKernel<double, 2> {
   // erf x = T + d + d * (slope - 1): what follows the exact T.hi + d is small beside it. T is scaled up.
   template <class V>
   QKR_INLINE static V core(V x) {
-    const NearestRow<7, V> at(smaller(size_of(x), one_from));
+    const NearestRow<7, V> at(smaller(absolute<double>(x), one_from));
     V t_hi, t_lo, c1, c2, c3, c4, c5, c6;
     look_up(erf_double::rows, at.row, t_hi, t_lo, c1, c2, c3, c4, c5, c6);
     const V d = at.distance;
@@ -45,8 +45,8 @@ struct ErfSingle : UnaryKernel<float, QKR_BASELINE ? 1 : 2> {
   template <class V>
   QKR_INLINE static V core(V x) {
     const auto wide = widen(x);
-    const auto r = cubic(erf_single::rows, smaller(size_of(wide), one_from));
-    return narrow(real(bits(r) | (bits(wide) & sign_bit)));
+    const auto r = cubic(erf_single::rows, smaller(absolute<double>(wide), one_from));
+    return narrow(real(bits(r) | (bits(wide) & sign_bit<double>)));
   }
   static void scalar(ptrdiff_t i, Arrays<float> v) {
     const float x = v.a[i];
@@ -85,8 +85,8 @@ struct ErfcDouble : UnaryKernel<double, 2> {
   // For negative x, 2 - erfc -x.
   template <class V>
   QKR_INLINE static V core(V x) {
-    const ScaledErfc<V> size(smaller(size_of(x), fast_limit));
-    const auto sign = bits(x) & sign_bit;
+    const ScaledErfc<V> size(smaller(absolute<double>(x), fast_limit));
+    const auto sign = bits(x) & sign_bit<double>;
     const V scale = real((((bits(size.t) >> 6) + 1023u) << 52) | sign);
     const V two = real(sign >> 1);  // or 0
     const V hi = size.hi * scale, lo = size.lo * scale;
@@ -126,9 +126,9 @@ struct ErfcSingle : UnaryKernel<float, 1> {
   template <class V>
   QKR_INLINE static V core(V x) {
     const auto wide = widen(x);
-    const auto size = smaller(size_of(wide), zero_from), square = size * size;
+    const auto size = smaller(absolute<double>(wide), zero_from), square = size * size;
     const auto e = ExpSteps::scaled(ExpSteps::reduce(0.0 - square, 0.0));
-    const auto sign = bits(wide) & sign_bit;
+    const auto sign = bits(wide) & sign_bit<double>;
     return narrow(real(sign >> 1) + real(bits(e * cubic(erfc_single::rows, size)) | sign));
   }
   static void scalar(ptrdiff_t i, Arrays<float> v) {

@@ -3,24 +3,18 @@
 #pragma once
 
 #include "vecmath/frame.h"
+#include "vecmath/sign.h"
 #include "vecmath/tables/tables.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
-
-constexpr uint64_t sign_bit = 0x8000000000000000u;
-
-template <class V>
-QKR_INLINE V size_of(V x) {
-  return real(bits(x) & ~sign_bit);
-}
 
 // Results and what they are the sum of are scaled up, so that close to the subnormal numbers only the result
 // itself loses bits.
 constexpr double scaled_up = 0x1p64;
 template <class V>
 QKR_INLINE V scaled_down(V size, V x) {
-  return size * real((bits(x) & sign_bit) | __builtin_bit_cast(uint64_t, 1 / scaled_up));
+  return size * real((bits(x) & sign_bit<double>) | __builtin_bit_cast(uint64_t, 1 / scaled_up));
 }
 
 // The row nearest to x >= 0, the lower of two, and the distance of x from its node. It is exact: from row 1

@@ -8,23 +8,12 @@
 #include "vecmath/contract.h"
 #include "vecmath/exponential.h"
 #include "vecmath/scalar.h"
+#include "vecmath/sign.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
 constexpr double round_to_integer = ExpSteps::s_dwRS;
-
-template <class T>
-constexpr auto sign_mask = ~magnitude(~decltype(bits(T()))());
-
-template <class T, class V>
-QKR_INLINE V size_of(V x) {
-  return real(bits(x) & ~sign_mask<T>);
-}
-template <class T, class V>
-QKR_INLINE V with_sign_of(V x, V size) {
-  return real(bits(size) | (bits(x) & sign_mask<T>));
-}
 
 // |x| = a + r + r_low with a = N ln2/64; and e^a / 2 and e^-a / 2, each as hi + low, over 2^k, k = N >> 6.
 template <class V>
@@ -140,7 +129,7 @@ struct GrowingHyperbolic : UnaryKernel<T, 1> {
   }
   template <class V>
   QKR_INLINE static V core(V x) {
-    const V size = size_of<T>(x);
+    const V size = absolute<T>(x);
     if constexpr (is_double) return Value::template with_sign<T>(x, Value::of_size(size));
     else return Value::template with_sign<T>(x, narrow(Value::of_single(widen(size))));
   }
@@ -169,7 +158,7 @@ struct TanhDouble : UnaryKernel<double, 1> {
   }
   template <class V>
   QKR_INLINE static V core(V x) {
-    const V size = smaller(size_of<double>(x), 20.0);
+    const V size = smaller(absolute<double>(x), 20.0);
     const V t = size * 16.0 + round_to_integer, n = t - round_to_integer;
     const V r = exact_mad(n, -1.0 / 16, size), r2 = r * r;
     V node, node_low;
@@ -207,7 +196,7 @@ struct TanhSingle : UnaryKernel<float, 1> {
   }
   template <class V>
   QKR_INLINE static V core(V x) {
-    return with_sign_of<float>(x, narrow(of_size(smaller(widen(size_of<float>(x)), 10.0))));
+    return with_sign_of<float>(x, narrow(of_size(smaller(widen(absolute<float>(x)), 10.0))));
   }
   static void scalar(ptrdiff_t i, Arrays<float> v) {
     const float x = v.a[i];

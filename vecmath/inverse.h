@@ -4,6 +4,7 @@
 
 #include "simd/simd.h"
 #include "vecmath/frame.h"
+#include "vecmath/sign.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -23,18 +24,6 @@ QKR_INLINE auto rounded(V x) {
   else return x;
 }
 
-constexpr uint64_t sign_bit = 0x8000000000000000u;
-
-template <class T, class V>
-QKR_INLINE V absolute(V x) {
-  if constexpr (is_single<T>) return real(bits(x) & 0x7FFFFFFFu);
-  else return real(bits(x) & ~sign_bit);
-}
-template <class V, class Sign>
-QKR_INLINE V flip_sign(V x, Sign sign) {
-  return real(bits(x) ^ (bits(sign) & sign_bit));
-}
-
 // 1/x to 5.1 % for normal x from 2^-1022 to 2^1022, and some finite number for 0: enough to turn the
 // remainder of a quotient or root into its tail.
 template <class V>
@@ -43,18 +32,11 @@ QKR_INLINE V rough_reciprocal(V x) {
 }
 
 // What a scalar routine does with an element in error.
-QKR_INLINE void store_and_report(double result, int32_t status, ptrdiff_t i, Arrays<double> v,
-                                 const char *name) {
-  v.r[i] = result;
-  _vxmdErrorGate(status, i, v.a, v.a, v.r, v.r, name);
-}
-QKR_INLINE void store_and_report(float result, int32_t status, ptrdiff_t i, Arrays<float> v,
-                                 const char *name) {
-  v.r[i] = result;
-  _vxmsErrorGate(status, i, v.a, v.a, v.r, v.r, name);
-}
 template <class T>
-constexpr T default_nan = -__builtin_nan("");  // 0xFFF8000000000000, 0xFFC00000
+void store_and_report(T result, int32_t status, ptrdiff_t i, Arrays<T> v, const char *name) {
+  v.r[i] = result;
+  report(status, i, v, name);
+}
 
 // Even and odd powers by themselves: two chains of operations half as long. At least four terms.
 template <size_t terms, class V>

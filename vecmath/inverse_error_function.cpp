@@ -21,7 +21,7 @@ struct ErfInvDouble : UnaryKernel<double, QKR_BASELINE ? 1 : 2> {
 
   template <class V>
   QKR_INLINE static V core(V x) {
-    const V size = smaller(size_of(x), 1.0 - 0x1p-53);
+    const V size = smaller(absolute<double>(x), 1.0 - 0x1p-53);
     // 1 - x^2 = u + u_lo, by at most a part of 2^28.
     const V square = size * size, u = 1.0 - square;
     const V u_lo = ((1.0 - u) - square) - product_error(size, size, square);
@@ -55,7 +55,7 @@ struct ErfInvSingle : UnaryKernel<float, QKR_BASELINE ? 1 : 2> {
 
   template <class V>
   QKR_INLINE static V core(V x) {
-    const auto wide = widen(x), size = smaller(size_of(wide), 1.0 - 0x1p-24);
+    const auto wide = widen(x), size = smaller(absolute<double>(wide), 1.0 - 0x1p-24);
     const LogReduction u_is(1.0 - size * size);
     const auto z = u_is.head_residual + u_is.tail * u_is.r;
     const auto rest = u_is.t_lo + (z + (z * z) * (-0.5 + z * (1.0 / 3)));
