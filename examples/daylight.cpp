@@ -118,13 +118,14 @@ static int32_t never_sets_or_rises(VxmErrorContext *element) {
 // Hours from sunrise to sunset, day by day.
 static Array day_length(const Sun &sun, double latitude) {
   const SineCosine declination(sun.declination);
-  Array angle = each(days, [&](size_t i) {
+  const Array cosine = each(days, [&](size_t i) {
     return (std::sin(sunset) - std::sin(latitude) * declination.sin[i]) /
            (std::cos(latitude) * declination.cos[i]);
   });
   const int32_t mode = _vxmSetMode(VXM_MODE_CALLBACK);  // nothing but the callback: no errno, no exception
   const VxmErrorCallBack before = _vxmSetErrorCallBack(never_sets_or_rises);
-  _vxmdAcos_HA(days, angle.data(), angle.data());
+  Array angle(days);
+  _vxmdAcos_HA(days, cosine.data(), angle.data());  // not in place: the callback looks at the argument
   _vxmSetErrorCallBack(before);
   _vxmSetMode(mode);
   return each(days, [&](size_t i) { return angle[i] * 24 / pi; });
