@@ -124,7 +124,7 @@ QKR_INLINE void emit(const Word *words, int n, typename Output::Element *out, co
 // What InitStream does for a generator that can be neither split nor moved; its Methods add seed(), and hide
 // what they can do better.
 struct NotPartitioned {
-  static int32_t leapfrog(StreamState *, int32_t, int32_t) { return VXS_STATUS_NO_LEAPFROG; }
+  static int32_t leapfrog(StreamState *, int32_t, const int32_t *) { return VXS_STATUS_NO_LEAPFROG; }
   static int32_t skip_ahead(StreamState *, int32_t) { return VXS_STATUS_NO_SKIP_AHEAD; }
 };
 
@@ -134,7 +134,7 @@ int32_t init_stream(int32_t method, StreamState *stream, int32_t n, const void *
     case VXS_INIT_SEED:
       return Methods::seed(stream, n, static_cast<const uint32_t *>(params));
     case VXS_INIT_LEAPFROG:
-      return Methods::leapfrog(stream, n, *static_cast<const int32_t *>(params));
+      return Methods::leapfrog(stream, n, static_cast<const int32_t *>(params));
     case VXS_INIT_SKIP_AHEAD:
       return Methods::skip_ahead(stream, n);
     default:

@@ -65,9 +65,9 @@ struct Methods {
     payload_of<Mcg31>(stream) = {x ? x : 1, multiplier};
     return VXS_STATUS_OK;
   }
-  static int32_t leapfrog(StreamState *stream, int32_t stride, int32_t index) {
+  static int32_t leapfrog(StreamState *stream, int32_t stride, const int32_t *index) {
     Mcg31 &state = payload_of<Mcg31>(stream);
-    skip_ahead(stream, index);
+    skip_ahead(stream, *index);
     state.a = power(state.a, stride);
     return VXS_STATUS_OK;
   }
