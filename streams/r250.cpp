@@ -37,8 +37,9 @@ QKR_INLINE void run(R250 &state, int count, typename Output::Element *out, const
     }
   }
   for (; i < count; ++i) output.put_one(out + i, replaced[i] ^= added[i]);
-  state.i0 = (state.i0 + count) % words;
-  state.i1 = (state.i1 + count) % words;
+  const auto moved = [count](int32_t index) { return index + count < words ? index + count : 0; };
+  state.i0 = moved(state.i0);
+  state.i1 = moved(state.i1);
 }
 
 template <class Output>
