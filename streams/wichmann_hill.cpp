@@ -1,6 +1,7 @@
 // WH: four multiplicative generators with prime moduli below 2^24, whose fractions x / m add up to one real
-// (B. A. Wichmann and I. D. Hill, Applied Statistics 31 (1982) 188; with four components: N. M. Maclaren, Applied
-// Statistics 38 (1989) 351). The residues are doubles here: products stay below 2^48, so they are exact.
+// (B. A. Wichmann and I. D. Hill, Applied Statistics 31 (1982) 188; with four components: N. M. Maclaren,
+// Applied Statistics 38 (1989) 351). The residues are doubles here: products stay below 2^48, so they are
+// exact.
 #include "streams/congruential.h"
 #include "streams/tables/tables.h"
 
@@ -21,8 +22,8 @@ QKR_INLINE V product(V x, M a, M m, M inverse) {
   return exact_mad(quotient, 0.0 - m, x * a);
 }
 
-// Element i of a line of `line_length` times the component: x a^i mod m. Leaves in a its power that leads from
-// one line to the next. `stride` is the distance of successive elements.
+// Element i of a line of `line_length` times the component: x a^i mod m. Leaves in a its power that leads
+// from one line to the next. `stride` is the distance of successive elements.
 QKR_INLINE void fill_line(double *line, int line_length, int stride, double x, double &a, double m,
                           double inverse) {
   line[0] = x;
@@ -94,7 +95,8 @@ QKR_INLINE void fill_words(StreamState *stream, int32_t n, uint32_t *out) {
     for (int j = 0; j < components; ++j) {
       double power = a[j];
       fill_line(line + j, in_flight, components, x[j], power, m[j], inverse[j]);
-      for (int k = j; k < lanes; k += components) onward[k] = power, moduli[k] = m[j], inverses[k] = inverse[j];
+      for (int k = j; k < lanes; k += components)
+        onward[k] = power, moduli[k] = m[j], inverses[k] = inverse[j];
     }
     Two<f64> first, second, by, modulo, inverse_of;
     load(line, first);
@@ -160,8 +162,7 @@ QKR_REAL_ENTRIES(WH, fill, doubles(b - a, a), singles((double)b - a, a))
 
 #if QKR_BASELINE
 extern "C" uint32_t __vxsiPowMod(uint32_t base, int32_t exponent, uint32_t modulus) {
-  return qkr::sse2::power_of(base, exponent, [modulus](uint32_t x, uint32_t y) {
-    return (uint32_t)((uint64_t)x * y % modulus);
-  });
+  return qkr::sse2::power_of(
+      base, exponent, [modulus](uint32_t x, uint32_t y) { return (uint32_t)((uint64_t)x * y % modulus); });
 }
 #endif

@@ -188,8 +188,9 @@ QKR_API void __vxsDeleteChunks(StreamState *stream);
  * - MCG59: x' = 13^13 x mod 2^59. Two seed words, the lower half first. Reals are x 2^-59 (b - a) + a. Its
  *   integers are 64-bit: `out` takes 2 n words.
  * - WH: four components x' = a x mod m with primes m below 2^24 (B. A. Wichmann and I. D. Hill, Applied
- *   Statistics 31 (1982) 188). Four seed words. A real is the fraction of the sum of x / m, times b - a, plus a.
- *   An integer is the four x: `out` takes 4 n words.
+ *   Statistics 31 (1982) 188). Four seed words. A real is the fraction of the sum of x / m, times b - a, plus
+ * a. An integer is the four x: `out` takes 4 n words.
+ * - iAbstract, dAbstract, sAbstract: see qkr/streams_abstract.h.
  * @{ */
 #define QKR_GENERATOR(G)                                                                          \
   QKR_API int32_t __vxsBRng##G##InitStream(int32_t method, StreamState *stream, int32_t n,        \
@@ -200,12 +201,15 @@ QKR_API void __vxsDeleteChunks(StreamState *stream);
 QKR_GENERATOR(MCG31M1)
 QKR_GENERATOR(MCG59)
 QKR_GENERATOR(WH)
+QKR_GENERATOR(iAbstract)
+QKR_GENERATOR(dAbstract)
+QKR_GENERATOR(sAbstract)
 #undef QKR_GENERATOR
 /** @} */
 
 /** @name Modular powers
- * base^exponent by repeated squaring, as skip-ahead and leapfrog use them; 1 if the exponent is 0. The bits of
- * the exponent count as an unsigned number.
+ * base^exponent by repeated squaring, as skip-ahead and leapfrog use them; 1 if the exponent is 0. The bits
+ * of the exponent count as an unsigned number.
  * @{ */
 QKR_API uint32_t __vxsiPowMod(uint32_t base, int32_t exponent, uint32_t modulus); /**< modulo `modulus` */
 QKR_API uint32_t __vxsiPowMod2P31M1(uint32_t base, int32_t exponent);             /**< modulo 2^31 - 1 */
