@@ -216,6 +216,21 @@ QKR_API uint32_t __vxsiPowMod2P31M1(uint32_t base, int32_t exponent);           
 QKR_API uint64_t __vxsiPowMod2P59(uint64_t base, int32_t exponent);               /**< modulo 2^59 */
 /** @} */
 
+/** @name Functions of one number
+ * For user generators and tests; arrays go through vector math.
+ * @{ */
+
+/** ln(x), within 1 ulp. -infinity, with the event "divide by zero", for 0; NaN, with the event "invalid", for
+ * numbers below 0. */
+QKR_API double __vxsdLn(double x);
+/** ln(x) in double precision, rounded. */
+QKR_API float __vxssLn(float x);
+/** The largest whole number not above x; with the sign of x if it is 0. */
+QKR_API double __vxsdFloor(double x);
+/** The square root of 0 or a positive normal number, within 3 ulp. */
+QKR_API double __vxsdSqrt(double x);
+/** @} */
+
 QKR_END_DECLS
 
 #endif
