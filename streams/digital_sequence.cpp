@@ -1,8 +1,9 @@
-// What becomes of a digital sequence as a whole: memory for its rows, its first point, leapfrog and skip-ahead.
-#include "streams/digital_sequence_setup.h"
-
+// What becomes of a digital sequence as a whole: memory for its rows, its first point, leapfrog and
+// skip-ahead.
 #include <stdlib.h>
 #include <string.h>
+
+#include "streams/digital_sequence_setup.h"
 
 namespace qkr {
 namespace {
@@ -14,8 +15,8 @@ uint32_t change(const uint32_t *row, uint32_t bits) {
   return sum;
 }
 
-// One block holds the record of the chunk, the point, the row addresses and the rows, so that it goes with its chunk;
-// the chunk's size names the record alone.
+// One block holds the record of the chunk, the point, the row addresses and the rows, so that it goes with
+// its chunk; the chunk's size names the record alone.
 QrngUserData *allocate_user_data(int32_t dim) {
   const size_t count = static_cast<size_t>(dim), row_bytes = direction_numbers * sizeof(uint32_t);
   const size_t head = sizeof(QrngUserData) + count * sizeof(uint32_t *);

@@ -1,7 +1,7 @@
-// What the two quasi-random generators, Sobol and Niederreiter in base 2, share. Both are digital sequences: in
-// dimension j the point of index i is the exclusive or of those direction numbers v[j][c] whose bit c is set in the
-// Gray code of i (I. A. Antonov and V. M. Saleev, USSR Computational Mathematics and Mathematical Physics 19 (1980)
-// 252), so the next point costs one exclusive or for each dimension.
+// What the two quasi-random generators, Sobol and Niederreiter in base 2, share. Both are digital sequences:
+// in dimension j the point of index i is the exclusive or of those direction numbers v[j][c] whose bit c is
+// set in the Gray code of i (I. A. Antonov and V. M. Saleev, USSR Computational Mathematics and Mathematical
+// Physics 19 (1980) 252), so the next point costs one exclusive or for each dimension.
 #pragma once
 
 #include "simd/vectors.h"
@@ -49,7 +49,9 @@ struct Sequence {
   uint32_t *record_rows;
   uint32_t **chunk_rows;  // null when the rows lie in the record
 
-  QKR_INLINE uint32_t *row(int32_t j) const { return chunk_rows ? chunk_rows[j] : record_rows + row_stride * j; }
+  QKR_INLINE uint32_t *row(int32_t j) const {
+    return chunk_rows ? chunk_rows[j] : record_rows + row_stride * j;
+  }
   QKR_INLINE Sequence from(int32_t j) const {
     return {position, x + j, record_rows + row_stride * j, chunk_rows ? chunk_rows + j : nullptr};
   }
@@ -64,8 +66,8 @@ QKR_INLINE Sequence sequence_in_chunk(StreamState *stream, const QrngUserData *d
   return {&payload_of<SequencePosition>(stream), data->x, nullptr, data->v};
 }
 
-// Which direction number leads from the point of index `seq` to the next: as many as `seq` has ones at its low end.
-// After 2^32 points the last one leads back to the origin.
+// Which direction number leads from the point of index `seq` to the next: as many as `seq` has ones at its
+// low end. After 2^32 points the last one leads back to the origin.
 QKR_INLINE int next_direction(uint32_t seq) { return __builtin_ctz(~seq | 0x80000000u); }
 
 QKR_INLINE uint32_t gray_code(uint32_t seq) { return seq ^ seq >> 1; }

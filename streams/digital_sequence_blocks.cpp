@@ -1,13 +1,15 @@
 // Blocks of a quasi-random sequence. Three ways to the same words, whichever is fastest:
-// - few dimensions: as many points side by side as a vector has lanes. From an index that this number divides, point p
+// - few dimensions: as many points side by side as a vector has lanes. From an index that this number
+// divides, point p
 //   of a group is the first one changed by the Gray code of p, and all of a group change alike to the next.
-// - more dimensions: one point after the other, held in registers, with copies of the direction numbers in use side by
+// - more dimensions: one point after the other, held in registers, with copies of the direction numbers in
+// use side by
 //   side; a point's last vector reaches into the next point's place, which is written after it.
 // - few points: each on its own, without copies.
+#include <utility>
+
 #include "streams/digital_sequence.h"
 #include "streams/generator.h"
-
-#include <utility>
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -36,13 +38,12 @@ QKR_INLINE void step(const Sequence &s, int32_t dim) {
 
 template <int count, class Function>
 QKR_INLINE void for_constants(Function function) {
-  [&]<int... i>(std::integer_sequence<int, i...>) {
-    (function(std::integral_constant<int, i>()), ...);
-  }(std::make_integer_sequence<int, count>());
+  [&]<int... i>(std::integer_sequence<int, i...>) { (function(std::integral_constant<int, i>()), ...); }
+  (std::make_integer_sequence<int, count>());
 }
 
-// A group of `lanes` points in `dims` dimensions: word i of it belongs to dimension i % dims of point i / dims, and
-// vector t begins with word t * lanes.
+// A group of `lanes` points in `dims` dimensions: word i of it belongs to dimension i % dims of point i /
+// dims, and vector t begins with word t * lanes.
 template <int dims, int t>
 struct GroupVector {
   using Lanes = std::make_integer_sequence<int, lanes>;
@@ -51,26 +52,30 @@ struct GroupVector {
   QKR_INLINE static u32 spread(u32 v) {
     return [v]<int... i>(std::integer_sequence<int, i...>) {
       return (u32)__builtin_shufflevector(v, v, (t * lanes + i) % dims...);
-    }(Lanes());
+    }
+    (Lanes());
   }
   // The places of those points in whose Gray code bit c is set.
   template <int c>
   QKR_INLINE static u32 where_bit() {
     return []<int... i>(std::integer_sequence<int, i...>) {
       return u32{(gray_code((t * lanes + i) / dims) >> c & 1 ? ~0u : 0u)...};
-    }(Lanes());
+    }
+    (Lanes());
   }
 };
 
 // Points of `dims` dimensions, a group at a time.
 template <int dims, class Output>
-QKR_NOINLINE void points_side_by_side(const Sequence &s, int32_t points, Element<Output> *out, Output output) {
+QKR_NOINLINE void points_side_by_side(const Sequence &s, int32_t points, Element<Output> *out,
+                                      Output output) {
   constexpr int bits = __builtin_ctz(lanes);
   constexpr auto dimensions = std::make_integer_sequence<int, dims>();
   const uint32_t *rows[dims];
   for (int j = 0; j < dims; ++j) rows[j] = s.row(j);
   const auto directions = [&](int c) {
-    return [&]<int... j>(std::integer_sequence<int, j...>) { return u32{rows[j][c]...}; }(dimensions);
+    return [&]<int... j>(std::integer_sequence<int, j...>) { return u32{rows[j][c]...}; }
+    (dimensions);
   };
   u32 low[bits];  // direction numbers that change the point within a group
   for_constants<bits>([&](auto c) { low[c] = directions(c); });
@@ -81,7 +86,8 @@ QKR_NOINLINE void points_side_by_side(const Sequence &s, int32_t points, Element
   };
 
   uint32_t p = s.position->seq % lanes, group = s.position->seq - p;
-  const u32 x = [&]<int... j>(std::integer_sequence<int, j...>) { return u32{s.x[j]...}; }(dimensions);
+  const u32 x = [&]<int... j>(std::integer_sequence<int, j...>) { return u32{s.x[j]...}; }
+  (dimensions);
   const u32 first_point = x ^ from_first(p);
   u32 first[dims], changes[dims], directions_in_use[direction_numbers][dims];
   uint32_t in_use = 0;  // a bit for each
@@ -89,7 +95,8 @@ QKR_NOINLINE void points_side_by_side(const Sequence &s, int32_t points, Element
     using Vector = GroupVector<dims, t>;
     first[t] = Vector::spread(first_point);
     changes[t] = u32{};
-    for_constants<bits>([&](auto c) { changes[t] ^= Vector::spread(low[c]) & Vector::template where_bit<c>(); });
+    for_constants<bits>(
+        [&](auto c) { changes[t] ^= Vector::spread(low[c]) & Vector::template where_bit<c>(); });
   });
   const auto next_group = [&] {
     group += lanes;
@@ -187,7 +194,8 @@ QKR_NOINLINE void points_in_strips(const Sequence &s, int32_t dim, int32_t point
 
 // Points of the first `dim` dimensions.
 template <class Output>
-QKR_INLINE void draw_points(const Sequence &s, int32_t dim, int32_t points, Element<Output> *out, Output output) {
+QKR_INLINE void draw_points(const Sequence &s, int32_t dim, int32_t points, Element<Output> *out,
+                            Output output) {
   constexpr int32_t few_dimensions = lanes / 2 < 4 ? lanes / 2 : 4;
   if (dim <= few_dimensions && points * dim >= 2 * lanes) {
     for_constants<few_dimensions>([&](auto less) {
@@ -228,9 +236,38 @@ QKR_NOINLINE void draw(const Sequence &s, int32_t n, Element<Output> *out, Outpu
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-// One block entry of a generator: by the record, by a chunk of user data, and the choice between them.
-#define QKR_SEQUENCE_ENTRY(name, G, parameters, arguments, output)                                           \
-  QKR_ENTRY_OF(int32_t, name##Default, (QKR_SEQUENCE_LIST parameters), (QKR_SEQUENCE_LIST arguments)) {      \
-    draw(qkr::sequence_in_record<qkr::G>(stream), n, out, output);                                           \
+// An entry chooses between its two kernels, of the record and of a chunk. What follows `output` are the names
+// of the interval's ends.
+#define QKR_SEQUENCE_ENTRY(name, G, T, output, ...)                                                          \
+  QKR_ENTRY_OF(int32_t, name##Default, (StreamState * stream, int32_t n, T * out __VA_OPT__(, T a, T b)),    \
+               (stream, n, out __VA_OPT__(, ) __VA_ARGS__)) {                                                \
+    draw(sequence_in_record<G>(stream), n, out, output);                                                     \
     return VXS_STATUS_OK;                                                                                    \
   }                                                                                                          \
+  QKR_ENTRY_OF(                                                                                              \
+      int32_t, name##User,                                                                                   \
+      (StreamState * stream, int32_t n, T * out __VA_OPT__(, T a, T b), const qkr::QrngUserData *chunk),     \
+      (stream, n, out __VA_OPT__(, ) __VA_ARGS__, chunk)) {                                                  \
+    draw(sequence_in_chunk(stream, chunk), n, out, output);                                                  \
+    return VXS_STATUS_OK;                                                                                    \
+  }                                                                                                          \
+  QKR_BASELINE_ONLY(extern "C" int32_t name(StreamState *stream, int32_t n, T *out __VA_OPT__(, T a, T b)) { \
+    const void *chunk = __vxsSearchChunk(stream, qkr::G::chunk_id);                                          \
+    if (!chunk) return name##Default(stream, n, out __VA_OPT__(, ) __VA_ARGS__);                             \
+    return name##User(stream, n, out __VA_OPT__(, ) __VA_ARGS__,                                             \
+                      static_cast<const qkr::QrngUserData *>(chunk));                                        \
+  })
+
+#if QKR_BASELINE
+#define QKR_BASELINE_ONLY(...) __VA_ARGS__
+#else
+#define QKR_BASELINE_ONLY(...)
+#endif
+
+#define QKR_SEQUENCE_ENTRIES(name, G)                                                  \
+  QKR_SEQUENCE_ENTRY(__vxsiBRng##name, G, uint32_t, Words{})                           \
+  QKR_SEQUENCE_ENTRY(__vxsdBRng##name, G, double, doubles((b - a) * 0x1p-32, a), a, b) \
+  QKR_SEQUENCE_ENTRY(__vxssBRng##name, G, float, singles((double)(b - a) * 0x1p-32, a), a, b)
+
+QKR_SEQUENCE_ENTRIES(Sobol, Sobol)
+QKR_SEQUENCE_ENTRIES(Niederr, Niederreiter)

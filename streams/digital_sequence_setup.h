@@ -1,5 +1,5 @@
-// How a digital sequence begins and is moved, for any generator: seeding by dimension or by a user's array, memory
-// for many dimensions, leapfrog and skip-ahead.
+// How a digital sequence begins and is moved, for any generator: seeding by dimension or by a user's array,
+// memory for many dimensions, leapfrog and skip-ahead.
 //
 // A generator G adds to its dimensions and its chunk
 //   fill_rows(s)                 the direction numbers of its own tables
@@ -47,7 +47,8 @@ struct SequenceMethods {
     // A word alone that is out of range means one dimension; at the head of an array it is a mistake.
     if (!user_array && n > 1 && dim > G::largest_dim) return VXS_STATUS_BAD_ARGUMENT;
 
-    memset(stream + 1, 0, sizeof(SequenceRecord<G>));  // what no dimension uses has defined bytes in files too
+    memset(stream + 1, 0,
+           sizeof(SequenceRecord<G>));  // what no dimension uses has defined bytes in files too
     if (user_array && dim > G::largest_dim) {
       const int32_t status = add_user_data(stream, G::chunk_id, dim);
       if (status != VXS_STATUS_OK) return status;
@@ -59,12 +60,12 @@ struct SequenceMethods {
     return VXS_STATUS_OK;
   }
 
-  static int32_t leapfrog(StreamState *stream, int32_t stride, int32_t k) {
+  static int32_t leapfrog(StreamState *stream, int32_t stride, const int32_t *index) {
     const Sequence s = sequence_of<G>(stream);
-    if (stride != 0x7fffffff || static_cast<uint32_t>(k) >= static_cast<uint32_t>(s.position->dim)) {
+    if (stride != 0x7fffffff || static_cast<uint32_t>(*index) >= static_cast<uint32_t>(s.position->dim)) {
       return VXS_STATUS_NO_LEAPFROG;
     }
-    qkr::leapfrog(s, k);
+    qkr::leapfrog(s, *index);
     return VXS_STATUS_OK;
   }
 

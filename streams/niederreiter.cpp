@@ -1,9 +1,11 @@
-// Direction numbers of Niederreiter's sequence in base 2. H. Niederreiter, Journal of Number Theory 30 (1988) 51; P.
-// Bratley, B. L. Fox and H. Niederreiter, ACM Transactions on Modeling and Computer Simulation 2 (1992) 195.
+// Direction numbers of Niederreiter's sequence in base 2. H. Niederreiter, Journal of Number Theory 30 (1988)
+// 51; P. Bratley, B. L. Fox and H. Niederreiter, ACM Transactions on Modeling and Computer Simulation 2
+// (1992) 195.
 //
-// Dimension j has an irreducible polynomial p of degree e. With each of its powers b = p, p^2, ... goes a sequence of
-// bits w that b generates as a linear recurrence. Rows of the 32 x 32 generator matrix are windows of 32 bits on w, e
-// of them for each power; direction number c is column c of the matrix, with the first row at its top bit.
+// Dimension j has an irreducible polynomial p of degree e. With each of its powers b = p, p^2, ... goes a
+// sequence of bits w that b generates as a linear recurrence. Rows of the 32 x 32 generator matrix are
+// windows of 32 bits on w, e of them for each power; direction number c is column c of the matrix, with the
+// first row at its top bit.
 #include "streams/digital_sequence_setup.h"
 #include "streams/generator.h"
 #include "streams/tables/digital_sequences.h"
@@ -19,8 +21,8 @@ uint64_t carry_less_product(uint64_t a, uint32_t b) {
   return product;
 }
 
-// Bits 0 to e + 30 of the sequence of b, which has degree q + e: q zeros, then e ones, then the recurrence, bit t being
-// the sum of the bits t - (q + e) + i over the terms x^i of b below the highest.
+// Bits 0 to e + 30 of the sequence of b, which has degree q + e: q zeros, then e ones, then the recurrence,
+// bit t being the sum of the bits t - (q + e) + i over the terms x^i of b below the highest.
 uint64_t recurrence(uint64_t b, int q, int e) {
   const int degree = q + e;
   const uint64_t terms = b ^ 1ull << degree;

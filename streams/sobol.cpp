@@ -1,9 +1,10 @@
-// Direction numbers of Sobol's sequence. I. M. Sobol, USSR Computational Mathematics and Mathematical Physics 7
-// (1967) 86; polynomials and initial values of P. Bratley and B. L. Fox, Algorithm 659, ACM Transactions on
+// Direction numbers of Sobol's sequence. I. M. Sobol, USSR Computational Mathematics and Mathematical Physics
+// 7 (1967) 86; polynomials and initial values of P. Bratley and B. L. Fox, Algorithm 659, ACM Transactions on
 // Mathematical Software 14 (1988) 88.
 //
-// Dimension j has a primitive polynomial of degree e and odd numbers m[0..31], e of them given. The others follow:
-// m[k] = 2^e m[k-e] ^ m[k-e], and one term more for each coefficient. Direction number k is m[k] 2^(31-k).
+// Dimension j has a primitive polynomial of degree e and odd numbers m[0..31], e of them given. The others
+// follow: m[k] = 2^e m[k-e] ^ m[k-e], and one term more for each coefficient. Direction number k is m[k]
+// 2^(31-k).
 #include "streams/digital_sequence_setup.h"
 #include "streams/generator.h"
 #include "streams/tables/digital_sequences.h"
@@ -57,9 +58,7 @@ void fill_from(const Sequence &s, int32_t first, Tables tables) {
   }
 }
 
-void __vxsSobolInit(const Sequence &s) {
-  fill_from(s, 1, {uSobolIrredPoly, uSobolMInit[0], table_width});
-}
+void __vxsSobolInit(const Sequence &s) { fill_from(s, 1, {uSobolIrredPoly, uSobolMInit[0], table_width}); }
 
 bool __vxsCheckUserInitialParams(int32_t n, const uint32_t *params) {
   if (n < 4 || params[1] != user_array_mark) return false;
