@@ -191,6 +191,37 @@ QKR_API void __vxsDeleteChunks(StreamState *stream);
  *   Statistics 31 (1982) 188). Four seed words. A real is the fraction of the sum of x / m, times b - a, plus
  * a. An integer is the four x: `out` takes 4 n words.
  * - iAbstract, dAbstract, sAbstract: see qkr/streams_abstract.h.
+ * - Sobol, Niederr: quasi-random points, whose components come one after the other. Sobol's sequence has up to
+ *   40 dimensions (P. Bratley and B. L. Fox, Algorithm 659, ACM Transactions on Mathematical Software 14 (1988)
+ *   88), Niederreiter's in base 2 up to 318 (P. Bratley, B. L. Fox and H. Niederreiter, ACM Transactions on
+ *   Modeling and Computer Simulation 2 (1992) 195). The first point is that of index 1, not the origin; after
+ *   2^32 points the sequence repeats. Reals are x (b - a) / 2^32 + a, computed in double precision. The first
+ *   word of params is the dimension d, and 1 is taken for it where it is missing or out of range. More words
+ *   make a user's array; one that is not complete is ignored but for d, and with a d above 40 or 318 refused:
+ *   VXS_STATUS_BAD_ARGUMENT. A user's array may ask for any number of dimensions where the table says so.
+ *   Leapfrog keeps a single dimension: n is 0x7fffffff and the index the dimension, from 0; a stream cannot be
+ *   widened again. Skip-ahead counts components, n of them, more than 0. A stream of more dimensions than its
+ *   record holds keeps addresses in its chunk, so a file does not bring it back in another process.
+ *
+ *   | word of params | content                                        |
+ *   |----------------|------------------------------------------------|
+ *   | 0              | d                                              |
+ *   | 1              | 1                                              |
+ *   | 2              | kind                                           |
+ *   | from 3 on      | by kind; polynomials are over GF(2), bit i being the coefficient of x^i |
+ *
+ *   | generator | kind | words from 3 on                                                           | d |
+ *   |-----------|------|---------------------------------------------------------------------------|---|
+ *   | Sobol     | 1    | polynomials of dimensions 2 to d                                          | to 40 |
+ *   | Sobol     | 2    | w, then w initial values for each of dimensions 2 to d                    | to 40 |
+ *   | Sobol     | 3    | polynomials of dimensions 2 to d, w, w initial values for each of these   | any |
+ *   | Sobol     | 4    | 32 direction numbers for each dimension, used as they stand               | any |
+ *   | Sobol     | 11   | d polynomials, w, w initial values for each dimension                     | any |
+ *   | Niederr   | 1    | d polynomials                                                             | any |
+ *   | Niederr   | 4    | 32 direction numbers for each dimension, used as they stand               | any |
+ *
+ *   Of the w initial values as many are used as the polynomial's degree; those missing are 1. They are odd, and
+ *   number k, from 0, is below 2^(k+1).
  * @{ */
 #define QKR_GENERATOR(G)                                                                          \
   QKR_API int32_t __vxsBRng##G##InitStream(int32_t method, StreamState *stream, int32_t n,        \
@@ -204,6 +235,8 @@ QKR_GENERATOR(WH)
 QKR_GENERATOR(iAbstract)
 QKR_GENERATOR(dAbstract)
 QKR_GENERATOR(sAbstract)
+QKR_GENERATOR(Sobol)
+QKR_GENERATOR(Niederr)
 #undef QKR_GENERATOR
 /** @} */
 
