@@ -180,62 +180,6 @@ QKR_API int32_t __vxsGetNumChunks(const StreamState *stream);
 QKR_API void __vxsDeleteChunks(StreamState *stream);
 /** @} */
 
-/** @name Basic generators
- * The entry points of each, as in its BrngRecord.
- *
- * - MCG31M1: x' = 1132489760 x mod 2^31 - 1 (P. L'Ecuyer, Mathematics of Computation 68 (1999) 249). One seed
- *   word. Reals are x (b - a) / (2^31 - 1) + a, the single-precision ones computed in single precision.
- * - R250: x[i] = x[i - 250] ^ x[i - 147] (S. Kirkpatrick and E. P. Stoll, Journal of Computational Physics 40
- *   (1981) 517). 250 seed words are the register itself; fewer leave it to the first, or to 1, to fill it.
- * - MRG32K3A: two recurrences of order three, modulo m1 = 4294967087 and m2 = 4294944443, combined (P.
- *   L'Ecuyer, Operations Research 47 (1999) 159). Up to six seed words are the state, x before y; 1 stands for
- *   each that is missing. Skips ahead by less than 2^31.
- * - MT19937: the Mersenne twister (M. Matsumoto and T. Nishimura, ACM TOMACS 8 (1998) 3). Any number of seed
- *   words, all of which count; none are the single word 1.
- * - MT2203: 1024 small twisters with recurrences of their own, for parallel streams that are independent by
- *   construction (M. Matsumoto and T. Nishimura, Dynamic creation of pseudorandom number generators, 2000).
- *   Seeded like MT19937.
- *
- * Reals of the last four are x (b - a) / m + a in double precision, where m is m1 for MRG32K3A and 2^32 for the
- * others; those in single precision are then rounded, so that b itself can come out. MT2203 takes the
- * difference b - a of single-precision ends in single precision.
- * @{ */
-#define QKR_GENERATOR(G)                                                                          \
-  QKR_API int32_t __vxsBRng##G##InitStream(int32_t method, StreamState *stream, int32_t n,        \
-                                           const void *params);                                   \
-  QKR_API int32_t __vxssBRng##G(StreamState *stream, int32_t n, float *out, float a, float b);    \
-  QKR_API int32_t __vxsdBRng##G(StreamState *stream, int32_t n, double *out, double a, double b); \
-  QKR_API int32_t __vxsiBRng##G(StreamState *stream, int32_t n, uint32_t *out);
-QKR_GENERATOR(MCG31M1)
-QKR_GENERATOR(R250)
-QKR_GENERATOR(MRG32K3A)
-QKR_GENERATOR(MT19937)
-QKR_GENERATOR(MT2203)
-#undef QKR_GENERATOR
-/** @} */
-
-/** @name Matrices modulo m
- * What skip-ahead of MRG32K3A stands on. A matrix is nine words in rows, a vector three words; results are
- * residues. A result may overwrite an operand, save where that is excluded.
- * @{ */
-
-/** result = a b mod modulus. */
-QKR_API void __vxsiMatr3x3MulMod(const uint32_t *a, const uint32_t *b, uint32_t *result, uint32_t modulus);
-
-/** result = matrix vector mod modulus. */
-QKR_API void __vxsiMatr3x3VectMulMod(const uint32_t *matrix, const uint32_t *vector, uint32_t *result,
-                                     uint32_t modulus);
-
-/** result = matrix^exponent mod modulus. Destroys matrix, which result must not overlap. */
-QKR_API void __vxsiMatr3x3PowMod(uint32_t *matrix, uint32_t *result, uint32_t modulus, uint32_t exponent);
-
-/** Advances three successive numbers of a sequence z[n] = c[0] z[n-1] + c[1] z[n-2] + c[2] z[n-3] mod modulus,
- * oldest first, by exponent steps, in place.
- * @param coefficients c, as residues */
-QKR_API void __vxsiVect3PowMod(uint32_t *vector, const uint32_t *coefficients, uint32_t modulus,
-                               uint32_t exponent);
-/** @} */
-
 QKR_END_DECLS
 
 #endif
