@@ -1,6 +1,6 @@
-// R250: a generalised feedback shift register, s[i] = s[i - 250] ^ s[i - 147]. S. Kirkpatrick and E. P. Stoll,
-// A very fast shift-register sequence random number generator, Journal of Computational Physics 40 (1981)
-// 517.
+// R250: a generalised feedback shift register, s[i] = s[i - 250] ^ s[i - 147]. S. Kirkpatrick and E. P.
+// Stoll, A very fast shift-register sequence random number generator, Journal of Computational Physics 40
+// (1981) 517.
 #include "streams/generator.h"
 
 extern "C" const double _vxsdR250Tab[1];  // what scales words to [0, 1)

@@ -3,13 +3,12 @@
 // creation of pseudorandom number generators", Monte Carlo and Quasi-Monte Carlo Methods 1998 (2000) 56.
 #pragma once
 
-#include <wmmintrin.h>
-
 #include <array>
 #include <bit>
 #include <bitset>
 #include <cstdint>
 #include <utility>
+#include <wmmintrin.h>
 
 namespace mt2203 {
 

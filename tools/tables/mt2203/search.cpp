@@ -81,7 +81,8 @@ struct SmallFactors {
       for (const Root &root : roots) irreducible = irreducible && remainder(modulus, root.modulus) != 0;
       if (!irreducible) continue;
       uint32_t powers[words + 1] = {remainder(1, modulus)};
-      for (int k = 1; k <= words; ++k) powers[k] = multiply_modulo(powers[k - 1], remainder(2, modulus), modulus);
+      for (int k = 1; k <= words; ++k)
+        powers[k] = multiply_modulo(powers[k - 1], remainder(2, modulus), modulus);
       roots.push_back({modulus, powers[words] ^ powers[middle], powers[words - 1] ^ powers[middle - 1]});
     }
   }
@@ -144,7 +145,8 @@ Parameters beam_search(uint32_t twist) {
         }
       }
     }
-    for (Candidate &child : children) child.defect += degree / v - Equidistribution(child.parameters).dimension(v);
+    for (Candidate &child : children)
+      child.defect += degree / v - Equidistribution(child.parameters).dimension(v);
     std::stable_sort(children.begin(), children.end(),
                      [](const Candidate &x, const Candidate &y) { return x.defect < y.defect; });
     if (children.size() > width) children.resize(width);
