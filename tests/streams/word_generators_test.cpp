@@ -1,154 +1,47 @@
-// R250, MRG32K3A, MT19937, MT2203: seeding, statuses, published outputs, and the same numbers and states as
-// one step at a time at every vector width, however the draws are split.
+// R250, MRG32K3A, MT19937, MT2203: published numbers, seeding, states that only a file could bring, and the
+// matrices behind skip-ahead.
 #include <algorithm>
-#include <cstring>
-#include <gtest/gtest.h>
-#include <memory>
-#include <qkr/streams_generators.h>
 #include <random>
-#include <vector>
 
 #include "streams/tables/tables.h"
-#include "tests/streams/one_step.h"
+#include "tests/streams/stream.h"
 #include "tests/support/levels.h"
 
 namespace {
 
+using namespace qkr::tests;
+
 using Words = std::vector<uint32_t>;
+constexpr uint32_t r250 = 0x200000, mrg32k3a = 0x300000, mt19937 = 0x800000, mt2203 = 0x900000;
 
-enum Id : uint32_t { r250 = 0x200000, mrg32k3a = 0x300000, mt19937 = 0x800000, mt2203 = 0x900000 };
+// The running state as words: all four generators keep nothing else.
+uint32_t *state(const Stream &stream) { return reinterpret_cast<uint32_t *>(stream.get() + 1); }
 
-struct Delete {
-  void operator()(StreamState *stream) const { __vxsDeleteStream(&stream); }
-};
-using Stream = std::unique_ptr<StreamState, Delete>;
-
-Stream new_stream(uint32_t id, const Words &seeds) {
-  StreamState *stream = nullptr;
-  EXPECT_EQ(__vxsNewStreamEx(&stream, id, (int32_t)seeds.size(), seeds.data()), VXS_STATUS_OK);
-  return Stream(stream);
-}
-
-template <class State>
-State &state_of(const Stream &stream) {
-  return *reinterpret_cast<State *>(stream.get() + 1);
-}
-
-template <class State>
-bool same_state(const Stream &stream, const State &expected) {
-  return memcmp(stream.get() + 1, &expected, sizeof expected) == 0;
-}
-
-BrngRecord row_of(const Stream &stream) {
-  BrngRecord row;
-  EXPECT_EQ(__vxsGetBrngProperties((int32_t)stream->brng, &row), VXS_STATUS_OK);
-  return row;
-}
-
-Words draw(const Stream &stream, int32_t n) {
-  Words words(n);
-  EXPECT_EQ(row_of(stream).iBrng(stream.get(), n, words.data()), VXS_STATUS_OK);
-  return words;
-}
-
-Words seed_words(size_t n) {
+Words random_words(size_t n) {
   std::mt19937 random(91);
   Words words(n);
-  for (uint32_t &word : words) word = (uint32_t)random();
+  for (uint32_t &word : words) word = static_cast<uint32_t>(random());
   return words;
 }
 
-template <class State>
-void expect_one_step_at_a_time(Id id, const Stream &start) {
-  constexpr double a = -1.7, b = 3.3;
-  constexpr float fa = -1.7f, fb = 3.3f;
-  const double width_of_singles = id == mt2203 ? (double)(fb - fa) : (double)fb - (double)fa;
-  qkr::tests::for_each_level([&](const char *) {
-    std::mt19937 random(3);
-    const Stream stream = new_stream(start->brng, {});
-    state_of<State>(stream) = state_of<State>(start);
-    State reference = state_of<State>(start);
-    const BrngRecord row = row_of(stream);
-    const auto numbers = [&](auto entry, auto number) {
-      using Number = decltype(number());
-      for (int draws = 0; draws < 500; ++draws) {
-        const int32_t n = (int32_t)(random() % (draws % 3 == 0 ? 40 : draws % 20 == 1 ? 4000 : 800));
-        std::vector<Number> actual(n + 1, Number(7)), expected(n + 1, Number(7));
-        ASSERT_EQ(entry(n, actual.data()), VXS_STATUS_OK);
-        for (int32_t i = 0; i < n; ++i) expected[i] = number();
-        ASSERT_EQ(memcmp(actual.data(), expected.data(), (n + 1) * sizeof(Number)), 0) << n;
-        ASSERT_TRUE(same_state(stream, reference)) << n;
-      }
-    };
-    numbers([&](int32_t n, uint32_t *out) { return row.iBrng(stream.get(), n, out); },
-            [&] { return reference(); });
-    const double scale = (b - a) / State::modulus, scale_of_singles = width_of_singles / State::modulus;
-    numbers([&](int32_t n, double *out) { return row.dBrng(stream.get(), n, out, a, b); },
-            [&] { return reference() * scale + a; });
-    numbers([&](int32_t n, float *out) { return row.sBrng(stream.get(), n, out, fa, fb); },
-            [&] { return (float)(reference() * scale_of_singles + (double)fa); });
-  });
-}
-
-TEST(WordGenerators, EqualOneStepAtATime) {
-  expect_one_step_at_a_time<one_step::R250>(r250, new_stream(r250, seed_words(250)));
-  expect_one_step_at_a_time<one_step::Mrg32k3a>(mrg32k3a, new_stream(mrg32k3a, seed_words(6)));
-  expect_one_step_at_a_time<one_step::Mt19937>(mt19937, new_stream(mt19937, seed_words(4)));
-  for (uint32_t member : {0u, 500u, 1023u}) {
-    expect_one_step_at_a_time<one_step::Mt2203>(mt2203, new_stream(mt2203 + member, seed_words(4)));
-  }
-}
-
-// Residues at the ends of their range, and words that a file could bring though no seed does.
-TEST(WordGenerators, Mrg32k3aFromExtremeStates) {
-  constexpr uint32_t words[] = {0, 1, 4294967086, 4294944442, 0x7fffff98, 0xffffffff};
-  std::mt19937 random(5);
-  for (int trial = 0; trial < 60; ++trial) {
-    const Stream stream = new_stream(mrg32k3a, {});
-    for (uint32_t &word : state_of<one_step::Mrg32k3a>(stream).x) word = words[random() % 6];
-    for (uint32_t &word : state_of<one_step::Mrg32k3a>(stream).y) word = words[random() % 6];
-    one_step::Mrg32k3a reference = state_of<one_step::Mrg32k3a>(stream);
-    qkr::tests::for_each_level([&](const char *) {
-      for (uint32_t word : draw(stream, 300)) ASSERT_EQ(word, reference());
-      ASSERT_TRUE(same_state(stream, reference));
-    });
-  }
-}
-
-// Indices that only a file could bring: closer together than a vector is wide.
-TEST(WordGenerators, R250WithOtherDistances) {
-  qkr::tests::for_each_level([&](const char *) {
-    for (int32_t i1 : {0, 1, 2, 10, 20, 30, 249}) {
-      const Stream stream = new_stream(r250, {5});
-      state_of<one_step::R250>(stream).i0 = 20;
-      state_of<one_step::R250>(stream).i1 = i1;
-      one_step::R250 reference = state_of<one_step::R250>(stream);
-      for (uint32_t word : draw(stream, 1000)) ASSERT_EQ(word, reference()) << i1;
-      ASSERT_TRUE(same_state(stream, reference)) << i1;
-    }
-  });
-}
-
-// mt19937ar.out of M. Matsumoto and T. Nishimura; the 10000th number is that of the C++ standard, from a
-// state filled by its own rule from 5489.
+// mt19937ar.out of M. Matsumoto and T. Nishimura; the 10000th number is that of the C++ standard, whose state
+// is filled by a rule of its own from 5489.
 TEST(WordGenerators, Mt19937GivesThePublishedNumbers) {
-  EXPECT_EQ(draw(new_stream(mt19937, {0x123, 0x234, 0x345, 0x456}), 5),
+  EXPECT_EQ(draw_words(new_stream(mt19937, {0x123, 0x234, 0x345, 0x456}), 5),
             (Words{1067595299, 955945823, 477289528, 4107218783, 4228976476}));
   const Stream stream = new_stream(mt19937, {});
-  uint32_t(&mt)[624] = state_of<one_step::Mt19937>(stream).mt;
+  uint32_t *mt = state(stream);
   mt[0] = 5489;
   for (uint32_t i = 1; i < 624; ++i) mt[i] = 1812433253 * (mt[i - 1] ^ mt[i - 1] >> 30) + i;
-  EXPECT_EQ(draw(stream, 10000).back(), 4123659995);
+  EXPECT_EQ(draw_words(stream, 10000).back(), 4123659995);
 }
 
-// From six seeds of 12345 the sum of 10^7 reals is 5001090.95 (P. L'Ecuyer, 1999).
+// P. L'Ecuyer gives the sum of ten million reals from six seeds of 12345 as 5001090.95.
 TEST(WordGenerators, Mrg32k3aGivesThePublishedSum) {
   const Stream stream = new_stream(mrg32k3a, Words(6, 12345));
-  std::vector<double> reals(100000);
   double sum = 0;
   for (int block = 0; block < 100; ++block) {
-    __vxsdBRngMRG32K3A(stream.get(), (int32_t)reals.size(), reals.data(), 0, 1);
-    for (double real : reals) sum += real;
+    for (double real : draw_doubles(stream, 100000)) sum += real;
   }
   EXPECT_NEAR(sum, 5001090.95, 0.005);
 }
@@ -167,79 +60,69 @@ TEST(WordGenerators, SeedsThatMeanTheSame) {
       {mrg32k3a, {4294967087, 5, 6, 4294944443, 7, 8, 9}, {0, 5, 6, 0, 7, 8}},
       {mrg32k3a, {0xffffffff, 5, 6, 0xffffffff, 7, 8}, {208, 5, 6, 22852, 7, 8}},
       {mt19937, {}, {1}},
-      {mt2203, {}, {1}},
       {mt2203 + 1023, {}, {1}},
   };
   for (const auto &c : cases) {
-    EXPECT_EQ(draw(new_stream(c.id, c.seeds), 300), draw(new_stream(c.id, c.same), 300)) << std::hex << c.id;
+    EXPECT_EQ(draw_words(new_stream(c.id, c.seeds), 300), draw_words(new_stream(c.id, c.same), 300))
+        << std::hex << c.id << ", " << c.seeds.size() << " seeds";
   }
 }
 
-TEST(WordGenerators, SeedingSetsTheState) {
-  const Words exact = seed_words(250);
-  const Stream literal = new_stream(r250, exact);
-  EXPECT_TRUE(std::equal(exact.begin(), exact.end(), state_of<one_step::R250>(literal).s));
-  EXPECT_EQ(draw(new_stream(r250, Words(250, 0)), 500), Words(500, 0));
+TEST(WordGenerators, R250TakesAWholeRegister) {
+  const Words exact = random_words(251);
+  EXPECT_TRUE(std::equal(exact.begin(), exact.end() - 1, state(new_stream(r250, exact))));
+  EXPECT_EQ(draw_words(new_stream(r250, Words(250, 0)), 500), Words(500, 0));
+}
 
-  const Stream filled = new_stream(r250, {8});
-  const auto &register_ = state_of<one_step::R250>(filled);
-  EXPECT_EQ(register_.s[0], 8u * 69069u);
-  EXPECT_EQ(register_.s[3] >> 31, 1u);
-  EXPECT_EQ(register_.s[3 + 7 * 31], 1u) << "the tip of the triangle";
-  EXPECT_EQ(register_.i1, 103);
-
-  // All seed words count, also beyond the size of the state.
-  for (uint32_t id : {+mt19937, +mt2203}) {
-    Words seeds = seed_words(700);
-    const Words before = draw(new_stream(id, seeds), 50);
+TEST(WordGenerators, TwistersUseAllSeedsAndBeginSpent) {
+  for (const auto &[id, words] : {std::pair{mt19937, 624u}, std::pair{mt2203, 69u}}) {
+    Words seeds = random_words(700);
+    const Stream stream = new_stream(id, seeds);
+    EXPECT_EQ(state(stream)[0], 0x80000000);
+    EXPECT_EQ(state(stream)[words], words) << "index";
     seeds.back() ^= 1;
-    EXPECT_NE(draw(new_stream(id, seeds), 50), before);
+    EXPECT_NE(draw_words(stream, 50), draw_words(new_stream(id, seeds), 50));
   }
-  const Stream member = new_stream(mt2203 + 5, {1});
-  const auto &twister = state_of<one_step::Mt2203>(member);
-  EXPECT_EQ(twister.index, 69);
-  EXPECT_EQ(twister.mt[0], 0x80000000);
-  EXPECT_EQ(memcmp(&twister.matrix, _vxs_mt2203_table[5], 12), 0);
-  EXPECT_EQ(state_of<one_step::Mt19937>(new_stream(mt19937, {1})).index, 624);
 }
 
-TEST(WordGenerators, Statuses) {
-  const struct {
-    uint32_t id;
-    int32_t leapfrog, skip_ahead;
-  } cases[] = {{r250, VXS_STATUS_NO_LEAPFROG, VXS_STATUS_NO_SKIP_AHEAD},
-               {mrg32k3a, VXS_STATUS_NO_LEAPFROG, VXS_STATUS_OK},
-               {mt19937, VXS_STATUS_NO_LEAPFROG, VXS_STATUS_NO_SKIP_AHEAD},
-               {mt2203, VXS_STATUS_NO_LEAPFROG, VXS_STATUS_NO_SKIP_AHEAD}};
-  const int32_t index = 0;
-  for (const auto &c : cases) {
-    const Stream stream = new_stream(c.id, {1});
-    const BrngRecord row = row_of(stream);
-    EXPECT_EQ(row.InitStream(VXS_INIT_LEAPFROG, stream.get(), 2, &index), c.leapfrog);
-    EXPECT_EQ(row.InitStream(VXS_INIT_SKIP_AHEAD, stream.get(), 2, nullptr), c.skip_ahead);
-    for (int32_t method : {3, -1}) {
-      EXPECT_EQ(row.InitStream(method, stream.get(), 2, &index), VXS_STATUS_BAD_METHOD);
-    }
+TEST(WordGenerators, Mt2203MembersHaveTheirParameters) {
+  for (uint32_t member : {0u, 5u, 1023u}) {
+    EXPECT_EQ(memcmp(state(new_stream(mt2203 + member, {1})) + 70, _vxs_mt2203_table[member], 12), 0)
+        << member;
   }
-  StreamState *none = nullptr;
-  EXPECT_EQ(__vxsNewStreamEx(&none, mt2203 + 1024, 0, nullptr), VXS_STATUS_BAD_GENERATOR);
+  EXPECT_NE(draw_words(new_stream(mt2203, {1}), 1), draw_words(new_stream(mt2203 + 1, {1}), 1));
 }
 
-TEST(WordGenerators, Mrg32k3aSkipsAhead) {
-  constexpr int32_t length = 1000000;
-  const Words seeds = seed_words(6), plain = draw(new_stream(mrg32k3a, seeds), length + 1);
-  for (int32_t count : {0, 1, 2, 57, 4096, 65537, 999999, length}) {
-    const Stream stream = new_stream(mrg32k3a, seeds);
-    EXPECT_EQ(__vxsBRngMRG32K3AInitStream(VXS_INIT_SKIP_AHEAD, stream.get(), count, nullptr), VXS_STATUS_OK);
-    EXPECT_EQ(draw(stream, 1)[0], plain[count]) << count;
+// Short draws take one step at a time, long ones go by vectors.
+void expect_same_in_one_draw(const Stream &stream, int32_t n) {
+  for_each_level([&](const char *level) {
+    const Stream stepwise = copy_of(stream), at_once = copy_of(stream);
+    Words expected;
+    for (int32_t i = 0; i < n; ++i) expected.push_back(draw_words(stepwise, 1)[0]);
+    ASSERT_EQ(draw_words(at_once, n), expected) << level;
+    ASSERT_EQ(payload(at_once), payload(stepwise)) << level;
+  });
+}
+
+// Residues at the ends of their range, and words above the moduli.
+TEST(WordGenerators, Mrg32k3aFromExtremeStates) {
+  constexpr uint32_t words[] = {0, 1, 0x7fffff97, 4294944442, 4294967086, 0xffffffff};
+  std::mt19937 random(5);
+  for (int trial = 0; trial < 100; ++trial) {
+    const Stream stream = new_stream(mrg32k3a, {});
+    std::generate_n(state(stream), 6, [&] { return words[random() % 6]; });
+    expect_same_in_one_draw(stream, 300);
   }
-  // The longest skip, against halves of it.
-  const Stream whole = new_stream(mrg32k3a, seeds), halves = new_stream(mrg32k3a, seeds);
-  for (int32_t count : {0x3fffffff, 0x3fffffff, 1}) {
-    __vxsBRngMRG32K3AInitStream(VXS_INIT_SKIP_AHEAD, halves.get(), count, nullptr);
+}
+
+// Indices closer together than a vector is wide.
+TEST(WordGenerators, R250WithOtherDistances) {
+  for (uint32_t i1 : {0, 1, 4, 10, 19, 20, 21, 30, 249}) {
+    const Stream stream = new_stream(r250, {5});
+    state(stream)[250] = 20;
+    state(stream)[251] = i1;
+    expect_same_in_one_draw(stream, 1000);
   }
-  __vxsBRngMRG32K3AInitStream(VXS_INIT_SKIP_AHEAD, whole.get(), 0x7fffffff, nullptr);
-  EXPECT_TRUE(same_state(whole, state_of<one_step::Mrg32k3a>(halves)));
 }
 
 TEST(ModularMatrix, ProductsAndPowers) {
@@ -252,7 +135,7 @@ TEST(ModularMatrix, ProductsAndPowers) {
   __vxsiMatr3x3MulMod(a, square, cube, m);
   uint32_t column[3] = {square[2], square[5], square[8]};
   __vxsiMatr3x3VectMulMod(a, column, column, m);
-  EXPECT_EQ(column[1], cube[5]);
+  EXPECT_EQ((Words{column, column + 3}), (Words{cube[2], cube[5], cube[8]}));
   uint32_t consumed[9];
   memcpy(consumed, a, sizeof a);
   __vxsiMatr3x3PowMod(consumed, power, m, 3);
@@ -261,6 +144,14 @@ TEST(ModularMatrix, ProductsAndPowers) {
   EXPECT_EQ(memcmp(a, square, sizeof square), 0) << "in place";
   __vxsiMatr3x3PowMod(a, power, m, 0);
   EXPECT_EQ((Words{power, power + 9}), (Words{1, 0, 0, 0, 1, 0, 0, 0, 1}));
+}
+
+// z[n] = 2 z[n-1] + 3 z[n-2] + 5 z[n-3] from 1, 1, 1: 10, 28, 91, 316.
+TEST(ModularMatrix, AdvancesASequence) {
+  const uint32_t coefficients[3] = {2, 3, 5};
+  uint32_t z[3] = {1, 1, 1};
+  __vxsiVect3PowMod(z, coefficients, 101, 4);
+  EXPECT_EQ((Words{z, z + 3}), (Words{28, 91, 316 % 101}));
 }
 
 }  // namespace
