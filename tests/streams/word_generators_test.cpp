@@ -1,6 +1,7 @@
 // R250, MRG32K3A, MT19937, MT2203: published numbers, seeding, states that only a file could bring, and the
 // matrices behind skip-ahead.
 #include <algorithm>
+#include <qkr/streams_generators.h>
 #include <random>
 
 #include "streams/tables/tables.h"
