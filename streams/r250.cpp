@@ -11,7 +11,7 @@ const double _vxsdR250Tab[1] = {0x1p-32};
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
-constexpr int words = 250, ahead = 103;
+constexpr int words = 250;
 
 struct R250 {
   uint32_t s[words];
@@ -74,7 +74,7 @@ struct Methods : NotPartitioned {
       InitSeedTable(stream, n > 0 ? seeds[0] : 1);
     }
     state.i0 = 0;
-    state.i1 = ahead;
+    state.i1 = 103;
     return VXS_STATUS_OK;
   }
 };
