@@ -1,7 +1,6 @@
 // 3x3 matrices modulo m, by whose powers a recurrence of order three skips ahead.
+#include <qkr/streams_generators.h>
 #include <string.h>
-
-#include "streams/internal.h"
 
 namespace {
 
