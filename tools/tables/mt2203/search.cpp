@@ -1,16 +1,17 @@
 // Makes rows of the parameter table of MT2203, as "member,matrixA,maskB,maskC,defect":
 //
 //   mt2203_search FIRST LAST          rows of members FIRST to LAST, each from a seed of its own
-//   mt2203_search table < rows.csv    the table, streams/tables/mt2203.cpp, with fewer different masks
+//   mt2203_search table < rows.csv    the table, streams/tables/mt2203.cpp, its masks adjusted
 //
 // A row's matrixA has its top bit set and 2 * member + 1 as its low half, which makes all rows different; the
 // bits between are drawn until the characteristic polynomial is irreducible (about one in 1100 is). The
 // masks come from a beam search, bit by bit as the leading output bits come to depend on them, and from
-// climbing by single bits; the measure is the defect of equidistribution. A row takes about half a second.
+// climbing by single bits; the measure is the defect of equidistribution. A row takes about a second.
 //
 // The masks that the dynamic creation of M. Matsumoto and T. Nishimura (2000) finds repeat often: the family
 // has 786 values of maskB and 344 of maskC. The table replaces the rarest masks by frequent ones that serve
-// the row as well, down to these numbers.
+// the row as well, and changes single bits of masks that
+// rows share, until there are just so many.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -220,6 +221,26 @@ void share(std::vector<Row> &rows, uint32_t Parameters::*mask, size_t kept) {
   }
 }
 
+// The other way round: rows that share a mask change one bit of it, while there are fewer values than
+// `wanted`.
+void part(std::vector<Row> &rows, uint32_t Parameters::*mask, size_t wanted) {
+  std::map<uint32_t, int> uses;
+  for (const Row &row : rows) ++uses[row.parameters.*mask];
+  for (Row &row : rows) {
+    const uint32_t old = row.parameters.*mask;
+    if (given_row(row.member) || uses[old] == 1) continue;
+    for (int bit = 0; bit < 32 && uses.size() < wanted && row.parameters.*mask == old; ++bit) {
+      Parameters changed = row.parameters;
+      changed.*mask ^= 1u << bit;
+      if (bit < first_bit_b || uses.count(changed.*mask)) continue;
+      const int defect = Equidistribution(changed).defect(largest_defect);
+      if (defect > largest_defect) continue;
+      row.parameters = changed, row.defect = defect;
+      ++uses[changed.*mask], --uses[old];
+    }
+  }
+}
+
 int print_table() {
   std::vector<Row> rows;
   Row row;
@@ -230,6 +251,7 @@ int print_table() {
   if (rows.size() != members) return fprintf(stderr, "%zu rows\n", rows.size()), 1;
   share(rows, &Parameters::mask_c, values_of_c);
   share(rows, &Parameters::mask_b, values_of_b);
+  part(rows, &Parameters::mask_b, values_of_b);
   printf("// Made by tools/tables/mt2203/search.cpp; do not edit.\n#include \"streams/tables/tables.h\"\n\n");
   printf("const uint32_t _vxs_mt2203_table[%d][3] = {\n", members);
   for (const Row &shared : rows) {
