@@ -10,8 +10,7 @@
 //
 // The masks that the dynamic creation of M. Matsumoto and T. Nishimura (2000) finds repeat often: the family
 // has 786 values of maskB and 344 of maskC. The table replaces the rarest masks by frequent ones that serve
-// the row as well, and changes single bits of masks that
-// rows share, until there are just so many.
+// the row as well, and changes single bits of masks that rows share, until there are just so many.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
