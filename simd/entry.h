@@ -2,33 +2,36 @@
 //
 //   QKR_ENTRY(name, (int32_t n, const double *a, double *r), (n, a, r)) { ... }
 //
-// The body becomes a function of the level's namespace. The baseline compilation also gets the C function
-// `name`, which calls the body of the processor's level: one indirect call.
+// QKR_ENTRY_OF takes the type of a result first. The body becomes a function of the level's namespace. The
+// baseline compilation also gets the C function `name`, which calls the body of the processor's level: one
+// indirect call.
 #pragma once
 
 #include "simd/level.h"
 #include "simd/vectors.h"
 
 #if QKR_BASELINE
-#define QKR_DISPATCHER(name, parameters, arguments)                                              \
-  extern "C" void name parameters {                                                              \
-    static constexpr void(*const bodies[])                                                       \
+#define QKR_DISPATCHER(result, name, parameters, arguments)                                      \
+  extern "C" result name parameters {                                                            \
+    static constexpr result(*const bodies[])                                                     \
         parameters = {qkr::sse2::name##_body, qkr::avx2::name##_body, qkr::avx512::name##_body}; \
-    bodies[static_cast<int>(qkr::level())] arguments;                                            \
+    return bodies[static_cast<int>(qkr::level())] arguments;                                     \
   }
 #else
-#define QKR_DISPATCHER(name, parameters, arguments)
+#define QKR_DISPATCHER(result, name, parameters, arguments)
 #endif
 
-#define QKR_ENTRY(name, parameters, arguments) \
-  namespace qkr::sse2 {                        \
-  void name##_body parameters;                 \
-  }                                            \
-  namespace qkr::avx2 {                        \
-  void name##_body parameters;                 \
-  }                                            \
-  namespace qkr::avx512 {                      \
-  void name##_body parameters;                 \
-  }                                            \
-  QKR_DISPATCHER(name, parameters, arguments)  \
-  void qkr::QKR_SIMD_LEVEL::name##_body parameters
+#define QKR_ENTRY_OF(result, name, parameters, arguments) \
+  namespace qkr::sse2 {                                   \
+  result name##_body parameters;                          \
+  }                                                       \
+  namespace qkr::avx2 {                                   \
+  result name##_body parameters;                          \
+  }                                                       \
+  namespace qkr::avx512 {                                 \
+  result name##_body parameters;                          \
+  }                                                       \
+  QKR_DISPATCHER(result, name, parameters, arguments)     \
+  result qkr::QKR_SIMD_LEVEL::name##_body parameters
+
+#define QKR_ENTRY(name, parameters, arguments) QKR_ENTRY_OF(void, name, parameters, arguments)

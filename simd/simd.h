@@ -45,6 +45,8 @@ QKR_INLINE double product_error(double a, double b, double product) {
 
 QKR_INLINE void broadcast(double x, f64 &v) { v = x - f64{}; }
 QKR_INLINE void broadcast(float x, f32 &v) { v = x - f32{}; }
+QKR_INLINE void broadcast(uint64_t x, u64 &v) { v = x - u64{}; }
+QKR_INLINE void broadcast(uint32_t x, u32 &v) { v = x - u32{}; }
 
 QKR_INLINE double exact_mad(double a, double b, double c) { return a * b + c; }
 QKR_INLINE float exact_mad(float a, float b, float c) { return a * b + c; }

@@ -64,8 +64,12 @@ QKR_INLINE float real(uint32_t x) { return __builtin_bit_cast(float, x); }
 
 QKR_INLINE void load(const double *p, f64 &v) { memcpy(&v, p, sizeof v); }
 QKR_INLINE void load(const float *p, f32 &v) { memcpy(&v, p, sizeof v); }
+QKR_INLINE void load(const uint64_t *p, u64 &v) { memcpy(&v, p, sizeof v); }
+QKR_INLINE void load(const uint32_t *p, u32 &v) { memcpy(&v, p, sizeof v); }
 QKR_INLINE void store(double *p, f64 v) { memcpy(p, &v, sizeof v); }
 QKR_INLINE void store(float *p, f32 v) { memcpy(p, &v, sizeof v); }
+QKR_INLINE void store(uint64_t *p, u64 v) { memcpy(p, &v, sizeof v); }
+QKR_INLINE void store(uint32_t *p, u32 v) { memcpy(p, &v, sizeof v); }
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL

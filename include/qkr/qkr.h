@@ -4,6 +4,10 @@
 #define QKR_QKR_H
 
 #include <qkr/service.h>
+#include <qkr/streams.h>
+#include <qkr/streams_abstract.h>
+#include <qkr/streams_files.h>
+#include <qkr/streams_generators.h>
 #include <qkr/vecmath.h>
 
 #endif

@@ -1,0 +1,81 @@
+// Integer vectors: products, order of words, and exact conversion between words and doubles.
+#pragma once
+
+#include "simd/simd.h"
+
+namespace qkr::QKR_SIMD_LEVEL {
+namespace {
+
+// unpack_low and unpack_high double the words of a vector so that even_words and odd_words of the two results
+// restore their order, whatever the order between.
+#if QKR_SIMD_BYTES == 64
+// The whole products of the lower halves of 64-bit lanes.
+QKR_INLINE u64 product_of_low_halves(u64 a, u64 b) { return (u64)_mm512_mul_epu32((__m512i)a, (__m512i)b); }
+QKR_INLINE u32 unpack_low(u32 a, u32 b) { return (u32)_mm512_unpacklo_epi32((__m512i)a, (__m512i)b); }
+QKR_INLINE u32 unpack_high(u32 a, u32 b) { return (u32)_mm512_unpackhi_epi32((__m512i)a, (__m512i)b); }
+QKR_INLINE u32 even_words(u64 a, u64 b) { return (u32)_mm512_shuffle_ps((__m512)a, (__m512)b, 0x88); }
+QKR_INLINE u32 odd_words(u64 a, u64 b) { return (u32)_mm512_shuffle_ps((__m512)a, (__m512)b, 0xDD); }
+QKR_INLINE u32 smaller(u32 a, u32 b) { return (u32)_mm512_min_epu32((__m512i)a, (__m512i)b); }
+
+// Words and doubles in order. words_of: of whole numbers from 0 to 2^32 - 1.
+QKR_INLINE Two<f64> doubles_of(u32 w) {
+  return {(f64)_mm512_cvtepu32_pd(_mm512_castsi512_si256((__m512i)w)),
+          (f64)_mm512_cvtepu32_pd(_mm512_extracti64x4_epi64((__m512i)w, 1))};
+}
+QKR_INLINE u32 words_of(Two<f64> x) {
+  const __m256i low = _mm512_cvtpd_epu32((__m512d)x.a), high = _mm512_cvtpd_epu32((__m512d)x.b);
+  return (u32)_mm512_inserti64x4(_mm512_castsi256_si512(low), high, 1);
+}
+// Of numbers below 2^63, with one rounding.
+QKR_INLINE f64 doubles_of(u64 x) { return (f64)_mm512_cvtepi64_pd((__m512i)x); }
+// Of doubles from 0 to below 2^31.
+QKR_INLINE f64 whole_part(f64 x) { return round_by_hardware<_MM_FROUND_TO_ZERO>(x); }
+#elif QKR_SIMD_BYTES == 32
+QKR_INLINE u64 product_of_low_halves(u64 a, u64 b) { return (u64)_mm256_mul_epu32((__m256i)a, (__m256i)b); }
+QKR_INLINE u32 unpack_low(u32 a, u32 b) { return (u32)_mm256_unpacklo_epi32((__m256i)a, (__m256i)b); }
+QKR_INLINE u32 unpack_high(u32 a, u32 b) { return (u32)_mm256_unpackhi_epi32((__m256i)a, (__m256i)b); }
+QKR_INLINE u32 even_words(u64 a, u64 b) { return (u32)_mm256_shuffle_ps((__m256)a, (__m256)b, 0x88); }
+QKR_INLINE u32 odd_words(u64 a, u64 b) { return (u32)_mm256_shuffle_ps((__m256)a, (__m256)b, 0xDD); }
+QKR_INLINE u32 smaller(u32 a, u32 b) { return (u32)_mm256_min_epu32((__m256i)a, (__m256i)b); }
+
+QKR_INLINE Two<f64> doubles_of(u32 w) {
+  const __m128i low = _mm256_castsi256_si128((__m256i)w), high = _mm256_extracti128_si256((__m256i)w, 1);
+  const auto converted = [](__m128i half) {
+    return real((u64)_mm256_cvtepu32_epi64(half) | 0x4330000000000000u) - 0x1p52;
+  };
+  return {converted(low), converted(high)};
+}
+QKR_INLINE u32 words_of(Two<f64> x) {
+  const u32 mixed = even_words(bits(x.a + 0x1p52), bits(x.b + 0x1p52));
+  return (u32)_mm256_permute4x64_epi64((__m256i)mixed, 0xD8);
+}
+QKR_INLINE f64 whole_part(f64 x) { return round_by_hardware<_MM_FROUND_TO_ZERO>(x); }
+#else
+QKR_INLINE u64 product_of_low_halves(u64 a, u64 b) { return (u64)_mm_mul_epu32((__m128i)a, (__m128i)b); }
+QKR_INLINE u32 unpack_low(u32 a, u32 b) { return (u32)_mm_unpacklo_epi32((__m128i)a, (__m128i)b); }
+QKR_INLINE u32 unpack_high(u32 a, u32 b) { return (u32)_mm_unpackhi_epi32((__m128i)a, (__m128i)b); }
+QKR_INLINE u32 even_words(u64 a, u64 b) { return (u32)_mm_shuffle_ps((__m128)a, (__m128)b, 0x88); }
+QKR_INLINE u32 odd_words(u64 a, u64 b) { return (u32)_mm_shuffle_ps((__m128)a, (__m128)b, 0xDD); }
+
+QKR_INLINE Two<f64> doubles_of(u32 w) {
+  u32 high_word;
+  broadcast(0x43300000u, high_word);
+  return {real((u64)unpack_low(w, high_word)) - 0x1p52, real((u64)unpack_high(w, high_word)) - 0x1p52};
+}
+QKR_INLINE u32 words_of(Two<f64> x) { return even_words(bits(x.a + 0x1p52), bits(x.b + 0x1p52)); }
+QKR_INLINE f64 whole_part(f64 x) { return (f64)_mm_cvtepi32_pd(_mm_cvttpd_epi32((__m128d)x)); }
+#endif
+
+#if QKR_SIMD_BYTES < 64
+// The upper half as a multiple of 2^32 above 2^84, the lower above 2^52; only the last sum rounds.
+QKR_INLINE f64 doubles_of(u64 x) {
+  const f64 high = real((x >> 32) | 0x4530000000000000u), low = real((x & 0xFFFFFFFFu) | 0x4330000000000000u);
+  return (high - (0x1p84 + 0x1p52)) + low;
+}
+#endif
+QKR_INLINE Two<f64> doubles_of(Two<u64> x) { return {doubles_of(x.a), doubles_of(x.b)}; }
+QKR_INLINE Two<f64> whole_part(Two<f64> x) { return {whole_part(x.a), whole_part(x.b)}; }
+QKR_INLINE double whole_part(double x) { return (double)(int32_t)x; }
+
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL

@@ -1,0 +1,273 @@
+// Blocks of a quasi-random sequence. Three ways to the same words, whichever is fastest:
+// - few dimensions: as many points side by side as a vector has lanes. From an index that this number
+// divides, point p
+//   of a group is the first one changed by the Gray code of p, and all of a group change alike to the next.
+// - more dimensions: one point after the other, held in registers, with copies of the direction numbers in
+// use side by
+//   side; a point's last vector reaches into the next point's place, which is written after it.
+// - few points: each on its own, without copies.
+#include <utility>
+
+#include "streams/digital_sequence.h"
+#include "streams/generator.h"
+
+namespace qkr::QKR_SIMD_LEVEL {
+namespace {
+
+template <class Output>
+using Element = typename Output::Element;
+
+// Direction number c of each of `count` dimensions.
+QKR_INLINE void copy_directions(const Sequence &s, int c, int32_t count, uint32_t *out) {
+  if (s.chunk_rows) {
+    for (int32_t j = 0; j < count; ++j) out[j] = s.chunk_rows[j][c];
+  } else {
+    for (int32_t j = 0; j < count; ++j) out[j] = s.record_rows[row_stride * j + c];
+  }
+}
+
+// To the next point, in the first `dim` dimensions.
+QKR_INLINE void step(const Sequence &s, int32_t dim) {
+  const int c = next_direction(s.position->seq++);
+  if (s.chunk_rows) {
+    for (int32_t j = 0; j < dim; ++j) s.x[j] ^= s.chunk_rows[j][c];
+  } else {
+    for (int32_t j = 0; j < dim; ++j) s.x[j] ^= s.record_rows[row_stride * j + c];
+  }
+}
+
+template <int count, class Function>
+QKR_INLINE void for_constants(Function function) {
+  [&]<int... i>(std::integer_sequence<int, i...>) { (function(std::integral_constant<int, i>()), ...); }
+  (std::make_integer_sequence<int, count>());
+}
+
+// A group of `lanes` points in `dims` dimensions: word i of it belongs to dimension i % dims of point i /
+// dims, and vector t begins with word t * lanes.
+template <int dims, int t>
+struct GroupVector {
+  using Lanes = std::make_integer_sequence<int, lanes>;
+
+  // The lanes at the head of v, one for each dimension, to all places of their dimensions.
+  QKR_INLINE static u32 spread(u32 v) {
+    return [v]<int... i>(std::integer_sequence<int, i...>) {
+      return (u32)__builtin_shufflevector(v, v, (t * lanes + i) % dims...);
+    }
+    (Lanes());
+  }
+  // The places of those points in whose Gray code bit c is set.
+  template <int c>
+  QKR_INLINE static u32 where_bit() {
+    return []<int... i>(std::integer_sequence<int, i...>) {
+      return u32{(gray_code((t * lanes + i) / dims) >> c & 1 ? ~0u : 0u)...};
+    }
+    (Lanes());
+  }
+};
+
+// Points of `dims` dimensions, a group at a time.
+template <int dims, class Output>
+QKR_NOINLINE void points_side_by_side(const Sequence &s, int32_t points, Element<Output> *out,
+                                      Output output) {
+  constexpr int bits = __builtin_ctz(lanes);
+  constexpr auto dimensions = std::make_integer_sequence<int, dims>();
+  const uint32_t *rows[dims];
+  for (int j = 0; j < dims; ++j) rows[j] = s.row(j);
+  const auto directions = [&](int c) {
+    return [&]<int... j>(std::integer_sequence<int, j...>) { return u32{rows[j][c]...}; }
+    (dimensions);
+  };
+  u32 low[bits];  // direction numbers that change the point within a group
+  for_constants<bits>([&](auto c) { low[c] = directions(c); });
+  const auto from_first = [&](uint32_t p) {  // the change from the first point of a group to its point p
+    u32 sum = {};
+    for_constants<bits>([&](auto c) { sum ^= low[c] & (0u - (gray_code(p) >> c & 1)); });
+    return sum;
+  };
+
+  uint32_t p = s.position->seq % lanes, group = s.position->seq - p;
+  const u32 x = [&]<int... j>(std::integer_sequence<int, j...>) { return u32{s.x[j]...}; }
+  (dimensions);
+  const u32 first_point = x ^ from_first(p);
+  u32 first[dims], changes[dims], directions_in_use[direction_numbers][dims];
+  uint32_t in_use = 0;  // a bit for each
+  for_constants<dims>([&](auto t) {
+    using Vector = GroupVector<dims, t>;
+    first[t] = Vector::spread(first_point);
+    changes[t] = u32{};
+    for_constants<bits>(
+        [&](auto c) { changes[t] ^= Vector::spread(low[c]) & Vector::template where_bit<c>(); });
+  });
+  const auto next_group = [&] {
+    group += lanes;
+    const int c = next_direction(group - 1);
+    if (__builtin_expect(!(in_use >> c & 1), 0)) {
+      in_use |= 1u << c;
+      const u32 v = directions(c) ^ low[bits - 1];
+      for_constants<dims>([&](auto t) { directions_in_use[c][t] = GroupVector<dims, t>::spread(v); });
+    }
+    for_constants<dims>([&](auto t) { first[t] ^= directions_in_use[c][t]; });
+  };
+  const auto part_of_group = [&](int32_t count) {
+    uint32_t words[dims * lanes];
+    for_constants<dims>([&](auto t) { store(words + t * lanes, first[t] ^ changes[t]); });
+    emit(words + p * dims, count * dims, out, output);
+    out += count * dims;
+    points -= count;
+    p += count;
+  };
+
+  if (p > 0) {
+    part_of_group(points < (int32_t)(lanes - p) ? points : (int32_t)(lanes - p));
+    if (p == lanes) next_group(), p = 0;
+  }
+  for (; points >= lanes; points -= lanes, out += dims * lanes) {
+    for_constants<dims>([&](auto t) { put(output, out + t * lanes, first[t] ^ changes[t]); });
+    next_group();
+  }
+  if (points > 0) part_of_group(points);
+
+  uint32_t last[lanes];
+  store(last, first[0] ^ from_first(p));
+  memcpy(s.x, last, dims * sizeof *last);
+  s.position->seq = group + p;
+}
+
+// `width` dimensions of points that lie `stride` apart in the output, as `vectors` vectors.
+template <int vectors, class Output>
+QKR_NOINLINE void strip_of_points(const Sequence &s, int32_t width, int32_t stride, int32_t points,
+                                  Element<Output> *out, Output output) {
+  constexpr int whole_width = vectors * lanes;
+  alignas(u32) uint32_t line[whole_width] = {}, directions_in_use[direction_numbers][whole_width];
+  uint32_t in_use = 0, seq = s.position->seq;
+  u32 x[vectors];
+  memcpy(line, s.x, width * sizeof *line);
+  for_constants<vectors>([&](auto t) { load(line + t * lanes, x[t]); });
+  const auto next_point = [&] {
+    const int c = next_direction(seq++);
+    if (__builtin_expect(!(in_use >> c & 1), 0)) {
+      in_use |= 1u << c;
+      copy_directions(s, c, width, directions_in_use[c]);
+    }
+    for_constants<vectors>([&](auto t) {
+      u32 change;
+      load(directions_in_use[c] + t * lanes, change);
+      x[t] ^= change;
+    });
+  };
+  const auto to_line = [&] { for_constants<vectors>([&](auto t) { store(line + t * lanes, x[t]); }); };
+
+  const bool overhangs = width < whole_width;
+  for (; points > overhangs; --points, out += stride) {
+    for_constants<vectors>([&](auto t) { put(output, out + t * lanes, x[t]); });
+    next_point();
+  }
+  if (overhangs) {
+    to_line();
+    emit(line, width, out, output);
+    next_point();
+  }
+  to_line();
+  memcpy(s.x, line, width * sizeof *line);
+}
+
+// Points of more than lanes / 2 dimensions, so that a point's overhang ends in the next point. Strips of few
+// enough vectors to stay in registers; the last strip of the dimensions first, since its overhang must be
+// written over.
+template <class Output>
+QKR_NOINLINE void points_in_strips(const Sequence &s, int32_t dim, int32_t points, Element<Output> *out,
+                                   Output output) {
+  constexpr int most = 5;
+  constexpr void (*strips[])(const Sequence &, int32_t, int32_t, int32_t, Element<Output> *, Output) = {
+      strip_of_points<1, Output>, strip_of_points<2, Output>, strip_of_points<3, Output>,
+      strip_of_points<4, Output>, strip_of_points<most, Output>};
+  int32_t end = dim, vectors = (dim + lanes - 1) / lanes;
+  for (int32_t left = (vectors + most - 1) / most; left > 0; --left) {
+    const int32_t count = (vectors + left - 1) / left;
+    vectors -= count;
+    const int32_t begin = vectors * lanes;
+    strips[count - 1](s.from(begin), end - begin, dim, points, out + begin, output);
+    end = begin;
+  }
+  s.position->seq += points;
+}
+
+// Points of the first `dim` dimensions.
+template <class Output>
+QKR_INLINE void draw_points(const Sequence &s, int32_t dim, int32_t points, Element<Output> *out,
+                            Output output) {
+  constexpr int32_t few_dimensions = lanes / 2 < 4 ? lanes / 2 : 4;
+  if (dim <= few_dimensions && points * dim >= 2 * lanes) {
+    for_constants<few_dimensions>([&](auto less) {
+      if (dim == less + 1) points_side_by_side<less + 1>(s, points, out, output);
+    });
+  } else if (dim > lanes / 2 && points >= 6) {
+    points_in_strips(s, dim, points, out, output);
+  } else {
+    for (; points > 0; --points, out += dim) {
+      emit(s.x, dim, out, output);
+      step(s, dim);
+    }
+  }
+}
+
+template <class Output>
+QKR_NOINLINE void draw(const Sequence &s, int32_t n, Element<Output> *out, Output output) {
+  SequencePosition &at = *s.position;
+  if (n <= 0) return;
+  if (at.leapDim >= 0) return draw_points(s.from(at.leapDim), 1, n, out, output);
+  if (at.pending > 0) {
+    const int32_t count = n < at.pending ? n : at.pending;
+    emit(s.x + at.dim - at.pending, count, out, output);
+    out += count;
+    n -= count;
+    at.pending -= count;
+    if (at.pending > 0) return;
+    step(s, at.dim);
+  }
+  const int32_t points = n / at.dim, rest = n % at.dim;
+  draw_points(s, at.dim, points, out, output);
+  if (rest > 0) {
+    emit(s.x, rest, out + (n - rest), output);
+    at.pending = at.dim - rest;
+  }
+}
+
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL
+
+// An entry chooses between its two kernels, of the record and of a chunk. What follows `output` are the names
+// of the interval's ends.
+#define QKR_SEQUENCE_ENTRY(name, G, T, output, ...)                                                          \
+  QKR_ENTRY_OF(int32_t, name##Default, (StreamState * stream, int32_t n, T * out __VA_OPT__(, T a, T b)),    \
+               (stream, n, out __VA_OPT__(, ) __VA_ARGS__)) {                                                \
+    draw(sequence_in_record<G>(stream), n, out, output);                                                     \
+    return VXS_STATUS_OK;                                                                                    \
+  }                                                                                                          \
+  QKR_ENTRY_OF(                                                                                              \
+      int32_t, name##User,                                                                                   \
+      (StreamState * stream, int32_t n, T * out __VA_OPT__(, T a, T b), const qkr::QrngUserData *chunk),     \
+      (stream, n, out __VA_OPT__(, ) __VA_ARGS__, chunk)) {                                                  \
+    draw(sequence_in_chunk(stream, chunk), n, out, output);                                                  \
+    return VXS_STATUS_OK;                                                                                    \
+  }                                                                                                          \
+  QKR_BASELINE_ONLY(extern "C" int32_t name(StreamState *stream, int32_t n, T *out __VA_OPT__(, T a, T b)) { \
+    const void *chunk = __vxsSearchChunk(stream, qkr::G::chunk_id);                                          \
+    if (!chunk) return name##Default(stream, n, out __VA_OPT__(, ) __VA_ARGS__);                             \
+    return name##User(stream, n, out __VA_OPT__(, ) __VA_ARGS__,                                             \
+                      static_cast<const qkr::QrngUserData *>(chunk));                                        \
+  })
+
+#if QKR_BASELINE
+#define QKR_BASELINE_ONLY(...) __VA_ARGS__
+#else
+#define QKR_BASELINE_ONLY(...)
+#endif
+
+#define QKR_SEQUENCE_ENTRIES(name, G)                                                  \
+  QKR_SEQUENCE_ENTRY(__vxsiBRng##name, G, uint32_t, Words{})                           \
+  QKR_SEQUENCE_ENTRY(__vxsdBRng##name, G, double, doubles((b - a) * 0x1p-32, a), a, b) \
+  QKR_SEQUENCE_ENTRY(__vxssBRng##name, G, float, singles((double)(b - a) * 0x1p-32, a), a, b)
+
+QKR_SEQUENCE_ENTRIES(Sobol, Sobol)
+QKR_SEQUENCE_ENTRIES(Niederr, Niederreiter)

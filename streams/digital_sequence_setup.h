@@ -1,0 +1,79 @@
+// How a digital sequence begins and is moved, for any generator: seeding by dimension or by a user's array,
+// memory for many dimensions, leapfrog and skip-ahead.
+//
+// A generator G adds to its dimensions and its chunk
+//   fill_rows(s)                 the direction numbers of its own tables
+//   is_valid(n, params)          whether a user's array is complete
+//   fill_user_rows(s, params)    the direction numbers that the array asks for
+#pragma once
+
+#include <string.h>
+
+#include "streams/digital_sequence.h"
+
+namespace qkr {
+
+enum : uint32_t { user_array_mark = 1 };  // in word 1 of a user's array
+
+// As many bits above the lowest one as the polynomial has.
+inline int32_t degree_of(uint32_t polynomial) { return polynomial ? 31 - __builtin_clz(polynomial) : 0; }
+
+// Copies direction numbers, 32 words for each dimension.
+void copy_rows(const Sequence &s, const uint32_t *words);
+
+// Memory for `dim` dimensions in a new chunk. Returns a status.
+int32_t add_user_data(StreamState *stream, uint32_t chunk_id, int32_t dim);
+
+// Puts a sequence whose rows are filled on its first point.
+void start(const Sequence &s);
+
+// Restricts the stream to component k, from the first one not given out yet.
+void leapfrog(const Sequence &s, int32_t k);
+
+// Leaves out the next `count` > 0 components.
+void skip_ahead(const Sequence &s, int32_t count);
+
+template <class G>
+Sequence sequence_of(StreamState *stream) {
+  const auto *data = static_cast<const QrngUserData *>(__vxsSearchChunk(stream, G::chunk_id));
+  return data ? sequence_in_chunk(stream, data) : sequence_in_record<G>(stream);
+}
+
+template <class G>
+struct SequenceMethods {
+  static int32_t seed(StreamState *stream, int32_t n, const uint32_t *params) {
+    const int32_t dim = n > 0 ? static_cast<int32_t>(params[0]) : 1;
+    const bool user_array = n > 1 && dim > 0 && G::is_valid(n, params);
+    // A word alone that is out of range means one dimension; at the head of an array it is a mistake.
+    if (!user_array && n > 1 && dim > G::largest_dim) return VXS_STATUS_BAD_ARGUMENT;
+
+    memset(stream + 1, 0,
+           sizeof(SequenceRecord<G>));  // what no dimension uses has defined bytes in files too
+    if (user_array && dim > G::largest_dim) {
+      const int32_t status = add_user_data(stream, G::chunk_id, dim);
+      if (status != VXS_STATUS_OK) return status;
+    }
+    const Sequence s = sequence_of<G>(stream);
+    s.position->dim = user_array || (dim > 0 && dim <= G::largest_dim) ? dim : 1;
+    user_array ? G::fill_user_rows(s, params) : G::fill_rows(s);
+    start(s);
+    return VXS_STATUS_OK;
+  }
+
+  static int32_t leapfrog(StreamState *stream, int32_t stride, const int32_t *index) {
+    const Sequence s = sequence_of<G>(stream);
+    if (stride != 0x7fffffff || static_cast<uint32_t>(*index) >= static_cast<uint32_t>(s.position->dim)) {
+      return VXS_STATUS_NO_LEAPFROG;
+    }
+    qkr::leapfrog(s, *index);
+    return VXS_STATUS_OK;
+  }
+
+  static int32_t skip_ahead(StreamState *stream, int32_t count) {
+    if (count <= 0) return VXS_STATUS_NO_SKIP_AHEAD;
+    qkr::skip_ahead(sequence_of<G>(stream), count);
+    return VXS_STATUS_OK;
+  }
+};
+
+}  // namespace qkr

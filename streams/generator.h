@@ -1,0 +1,181 @@
+// The frame of a basic generator. Its core makes words in order, whole vectors at a time; an output says what
+// becomes of them: words, or reals in double or single precision. So a core is written once for the three
+// block entries, and for any vector width.
+//
+//   template <class Output>
+//   void fill(StreamState *stream, int32_t n, typename Output::Element *out, Output output);
+//
+//   QKR_INIT_STREAM(G, Methods)                           // seeding, leapfrog, skip-ahead
+//   QKR_WORD_ENTRY(G, fill(stream, n, out, Words{}))      // __vxsiBRngG
+//   QKR_REAL_ENTRIES(G, fill, doubles(...), singles(...)) // __vxsdBRngG, __vxssBRngG: the reals, from a and
+//   b
+//
+// mcg31m1.cpp is the shortest example. A generator must give the same words and leave the same state bytes
+// however the draws are split into blocks.
+#pragma once
+
+#include <qkr/streams_generators.h>
+
+#include "simd/entry.h"
+#include "simd/integers.h"
+#include "streams/internal.h"
+
+namespace qkr::QKR_SIMD_LEVEL {
+namespace {
+
+constexpr int lanes = sizeof(u32) / sizeof(uint32_t);  // numbers in the smallest vector that an output takes
+
+// What a stretch of `lanes` numbers may be held in: u32, Two<u64>, or Two<f64> for whole numbers. Wider ones
+// are Two of these.
+template <class V>
+constexpr int numbers_in = 0;
+template <>
+constexpr int numbers_in<u32> = lanes;
+template <>
+constexpr int numbers_in<Two<u64>> = lanes;
+template <>
+constexpr int numbers_in<Two<f64>> = lanes;
+template <class V>
+constexpr int numbers_in<Two<V>> = 2 * numbers_in<V>;
+
+// The words as they are.
+struct Words {
+  using Element = uint32_t;
+  QKR_INLINE void put(Element *out, u32 words) const { store(out, words); }
+  QKR_INLINE void put(Element *out, Two<f64> words) const { store(out, words_of(words)); }
+  QKR_INLINE void put_one(Element *out, uint32_t word) const { *out = word; }
+};
+struct LongWords {
+  using Element = uint64_t;
+  QKR_INLINE void put(Element *out, Two<u64> words) const { store(out, words); }
+  QKR_INLINE void put_one(Element *out, uint64_t word) const { *out = word; }
+};
+
+// word * scale + shift in double precision, stored in Real.
+template <class Real>
+struct Reals {
+  using Element = Real;
+  double scale, shift;
+
+  QKR_INLINE void put(Real *out, Two<f64> words) const {
+    const Two<f64> r = words * scale + shift;
+    if constexpr (sizeof(Real) == sizeof(double)) {
+      store(out, r);
+    } else {
+      store(out, narrow(r));
+    }
+  }
+  QKR_INLINE void put(Real *out, u32 words) const { put(out, doubles_of(words)); }
+  QKR_INLINE void put(Real *out, Two<u64> words) const { put(out, doubles_of(words)); }
+  template <class Word>
+  QKR_INLINE void put_one(Real *out, Word word) const {
+    *out = (Real)((double)word * scale + shift);
+  }
+};
+QKR_INLINE Reals<double> doubles(double scale, double shift) { return {scale, shift}; }
+QKR_INLINE Reals<float> singles(double scale, double shift) { return {scale, shift}; }
+
+// word * scale + shift in single precision, of words below 2^31.
+struct RealsInSingle {
+  using Element = float;
+  float scale, shift;
+  QKR_INLINE void put(float *out, u32 words) const {
+    store(out, __builtin_convertvector((i32)words, f32) * scale + shift);
+  }
+  QKR_INLINE void put_one(float *out, uint32_t word) const { *out = (float)(int32_t)word * scale + shift; }
+};
+
+template <class Output, class V>
+QKR_INLINE void put(const Output &output, typename Output::Element *out, V words) {
+  if constexpr (requires { output.put(out, words); }) {
+    output.put(out, words);
+  } else {
+    put(output, out, words.a);
+    put(output, out + numbers_in<V> / 2, words.b);
+  }
+}
+
+struct Unchanged {
+  template <class V>
+  QKR_INLINE V operator()(V words) const {
+    return words;
+  }
+};
+
+// transform(words[0..n-1]) to the output. `transform` serves a vector V as well as one word, and must give
+// the same for both. The last vector overlaps the one before, writing the same values again.
+template <class V = u32, class Word, class Output, class Transform = Unchanged>
+QKR_INLINE void emit(const Word *words, int n, typename Output::Element *out, const Output &output,
+                     Transform transform = {}) {
+  constexpr int step = numbers_in<V>;
+  const auto put_vector = [&](int i) {
+    V v;
+    load(words + i, v);
+    put(output, out + i, transform(v));
+  };
+  int i = 0;
+  for (; i + step <= n; i += step) put_vector(i);
+  if (i < n && n >= step) {
+    put_vector(n - step);
+  } else {
+    for (; i < n; ++i) output.put_one(out + i, transform(words[i]));
+  }
+}
+
+#if QKR_BASELINE
+// What InitStream does for a generator that can be neither split nor moved; its Methods add seed(), and hide
+// what they can do better.
+struct NotPartitioned {
+  static int32_t leapfrog(StreamState *, int32_t, const int32_t *) { return VXS_STATUS_NO_LEAPFROG; }
+  static int32_t skip_ahead(StreamState *, int32_t) { return VXS_STATUS_NO_SKIP_AHEAD; }
+};
+
+template <class Methods>
+int32_t init_stream(int32_t method, StreamState *stream, int32_t n, const void *params) {
+  switch (method) {
+    case VXS_INIT_SEED:
+      return Methods::seed(stream, n, static_cast<const uint32_t *>(params));
+    case VXS_INIT_LEAPFROG:
+      return Methods::leapfrog(stream, n, static_cast<const int32_t *>(params));
+    case VXS_INIT_SKIP_AHEAD:
+      return Methods::skip_ahead(stream, n);
+    default:
+      return VXS_STATUS_BAD_METHOD;
+  }
+}
+#endif
+
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL
+
+// Methods: seed(stream, n, seeds), leapfrog(stream, stride, index), skip_ahead(stream, count), static; in the
+// baseline compilation only.
+#if QKR_BASELINE
+#define QKR_INIT_STREAM(G, Methods)                                                           \
+  extern "C" int32_t __vxsBRng##G##InitStream(int32_t method, StreamState *stream, int32_t n, \
+                                              const void *params) {                           \
+    using namespace qkr::QKR_SIMD_LEVEL;                                                      \
+    return init_stream<Methods>(method, stream, n, params);                                   \
+  }
+#else
+#define QKR_INIT_STREAM(G, Methods)
+#endif
+
+#define QKR_WORD_ENTRY(G, drawing)                                                        \
+  QKR_ENTRY_OF(int32_t, __vxsiBRng##G, (StreamState * stream, int32_t n, uint32_t * out), \
+               (stream, n, out)) {                                                        \
+    drawing;                                                                              \
+    return VXS_STATUS_OK;                                                                 \
+  }
+
+#define QKR_REAL_ENTRY(letter, Real, G, fill, output)                                          \
+  QKR_ENTRY_OF(int32_t, __vxs##letter##BRng##G,                                                \
+               (StreamState * stream, int32_t n, Real * out, Real a, [[maybe_unused]] Real b), \
+               (stream, n, out, a, b)) {                                                       \
+    fill(stream, n, out, output);                                                              \
+    return VXS_STATUS_OK;                                                                      \
+  }
+
+#define QKR_REAL_ENTRIES(G, fill, doubles, singles) \
+  QKR_REAL_ENTRY(d, double, G, fill, doubles)       \
+  QKR_REAL_ENTRY(s, float, G, fill, singles)
