@@ -1,11 +1,13 @@
-// Blocks of a quasi-random sequence. Three ways to the same words, whichever is fastest:
+// Blocks of a quasi-random sequence. There are four ways to the same words, whichever is fastest:
 // - few dimensions: as many points side by side as a vector has lanes. From an index that this number
-// divides, point p
-//   of a group is the first one changed by the Gray code of p, and all of a group change alike to the next.
-// - more dimensions: one point after the other, held in registers, with copies of the direction numbers in
-// use side by
-//   side; a point's last vector reaches into the next point's place, which is written after it.
-// - few points: each on its own, without copies.
+// divides,
+//   point p of a group is the first one changed by the Gray code of p, and all of a group change alike to the
+//   next.
+// - up to five vectors of dimensions: one point after the other, held in registers; its last vector reaches
+// into
+//   the place of the next point, which is written after it.
+// - more dimensions: the same from memory.
+// - few points: each on its own, without copies of the direction numbers in an order that suits vectors.
 #include <utility>
 
 #include "streams/digital_sequence.h"
@@ -16,15 +18,6 @@ namespace {
 
 template <class Output>
 using Element = typename Output::Element;
-
-// Direction number c of each of `count` dimensions.
-QKR_INLINE void copy_directions(const Sequence &s, int c, int32_t count, uint32_t *out) {
-  if (s.chunk_rows) {
-    for (int32_t j = 0; j < count; ++j) out[j] = s.chunk_rows[j][c];
-  } else {
-    for (int32_t j = 0; j < count; ++j) out[j] = s.record_rows[row_stride * j + c];
-  }
-}
 
 // To the next point, in the first `dim` dimensions.
 QKR_INLINE void step(const Sequence &s, int32_t dim) {
@@ -133,60 +126,99 @@ QKR_NOINLINE void points_side_by_side(const Sequence &s, int32_t points, Element
   s.position->seq = group + p;
 }
 
-// `width` dimensions of points that lie `stride` apart in the output, as `vectors` vectors.
-template <int vectors, class Output>
-QKR_NOINLINE void strip_of_points(const Sequence &s, int32_t width, int32_t stride, int32_t points,
-                                  Element<Output> *out, Output output) {
-  constexpr int whole_width = vectors * lanes;
-  alignas(u32) uint32_t line[whole_width] = {}, directions_in_use[direction_numbers][whole_width];
-  uint32_t in_use = 0, seq = s.position->seq;
-  u32 x[vectors];
-  memcpy(line, s.x, width * sizeof *line);
-  for_constants<vectors>([&](auto t) { load(line + t * lanes, x[t]); });
-  const auto next_point = [&] {
-    const int c = next_direction(seq++);
-    if (__builtin_expect(!(in_use >> c & 1), 0)) {
-      in_use |= 1u << c;
-      copy_directions(s, c, width, directions_in_use[c]);
+// The direction numbers of some dimensions in the order of use: each one for all dimensions side by side.
+template <int width>
+struct DirectionsInUse {
+  const Sequence &s;
+  const int32_t dim;
+  uint32_t present = 0;  // a bit for each
+  alignas(u32) uint32_t words[direction_numbers][width];
+
+  // Among `points` steps are all that a whole power of two below brings.
+  QKR_INLINE DirectionsInUse(const Sequence &sequence, int32_t dimensions, int32_t points)
+      : s(sequence), dim(dimensions) {
+    const int sure = 31 - __builtin_clz((uint32_t)points);
+    for (int32_t j = 0; j < dim; ++j) {
+      const uint32_t *row = s.row(j);
+      for (int c = 0; c < sure; ++c) words[c][j] = row[c];
     }
+    present = (1u << sure) - 1;
+  }
+  QKR_INLINE const uint32_t *next(uint32_t seq) {
+    const int c = next_direction(seq);
+    if (__builtin_expect(!(present >> c & 1), 0)) {
+      present |= 1u << c;
+      for (int32_t j = 0; j < dim; ++j) words[c][j] = s.row(j)[c];
+    }
+    return words[c];
+  }
+};
+
+// Whole points of more than lanes / 2 dimensions: what a point's last vector has too much stays within the
+// next.
+template <int vectors, class Output>
+QKR_NOINLINE void points_in_registers(const Sequence &s, int32_t dim, int32_t points, Element<Output> *out,
+                                      Output output) {
+  constexpr int whole_width = vectors * lanes;
+  DirectionsInUse<whole_width> directions(s, dim, points);
+  uint32_t seq = s.position->seq, line[whole_width] = {};
+  u32 x[vectors];
+  memcpy(line, s.x, dim * sizeof *line);
+  for_constants<vectors>([&](auto t) { load(line + t * lanes, x[t]); });
+  const auto to_line = [&] { for_constants<vectors>([&](auto t) { store(line + t * lanes, x[t]); }); };
+  const auto next_point = [&] {
+    const uint32_t *direction = directions.next(seq++);
     for_constants<vectors>([&](auto t) {
       u32 change;
-      load(directions_in_use[c] + t * lanes, change);
+      load(direction + t * lanes, change);
       x[t] ^= change;
     });
   };
-  const auto to_line = [&] { for_constants<vectors>([&](auto t) { store(line + t * lanes, x[t]); }); };
-
-  const bool overhangs = width < whole_width;
-  for (; points > overhangs; --points, out += stride) {
+  for (; points > 1; --points, out += dim) {
     for_constants<vectors>([&](auto t) { put(output, out + t * lanes, x[t]); });
     next_point();
   }
-  if (overhangs) {
-    to_line();
-    emit(line, width, out, output);
-    next_point();
-  }
   to_line();
-  memcpy(s.x, line, width * sizeof *line);
+  emit(line, dim, out, output);
+  next_point();
+  to_line();
+  memcpy(s.x, line, dim * sizeof *line);
+  s.position->seq = seq;
 }
 
-// Points of more than lanes / 2 dimensions, so that a point's overhang ends in the next point. Strips of few
-// enough vectors to stay in registers; the last strip of the dimensions first, since its overhang must be
-// written over.
+// `dim` of the dimensions of points that lie `stride` numbers apart.
+template <int most_vectors, class Output>
+QKR_NOINLINE void strip_of_points(const Sequence &s, int32_t dim, int32_t stride, int32_t points,
+                                  Element<Output> *out, Output output) {
+  constexpr int most = most_vectors * lanes;
+  DirectionsInUse<most> directions(s, dim, points);
+  alignas(u32) uint32_t x[most] = {};
+  memcpy(x, s.x, dim * sizeof *x);
+  for (uint32_t seq = s.position->seq, end = seq + points; seq != end; ++seq, out += stride) {
+    const uint32_t *direction = directions.next(seq);
+    const bool last = seq + 1 == end;
+    if (last) emit(x, dim, out, output);
+    for (int32_t j = 0; j < dim; j += lanes) {
+      u32 point, change;
+      load(x + j, point);
+      load(direction + j, change);
+      if (!last) put(output, out + j, point);
+      store(x + j, point ^ change);
+    }
+  }
+  memcpy(s.x, x, dim * sizeof *x);
+}
+
+// The strip at the end first, since its overhang must be written over.
 template <class Output>
 QKR_NOINLINE void points_in_strips(const Sequence &s, int32_t dim, int32_t points, Element<Output> *out,
                                    Output output) {
-  constexpr int most = 5;
-  constexpr void (*strips[])(const Sequence &, int32_t, int32_t, int32_t, Element<Output> *, Output) = {
-      strip_of_points<1, Output>, strip_of_points<2, Output>, strip_of_points<3, Output>,
-      strip_of_points<4, Output>, strip_of_points<most, Output>};
+  constexpr int32_t most_vectors = 320 / lanes;
   int32_t end = dim, vectors = (dim + lanes - 1) / lanes;
-  for (int32_t left = (vectors + most - 1) / most; left > 0; --left) {
-    const int32_t count = (vectors + left - 1) / left;
-    vectors -= count;
+  for (int32_t strips = (vectors + most_vectors - 1) / most_vectors; strips > 0; --strips) {
+    vectors -= (vectors + strips - 1) / strips;
     const int32_t begin = vectors * lanes;
-    strips[count - 1](s.from(begin), end - begin, dim, points, out + begin, output);
+    strip_of_points<most_vectors>(s.from(begin), end - begin, dim, points, out + begin, output);
     end = begin;
   }
   s.position->seq += points;
@@ -196,13 +228,17 @@ QKR_NOINLINE void points_in_strips(const Sequence &s, int32_t dim, int32_t point
 template <class Output>
 QKR_INLINE void draw_points(const Sequence &s, int32_t dim, int32_t points, Element<Output> *out,
                             Output output) {
-  constexpr int32_t few_dimensions = lanes / 2 < 4 ? lanes / 2 : 4;
-  if (dim <= few_dimensions && points * dim >= 2 * lanes) {
+  constexpr int32_t few_dimensions = lanes / 2, most_vectors = 5;
+  if (dim <= few_dimensions && points >= 2 * lanes / dim) {
     for_constants<few_dimensions>([&](auto less) {
       if (dim == less + 1) points_side_by_side<less + 1>(s, points, out, output);
     });
-  } else if (dim > lanes / 2 && points >= 6) {
+  } else if (dim > most_vectors * lanes && points >= 6) {
     points_in_strips(s, dim, points, out, output);
+  } else if (dim > few_dimensions && points >= 6) {
+    for_constants<most_vectors>([&](auto less) {
+      if ((dim + lanes - 1) / lanes == less + 1) points_in_registers<less + 1>(s, dim, points, out, output);
+    });
   } else {
     for (; points > 0; --points, out += dim) {
       emit(s.x, dim, out, output);
