@@ -74,6 +74,8 @@ QKR_INLINE f64 doubles_of(u64 x) {
 }
 #endif
 QKR_INLINE Two<f64> doubles_of(Two<u64> x) { return {doubles_of(x.a), doubles_of(x.b)}; }
+QKR_INLINE Two<f64> whole_part(Two<f64> x) { return {whole_part(x.a), whole_part(x.b)}; }
+QKR_INLINE double whole_part(double x) { return (double)(int32_t)x; }
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL

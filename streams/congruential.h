@@ -3,16 +3,23 @@
 //
 // A Modulus tells, all static:
 //   Word, V                  a residue, and a native vector of them
+//   Stretch                  a vector of `lanes` residues
 //   times(Word, Word)        product mod m
 //   Factor, factor(Word)     a multiplier made ready for vectors
 //   times(V, Factor)         product mod m
-//   number(V or Word)        what goes out
+//   number(vector or Word)   what goes out
 #pragma once
 
 #include "streams/generator.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
+
+// A generator's payload.
+template <class Word>
+struct CongruentialState {
+  Word x, a;
+};
 
 template <class Modulus, class Vector>
 QKR_INLINE Vector times(Vector x, typename Modulus::Factor factor) {
@@ -23,7 +30,7 @@ QKR_INLINE Vector times(Vector x, typename Modulus::Factor factor) {
   }
 }
 
-// Draws n numbers with multiplier a, and leaves in x the next one.
+// Draws n numbers with multiplier a, and leaves in `state` the residue of the next one.
 template <class Modulus, class Output>
 QKR_INLINE void draw_congruential(typename Modulus::Word &state, typename Modulus::Word a, int32_t n,
                                   typename Output::Element *out, const Output &output) {
@@ -64,6 +71,50 @@ QKR_INLINE void draw_congruential(typename Modulus::Word &state, typename Modulu
   emit<typename Modulus::Stretch>(line, n - i, out + i, output, [](auto v) { return Modulus::number(v); });
   state = line[n - i];
 }
+
+#if QKR_BASELINE
+// base^exponent under the product `times`, from the lowest bit of the exponent on. The exponent counts as
+// unsigned, so that the loop ends for any.
+template <class Word, class Times>
+Word power_of(Word base, int32_t exponent, Times times) {
+  Word result = 1;
+  for (uint32_t rest = (uint32_t)exponent; rest != 0; rest >>= 1, base = times(base, base)) {
+    if (rest & 1) result = times(result, base);
+  }
+  return result;
+}
+
+template <class Modulus>
+typename Modulus::Word power_of(typename Modulus::Word base, int32_t exponent) {
+  using Word = typename Modulus::Word;
+  return Modulus::reduced(power_of(base, exponent, [](Word x, Word y) { return Modulus::times(x, y); }));
+}
+
+// InitStream; the Modulus adds `multiplier`, residue(n, seeds) for n > 0, and reduced(residue).
+template <class Modulus>
+struct CongruentialMethods {
+  using Word = typename Modulus::Word;
+  using Payload = CongruentialState<Word>;
+
+  static int32_t seed(StreamState *stream, int32_t n, const uint32_t *seeds) {
+    const Word x = n > 0 ? Modulus::residue(n, seeds) : 1;
+    payload_of<Payload>(stream) = {x ? x : 1, Modulus::multiplier};
+    return VXS_STATUS_OK;
+  }
+  // x a^index begins, and a^stride leads on.
+  static int32_t leapfrog(StreamState *stream, int32_t stride, const int32_t *index) {
+    skip_ahead(stream, *index);
+    Payload &state = payload_of<Payload>(stream);
+    state.a = power_of<Modulus>(state.a, stride);
+    return VXS_STATUS_OK;
+  }
+  static int32_t skip_ahead(StreamState *stream, int32_t count) {
+    Payload &state = payload_of<Payload>(stream);
+    state.x = Modulus::reduced(Modulus::times(state.x, power_of<Modulus>(state.a, count)));
+    return VXS_STATUS_OK;
+  }
+};
+#endif
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL

@@ -149,10 +149,11 @@ int32_t init_stream(int32_t method, StreamState *stream, int32_t n, const void *
 // Methods: seed(stream, n, seeds), leapfrog(stream, stride, index), skip_ahead(stream, count), static; in the
 // baseline compilation only.
 #if QKR_BASELINE
-#define QKR_INIT_STREAM(G, Methods)                                                                   \
-  extern "C" int32_t __vxsBRng##G##InitStream(int32_t method, StreamState *stream, int32_t n,         \
-                                              const void *params) {                                   \
-    return qkr::QKR_SIMD_LEVEL::init_stream<qkr::QKR_SIMD_LEVEL::Methods>(method, stream, n, params); \
+#define QKR_INIT_STREAM(G, Methods)                                                           \
+  extern "C" int32_t __vxsBRng##G##InitStream(int32_t method, StreamState *stream, int32_t n, \
+                                              const void *params) {                           \
+    using namespace qkr::QKR_SIMD_LEVEL;                                                      \
+    return init_stream<Methods>(method, stream, n, params);                                   \
   }
 #else
 #define QKR_INIT_STREAM(G, Methods)

@@ -36,10 +36,3 @@ inline __attribute__((always_inline)) int32_t family_member(const StreamState *s
   __vxsGetBrngBaseOffset(static_cast<int32_t>(stream->brng), &row, &member);
   return member;
 }
-
-// The row of a stream's generator, and its place in its table.
-inline const BrngRecord &generator_of(const StreamState *stream, int32_t *row) {
-  int32_t member;
-  const BrngRecord *table = __vxsGetBrngBaseOffset(static_cast<int32_t>(stream->brng), row, &member);
-  return table[*row];
-}

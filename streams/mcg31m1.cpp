@@ -5,12 +5,7 @@
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
-struct Mcg31 {
-  uint32_t x, a;
-};
-
 constexpr uint32_t modulus = 0x7fffffff;
-constexpr uint32_t multiplier = 1132489760;
 
 // 2^31 = 1 modulo m: the upper bits of a product are added to the lower ones.
 struct Mersenne31 {
@@ -18,6 +13,11 @@ struct Mersenne31 {
   using V = u32;
   using Stretch = u32;
   using Factor = u64;
+  static constexpr Word multiplier = 1132489760;
+
+  static Word residue(int32_t, const uint32_t *seeds) { return seeds[0] % modulus; }
+
+  static Word reduced(Word x) { return x; }
 
   QKR_INLINE static Word times(Word x, Word a) {
     const uint64_t product = (uint64_t)x * a;
@@ -46,43 +46,20 @@ struct Mersenne31 {
 
 template <class Output>
 QKR_INLINE void fill(StreamState *stream, int32_t n, typename Output::Element *out, Output output) {
-  Mcg31 &state = payload_of<Mcg31>(stream);
+  auto &state = payload_of<CongruentialState<uint32_t>>(stream);
   draw_congruential<Mersenne31>(state.x, state.a, n, out, output);
 }
-
-#if QKR_BASELINE
-uint32_t power(uint32_t base, int32_t exponent) {
-  uint32_t result = 1;
-  for (; exponent != 0; exponent >>= 1, base = Mersenne31::times(base, base)) {
-    if (exponent & 1) result = Mersenne31::times(result, base);
-  }
-  return result;
-}
-
-struct Methods {
-  static int32_t seed(StreamState *stream, int32_t n, const uint32_t *seeds) {
-    const uint32_t x = n > 0 ? seeds[0] % modulus : 1;
-    payload_of<Mcg31>(stream) = {x ? x : 1, multiplier};
-    return VXS_STATUS_OK;
-  }
-  static int32_t leapfrog(StreamState *stream, int32_t stride, const int32_t *index) {
-    Mcg31 &state = payload_of<Mcg31>(stream);
-    skip_ahead(stream, *index);
-    state.a = power(state.a, stride);
-    return VXS_STATUS_OK;
-  }
-  static int32_t skip_ahead(StreamState *stream, int32_t count) {
-    Mcg31 &state = payload_of<Mcg31>(stream);
-    state.x = Mersenne31::times(state.x, power(state.a, count));
-    return VXS_STATUS_OK;
-  }
-};
-#endif
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_INIT_STREAM(MCG31M1, Methods)
+QKR_INIT_STREAM(MCG31M1, CongruentialMethods<Mersenne31>)
 QKR_WORD_ENTRY(MCG31M1, fill(stream, n, out, Words{}))
 QKR_REAL_ENTRIES(MCG31M1, fill, doubles((b - a) / 2147483647.0, a),
                  (RealsInSingle{(float)((b - a) / 2147483647.0), a}))
+
+#if QKR_BASELINE
+extern "C" uint32_t __vxsiPowMod2P31M1(uint32_t base, int32_t exponent) {
+  return qkr::sse2::power_of<qkr::sse2::Mersenne31>(base, exponent);
+}
+#endif

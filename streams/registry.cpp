@@ -9,15 +9,15 @@ namespace {
 constexpr BrngRecord mcg31m1 = {24, 1, 0, 4, 31, ENTRIES(MCG31M1)};
 constexpr BrngRecord r250 = {1024, 252, 1, 4, 32, nullptr, nullptr, nullptr, nullptr};
 constexpr BrngRecord mrg32k3a = {40, 6, 1, 4, 32, nullptr, nullptr, nullptr, nullptr};
-constexpr BrngRecord mcg59 = {32, 1, 0, 8, 59, nullptr, nullptr, nullptr, nullptr};
-constexpr BrngRecord wh = {48, 4, 1, 16, 24, nullptr, nullptr, nullptr, nullptr};
+constexpr BrngRecord mcg59 = {32, 1, 0, 8, 59, ENTRIES(MCG59)};
+constexpr BrngRecord wh = {48, 4, 1, 16, 24, ENTRIES(WH)};
 constexpr BrngRecord sobol = {5472, 1324, 0, 4, 32, ENTRIES(Sobol)};
 constexpr BrngRecord niederr = {43280, 10498, 0, 4, 32, ENTRIES(Niederr)};
 constexpr BrngRecord mt19937 = {2520, 625, 1, 4, 32, nullptr, nullptr, nullptr, nullptr};
 constexpr BrngRecord mt2203 = {312, 70, 1, 4, 32, nullptr, nullptr, nullptr, nullptr};
-constexpr BrngRecord i_abstract = {48, 0, 1, 4, 32, nullptr, nullptr, nullptr, nullptr};
-constexpr BrngRecord d_abstract = {64, 0, 1, 4, 32, nullptr, nullptr, nullptr, nullptr};
-constexpr BrngRecord s_abstract = {56, 0, 1, 4, 32, nullptr, nullptr, nullptr, nullptr};
+constexpr BrngRecord i_abstract = {48, 0, 1, 4, 32, ENTRIES(iAbstract)};
+constexpr BrngRecord d_abstract = {64, 0, 1, 4, 32, ENTRIES(dAbstract)};
+constexpr BrngRecord s_abstract = {56, 0, 1, 4, 32, ENTRIES(sAbstract)};
 
 constexpr LegacyTable make_legacy_table() {
   LegacyTable table = {{mcg31m1, r250, mrg32k3a, mcg59}};

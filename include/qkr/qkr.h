@@ -5,6 +5,8 @@
 
 #include <qkr/service.h>
 #include <qkr/streams.h>
+#include <qkr/streams_abstract.h>
+#include <qkr/streams_files.h>
 #include <qkr/vecmath.h>
 
 #endif

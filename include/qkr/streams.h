@@ -185,6 +185,12 @@ QKR_API void __vxsDeleteChunks(StreamState *stream);
  *
  * - MCG31M1: x' = 1132489760 x mod 2^31 - 1 (P. L'Ecuyer, Mathematics of Computation 68 (1999) 249). One seed
  *   word. Reals are x (b - a) / (2^31 - 1) + a, the single-precision ones computed in single precision.
+ * - MCG59: x' = 13^13 x mod 2^59. Two seed words, the lower half first. Reals are x 2^-59 (b - a) + a. Its
+ *   integers are 64-bit: `out` takes 2 n words.
+ * - WH: four components x' = a x mod m with primes m below 2^24 (B. A. Wichmann and I. D. Hill, Applied
+ *   Statistics 31 (1982) 188). Four seed words. A real is the fraction of the sum of x / m, times b - a, plus
+ * a. An integer is the four x: `out` takes 4 n words.
+ * - iAbstract, dAbstract, sAbstract: see qkr/streams_abstract.h.
  * - Sobol, Niederr: quasi-random points, whose components come one after the other. Sobol's sequence has up to
  *   40 dimensions (P. Bratley and B. L. Fox, Algorithm 659, ACM Transactions on Mathematical Software 14 (1988)
  *   88), Niederreiter's in base 2 up to 318 (P. Bratley, B. L. Fox and H. Niederreiter, ACM Transactions on
@@ -224,9 +230,38 @@ QKR_API void __vxsDeleteChunks(StreamState *stream);
   QKR_API int32_t __vxsdBRng##G(StreamState *stream, int32_t n, double *out, double a, double b); \
   QKR_API int32_t __vxsiBRng##G(StreamState *stream, int32_t n, uint32_t *out);
 QKR_GENERATOR(MCG31M1)
+QKR_GENERATOR(MCG59)
+QKR_GENERATOR(WH)
+QKR_GENERATOR(iAbstract)
+QKR_GENERATOR(dAbstract)
+QKR_GENERATOR(sAbstract)
 QKR_GENERATOR(Sobol)
 QKR_GENERATOR(Niederr)
 #undef QKR_GENERATOR
+/** @} */
+
+/** @name Modular powers
+ * base^exponent by repeated squaring, as skip-ahead and leapfrog use them; 1 if the exponent is 0. The bits
+ * of the exponent count as an unsigned number.
+ * @{ */
+QKR_API uint32_t __vxsiPowMod(uint32_t base, int32_t exponent, uint32_t modulus); /**< modulo `modulus` */
+QKR_API uint32_t __vxsiPowMod2P31M1(uint32_t base, int32_t exponent);             /**< modulo 2^31 - 1 */
+QKR_API uint64_t __vxsiPowMod2P59(uint64_t base, int32_t exponent);               /**< modulo 2^59 */
+/** @} */
+
+/** @name Functions of one number
+ * For user generators and tests; arrays go through vector math.
+ * @{ */
+
+/** ln(x), within 1 ulp. -infinity, with the event "divide by zero", for 0; NaN, with the event "invalid", for
+ * numbers below 0. */
+QKR_API double __vxsdLn(double x);
+/** ln(x) in double precision, rounded. */
+QKR_API float __vxssLn(float x);
+/** The largest whole number not above x; with the sign of x if it is 0. */
+QKR_API double __vxsdFloor(double x);
+/** The square root of 0 or a positive normal number, within 3 ulp. */
+QKR_API double __vxsdSqrt(double x);
 /** @} */
 
 QKR_END_DECLS

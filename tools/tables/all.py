@@ -4,7 +4,8 @@ import subprocess
 import sys
 from pathlib import Path
 
-GENERATORS = ["circular", "exponential", "logarithm", "niederreiter", "sobol", "square_root", "tangent"]
+GENERATORS = ["circular", "exponential", "logarithm", "niederreiter", "sobol", "square_root", "stream_scalars",
+              "tangent", "wichmann_hill"]
 
 here = Path(__file__).resolve().parent
 failed = [name for name in GENERATORS

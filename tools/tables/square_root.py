@@ -53,13 +53,15 @@ def quadratics(s, parts, exact_at_one=False):
 
 
 half = mpfr(1) / 2
-dsqrt_dwA0, dsqrt_dwA1, dsqrt_dwA2 = quadratics(half, 128, exact_at_one=True)
-dwA0, dwA1, dwA2 = quadratics(-half, 64)
-main("square_root", [
-    Table("sqrt_double", "double", "dsqrt_dwA2", dsqrt_dwA2),
-    Table("sqrt_double", "double", "dsqrt_dwA1", dsqrt_dwA1),
-    Table("sqrt_double", "double", "dsqrt_dwA0", dsqrt_dwA0),
-    Table("sqrt_single", "double", "dwA2", dwA2),
-    Table("sqrt_single", "double", "dwA1", dwA1),
-    Table("sqrt_single", "double", "dwA0", dwA0),
-])
+
+if __name__ == "__main__":
+    dsqrt_dwA0, dsqrt_dwA1, dsqrt_dwA2 = quadratics(half, 128, exact_at_one=True)
+    dwA0, dwA1, dwA2 = quadratics(-half, 64)
+    main("square_root", [
+        Table("sqrt_double", "double", "dsqrt_dwA2", dsqrt_dwA2),
+        Table("sqrt_double", "double", "dsqrt_dwA1", dsqrt_dwA1),
+        Table("sqrt_double", "double", "dsqrt_dwA0", dsqrt_dwA0),
+        Table("sqrt_single", "double", "dwA2", dwA2),
+        Table("sqrt_single", "double", "dwA1", dwA1),
+        Table("sqrt_single", "double", "dwA0", dwA0),
+    ])

@@ -1,0 +1,65 @@
+// MCG59: x' = 13^13 x mod 2^59 (NAG Library Manual, Mark 7, 1979: its basic generator).
+#include "streams/congruential.h"
+
+namespace qkr::QKR_SIMD_LEVEL {
+namespace {
+
+// Residues are kept 5 bits up, so that the wrap of a 64-bit product is the modulus.
+constexpr int margin = 5;
+constexpr uint64_t mask = ~0ull >> margin;
+
+struct Power59 {
+  using Word = uint64_t;
+  using V = u64;
+  using Stretch = Two<u64>;
+  static constexpr Word multiplier = 302875106592253;
+
+  // The first two words, the lower half first; the rest are not used.
+  static Word residue(int32_t n, const uint32_t *seeds) {
+    return (seeds[0] | (n > 1 ? (Word)seeds[1] << 32 : 0)) & mask;
+  }
+  static Word reduced(Word x) { return x & mask; }
+
+  QKR_INLINE static Word times(Word x, Word a) { return x * a; }
+
+#if QKR_SIMD_BYTES == 64
+  using Factor = u64;
+  QKR_INLINE static Factor factor(Word a) { return a - u64{}; }
+  QKR_INLINE static V times(V x, Factor a) { return x * a; }
+#else
+  struct Factor {
+    u64 low, high;
+  };
+  QKR_INLINE static Factor factor(Word a) { return {a - u64{}, (a >> 32) - u64{}}; }
+  QKR_INLINE static V times(V x, Factor a) {
+    const u64 crosswise = product_of_low_halves(x >> 32, a.low) + product_of_low_halves(x, a.high);
+    return product_of_low_halves(x, a.low) + (crosswise << 32);
+  }
+#endif
+
+  template <class T>
+  QKR_INLINE static T number(T words) {
+    return words >> margin;
+  }
+};
+
+template <class Output>
+QKR_INLINE void fill(StreamState *stream, int32_t n, typename Output::Element *out, Output output) {
+  auto &state = payload_of<CongruentialState<uint64_t>>(stream);
+  uint64_t x = state.x << margin;
+  draw_congruential<Power59>(x, state.a, n, out, output);
+  state.x = x >> margin;
+}
+
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL
+
+QKR_INIT_STREAM(MCG59, CongruentialMethods<Power59>)
+QKR_WORD_ENTRY(MCG59, fill(stream, n, reinterpret_cast<uint64_t *>(out), LongWords{}))
+QKR_REAL_ENTRIES(MCG59, fill, doubles((b - a) * 0x1p-59, a), singles(((double)b - a) * 0x1p-59, a))
+
+#if QKR_BASELINE
+extern "C" uint64_t __vxsiPowMod2P59(uint64_t base, int32_t exponent) {
+  return qkr::sse2::power_of<qkr::sse2::Power59>(base, exponent);
+}
+#endif

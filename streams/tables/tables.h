@@ -1,0 +1,26 @@
+// Tables of the basic generators, made by the generators in tools/tables, whose opening comments give the rule
+// of the rows.
+#pragma once
+
+#include <stdint.h>
+
+#include "streams/internal.h"
+
+#pragma GCC visibility push(hidden)
+
+extern "C" {
+// Member k of WH: moduli, multipliers, reciprocals of the moduli.
+extern const uint32_t _vxs_WH_M[wh_members][4];
+extern const uint8_t _vxs_WH_A[wh_members][4];
+extern const double _vxsdWH_IM_Tab[wh_members][4];
+
+// Row k: r about 1 / (1 + (k + 1/2)/256), a multiple of 2^-16; and -ln(r), as a multiple of 2^-42 and the rest.
+extern const double __libm_rcp_table_256[256];
+extern const double __libm_log_table_256[256][2];
+// Row k: A2 * m^2 + A1 * m + A0 is about 1 / sqrt(m) for 1 + k/128 <= m <= 1 + (k + 1)/128.
+extern const double dwA0[128], dwA1[128], dwA2[128];
+// 1 / sqrt of what the halved exponent leaves over, times sqrt(2): by the parity of the exponent field.
+extern const double dbSqrt[2];
+}
+
+#pragma GCC visibility pop
