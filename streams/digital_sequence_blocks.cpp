@@ -19,6 +19,12 @@ namespace {
 template <class Output>
 using Element = typename Output::Element;
 
+// Stretches too short for a vector of their own: not inlined, as they stand at the ends of every loop.
+template <class Output>
+QKR_NOINLINE void emit_words(const uint32_t *words, int32_t n, Element<Output> *out, Output output) {
+  emit(words, n, out, output);
+}
+
 // To the next point, in the first `dim` dimensions.
 QKR_INLINE void step(const Sequence &s, int32_t dim) {
   const int c = next_direction(s.position->seq++);
@@ -104,7 +110,7 @@ QKR_NOINLINE void points_side_by_side(const Sequence &s, int32_t points, Element
   const auto part_of_group = [&](int32_t count) {
     uint32_t words[dims * lanes];
     for_constants<dims>([&](auto t) { store(words + t * lanes, first[t] ^ changes[t]); });
-    emit(words + p * dims, count * dims, out, output);
+    emit_words(words + p * dims, count * dims, out, output);
     out += count * dims;
     points -= count;
     p += count;
@@ -126,31 +132,45 @@ QKR_NOINLINE void points_side_by_side(const Sequence &s, int32_t points, Element
   s.position->seq = group + p;
 }
 
-// The direction numbers of some dimensions in the order of use: each one for all dimensions side by side.
+// The direction numbers of some dimensions in the order of use, each one for all dimensions side by side.
+// They are copied by fours when the first of these is used.
 template <int width>
 struct DirectionsInUse {
+  typedef uint32_t Four __attribute__((vector_size(16)));
+
   const Sequence &s;
   const int32_t dim;
-  uint32_t present = 0;  // a bit for each
+  uint32_t present = 0;  // a bit for each four
   alignas(u32) uint32_t words[direction_numbers][width];
 
-  // Among `points` steps are all that a whole power of two below brings.
-  QKR_INLINE DirectionsInUse(const Sequence &sequence, int32_t dimensions, int32_t points)
-      : s(sequence), dim(dimensions) {
-    const int sure = 31 - __builtin_clz((uint32_t)points);
-    for (int32_t j = 0; j < dim; ++j) {
-      const uint32_t *row = s.row(j);
-      for (int c = 0; c < sure; ++c) words[c][j] = row[c];
-    }
-    present = (1u << sure) - 1;
-  }
+  QKR_INLINE DirectionsInUse(const Sequence &sequence, int32_t dimensions) : s(sequence), dim(dimensions) {}
+
   QKR_INLINE const uint32_t *next(uint32_t seq) {
     const int c = next_direction(seq);
-    if (__builtin_expect(!(present >> c & 1), 0)) {
-      present |= 1u << c;
-      for (int32_t j = 0; j < dim; ++j) words[c][j] = s.row(j)[c];
-    }
+    if (__builtin_expect(!(present >> (c / 4) & 1), 0)) copy_four(c & ~3);
     return words[c];
+  }
+  QKR_NOINLINE void copy_four(int first) {
+    present |= 1u << (first / 4);
+    for (int32_t j = 0; j < dim; j += 4) {
+      const auto row = [&](int k) {  // the last one again where there are no four any more
+        Four numbers;
+        memcpy(&numbers, s.row(j + k < dim ? j + k : dim - 1) + first, sizeof numbers);
+        return numbers;
+      };
+      const Four a = row(0), b = row(1), c = row(2), d = row(3);
+      const Four ab = __builtin_shufflevector(a, b, 0, 4, 1, 5),
+                 AB = __builtin_shufflevector(a, b, 2, 6, 3, 7);
+      const Four cd = __builtin_shufflevector(c, d, 0, 4, 1, 5),
+                 CD = __builtin_shufflevector(c, d, 2, 6, 3, 7);
+      const auto put_four = [&](int k, Four numbers) {
+        memcpy(words[first + k] + j, &numbers, sizeof numbers);
+      };
+      put_four(0, __builtin_shufflevector(ab, cd, 0, 1, 4, 5));
+      put_four(1, __builtin_shufflevector(ab, cd, 2, 3, 6, 7));
+      put_four(2, __builtin_shufflevector(AB, CD, 0, 1, 4, 5));
+      put_four(3, __builtin_shufflevector(AB, CD, 2, 3, 6, 7));
+    }
   }
 };
 
@@ -160,7 +180,7 @@ template <int vectors, class Output>
 QKR_NOINLINE void points_in_registers(const Sequence &s, int32_t dim, int32_t points, Element<Output> *out,
                                       Output output) {
   constexpr int whole_width = vectors * lanes;
-  DirectionsInUse<whole_width> directions(s, dim, points);
+  DirectionsInUse<whole_width> directions(s, dim);
   uint32_t seq = s.position->seq, line[whole_width] = {};
   u32 x[vectors];
   memcpy(line, s.x, dim * sizeof *line);
@@ -179,7 +199,7 @@ QKR_NOINLINE void points_in_registers(const Sequence &s, int32_t dim, int32_t po
     next_point();
   }
   to_line();
-  emit(line, dim, out, output);
+  emit_words(line, dim, out, output);
   next_point();
   to_line();
   memcpy(s.x, line, dim * sizeof *line);
@@ -191,13 +211,13 @@ template <int most_vectors, class Output>
 QKR_NOINLINE void strip_of_points(const Sequence &s, int32_t dim, int32_t stride, int32_t points,
                                   Element<Output> *out, Output output) {
   constexpr int most = most_vectors * lanes;
-  DirectionsInUse<most> directions(s, dim, points);
+  DirectionsInUse<most> directions(s, dim);
   alignas(u32) uint32_t x[most] = {};
   memcpy(x, s.x, dim * sizeof *x);
   for (uint32_t seq = s.position->seq, end = seq + points; seq != end; ++seq, out += stride) {
     const uint32_t *direction = directions.next(seq);
     const bool last = seq + 1 == end;
-    if (last) emit(x, dim, out, output);
+    if (last) emit_words(x, dim, out, output);
     for (int32_t j = 0; j < dim; j += lanes) {
       u32 point, change;
       load(x + j, point);
@@ -241,7 +261,7 @@ QKR_INLINE void draw_points(const Sequence &s, int32_t dim, int32_t points, Elem
     });
   } else {
     for (; points > 0; --points, out += dim) {
-      emit(s.x, dim, out, output);
+      emit_words(s.x, dim, out, output);
       step(s, dim);
     }
   }
@@ -254,7 +274,7 @@ QKR_NOINLINE void draw(const Sequence &s, int32_t n, Element<Output> *out, Outpu
   if (at.leapDim >= 0) return draw_points(s.from(at.leapDim), 1, n, out, output);
   if (at.pending > 0) {
     const int32_t count = n < at.pending ? n : at.pending;
-    emit(s.x + at.dim - at.pending, count, out, output);
+    emit_words(s.x + at.dim - at.pending, count, out, output);
     out += count;
     n -= count;
     at.pending -= count;
@@ -264,7 +284,7 @@ QKR_NOINLINE void draw(const Sequence &s, int32_t n, Element<Output> *out, Outpu
   const int32_t points = n / at.dim, rest = n % at.dim;
   draw_points(s, at.dim, points, out, output);
   if (rest > 0) {
-    emit(s.x, rest, out + (n - rest), output);
+    emit_words(s.x, rest, out + (n - rest), output);
     at.pending = at.dim - rest;
   }
 }
