@@ -3,7 +3,7 @@
 // divides,
 //   point p of a group is the first one changed by the Gray code of p, and all of a group change alike to the
 //   next.
-// - up to five vectors of dimensions: one point after the other, held in registers; its last vector reaches
+// - up to 40 dimensions: one point after the other, held in registers; its last vector reaches
 // into
 //   the place of the next point, which is written after it.
 // - more dimensions: the same from memory.
@@ -181,8 +181,10 @@ QKR_NOINLINE void points_in_registers(const Sequence &s, int32_t dim, int32_t po
                                       Output output) {
   constexpr int whole_width = vectors * lanes;
   DirectionsInUse<whole_width> directions(s, dim);
-  uint32_t seq = s.position->seq, line[whole_width] = {};
+  alignas(u32) uint32_t line[whole_width];
+  uint32_t seq = s.position->seq;
   u32 x[vectors];
+  store(line + whole_width - lanes, u32{});
   memcpy(line, s.x, dim * sizeof *line);
   for_constants<vectors>([&](auto t) { load(line + t * lanes, x[t]); });
   const auto to_line = [&] { for_constants<vectors>([&](auto t) { store(line + t * lanes, x[t]); }); };
@@ -212,20 +214,25 @@ QKR_NOINLINE void strip_of_points(const Sequence &s, int32_t dim, int32_t stride
                                   Element<Output> *out, Output output) {
   constexpr int most = most_vectors * lanes;
   DirectionsInUse<most> directions(s, dim);
-  alignas(u32) uint32_t x[most] = {};
+  alignas(u32) uint32_t x[most];
+  store(x + (dim - 1) / lanes * lanes, u32{});
   memcpy(x, s.x, dim * sizeof *x);
-  for (uint32_t seq = s.position->seq, end = seq + points; seq != end; ++seq, out += stride) {
-    const uint32_t *direction = directions.next(seq);
-    const bool last = seq + 1 == end;
-    if (last) emit_words(x, dim, out, output);
+  uint32_t seq = s.position->seq;
+  const auto each_vector_to_next = [&](auto before) {
+    const uint32_t *direction = directions.next(seq++);
     for (int32_t j = 0; j < dim; j += lanes) {
       u32 point, change;
       load(x + j, point);
       load(direction + j, change);
-      if (!last) put(output, out + j, point);
+      before(j, point);
       store(x + j, point ^ change);
     }
+  };
+  for (; points > 1; --points, out += stride) {
+    each_vector_to_next([&](int32_t j, u32 point) { put(output, out + j, point); });
   }
+  emit_words(x, dim, out, output);
+  each_vector_to_next([](int32_t, u32) {});
   memcpy(s.x, x, dim * sizeof *x);
 }
 
@@ -248,7 +255,7 @@ QKR_NOINLINE void points_in_strips(const Sequence &s, int32_t dim, int32_t point
 template <class Output>
 QKR_INLINE void draw_points(const Sequence &s, int32_t dim, int32_t points, Element<Output> *out,
                             Output output) {
-  constexpr int32_t few_dimensions = lanes / 2, most_vectors = 5;
+  constexpr int32_t few_dimensions = lanes / 2, most_vectors = (40 + lanes - 1) / lanes;
   if (dim <= few_dimensions && points >= 2 * lanes / dim) {
     for_constants<few_dimensions>([&](auto less) {
       if (dim == less + 1) points_side_by_side<less + 1>(s, points, out, output);
