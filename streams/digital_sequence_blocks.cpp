@@ -25,13 +25,32 @@ QKR_NOINLINE void emit_words(const uint32_t *words, int32_t n, Element<Output> *
   emit(words, n, out, output);
 }
 
-// To the next point, in the first `dim` dimensions.
-QKR_INLINE void step(const Sequence &s, int32_t dim) {
+// Calls function(word of the point, its change to the next point) for each of the first `dim` dimensions.
+template <class Function>
+QKR_INLINE void for_each_change(const Sequence &s, int32_t dim, Function function) {
   const int c = next_direction(s.position->seq++);
   if (s.chunk_rows) {
-    for (int32_t j = 0; j < dim; ++j) s.x[j] ^= s.chunk_rows[j][c];
+    for (int32_t j = 0; j < dim; ++j) function(s.x[j], s.chunk_rows[j][c]);
   } else {
-    for (int32_t j = 0; j < dim; ++j) s.x[j] ^= s.record_rows[row_stride * j + c];
+    for (int32_t j = 0; j < dim; ++j) function(s.x[j], s.record_rows[row_stride * j + c]);
+  }
+}
+
+// One point after the other, without preparation.
+template <class Output>
+QKR_NOINLINE void single_points(const Sequence &s, int32_t dim, int32_t points, Element<Output> *out,
+                                Output output) {
+  for (; points > 0; --points) {
+    if (dim < 2 * lanes) {
+      for_each_change(s, dim, [&](uint32_t &x, uint32_t change) {
+        output.put_one(out++, x);
+        x ^= change;
+      });
+    } else {
+      emit_words(s.x, dim, out, output);
+      for_each_change(s, dim, [](uint32_t &x, uint32_t change) { x ^= change; });
+      out += dim;
+    }
   }
 }
 
@@ -256,21 +275,18 @@ template <class Output>
 QKR_INLINE void draw_points(const Sequence &s, int32_t dim, int32_t points, Element<Output> *out,
                             Output output) {
   constexpr int32_t few_dimensions = lanes / 2, most_vectors = (40 + lanes - 1) / lanes;
-  if (dim <= few_dimensions && points >= 2 * lanes / dim) {
+  if (points < 8 || points * dim < 32) {  // preparation would cost more than it saves
+    single_points(s, dim, points, out, output);
+  } else if (dim <= few_dimensions) {
     for_constants<few_dimensions>([&](auto less) {
       if (dim == less + 1) points_side_by_side<less + 1>(s, points, out, output);
     });
-  } else if (dim > most_vectors * lanes && points >= 6) {
-    points_in_strips(s, dim, points, out, output);
-  } else if (dim > few_dimensions && points >= 6) {
+  } else if (dim <= most_vectors * lanes) {
     for_constants<most_vectors>([&](auto less) {
       if ((dim + lanes - 1) / lanes == less + 1) points_in_registers<less + 1>(s, dim, points, out, output);
     });
   } else {
-    for (; points > 0; --points, out += dim) {
-      emit_words(s.x, dim, out, output);
-      step(s, dim);
-    }
+    points_in_strips(s, dim, points, out, output);
   }
 }
 
@@ -286,7 +302,7 @@ QKR_NOINLINE void draw(const Sequence &s, int32_t n, Element<Output> *out, Outpu
     n -= count;
     at.pending -= count;
     if (at.pending > 0) return;
-    step(s, at.dim);
+    for_each_change(s, at.dim, [](uint32_t &x, uint32_t change) { x ^= change; });
   }
   const int32_t points = n / at.dim, rest = n % at.dim;
   draw_points(s, at.dim, points, out, output);
