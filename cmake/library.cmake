@@ -27,8 +27,8 @@ function(qkr_kernels)
   endforeach()
 endfunction()
 
-set(QKR_PUBLIC_HEADERS api.h qkr.h service.h streams.h streams_abstract.h streams_files.h vecmath.h
-    vecmath_control.h vecmath_exact.h)
+set(QKR_PUBLIC_HEADERS api.h qkr.h service.h streams.h streams_abstract.h streams_files.h streams_generators.h
+    vecmath.h vecmath_control.h vecmath_exact.h)
 
 # libqkr.so exports what the public headers declare with QKR_API and nothing else; libqkr.a also serves the
 # white-box tests, which reach hidden functions.

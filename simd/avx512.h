@@ -60,6 +60,21 @@ QKR_INLINE f64 zero_unless(f64 v, f64 c) {
 QKR_INLINE f64 add_if_zero(f64 s, f64 v, f64 c) {
   return (f64)_mm512_mask_add_pd((__m512d)s, is_zero(c), (__m512d)s, (__m512d)v);
 }
+// x + addend where x < limit, else x.
+QKR_INLINE f64 add_where_less(f64 x, double limit, double addend) {
+  const __mmask8 where = _mm512_cmp_pd_mask((__m512d)x, _mm512_set1_pd(limit), _CMP_LT_OQ);
+  return (f64)_mm512_mask_add_pd((__m512d)x, where, (__m512d)x, _mm512_set1_pd(addend));
+}
+// v where w is odd, else 0.
+QKR_INLINE u32 where_odd(u32 w, u32 v) {
+  const __mmask16 odd = _mm512_test_epi32_mask((__m512i)w, _mm512_set1_epi32(1));
+  return (u32)_mm512_maskz_mov_epi32(odd, (__m512i)v);
+}
+// Sixteen words of low and high put together, from word `from` of low.
+template <int from>
+QKR_INLINE u32 joined(u32 low, u32 high) {
+  return (u32)_mm512_alignr_epi32((__m512i)high, (__m512i)low, from);
+}
 
 QKR_INLINE f32 zero_unless(f32 v, f32 c) {
   const __mmask16 keep = _mm512_cmp_ps_mask((__m512)c, _mm512_setzero_ps(), _CMP_NEQ_UQ);

@@ -1,5 +1,6 @@
 // Abstract streams: a circular buffer of the user's, refilled by the user's callback.
 #include <qkr/streams_abstract.h>
+#include <qkr/streams_generators.h>
 
 #include "streams/internal.h"
 

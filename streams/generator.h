@@ -14,6 +14,8 @@
 // however the draws are split into blocks.
 #pragma once
 
+#include <qkr/streams_generators.h>
+
 #include "simd/entry.h"
 #include "simd/integers.h"
 #include "streams/internal.h"

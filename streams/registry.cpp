@@ -1,4 +1,6 @@
 // The registry of basic generators: a legacy table, and the current one, which users extend.
+#include <qkr/streams_generators.h>
+
 #include "streams/internal.h"
 
 namespace {
@@ -7,14 +9,14 @@ namespace {
 
 // StateSize, SeedWords, IncludesZero, WordSize, Bits, entry points
 constexpr BrngRecord mcg31m1 = {24, 1, 0, 4, 31, ENTRIES(MCG31M1)};
-constexpr BrngRecord r250 = {1024, 252, 1, 4, 32, nullptr, nullptr, nullptr, nullptr};
-constexpr BrngRecord mrg32k3a = {40, 6, 1, 4, 32, nullptr, nullptr, nullptr, nullptr};
+constexpr BrngRecord r250 = {1024, 252, 1, 4, 32, ENTRIES(R250)};
+constexpr BrngRecord mrg32k3a = {40, 6, 1, 4, 32, ENTRIES(MRG32K3A)};
 constexpr BrngRecord mcg59 = {32, 1, 0, 8, 59, ENTRIES(MCG59)};
 constexpr BrngRecord wh = {48, 4, 1, 16, 24, ENTRIES(WH)};
 constexpr BrngRecord sobol = {5472, 1324, 0, 4, 32, ENTRIES(Sobol)};
 constexpr BrngRecord niederr = {43280, 10498, 0, 4, 32, ENTRIES(Niederr)};
-constexpr BrngRecord mt19937 = {2520, 625, 1, 4, 32, nullptr, nullptr, nullptr, nullptr};
-constexpr BrngRecord mt2203 = {312, 70, 1, 4, 32, nullptr, nullptr, nullptr, nullptr};
+constexpr BrngRecord mt19937 = {2520, 625, 1, 4, 32, ENTRIES(MT19937)};
+constexpr BrngRecord mt2203 = {312, 70, 1, 4, 32, ENTRIES(MT2203)};
 constexpr BrngRecord i_abstract = {48, 0, 1, 4, 32, ENTRIES(iAbstract)};
 constexpr BrngRecord d_abstract = {64, 0, 1, 4, 32, ENTRIES(dAbstract)};
 constexpr BrngRecord s_abstract = {56, 0, 1, 4, 32, ENTRIES(sAbstract)};

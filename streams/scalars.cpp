@@ -1,5 +1,5 @@
 // Functions of one number: logarithm, floor, square root. Whole arrays go through vector math.
-#include <qkr/streams.h>
+#include <qkr/streams_generators.h>
 
 #include "streams/tables/tables.h"
 

@@ -7,6 +7,7 @@
 #include <qkr/streams.h>
 #include <qkr/streams_abstract.h>
 #include <qkr/streams_files.h>
+#include <qkr/streams_generators.h>
 #include <qkr/vecmath.h>
 
 #endif

@@ -14,6 +14,9 @@ extern const uint32_t _vxs_WH_M[wh_members][4];
 extern const uint8_t _vxs_WH_A[wh_members][4];
 extern const double _vxsdWH_IM_Tab[wh_members][4];
 
+// matrixA, maskB, maskC of each member of MT2203.
+extern const uint32_t _vxs_mt2203_table[mt2203_members][3];
+
 // Row k: r about 1 / (1 + (k + 1/2)/256), a multiple of 2^-16; and -ln(r), as a multiple of 2^-42 and the rest.
 extern const double __libm_rcp_table_256[256];
 extern const double __libm_log_table_256[256][2];

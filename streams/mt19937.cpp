@@ -1,0 +1,77 @@
+// MT19937: the Mersenne twister with a state of 624 words.
+#include "streams/twister.h"
+
+namespace qkr::QKR_SIMD_LEVEL {
+namespace {
+
+struct Mt19937 {
+  static constexpr int words = 624, middle = 397;
+  uint32_t mt[words];
+  int32_t index;  // of the next word to be used
+};
+
+constexpr Tempering<11> tempering = {0x9d2c5680, 0xefc60000};
+
+// All words anew, in place and a vector at a time: each needs the words from itself to one further on, and
+// those 397 further on, or 227 back. Only two vectors read across the end of the state, which is copied for
+// them.
+QKR_NOINLINE void refill(uint32_t *mt) {
+  constexpr int words = Mt19937::words, middle = Mt19937::middle, back = words - middle;
+  constexpr int crossing = back / 16 * 16;  // the vector at this word is the first that does
+  static_assert(words % 16 == 0 && crossing % lanes == 0 && back % 16 < lanes + 3);
+  constexpr int tail = words - 16;
+  uint32_t around_end[16 + lanes];
+  const auto copy_end = [&] {
+    memcpy(around_end, mt + tail, 16 * sizeof *mt);
+    memcpy(around_end + 16, mt, sizeof(u32));
+  };
+  u32 matrix;
+  broadcast(0x9908b0dfu, matrix);
+  const auto make = [&](int k, const uint32_t *from, const uint32_t *far) {
+    u32 word, next, added;
+    load(from, word);
+    load(from + 1, next);
+    load(far, added);
+    store(mt + k, added ^ twisted(word, next, 0x80000000u, matrix));
+  };
+
+  int k = 0;
+  for (; k < crossing; k += lanes) make(k, mt + k, mt + k + middle);
+  copy_end();
+  make(k, mt + k, around_end + k + middle - tail);
+  for (k += lanes; k < words - lanes; k += lanes) make(k, mt + k, mt + k - back);
+  copy_end();
+  make(k, around_end + k - tail, mt + k - back);
+}
+
+template <class Output>
+QKR_INLINE void fill(StreamState *stream, int32_t n, typename Output::Element *out, Output output) {
+  Mt19937 &state = payload_of<Mt19937>(stream);
+  while (n > 0) {
+    if (state.index >= Mt19937::words) {
+      refill(state.mt);
+      state.index = 0;
+    }
+    const int left = Mt19937::words - state.index, count = n < left ? n : left;
+    emit(state.mt + state.index, count, out, output, tempering);
+    state.index += count;
+    out += count;
+    n -= count;
+  }
+}
+
+#if QKR_BASELINE
+struct Methods : NotPartitioned {
+  static int32_t seed(StreamState *stream, int32_t n, const uint32_t *seeds) {
+    _InitStateVector<Mt19937>(stream, n, seeds);
+    return VXS_STATUS_OK;
+  }
+};
+#endif
+
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL
+
+QKR_INIT_STREAM(MT19937, Methods)
+QKR_WORD_ENTRY(MT19937, fill(stream, n, out, Words{}))
+QKR_REAL_ENTRIES(MT19937, fill, doubles((b - a) * 0x1p-32, a), singles(((double)b - a) * 0x1p-32, a))

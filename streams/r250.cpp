@@ -1,0 +1,88 @@
+// R250: a generalised feedback shift register, s[i] = s[i - 250] ^ s[i - 147]. S. Kirkpatrick and E. P. Stoll,
+// A very fast shift-register sequence random number generator, Journal of Computational Physics 40 (1981)
+// 517.
+#include "streams/generator.h"
+
+extern "C" const double _vxsdR250Tab[1];  // what scales words to [0, 1)
+#if QKR_BASELINE
+const double _vxsdR250Tab[1] = {0x1p-32};
+#endif
+
+namespace qkr::QKR_SIMD_LEVEL {
+namespace {
+
+constexpr int words = 250, ahead = 103;
+
+struct R250 {
+  uint32_t s[words];
+  int32_t i0;  // of the word to be replaced
+  int32_t i1;  // of the word 103 places on
+};
+
+// Replaces, in place, `count` words at i0: neither index wraps within them.
+template <class Output>
+QKR_INLINE void run(R250 &state, int count, typename Output::Element *out, const Output &output) {
+  uint32_t *replaced = state.s + state.i0;
+  const uint32_t *added = state.s + state.i1;
+  int i = 0;
+  // Vectors must not read what they are about to replace. A state that was not made here may hold any
+  // indices.
+  if (state.i1 > state.i0 || state.i0 - state.i1 >= lanes) {
+    for (; i + lanes <= count; i += lanes) {
+      u32 a, b;
+      load(replaced + i, a);
+      load(added + i, b);
+      store(replaced + i, a ^ b);
+      put(output, out + i, a ^ b);
+    }
+  }
+  for (; i < count; ++i) output.put_one(out + i, replaced[i] ^= added[i]);
+  state.i0 = (state.i0 + count) % words;
+  state.i1 = (state.i1 + count) % words;
+}
+
+template <class Output>
+QKR_INLINE void fill(StreamState *stream, int32_t n, typename Output::Element *out, Output output) {
+  R250 &state = payload_of<R250>(stream);
+  while (n > 0) {
+    const int left = words - (state.i0 > state.i1 ? state.i0 : state.i1), count = n < left ? n : left;
+    run(state, count, out, output);
+    out += count;
+    n -= count;
+  }
+}
+
+#if QKR_BASELINE
+// By a multiplicative generator; then a triangle of 32 linearly independent words is planted.
+void InitSeedTable(StreamState *stream, uint32_t seed) {
+  uint32_t(&s)[words] = payload_of<R250>(stream).s;
+  uint32_t x = seed ? seed : 1;
+  for (uint32_t &word : s) word = x *= 69069;
+  for (int k = 0; k < 32; ++k) {
+    uint32_t &word = s[3 + 7 * k];
+    word = (word & 0xffffffff >> k) | 0x80000000 >> k;
+  }
+}
+
+struct Methods : NotPartitioned {
+  static int32_t seed(StreamState *stream, int32_t n, const uint32_t *seeds) {
+    R250 &state = payload_of<R250>(stream);
+    if (n >= words) {
+      memcpy(state.s, seeds, sizeof state.s);
+    } else {
+      InitSeedTable(stream, n > 0 ? seeds[0] : 1);
+    }
+    state.i0 = 0;
+    state.i1 = ahead;
+    return VXS_STATUS_OK;
+  }
+};
+#endif
+
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL
+
+QKR_INIT_STREAM(R250, Methods)
+QKR_WORD_ENTRY(R250, fill(stream, n, out, Words{}))
+QKR_REAL_ENTRIES(R250, fill, doubles((b - a) * _vxsdR250Tab[0], a),
+                 singles(((double)b - a) * _vxsdR250Tab[0], a))
