@@ -26,6 +26,14 @@ struct Generator {
 
 const std::vector<Generator> &all_generators();
 
+// Its name in a parameterised test.
+inline std::string test_name(const testing::TestParamInfo<Generator> &row) {
+  std::string name;
+  for (const char *c = row.param.name; *c; ++c)
+    if (std::isalnum(static_cast<unsigned char>(*c))) name += *c;
+  return name;
+}
+
 inline void PrintTo(const Generator &generator, std::ostream *out) { *out << generator.name; }
 
 }  // namespace qkr::tests

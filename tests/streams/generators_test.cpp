@@ -143,10 +143,6 @@ TEST_P(EveryGenerator, RefusesOtherMethods) {
     EXPECT_EQ(generator_of(stream).InitStream(method, stream.get(), 1, nullptr), VXS_STATUS_BAD_METHOD);
 }
 
-INSTANTIATE_TEST_SUITE_P(, EveryGenerator, testing::ValuesIn(all_generators()), [](const auto &row) {
-  std::string name;
-  for (const char *c = row.param.name; *c; ++c) name += std::isalnum(*c) ? std::string(1, *c) : "";
-  return name;
-});
+INSTANTIATE_TEST_SUITE_P(, EveryGenerator, testing::ValuesIn(all_generators()), test_name);
 
 }  // namespace

@@ -1,0 +1,304 @@
+// Stream files: what is in them, what comes back, and every way in which saving and loading fail. Copies.
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <qkr/streams_abstract.h>
+
+#include "tests/streams/allocations.h"
+#include "tests/streams/generators.h"
+
+namespace {
+
+using namespace qkr::tests;
+
+// A directory of its own for each test.
+class StreamFiles : public testing::Test {
+ protected:
+  const std::filesystem::path directory =
+      std::filesystem::temp_directory_path() / ("qkr_streams_" + std::to_string(getpid()));
+  const std::string file = (directory / "stream").string();
+  void SetUp() override { std::filesystem::create_directories(directory); }
+  void TearDown() override { std::filesystem::remove_all(directory); }
+
+  std::string contents() const {
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+  void write(const std::string &bytes) const { std::ofstream(file, std::ios::binary) << bytes; }
+  int32_t load(StreamState **stream) const { return __vxsLoadStreamF(stream, file.c_str()); }
+};
+
+void add_chunk(const Stream &stream, uint32_t id, const std::string &text) {
+  void *data = malloc(text.size());
+  memcpy(data, text.data(), text.size());
+  ASSERT_EQ(__vxsAddChunk(stream.get(), id, data, static_cast<uint32_t>(text.size())), VXS_STATUS_OK);
+}
+
+TEST_F(StreamFiles, EveryGeneratorGoesOnWhereItWasSaved) {
+  for (const Generator &g : all_generators()) {
+    SCOPED_TRACE(g.name);
+    const Stream stream = new_stream(g.id, g.seeds);
+    draw_words(stream, 1234);
+    ASSERT_EQ(__vxsSaveStreamF(stream.get(), file.c_str(), -1), VXS_STATUS_OK);
+    StreamState *loaded = nullptr;
+    ASSERT_EQ(load(&loaded), VXS_STATUS_OK);
+    const Stream second(loaded);
+    EXPECT_EQ(second->brng, g.id);
+    EXPECT_EQ(payload(second), payload(stream));
+    EXPECT_EQ(draw_words(second, 2000), draw_words(stream, 2000));
+  }
+}
+
+TEST_F(StreamFiles, Layout) {
+  const Stream stream = new_stream(0x400000, {0x04030201, 0x00060504});
+  add_chunk(stream, 2, "ab");
+  add_chunk(stream, 0x01020304, "cde");
+  // A name without terminator.
+  ASSERT_EQ(__vxsSaveStreamF(stream.get(), (file + "xyz").c_str(), static_cast<int32_t>(file.size())),
+            VXS_STATUS_OK);
+  const auto bytes = [](std::initializer_list<int> values) {
+    return std::string(values.begin(), values.end());
+  };
+  std::string saved = contents();
+  ASSERT_GE(saved.size(), 12u);
+  saved[10] = saved[11] = 0;  // anything
+  EXPECT_EQ(saved, bytes({0x52, 0x4e, 0x47, 0, 16, 0, 16, 0, 2, 0, 0, 0, 0, 0, 0x40, 0}) +
+                       bytes({1, 2, 3, 4, 4, 5, 6, 0, -3, -59, 35, -101, 118, 19, 1, 0}) +
+                       bytes({4, 3, 2, 1, 3, 0, 0, 0}) + "cde" + bytes({2, 0, 0, 0, 2, 0, 0, 0}) + "ab");
+}
+
+TEST_F(StreamFiles, LoadingReversesTheChunks) {
+  const Stream stream = new_stream(0, {1});
+  for (const char *text : {"first", "second", "third"})
+    add_chunk(stream, static_cast<uint32_t>(text[0]), text);
+  __vxsSaveStreamF(stream.get(), file.c_str(), -1);
+  StreamState *loaded = nullptr;
+  ASSERT_EQ(load(&loaded), VXS_STATUS_OK);
+  const Stream second(loaded);
+  std::string order;
+  for (const StreamChunk *c = second->chunks; c; c = c->next)
+    order += std::string(static_cast<const char *>(c->data), c->size);
+  EXPECT_EQ(order, "firstsecondthird");
+}
+
+TEST_F(StreamFiles, FilesThatAreRefused) {
+  const Stream stream = new_stream(0x900005, {1});
+  add_chunk(stream, 2, "data");
+  __vxsSaveStreamF(stream.get(), file.c_str(), -1);
+  const std::string good = contents();
+  const auto with = [&](size_t position, std::string replacement) {
+    std::string bytes = good;
+    return bytes.replace(position, replacement.size(), replacement);
+  };
+  const auto word = [](uint32_t value) { return std::string(reinterpret_cast<char *>(&value), 4); };
+  const size_t chunk = 312;  // header and payload
+  const struct {
+    const char *what;
+    std::string bytes;
+    int32_t status;
+  } rows[] = {{"as saved", good, VXS_STATUS_OK},
+              {"first byte", with(0, "S"), VXS_STATUS_FILE_FORMAT},
+              {"third byte", with(2, "H"), VXS_STATUS_FILE_FORMAT},
+              {"version", with(3, "\1"), VXS_STATUS_FILE_VERSION},
+              {"magic before version", with(2, "H\1"), VXS_STATUS_FILE_FORMAT},
+              {"version before generator", with(3, "\1").replace(12, 4, word(279)), VXS_STATUS_FILE_VERSION},
+              {"longer header", with(4, "\x20"), VXS_STATUS_OK},
+              {"shorter header", with(4, "\xf"), VXS_STATUS_FILE_FORMAT},
+              {"state size", with(6, word(295).substr(0, 2)), VXS_STATUS_FILE_FORMAT},
+              {"reserved", with(10, "\x55\xaa"), VXS_STATUS_OK},
+              {"other member", with(12, word(0x9003ff)), VXS_STATUS_OK},
+              {"member beyond the family", with(12, word(0x900400)), VXS_STATUS_FILE_FORMAT},
+              {"generator of another size", with(12, word(0x800000)), VXS_STATUS_FILE_FORMAT},
+              {"no generator", with(12, word(279)), VXS_STATUS_FILE_FORMAT},
+              {"negative id", with(12, word(0xffffffff)), VXS_STATUS_FILE_FORMAT},
+              {"most negative id", with(12, word(0x80000000)), VXS_STATUS_FILE_FORMAT},
+              {"empty", "", VXS_STATUS_FILE_READ},
+              {"part of the header", good.substr(0, 15), VXS_STATUS_FILE_READ},
+              {"header only", good.substr(0, 16), VXS_STATUS_FILE_READ},
+              {"part of the state", good.substr(0, chunk - 1), VXS_STATUS_FILE_READ},
+              {"no chunk", good.substr(0, chunk), VXS_STATUS_FILE_READ},
+              {"part of a chunk's size", good.substr(0, chunk + 7), VXS_STATUS_FILE_READ},
+              {"part of its data", good.substr(0, chunk + 11), VXS_STATUS_FILE_READ},
+              {"one chunk too many", with(8, "\2"), VXS_STATUS_FILE_READ},
+              {"empty chunk", with(chunk + 4, word(0)), VXS_STATUS_FILE_READ},
+              {"chunk beyond the end", with(chunk + 4, word(5)), VXS_STATUS_FILE_READ},
+              {"bytes left over", good + "more", VXS_STATUS_OK}};
+  for (const auto &row : rows) {
+    write(row.bytes);
+    StreamState *loaded = nullptr;
+    EXPECT_EQ(load(&loaded), row.status) << row.what;
+    EXPECT_EQ(loaded != nullptr, row.status == VXS_STATUS_OK) << row.what;
+    if (loaded) __vxsDeleteStream(&loaded);
+  }
+}
+
+TEST_F(StreamFiles, WhatCannotBeOpenedWrittenOrClosed) {
+  const Stream small = new_stream(0, {1}), large = new_stream(0x700000, {318}), odd = new_stream(0, {1});
+  StreamState *loaded = nullptr;
+  EXPECT_EQ(__vxsLoadStreamF(&loaded, (directory / "none" / "stream").c_str()), VXS_STATUS_FILE_OPEN);
+  EXPECT_EQ(__vxsLoadStreamF(&loaded, directory.c_str()),
+            VXS_STATUS_FILE_READ);  // a directory opens, but no more
+  EXPECT_EQ(loaded, nullptr);
+  EXPECT_EQ(__vxsSaveStreamF(small.get(), (directory / "none" / "stream").c_str(), -1), VXS_STATUS_FILE_OPEN);
+  EXPECT_EQ(__vxsSaveStreamF(small.get(), directory.c_str(), -1), VXS_STATUS_FILE_OPEN);
+  // What is written to a full device stays in the buffer until it is closed, if it is little.
+  EXPECT_EQ(__vxsSaveStreamF(small.get(), "/dev/full", -1), VXS_STATUS_FILE_CLOSE);
+  const int32_t full = __vxsSaveStreamF(large.get(), "/dev/full", -1);
+  EXPECT_TRUE(full == VXS_STATUS_FILE_WRITE || full == VXS_STATUS_FILE_CLOSE) << full;
+  ASSERT_EQ(__vxsAddChunk(odd.get(), 2, malloc(1), 0), VXS_STATUS_OK);
+  EXPECT_EQ(__vxsSaveStreamF(odd.get(), file.c_str(), -1), VXS_STATUS_FILE_WRITE);
+  EXPECT_EQ(contents().size(), 16u + 8 + 8);  // what could be written
+
+  StreamState unknown = {279, 1, nullptr};
+  EXPECT_EQ(__vxsSaveStreamF(&unknown, file.c_str(), -1), VXS_STATUS_BAD_GENERATOR);
+}
+
+TEST_F(StreamFiles, EachStepReportsItsFailureAndRespectsAnEarlierOne) {
+  const Stream stream = new_stream(0, {1});
+  add_chunk(stream, 2, "x");
+  int32_t status = VXS_STATUS_OK;
+  StreamFileHeader header;
+  __vxsFillInFileHeader(&status, &header, stream.get());
+  ASSERT_EQ(status, VXS_STATUS_OK);
+  write("");
+  FILE *reading = fopen(file.c_str(), "rb");  // cannot be written, and is at its end
+  FILE *opened = nullptr;
+  StreamState *made = nullptr;
+  const struct {
+    int32_t failure;
+    std::function<void(int32_t *)> step;
+  } steps[] = {
+      {VXS_STATUS_FILE_WRITE, [&](int32_t *s) { __vxsWriteFileHeaderToFile(s, reading, &header); }},
+      {VXS_STATUS_FILE_WRITE,
+       [&](int32_t *s) { __vxsWriteStreamStateToFile(s, reading, &header, stream.get()); }},
+      {VXS_STATUS_FILE_WRITE, [&](int32_t *s) { __vxsWriteChunksToFile(s, reading, &header, stream.get()); }},
+      {VXS_STATUS_FILE_READ,
+       [&](int32_t *s) {
+         StreamFileHeader h;
+         __vxsReadFileHeaderFromFile(s, reading, &h);
+       }},
+      {VXS_STATUS_FILE_READ,
+       [&](int32_t *s) { __vxsReadStreamStateFromFile(s, reading, &header, stream.get()); }},
+      {VXS_STATUS_FILE_READ, [&](int32_t *s) { __vxsReadChunksFromFile(s, reading, &header, stream.get()); }},
+      {VXS_STATUS_FILE_OPEN,
+       [&](int32_t *s) { __vxsOpenFileToRead(s, &opened, (directory / "none").c_str()); }},
+      {VXS_STATUS_FILE_OPEN, [&](int32_t *s) { __vxsOpenFileToWrite(s, &opened, directory.c_str()); }},
+      {VXS_STATUS_FILE_FORMAT,
+       [&](int32_t *s) {
+         StreamFileHeader h = {};
+         __vxsValidateHeader(s, &h);
+       }},
+      {VXS_STATUS_BAD_GENERATOR, [&](int32_t *s) {
+         StreamFileHeader h = header;
+         h.brng = 279;
+         __vxsCreateStream(s, &h, &made);
+       }}};
+  for (const auto &[failure, step] : steps) {
+    int32_t s = VXS_STATUS_OK;
+    step(&s);
+    EXPECT_EQ(s, failure);
+    s = -12345;
+    step(&s);
+    EXPECT_EQ(s, -12345);
+  }
+  EXPECT_EQ(made, nullptr);
+  // Closing and deleting run all the same.
+  status = -12345;
+  __vxsCloseFile(&status, &reading);
+  EXPECT_EQ(status, -12345);
+  StreamState *doomed = new_stream(0, {1}).release();
+  __vxsDeallocateStream(&status, &doomed);
+  EXPECT_EQ(doomed, nullptr);
+  StreamState *kept = stream.get();
+  status = VXS_STATUS_OK;
+  __vxsDeallocateStream(&status, &kept);
+  EXPECT_EQ(kept, stream.get());
+}
+
+TEST_F(StreamFiles, OnlySixteenBitsOfTheChunkCountAreKept) {
+  const Stream stream = new_stream(0, {1});
+  for (int i = 0; i < 65536 + 2; ++i) add_chunk(stream, 2, "x");
+  ASSERT_EQ(__vxsSaveStreamF(stream.get(), file.c_str(), -1), VXS_STATUS_OK);
+  EXPECT_EQ(contents().size(), 16u + 8 + 2 * 9);
+}
+
+TEST_F(StreamFiles, AllocationsThatFailLeaveNothingBehind) {
+  const Stream stream = new_stream(0x800000, {1});
+  add_chunk(stream, 2, "ab");
+  add_chunk(stream, 3, "cde");
+  const Stream plain = new_stream(0, {1});
+  const auto length = static_cast<int32_t>(file.size());
+  ASSERT_EQ(__vxsSaveStreamF(stream.get(), file.c_str(), length), VXS_STATUS_OK);
+
+  // How many allocations an operation makes that ends with a stream, or with a failure.
+  const auto making = [](auto operation) {
+    return fail_each_allocation([&] {
+      StreamState *made = nullptr;
+      const int32_t status = operation(&made);
+      if (made) __vxsDeleteStream(&made);
+      return status;
+    });
+  };
+  uint32_t buffer[1];
+  EXPECT_EQ(making([](auto s) { return __vxsNewStreamEx(s, 0x100000, 0, nullptr); }), 1);
+  EXPECT_EQ(making([&](auto s) { return __vxsCopyStream(s, plain.get()); }), 1);
+  EXPECT_EQ(making([&](auto s) { return load(s); }), 5);
+  EXPECT_EQ(making([&](auto s) { return __vxsiNewAbstractStream(s, 1, buffer, [](auto...) { return 0; }); }),
+            1);
+  EXPECT_EQ(fail_each_allocation([&] { return __vxsSaveStreamF(stream.get(), file.c_str(), length); }), 1);
+  EXPECT_EQ(fail_each_allocation([&] {
+              const int32_t status = __vxsAddChunk(plain.get(), 9, nullptr, 1);
+              __vxsDeleteChunks(plain.get());
+              return status;
+            }),
+            1);
+}
+
+TEST(StreamCopies, SharesTheChunks) {
+  const Stream stream = new_stream(0x300000, {1, 2});
+  add_chunk(stream, 2, "x");
+  draw_words(stream, 99);
+  const Stream copy = copy_of(stream);
+  EXPECT_EQ(copy->chunks, stream->chunks);
+  EXPECT_EQ(copy->brng, stream->brng);
+  EXPECT_EQ(draw_words(copy, 99), draw_words(stream, 99));
+  copy->chunks = nullptr;
+  StreamState unknown = {0x500111, 1, nullptr}, *none = nullptr;
+  EXPECT_EQ(__vxsCopyStream(&none, &unknown), VXS_STATUS_BAD_GENERATOR);
+}
+
+// How many bytes of the payload move, and what stays.
+TEST(StreamCopies, StateMovesWithoutTheParameters) {
+  const struct {
+    uint32_t from, to;
+    size_t moved;
+    int32_t status;
+  } rows[] = {{0x100000, 0, 4, 0},
+              {0x200000, 1, 1008, 0},
+              {0x300000, 2, 24, 0},
+              {0x400000, 3, 8, 0},
+              {0x500000, 0x500110, 32, 0},  // all that there is, though its row says 64
+              {0x500003, 7, 32, 0},
+              {0x600000, 0x600000, 5296, 0},
+              {0x700000, 0x700000, 41992, 0},
+              {0x800000, 0x800000, 2500, 0},
+              {0x900000, 0x9003ff, 280, 0},
+              {0x100000, 0x400000, 4, VXS_STATUS_OTHER_GENERATOR},
+              {0x900000, 0x100000, 8, VXS_STATUS_OTHER_GENERATOR},  // all that the destination holds
+              {0x100000, 277, 4, VXS_STATUS_OTHER_GENERATOR}};
+  for (const auto &row : rows) {
+    const Stream source = new_stream(row.from, {3}), destination = new_stream(row.to, {5});
+    draw_words(source, 10);
+    memset(destination.get() + 1, 0xee, payload(destination).size());
+    EXPECT_EQ(__vxsCopyStreamState(destination.get(), source.get()), row.status) << row.from;
+    const std::string before(payload(destination).size(), '\xee'), from = payload(source),
+                                                                   to = payload(destination);
+    EXPECT_EQ(to, from.substr(0, row.moved) + before.substr(row.moved)) << row.from;
+    EXPECT_EQ(destination->brng, row.to);
+  }
+  const Stream stream = new_stream(0, {1});
+  EXPECT_EQ(__vxsCopyStreamState(stream.get(), stream.get()), VXS_STATUS_OK);
+}
+
+}  // namespace

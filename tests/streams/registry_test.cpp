@@ -1,0 +1,203 @@
+// Generator ids, registration, the life of a stream, chunks.
+#include <cstdlib>
+
+#include "streams/internal.h"
+#include "tests/streams/stream.h"
+
+namespace {
+
+using namespace qkr::tests;
+
+TEST(Registry, ResolvesIds) {
+  const struct {
+    int32_t id;
+    bool legacy;
+    int32_t row, member, status;
+  } rows[] = {{0, true, 0, 0, 0},
+              {3, true, 3, 0, 0},
+              {4, true, 4, 0, 0},
+              {5, true, 4, 1, 0},
+              {276, true, 4, 272, 0},
+              {277, true, 277, 0, 0},
+              {278, true, 278, 0, 0},
+              {279, true, 279, 0, -1000},
+              {0xfffff, true, 0xfffff, 0, -1000},
+              {-1, true, -1, 0, 0},
+              {0x100000, false, 0, 0, 0},
+              {0x100001, false, 0, 1, -1000},
+              {0x500110, false, 4, 272, 0},
+              {0x500111, false, 4, 273, -1000},
+              {0x9003ff, false, 8, 1023, 0},
+              {0x900400, false, 8, 1024, -1000},
+              {0xa00001, false, 9, 1, -1000},
+              {0xc00000, false, 11, 0, 0},
+              {0xd00000, false, 12, 0, -1000},
+              {0x7fffffff, false, 0x7fe, 0xfffff, -1000}};
+  for (const auto &expected : rows) {
+    int32_t row, member;
+    const BrngRecord *table = __vxsGetBrngBaseOffset(expected.id, &row, &member);
+    EXPECT_EQ(table, expected.legacy ? __RegBrngs.rows : __RegBrngsNew) << expected.id;
+    EXPECT_EQ(row, expected.row) << expected.id;
+    EXPECT_EQ(member, expected.member) << expected.id;
+    EXPECT_EQ(__vxsIsBrngValid(table, row, member), expected.status) << expected.id;
+  }
+}
+
+TEST(Registry, DescribesGenerators) {
+  const struct {
+    std::vector<int32_t> ids;
+    int32_t state_size, seed_words, includes_zero, word_size, bits;
+  } rows[] = {{{0x100000, 0}, 24, 1, 0, 4, 31},
+              {{0x200000, 1}, 1024, 252, 1, 4, 32},
+              {{0x300000, 2}, 40, 6, 1, 4, 32},
+              {{0x400000, 3}, 32, 1, 0, 8, 59},
+              {{0x500000, 4, 276}, 48, 4, 1, 16, 24},
+              {{0x600000, 277}, 5472, 1324, 0, 4, 32},
+              {{0x700000, 278}, 43280, 10498, 0, 4, 32},
+              {{0x800000}, 2520, 625, 1, 4, 32},
+              {{0x900000, 0x9003ff}, 312, 70, 1, 4, 32},
+              {{0xa00000}, 48, 0, 1, 4, 32},
+              {{0xb00000}, 64, 0, 1, 4, 32},
+              {{0xc00000}, 56, 0, 1, 4, 32}};
+  for (const auto &expected : rows) {
+    for (const int32_t id : expected.ids) {
+      BrngRecord r;
+      ASSERT_EQ(__vxsGetBrngProperties(id, &r), VXS_STATUS_OK) << id;
+      EXPECT_EQ(r.StateSize, expected.state_size) << id;
+      EXPECT_EQ(r.SeedWords, expected.seed_words) << id;
+      EXPECT_EQ(r.IncludesZero, expected.includes_zero) << id;
+      EXPECT_EQ(r.WordSize, expected.word_size) << id;
+      EXPECT_EQ(r.Bits, expected.bits) << id;
+      EXPECT_TRUE(r.InitStream && r.iBrng && r.dBrng && r.sBrng) << id;
+    }
+  }
+  for (int32_t row = 4; row < 277; ++row)
+    EXPECT_EQ(memcmp(&__RegBrngs.rows[row], &__RegBrngsNew[4], sizeof(BrngRecord)), 0) << row;
+  BrngRecord untouched = {};
+  EXPECT_EQ(__vxsGetBrngProperties(0x900400, &untouched), VXS_STATUS_BAD_GENERATOR);
+  EXPECT_EQ(untouched.StateSize, 0);
+}
+
+// Counts upwards; the seed words and the methods that it was asked for are in the record.
+struct Counter {
+  int32_t method, n;
+  uint32_t next;
+};
+int32_t init_counter(int32_t method, StreamState *stream, int32_t n, const void *params) {
+  payload_of<Counter>(stream) = {method, n, params ? *static_cast<const uint32_t *>(params) : 0};
+  return method == VXS_INIT_SEED && n == 0 ? -77 : VXS_STATUS_OK;
+}
+int32_t count(StreamState *stream, int32_t n, uint32_t *out) {
+  for (int32_t i = 0; i < n; ++i) out[i] = payload_of<Counter>(stream).next++;
+  return VXS_STATUS_OK;
+}
+int32_t no_doubles(StreamState *, int32_t, double *, double, double) { return -78; }
+int32_t no_singles(StreamState *, int32_t, float *, float, float) { return -79; }
+
+TEST(Registry, TakesUserGenerators) {
+  const BrngRecord counter = {16 + sizeof(Counter), 3, 1, 4, 32, init_counter, no_singles, no_doubles, count};
+  const struct {
+    int32_t BrngRecord::*field;
+    int32_t value, status;
+  } faults[] = {{&BrngRecord::Bits, 0, VXS_STATUS_BAD_BITS},
+                {&BrngRecord::SeedWords, 0, VXS_STATUS_BAD_SEED_WORDS},
+                {&BrngRecord::WordSize, 2, VXS_STATUS_BAD_WORD_SIZE},
+                {&BrngRecord::StateSize, -1, VXS_STATUS_BAD_STATE_SIZE}};
+  // Each fault is noticed before those that came before it in the table.
+  BrngRecord bad = counter;
+  bad.iBrng = nullptr;
+  EXPECT_EQ(__vxsRegisterBrng(&bad), VXS_STATUS_NULL_POINTER);
+  for (const auto &fault : faults) {
+    bad.*fault.field = fault.value;
+    EXPECT_EQ(__vxsRegisterBrng(&bad), fault.status);
+  }
+  for (int entry = 0; entry < 4; ++entry) {
+    bad = counter;
+    if (entry == 0) bad.dBrng = nullptr;
+    if (entry == 1) bad.sBrng = nullptr;
+    if (entry == 2) bad.iBrng = nullptr;
+    if (entry == 3) bad.InitStream = nullptr;
+    EXPECT_EQ(__vxsRegisterBrng(&bad), VXS_STATUS_NULL_POINTER) << entry;
+  }
+
+  ASSERT_EQ(__vxsGetNumRegBrngs(), 12);
+  ASSERT_EQ(__vxsRegisterBrng(&counter), 0xd00000);
+  EXPECT_EQ(__vxsGetNumRegBrngs(), 13);
+  const Stream stream = new_stream(0xd00000, {41});
+  EXPECT_EQ(draw_words(stream, 3), (std::vector<uint32_t>{41, 42, 43}));
+  double number;
+  EXPECT_EQ(generator_of(stream).dBrng(stream.get(), 1, &number, 0, 1), -78);
+
+  // What reaches InitStream of the generic operations.
+  EXPECT_EQ(__vxsLeapfrogStream(stream.get(), 5, 9), VXS_STATUS_OK);
+  const Counter &seen = payload_of<Counter>(stream.get());
+  EXPECT_EQ(seen.method, VXS_INIT_LEAPFROG);
+  EXPECT_EQ(seen.n, 9);
+  EXPECT_EQ(seen.next, 5u);
+  EXPECT_EQ(__vxsSkipAheadStream(stream.get(), (int64_t{1} << 32) + 12), VXS_STATUS_OK);
+  EXPECT_EQ(seen.method, VXS_INIT_SKIP_AHEAD);
+  EXPECT_EQ(seen.n, 12);
+  EXPECT_EQ(seen.next, 0u);
+
+  // A stream stays the caller's when seeding fails.
+  StreamState *unseeded = nullptr;
+  EXPECT_EQ(__vxsNewStreamEx(&unseeded, 0xd00000, 0, nullptr), -77);
+  ASSERT_NE(unseeded, nullptr);
+  __vxsDeleteStream(&unseeded);
+
+  // A record that says nothing of its size still gets a head.
+  BrngRecord headless = counter;
+  headless.StateSize = 0;
+  headless.InitStream = [](int32_t, StreamState *, int32_t, const void *) { return 0; };
+  ASSERT_EQ(__vxsRegisterBrng(&headless), 0xe00000);
+  const Stream head = new_stream(0xe00000, {}), copy = copy_of(head);
+  EXPECT_EQ(copy->brng, 0xe00000u);
+  EXPECT_EQ(__vxsCopyStreamState(copy.get(), head.get()), VXS_STATUS_OK);
+}
+
+TEST(Stream, BeginsWithItsHead) {
+  for (const uint32_t id : {0u, 140u, 0x500003u, 0x900005u}) {
+    const Stream stream = new_stream(id, {1});
+    EXPECT_EQ(__vxsGetStreamStateBrng(stream.get()), id);
+    EXPECT_EQ(stream->flags, 1);
+    EXPECT_EQ(stream->chunks, nullptr);
+  }
+}
+
+TEST(Stream, IsNotMadeOfUnknownGenerators) {
+  for (const uint32_t id :
+       {279u, 0x500111u, 0x900400u, 0xa00000u, 0xa00001u, 0xb00000u, 0xc00000u, 0x20000000u}) {
+    StreamState *const before = reinterpret_cast<StreamState *>(8);
+    StreamState *stream = before;
+    EXPECT_EQ(__vxsNewStreamEx(&stream, id, 0, nullptr), VXS_STATUS_BAD_GENERATOR) << id;
+    EXPECT_EQ(stream, before);
+  }
+}
+
+TEST(Stream, DeletingClearsThePointer) {
+  StreamState *stream = new_stream(0, {1}).release();
+  EXPECT_EQ(__vxsAddChunk(stream, 2, malloc(8), 8), VXS_STATUS_OK);
+  EXPECT_EQ(__vxsAddChunk(stream, 3, nullptr, 0), VXS_STATUS_OK);
+  EXPECT_EQ(__vxsDeleteStream(&stream), VXS_STATUS_OK);
+  EXPECT_EQ(stream, nullptr);
+}
+
+TEST(Chunks, TheNewestComesFirst) {
+  const Stream stream = new_stream(0, {1});
+  EXPECT_EQ(__vxsSearchChunk(stream.get(), 2), nullptr);
+  void *first = malloc(1), *second = malloc(2), *third = malloc(3);
+  __vxsAddChunk(stream.get(), 2, first, 1);
+  __vxsAddChunk(stream.get(), 7, second, 2);
+  EXPECT_EQ(__vxsSearchChunk(stream.get(), 2), first);
+  __vxsAddChunk(stream.get(), 2, third, 3);
+  EXPECT_EQ(__vxsSearchChunk(stream.get(), 2), third);
+  EXPECT_EQ(__vxsSearchChunk(stream.get(), 7), second);
+  EXPECT_EQ(__vxsGetNumChunks(stream.get()), 3);
+  EXPECT_EQ(stream->chunks->size, 3u);
+  __vxsDeleteChunks(stream.get());
+  EXPECT_EQ(__vxsGetNumChunks(stream.get()), 0);
+  EXPECT_EQ(stream->chunks, nullptr);
+  __vxsDeleteChunks(stream.get());
+}
+
+}  // namespace
