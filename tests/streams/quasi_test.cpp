@@ -12,6 +12,7 @@
 
 #include "streams/digital_sequence.h"
 #include "streams/tables/digital_sequences.h"
+#include "tests/streams/allocations.h"
 #include "tests/streams/stream.h"
 #include "tests/support/levels.h"
 
@@ -27,7 +28,7 @@ constexpr int32_t kOneDimension = 0x7fffffff;
 int32_t status_of_new_stream(uint32_t id, const Words &params) {
   StreamState *stream = nullptr;
   const int32_t status = __vxsNewStreamEx(&stream, id, static_cast<int32_t>(params.size()), params.data());
-  __vxsDeleteStream(&stream);
+  if (stream) __vxsDeleteStream(&stream);
   return status;
 }
 
@@ -232,6 +233,36 @@ TEST(QuasiRandom, UserArrays) {
     // One word less, and it is no user array any more.
     array.pop_back();
     EXPECT_EQ(status_of_new_stream(id, array), dim > tables ? VXS_STATUS_BAD_ARGUMENT : VXS_STATUS_OK);
+  }
+}
+
+// Generator matrices row by row, with one bit of a recurrence after the other.
+TEST(QuasiRandom, NiederreiterDirectionsFollowTheDefinition) {
+  const Stream stream = new_stream(kNiederreiter, {318});
+  for (int32_t j = 0; j < 318; ++j) {
+    const uint32_t p = uNiederrIrredPoly[j];
+    const int e = std::bit_width(p) - 1;
+    std::vector<int> b = {1};
+    uint32_t expected[32] = {};
+    for (int r = 0, q = 0; r < 32; q += e) {
+      std::vector<int> product(q + e + 1), w(q + e + 32);
+      for (int i = 0; i <= q; ++i)
+        for (int k = 0; k <= e; ++k) product[i + k] ^= b[i] & static_cast<int>(p >> k & 1);
+      b = product;
+      std::fill_n(w.begin() + q, e, 1);
+      for (int t = q + e; t <= e + 30; ++t)
+        for (int i = 0; i < q + e; ++i) w[t] ^= b[i] & w[t - (q + e) + i];
+      for (int u = 0; u < e && r < 32; ++u, ++r)
+        for (int c = 0; c < 32; ++c) expected[c] |= static_cast<uint32_t>(w[u + c]) << (31 - r);
+    }
+    EXPECT_TRUE(std::equal(expected, expected + 32, sequence(stream).row(j))) << j;
+  }
+}
+
+TEST(QuasiRandom, FailingAllocations) {
+  for (const auto &[id, dim] : {std::pair{kSobol, 41u}, {kNiederreiter, 319u}}) {
+    const Words array = user_array(id, dim, 4);
+    EXPECT_EQ(fail_each_allocation([&] { return status_of_new_stream(id, array); }), 3);
   }
 }
 
