@@ -1,5 +1,5 @@
-// Tables behind the direction numbers of the quasi-random generators. A polynomial over GF(2) is held as a word,
-// bit i being the coefficient of x^i.
+// Tables behind the direction numbers of the quasi-random generators. A polynomial over GF(2) is held as a
+// word, bit i being the coefficient of x^i.
 #pragma once
 
 #include <stdint.h>

@@ -1,5 +1,5 @@
-// Tables of the basic generators, made by the generators in tools/tables, whose opening comments give the rule
-// of the rows.
+// Tables of the basic generators, made by the generators in tools/tables, whose opening comments give the
+// rule of the rows.
 #pragma once
 
 #include <stdint.h>
@@ -17,7 +17,8 @@ extern const double _vxsdWH_IM_Tab[wh_members][4];
 // matrixA, maskB, maskC of each member of MT2203.
 extern const uint32_t _vxs_mt2203_table[mt2203_members][3];
 
-// Row k: r about 1 / (1 + (k + 1/2)/256), a multiple of 2^-16; and -ln(r), as a multiple of 2^-42 and the rest.
+// Row k: r about 1 / (1 + (k + 1/2)/256), a multiple of 2^-16; and -ln(r), as a multiple of 2^-42 and the
+// rest.
 extern const double __libm_rcp_table_256[256];
 extern const double __libm_log_table_256[256][2];
 // Row k: A2 * m^2 + A1 * m + A0 is about 1 / sqrt(m) for 1 + k/128 <= m <= 1 + (k + 1)/128.

@@ -2,8 +2,8 @@
 // Programming, vol. 2, 3.3.2; G. Marsaglia, Computers and Mathematics with Applications 9 (1985) 1, for the
 // birthday spacings).
 //
-// The seeds are fixed, so a test passes always or never. With a seed drawn at random, a perfect generator would
-// fail each of the 60 with probability 2e-7 at the most, and any of them with 1.2e-5.
+// The seeds are fixed, so a test passes always or never. With a seed drawn at random, a perfect generator
+// would fail each of the 60 with probability 2e-7 at the most, and any of them with 1.2e-5.
 #include <algorithm>
 #include <array>
 #include <cmath>
