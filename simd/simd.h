@@ -56,28 +56,28 @@ QKR_INLINE float approximate_rsqrt(float x) { return _mm_cvtss_f32(_mm_rsqrt_ss(
 QKR_INLINE uint64_t approximate_rsqrt(uint64_t single) {
   return bits(approximate_rsqrt(real((uint32_t)single)));
 }
-QKR_INLINE f64 lanes(f64 v) { return v; }
-QKR_INLINE f64 lanes(double x) { return x - f64{}; }
+QKR_INLINE f64 in_lanes(f64 v) { return v; }
+QKR_INLINE f64 in_lanes(double x) { return x - f64{}; }
 
 // yes where a < b, else no; and no where !(a < b), else 0. Operands may be one number.
 template <class A, class B, class Yes, class No>
 QKR_INLINE f64 select_less(A a, B b, Yes yes, No no) requires(sizeof(a + b) == sizeof(f64)) {
-  return lanes(a) < lanes(b) ? lanes(yes) : lanes(no);
+  return in_lanes(a) < in_lanes(b) ? in_lanes(yes) : in_lanes(no);
 }
 template <class B, class No>
 QKR_INLINE f64 zero_if_less(f64 a, B b, No no) {
 #if QKR_SIMD_BYTES == 64
-  return (f64)_mm512_maskz_mov_pd(_mm512_cmp_pd_mask((__m512d)a, (__m512d)lanes(b), _CMP_NLT_UQ),
-                                  (__m512d)lanes(no));
+  return (f64)_mm512_maskz_mov_pd(_mm512_cmp_pd_mask((__m512d)a, (__m512d)in_lanes(b), _CMP_NLT_UQ),
+                                  (__m512d)in_lanes(no));
 #else
-  return real(bits(lanes(no)) & ~(u64)(a < lanes(b)));
+  return real(bits(in_lanes(no)) & ~(u64)(a < in_lanes(b)));
 #endif
 }
 QKR_INLINE double select_less(double a, double b, double yes, double no) { return a < b ? yes : no; }
 QKR_INLINE double zero_if_less(double a, double b, double no) { return a < b ? 0.0 : no; }
 
 // As smaller, but a NaN stays.
-QKR_INLINE f64 at_most(f64 x, double limit) { return smaller(lanes(limit), x); }
+QKR_INLINE f64 at_most(f64 x, double limit) { return smaller(in_lanes(limit), x); }
 QKR_INLINE double at_most(double x, double limit) { return limit < x ? limit : x; }
 QKR_INLINE float square_root(float x) { return __builtin_sqrtf(x); }
 QKR_INLINE double square_root(double x) { return __builtin_sqrt(x); }
