@@ -1,192 +1,154 @@
-// Blocks of a quasi-random sequence. Three ways to the same words, whichever is fastest:
-// - few dimensions: as many points side by side as a vector has lanes. From an index that this number
-// divides, point p
-//   of a group is the first one changed by the Gray code of p, and all of a group change alike to the next.
-// - more dimensions: one point after the other, held in registers, with copies of the direction numbers in
-// use side by
-//   side; a point's last vector reaches into the next point's place, which is written after it.
-// - few points: each on its own, without copies.
-#include <utility>
-
-#include "streams/digital_sequence.h"
-#include "streams/generator.h"
+// Blocks of a quasi-random sequence. There are four ways to the same words: points of few dimensions side by
+// side in groups; of up to 40 dimensions one after the other, held in registers; of more dimensions the same
+// from memory; and a few points without any preparation.
+#include "streams/digital_sequence_groups.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
-template <class Output>
-using Element = typename Output::Element;
-
-// Direction number c of each of `count` dimensions.
-QKR_INLINE void copy_directions(const Sequence &s, int c, int32_t count, uint32_t *out) {
-  if (s.chunk_rows) {
-    for (int32_t j = 0; j < count; ++j) out[j] = s.chunk_rows[j][c];
-  } else {
-    for (int32_t j = 0; j < count; ++j) out[j] = s.record_rows[row_stride * j + c];
-  }
-}
-
-// To the next point, in the first `dim` dimensions.
-QKR_INLINE void step(const Sequence &s, int32_t dim) {
+// Calls function(word of the point, its change to the next point) for each of the first `dim` dimensions.
+template <class Function>
+QKR_INLINE void for_each_change(const Sequence &s, int32_t dim, Function function) {
   const int c = next_direction(s.position->seq++);
   if (s.chunk_rows) {
-    for (int32_t j = 0; j < dim; ++j) s.x[j] ^= s.chunk_rows[j][c];
+    for (int32_t j = 0; j < dim; ++j) function(s.x[j], s.chunk_rows[j][c]);
   } else {
-    for (int32_t j = 0; j < dim; ++j) s.x[j] ^= s.record_rows[row_stride * j + c];
+    for (int32_t j = 0; j < dim; ++j) function(s.x[j], s.record_rows[row_stride * j + c]);
   }
 }
 
-template <int count, class Function>
-QKR_INLINE void for_constants(Function function) {
-  [&]<int... i>(std::integer_sequence<int, i...>) { (function(std::integral_constant<int, i>()), ...); }
-  (std::make_integer_sequence<int, count>());
+// One point after the other, without preparation.
+template <class Output>
+QKR_NOINLINE void single_points(const Sequence &s, int32_t dim, int32_t points, Element<Output> *out,
+                                Output output) {
+  for (; points > 0; --points) {
+    if (dim < 2 * lanes) {
+      for_each_change(s, dim, [&](uint32_t &x, uint32_t change) {
+        output.put_one(out++, x);
+        x ^= change;
+      });
+    } else {
+      emit_words(s.x, dim, out, output);
+      for_each_change(s, dim, [](uint32_t &x, uint32_t change) { x ^= change; });
+      out += dim;
+    }
+  }
 }
 
-// A group of `lanes` points in `dims` dimensions: word i of it belongs to dimension i % dims of point i /
-// dims, and vector t begins with word t * lanes.
-template <int dims, int t>
-struct GroupVector {
-  using Lanes = std::make_integer_sequence<int, lanes>;
+// The direction numbers of some dimensions in the order of use, each one for all dimensions side by side.
+// They are copied by fours when the first of these is used.
+template <int width>
+struct DirectionsInUse {
+  typedef uint32_t Four __attribute__((vector_size(16)));
 
-  // The lanes at the head of v, one for each dimension, to all places of their dimensions.
-  QKR_INLINE static u32 spread(u32 v) {
-    return [v]<int... i>(std::integer_sequence<int, i...>) {
-      return (u32)__builtin_shufflevector(v, v, (t * lanes + i) % dims...);
-    }
-    (Lanes());
+  const Sequence &s;
+  const int32_t dim;
+  uint32_t present = 0;  // a bit for each four
+  alignas(u32) uint32_t words[direction_numbers][width];
+
+  QKR_INLINE DirectionsInUse(const Sequence &sequence, int32_t dimensions) : s(sequence), dim(dimensions) {}
+
+  QKR_INLINE const uint32_t *next(uint32_t seq) {
+    const int c = next_direction(seq);
+    if (__builtin_expect(!(present >> (c / 4) & 1), 0)) copy_four(c & ~3);
+    return words[c];
   }
-  // The places of those points in whose Gray code bit c is set.
-  template <int c>
-  QKR_INLINE static u32 where_bit() {
-    return []<int... i>(std::integer_sequence<int, i...>) {
-      return u32{(gray_code((t * lanes + i) / dims) >> c & 1 ? ~0u : 0u)...};
+  QKR_NOINLINE void copy_four(int first) {
+    present |= 1u << (first / 4);
+    for (int32_t j = 0; j < dim; j += 4) {
+      const auto row = [&](int k) {  // the last one again where there are no four any more
+        Four numbers;
+        memcpy(&numbers, s.row(j + k < dim ? j + k : dim - 1) + first, sizeof numbers);
+        return numbers;
+      };
+      const Four a = row(0), b = row(1), c = row(2), d = row(3);
+      const Four ab = __builtin_shufflevector(a, b, 0, 4, 1, 5),
+                 AB = __builtin_shufflevector(a, b, 2, 6, 3, 7);
+      const Four cd = __builtin_shufflevector(c, d, 0, 4, 1, 5),
+                 CD = __builtin_shufflevector(c, d, 2, 6, 3, 7);
+      const auto put_four = [&](int k, Four numbers) {
+        memcpy(words[first + k] + j, &numbers, sizeof numbers);
+      };
+      put_four(0, __builtin_shufflevector(ab, cd, 0, 1, 4, 5));
+      put_four(1, __builtin_shufflevector(ab, cd, 2, 3, 6, 7));
+      put_four(2, __builtin_shufflevector(AB, CD, 0, 1, 4, 5));
+      put_four(3, __builtin_shufflevector(AB, CD, 2, 3, 6, 7));
     }
-    (Lanes());
   }
 };
 
-// Points of `dims` dimensions, a group at a time.
-template <int dims, class Output>
-QKR_NOINLINE void points_side_by_side(const Sequence &s, int32_t points, Element<Output> *out,
-                                      Output output) {
-  constexpr int bits = __builtin_ctz(lanes);
-  constexpr auto dimensions = std::make_integer_sequence<int, dims>();
-  const uint32_t *rows[dims];
-  for (int j = 0; j < dims; ++j) rows[j] = s.row(j);
-  const auto directions = [&](int c) {
-    return [&]<int... j>(std::integer_sequence<int, j...>) { return u32{rows[j][c]...}; }
-    (dimensions);
-  };
-  u32 low[bits];  // direction numbers that change the point within a group
-  for_constants<bits>([&](auto c) { low[c] = directions(c); });
-  const auto from_first = [&](uint32_t p) {  // the change from the first point of a group to its point p
-    u32 sum = {};
-    for_constants<bits>([&](auto c) { sum ^= low[c] & (0u - (gray_code(p) >> c & 1)); });
-    return sum;
-  };
-
-  uint32_t p = s.position->seq % lanes, group = s.position->seq - p;
-  const u32 x = [&]<int... j>(std::integer_sequence<int, j...>) { return u32{s.x[j]...}; }
-  (dimensions);
-  const u32 first_point = x ^ from_first(p);
-  u32 first[dims], changes[dims], directions_in_use[direction_numbers][dims];
-  uint32_t in_use = 0;  // a bit for each
-  for_constants<dims>([&](auto t) {
-    using Vector = GroupVector<dims, t>;
-    first[t] = Vector::spread(first_point);
-    changes[t] = u32{};
-    for_constants<bits>(
-        [&](auto c) { changes[t] ^= Vector::spread(low[c]) & Vector::template where_bit<c>(); });
-  });
-  const auto next_group = [&] {
-    group += lanes;
-    const int c = next_direction(group - 1);
-    if (__builtin_expect(!(in_use >> c & 1), 0)) {
-      in_use |= 1u << c;
-      const u32 v = directions(c) ^ low[bits - 1];
-      for_constants<dims>([&](auto t) { directions_in_use[c][t] = GroupVector<dims, t>::spread(v); });
-    }
-    for_constants<dims>([&](auto t) { first[t] ^= directions_in_use[c][t]; });
-  };
-  const auto part_of_group = [&](int32_t count) {
-    uint32_t words[dims * lanes];
-    for_constants<dims>([&](auto t) { store(words + t * lanes, first[t] ^ changes[t]); });
-    emit(words + p * dims, count * dims, out, output);
-    out += count * dims;
-    points -= count;
-    p += count;
-  };
-
-  if (p > 0) {
-    part_of_group(points < (int32_t)(lanes - p) ? points : (int32_t)(lanes - p));
-    if (p == lanes) next_group(), p = 0;
-  }
-  for (; points >= lanes; points -= lanes, out += dims * lanes) {
-    for_constants<dims>([&](auto t) { put(output, out + t * lanes, first[t] ^ changes[t]); });
-    next_group();
-  }
-  if (points > 0) part_of_group(points);
-
-  uint32_t last[lanes];
-  store(last, first[0] ^ from_first(p));
-  memcpy(s.x, last, dims * sizeof *last);
-  s.position->seq = group + p;
-}
-
-// `width` dimensions of points that lie `stride` apart in the output, as `vectors` vectors.
+// Whole points of more than lanes / 2 dimensions. A point's last vector reaches into the place of the next
+// point, but not beyond, and that is written after it.
 template <int vectors, class Output>
-QKR_NOINLINE void strip_of_points(const Sequence &s, int32_t width, int32_t stride, int32_t points,
-                                  Element<Output> *out, Output output) {
+QKR_NOINLINE void points_in_registers(const Sequence &s, int32_t dim, int32_t points, Element<Output> *out,
+                                      Output output) {
   constexpr int whole_width = vectors * lanes;
-  alignas(u32) uint32_t line[whole_width] = {}, directions_in_use[direction_numbers][whole_width];
-  uint32_t in_use = 0, seq = s.position->seq;
+  DirectionsInUse<whole_width> directions(s, dim);
+  alignas(u32) uint32_t line[whole_width];
+  uint32_t seq = s.position->seq;
   u32 x[vectors];
-  memcpy(line, s.x, width * sizeof *line);
+  store(line + whole_width - lanes, u32{});
+  memcpy(line, s.x, dim * sizeof *line);
   for_constants<vectors>([&](auto t) { load(line + t * lanes, x[t]); });
+  const auto to_line = [&] { for_constants<vectors>([&](auto t) { store(line + t * lanes, x[t]); }); };
   const auto next_point = [&] {
-    const int c = next_direction(seq++);
-    if (__builtin_expect(!(in_use >> c & 1), 0)) {
-      in_use |= 1u << c;
-      copy_directions(s, c, width, directions_in_use[c]);
-    }
+    const uint32_t *direction = directions.next(seq++);
     for_constants<vectors>([&](auto t) {
       u32 change;
-      load(directions_in_use[c] + t * lanes, change);
+      load(direction + t * lanes, change);
       x[t] ^= change;
     });
   };
-  const auto to_line = [&] { for_constants<vectors>([&](auto t) { store(line + t * lanes, x[t]); }); };
-
-  const bool overhangs = width < whole_width;
-  for (; points > overhangs; --points, out += stride) {
+  for (; points > 1; --points, out += dim) {
     for_constants<vectors>([&](auto t) { put(output, out + t * lanes, x[t]); });
     next_point();
   }
-  if (overhangs) {
-    to_line();
-    emit(line, width, out, output);
-    next_point();
-  }
   to_line();
-  memcpy(s.x, line, width * sizeof *line);
+  emit_words(line, dim, out, output);
+  next_point();
+  to_line();
+  memcpy(s.x, line, dim * sizeof *line);
+  s.position->seq = seq;
 }
 
-// Points of more than lanes / 2 dimensions, so that a point's overhang ends in the next point. Strips of few
-// enough vectors to stay in registers; the last strip of the dimensions first, since its overhang must be
-// written over.
+// `dim` of the dimensions of points that lie `stride` numbers apart.
+template <int most_vectors, class Output>
+QKR_NOINLINE void strip_of_points(const Sequence &s, int32_t dim, int32_t stride, int32_t points,
+                                  Element<Output> *out, Output output) {
+  constexpr int most = most_vectors * lanes;
+  DirectionsInUse<most> directions(s, dim);
+  alignas(u32) uint32_t x[most];
+  store(x + (dim - 1) / lanes * lanes, u32{});
+  memcpy(x, s.x, dim * sizeof *x);
+  uint32_t seq = s.position->seq;
+  const auto each_vector_to_next = [&](auto before) {
+    const uint32_t *direction = directions.next(seq++);
+    for (int32_t j = 0; j < dim; j += lanes) {
+      u32 point, change;
+      load(x + j, point);
+      load(direction + j, change);
+      before(j, point);
+      store(x + j, point ^ change);
+    }
+  };
+  for (; points > 1; --points, out += stride) {
+    each_vector_to_next([&](int32_t j, u32 point) { put(output, out + j, point); });
+  }
+  emit_words(x, dim, out, output);
+  each_vector_to_next([](int32_t, u32) {});
+  memcpy(s.x, x, dim * sizeof *x);
+}
+
+// The strip at the end first, since its overhang must be written over.
 template <class Output>
 QKR_NOINLINE void points_in_strips(const Sequence &s, int32_t dim, int32_t points, Element<Output> *out,
                                    Output output) {
-  constexpr int most = 5;
-  constexpr void (*strips[])(const Sequence &, int32_t, int32_t, int32_t, Element<Output> *, Output) = {
-      strip_of_points<1, Output>, strip_of_points<2, Output>, strip_of_points<3, Output>,
-      strip_of_points<4, Output>, strip_of_points<most, Output>};
+  constexpr int32_t most_vectors = 320 / lanes;
   int32_t end = dim, vectors = (dim + lanes - 1) / lanes;
-  for (int32_t left = (vectors + most - 1) / most; left > 0; --left) {
-    const int32_t count = (vectors + left - 1) / left;
-    vectors -= count;
+  for (int32_t strips = (vectors + most_vectors - 1) / most_vectors; strips > 0; --strips) {
+    vectors -= (vectors + strips - 1) / strips;
     const int32_t begin = vectors * lanes;
-    strips[count - 1](s.from(begin), end - begin, dim, points, out + begin, output);
+    strip_of_points<most_vectors>(s.from(begin), end - begin, dim, points, out + begin, output);
     end = begin;
   }
   s.position->seq += points;
@@ -196,18 +158,19 @@ QKR_NOINLINE void points_in_strips(const Sequence &s, int32_t dim, int32_t point
 template <class Output>
 QKR_INLINE void draw_points(const Sequence &s, int32_t dim, int32_t points, Element<Output> *out,
                             Output output) {
-  constexpr int32_t few_dimensions = lanes / 2 < 4 ? lanes / 2 : 4;
-  if (dim <= few_dimensions && points * dim >= 2 * lanes) {
+  constexpr int32_t few_dimensions = lanes / 2, most_vectors = (40 + lanes - 1) / lanes;
+  if (points < 8 || points * dim < 32) {  // preparation would cost more than it saves
+    single_points(s, dim, points, out, output);
+  } else if (dim <= few_dimensions) {
     for_constants<few_dimensions>([&](auto less) {
       if (dim == less + 1) points_side_by_side<less + 1>(s, points, out, output);
     });
-  } else if (dim > lanes / 2 && points >= 6) {
-    points_in_strips(s, dim, points, out, output);
+  } else if (dim <= most_vectors * lanes) {
+    for_constants<most_vectors>([&](auto less) {
+      if ((dim + lanes - 1) / lanes == less + 1) points_in_registers<less + 1>(s, dim, points, out, output);
+    });
   } else {
-    for (; points > 0; --points, out += dim) {
-      emit(s.x, dim, out, output);
-      step(s, dim);
-    }
+    points_in_strips(s, dim, points, out, output);
   }
 }
 
@@ -218,17 +181,17 @@ QKR_NOINLINE void draw(const Sequence &s, int32_t n, Element<Output> *out, Outpu
   if (at.leapDim >= 0) return draw_points(s.from(at.leapDim), 1, n, out, output);
   if (at.pending > 0) {
     const int32_t count = n < at.pending ? n : at.pending;
-    emit(s.x + at.dim - at.pending, count, out, output);
+    emit_words(s.x + at.dim - at.pending, count, out, output);
     out += count;
     n -= count;
     at.pending -= count;
     if (at.pending > 0) return;
-    step(s, at.dim);
+    for_each_change(s, at.dim, [](uint32_t &x, uint32_t change) { x ^= change; });
   }
   const int32_t points = n / at.dim, rest = n % at.dim;
   draw_points(s, at.dim, points, out, output);
   if (rest > 0) {
-    emit(s.x, rest, out + (n - rest), output);
+    emit_words(s.x, rest, out + (n - rest), output);
     at.pending = at.dim - rest;
   }
 }

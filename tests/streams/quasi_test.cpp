@@ -1,4 +1,7 @@
 // Sobol's and Niederreiter's sequences: against GSL, by user arrays, split and moved, at every vector width.
+#include <algorithm>
+#include <bit>
+#include <cmath>
 #include <cstring>
 #include <gsl/gsl_qrng.h>
 #include <gtest/gtest.h>
@@ -9,60 +12,38 @@
 
 #include "streams/digital_sequence.h"
 #include "streams/tables/digital_sequences.h"
+#include "tests/streams/allocations.h"
+#include "tests/streams/stream.h"
 #include "tests/support/levels.h"
 
 namespace {
 
 using namespace qkr;
+using namespace qkr::tests;
 using Words = std::vector<uint32_t>;
 
 constexpr uint32_t kSobol = 0x600000, kNiederreiter = 0x700000;
 constexpr int32_t kOneDimension = 0x7fffffff;
 
-struct Delete {
-  void operator()(StreamState *stream) const { __vxsDeleteStream(&stream); }
-};
-using Stream = std::unique_ptr<StreamState, Delete>;
-
-Stream new_stream(uint32_t id, const Words &params, int32_t expected_status = VXS_STATUS_OK) {
+int32_t status_of_new_stream(uint32_t id, const Words &params) {
   StreamState *stream = nullptr;
-  EXPECT_EQ(__vxsNewStreamEx(&stream, id, static_cast<int32_t>(params.size()), params.data()),
-            expected_status);
-  return Stream(stream);
-}
-
-BrngRecord row_of(const StreamState *stream) {
-  BrngRecord row;
-  EXPECT_EQ(__vxsGetBrngProperties(static_cast<int32_t>(stream->brng), &row), VXS_STATUS_OK);
-  return row;
+  const int32_t status = __vxsNewStreamEx(&stream, id, static_cast<int32_t>(params.size()), params.data());
+  if (stream) __vxsDeleteStream(&stream);
+  return status;
 }
 
 SequencePosition &position(const Stream &s) { return payload_of<SequencePosition>(s.get()); }
 
-Words draw(const Stream &s, size_t n) {
-  Words words(n);
-  EXPECT_EQ(row_of(s.get()).iBrng(s.get(), static_cast<int32_t>(n), words.data()), VXS_STATUS_OK);
-  return words;
-}
-
 int32_t leapfrog(const Stream &s, int32_t stride, int32_t k) {
-  return row_of(s.get()).InitStream(VXS_INIT_LEAPFROG, s.get(), stride, &k);
+  return __vxsLeapfrogStream(s.get(), k, stride);
 }
-int32_t skip(const Stream &s, int32_t count) {
-  return row_of(s.get()).InitStream(VXS_INIT_SKIP_AHEAD, s.get(), count, nullptr);
-}
-
-// The bytes of the record behind its chunk pointer.
-std::string state(const Stream &s) {
-  const char *bytes = reinterpret_cast<const char *>(s.get());
-  return {bytes + sizeof(StreamState), bytes + row_of(s.get()).StateSize};
-}
+int32_t skip(const Stream &s, int32_t count) { return __vxsSkipAheadStream(s.get(), count); }
 
 Sequence sequence(const Stream &s) {
   const bool sobol = s->brng == kSobol;
-  const auto *data = static_cast<QrngUserData *>(
-      __vxsSearchChunk(s.get(), sobol ? Sobol::chunk_id : Niederreiter::chunk_id));
-  if (data) return sequence_in_chunk(s.get(), data);
+  const uint32_t chunk = sobol ? Sobol::chunk_id : Niederreiter::chunk_id;
+  if (const void *data = __vxsSearchChunk(s.get(), chunk))
+    return sequence_in_chunk(s.get(), static_cast<const QrngUserData *>(data));
   return sobol ? sequence_in_record<Sobol>(s.get()) : sequence_in_record<Niederreiter>(s.get());
 }
 
@@ -111,48 +92,13 @@ TEST(QuasiRandom, SameAsGsl) {
     int different = 0;
     for (int i = 0; i < 20000; ++i) {
       gsl_qrng_get(theirs, point.data());
-      const Words words = draw(ours, row.dim);
+      const Words words = draw_words(ours, row.dim);
       for (uint32_t j = 0; j < row.dim; ++j)
         different += words[j] >> (32 - row.bits) != std::ldexp(point[j], row.bits);
     }
     gsl_qrng_free(theirs);
     EXPECT_EQ(different, 0);
   }
-}
-
-uint32_t remainder(uint32_t dividend, uint32_t divisor) {
-  while (std::bit_width(dividend) >= std::bit_width(divisor))
-    dividend ^= divisor << (std::bit_width(dividend) - std::bit_width(divisor));
-  return dividend;
-}
-
-TEST(QuasiRandom, NiederreiterTableHoldsAllIrreduciblePolynomials) {
-  const uint32_t *end = uNiederrIrredPoly;
-  for (uint32_t p = 2; p <= 3047; ++p) {
-    const bool irreducible =
-        std::none_of(uNiederrIrredPoly, end, [p](uint32_t divisor) { return remainder(p, divisor) == 0; });
-    if (!irreducible) continue;
-    EXPECT_EQ(*end, p);
-    EXPECT_EQ(iNiederrIrredPolyDeg[end - uNiederrIrredPoly], std::bit_width(p) - 1);
-    ++end;
-  }
-  EXPECT_EQ(end, uNiederrIrredPoly + 318);
-}
-
-TEST(QuasiRandom, SobolTable) {
-  for (int j = 0; j < 39; ++j) {
-    const uint32_t p = uSobolIrredPoly[j], e = static_cast<uint32_t>(iSobolIrredPolyDeg[j]);
-    EXPECT_EQ(e, std::bit_width(p) - 1u);
-    uint32_t power = 1, order = 0;  // p is primitive: x has the order 2^e - 1
-    do power = remainder(power << 1, p), ++order;
-    while (power != 1 && order < 1u << e);
-    EXPECT_EQ(order, (1u << e) - 1) << p;
-    for (uint32_t k = 0; k < 8; ++k) {
-      EXPECT_EQ(uSobolMInit[j][k] & 1, 1u) << j << ' ' << k;
-      EXPECT_LT(uSobolMInit[j][k], 2u << k) << j << ' ' << k;
-    }
-  }
-  EXPECT_EQ(uSobolIrredPoly[39], 0u);
 }
 
 TEST(QuasiRandom, DimensionOfParameters) {
@@ -181,11 +127,11 @@ TEST(QuasiRandom, DimensionOfParameters) {
     const Stream s = new_stream(row.id, row.params);
     const Stream plain = new_stream(row.id, {static_cast<uint32_t>(row.dim)});
     EXPECT_EQ(position(s).dim, row.dim) << &row - rows;
-    EXPECT_EQ(state(s), state(plain)) << &row - rows;
+    EXPECT_EQ(payload(s), payload(plain)) << &row - rows;
   }
-  EXPECT_EQ(draw(new_stream(kSobol, {}), 3), (Words{0x80000000, 0xc0000000, 0x40000000}));
-  new_stream(kSobol, {41, 1, 1, 0}, VXS_STATUS_BAD_ARGUMENT);
-  new_stream(kNiederreiter, {319, 2, 1}, VXS_STATUS_BAD_ARGUMENT);
+  EXPECT_EQ(draw_words(new_stream(kSobol, {}), 3), (Words{0x80000000, 0xc0000000, 0x40000000}));
+  EXPECT_EQ(status_of_new_stream(kSobol, {41, 1, 1, 0}), VXS_STATUS_BAD_ARGUMENT);
+  EXPECT_EQ(status_of_new_stream(kNiederreiter, {319, 2, 1}), VXS_STATUS_BAD_ARGUMENT);
 }
 
 // A user's array that repeats the tables for `dim` dimensions; beyond those of the tables, other polynomials.
@@ -238,21 +184,27 @@ TEST(QuasiRandom, UserArrays) {
     ASSERT_EQ(position(user).dim, static_cast<int32_t>(dim));
     int different = 0;
     for (int p = 0; p < 300; ++p) {
-      const Words ours = draw(user, dim), expected = draw(plain, tables);
+      const Words ours = draw_words(user, dim), expected = draw_words(plain, tables);
       different += !std::equal(expected.begin(), expected.end(), ours.begin());
     }
     EXPECT_EQ(different, 0);
     if (dim > tables && !(id == kNiederreiter && kind == 1)) {
       const Sequence s = sequence(user);
       const uint32_t repeated = dim - tables + (kind == 3 || kind == 11);
-      for (int c = 0; c < 32; ++c)
-        EXPECT_EQ(s.row(static_cast<int32_t>(dim) - 1)[c],
-                  kind == 4 ? ~s.row(static_cast<int32_t>(repeated) - 1)[c]
-                            : s.row(static_cast<int32_t>(repeated) - 1)[c]);
+      const uint32_t *last = s.row(static_cast<int32_t>(dim) - 1);
+      const uint32_t *same = s.row(static_cast<int32_t>(repeated) - 1);
+      for (int c = 0; c < 32; ++c) EXPECT_EQ(last[c], kind == 4 ? ~same[c] : same[c]);
     }
     // One word less, and it is no user array any more.
     array.pop_back();
-    if (array.size() > 3) new_stream(id, array, dim > tables ? VXS_STATUS_BAD_ARGUMENT : VXS_STATUS_OK);
+    EXPECT_EQ(status_of_new_stream(id, array), dim > tables ? VXS_STATUS_BAD_ARGUMENT : VXS_STATUS_OK);
+  }
+}
+
+TEST(QuasiRandom, FailingAllocations) {
+  for (const auto &[id, dim] : {std::pair{kSobol, 41u}, {kNiederreiter, 319u}}) {
+    const Words array = user_array(id, dim, 4);
+    EXPECT_EQ(fail_each_allocation([&] { return status_of_new_stream(id, array); }), 3);
   }
 }
 
@@ -261,7 +213,7 @@ TEST(QuasiRandom, UserPolynomialOfHighDegree) {
   const Stream s = new_stream(kSobol, {2, 1, 1, 0x80000009});
   for (int c = 0; c < 32; ++c) EXPECT_EQ(std::countr_zero(sequence(s).row(1)[c]), 31 - c);
   const Stream none = new_stream(kNiederreiter, {2, 1, 1, 1, 0});
-  EXPECT_EQ(draw(none, 100), Words(100, 0));
+  EXPECT_EQ(draw_words(none, 100), Words(100, 0));
 }
 
 // Blocks of random lengths, against single words by the definition: numbers, point and position.
@@ -286,7 +238,7 @@ TEST(QuasiRandom, BlocksFollowTheDefinition) {
       const uint32_t tables = id == kSobol ? 40 : 318;
       const Words params = dim > tables ? user_array(id, dim, 4) : Words{dim};
       const Stream ours = new_stream(id, params), plain = new_stream(id, params);
-      const BrngRecord row = row_of(ours.get());
+      const BrngRecord row = generator_of(ours);
       for (int round = 0; round < 60; ++round) {
         if (round % 16 == 15) {  // elsewhere; at last to where the index wraps
           const int32_t count = round < 40 ? below(1 << 30) + 1 : 0x7fffffff;
@@ -320,7 +272,7 @@ TEST(QuasiRandom, BlocksFollowTheDefinition) {
           EXPECT_EQ(reals[n], 77);
         }
         ASSERT_EQ(different, 0) << "round " << round << ", n " << n;
-        ASSERT_EQ(state(ours), state(plain)) << "round " << round << ", n " << n;
+        ASSERT_EQ(payload(ours), payload(plain)) << "round " << round << ", n " << n;
         ASSERT_TRUE(std::equal(sequence(ours).x, sequence(ours).x + dim, sequence(plain).x))
             << "round " << round;
       }
@@ -331,56 +283,56 @@ TEST(QuasiRandom, BlocksFollowTheDefinition) {
 TEST(QuasiRandom, SkipAheadLeavesWordsOut) {
   for (const uint32_t dim : {1u, 2u, 5u, 41u}) {
     const Words params = dim == 41 ? user_array(kSobol, dim, 4) : Words{dim};
-    const Words all = draw(new_stream(kSobol, params), 1000);
+    const Words all = draw_words(new_stream(kSobol, params), 1000);
     for (const size_t before : {0, 1, 3, 41})
       for (const size_t count : {1, 2, 3, 4, 5, 37, 82, 800}) {
         const Stream s = new_stream(kSobol, params), walked = new_stream(kSobol, params);
-        draw(s, before);
+        draw_words(s, before);
         EXPECT_EQ(skip(s, static_cast<int32_t>(count)), VXS_STATUS_OK);
-        draw(walked, before + count);
-        EXPECT_EQ(state(s), state(walked)) << dim << ' ' << before << ' ' << count;
-        EXPECT_EQ(draw(s, 50), Words(&all[before + count], &all[before + count + 50]));
+        draw_words(walked, before + count);
+        EXPECT_EQ(payload(s), payload(walked)) << dim << ' ' << before << ' ' << count;
+        EXPECT_EQ(draw_words(s, 50), Words(&all[before + count], &all[before + count + 50]));
       }
   }
 }
 
 TEST(QuasiRandom, LeapfrogKeepsOneDimension) {
   const uint32_t dim = 5;
-  const Words all = draw(new_stream(kNiederreiter, {dim}), 2000);
+  const Words all = draw_words(new_stream(kNiederreiter, {dim}), 2000);
   for (uint32_t before = 0; before <= 11; ++before)
     for (uint32_t k = 0; k < dim; ++k) {
       const Stream s = new_stream(kNiederreiter, {dim});
-      draw(s, before);
+      draw_words(s, before);
       EXPECT_EQ(leapfrog(s, kOneDimension, static_cast<int32_t>(k)), VXS_STATUS_OK);
       size_t next = before + (k + dim - before % dim) % dim;  // the first one of component k not given out
-      for (const uint32_t word : draw(s, 100)) {
+      for (const uint32_t word : draw_words(s, 100)) {
         ASSERT_EQ(word, all[next]) << before << ' ' << k;
         next += dim;
       }
       // To another dimension: from the point after the next one; to the same one: nothing happens.
       const uint32_t other = (k + 2) % dim;
       EXPECT_EQ(leapfrog(s, kOneDimension, static_cast<int32_t>(k)), VXS_STATUS_OK);
-      EXPECT_EQ(draw(s, 1)[0], all[next]);
+      EXPECT_EQ(draw_words(s, 1)[0], all[next]);
       EXPECT_EQ(leapfrog(s, kOneDimension, static_cast<int32_t>(other)), VXS_STATUS_OK);
-      EXPECT_EQ(draw(s, 1)[0], all[next + 2 * dim - k + other]);
+      EXPECT_EQ(draw_words(s, 1)[0], all[next + 2 * dim - k + other]);
     }
 }
 
 TEST(QuasiRandom, Statuses) {
   for (const uint32_t id : {kSobol, kNiederreiter}) {
     const Stream s = new_stream(id, {3});
-    draw(s, 4);
-    const std::string before = state(s);
+    draw_words(s, 4);
+    const std::string before = payload(s);
     EXPECT_EQ(leapfrog(s, 3, 0), VXS_STATUS_NO_LEAPFROG);
     EXPECT_EQ(leapfrog(s, kOneDimension, 3), VXS_STATUS_NO_LEAPFROG);
     EXPECT_EQ(leapfrog(s, kOneDimension, -1), VXS_STATUS_NO_LEAPFROG);
     EXPECT_EQ(skip(s, 0), VXS_STATUS_NO_SKIP_AHEAD);
     EXPECT_EQ(skip(s, -1), VXS_STATUS_NO_SKIP_AHEAD);
     for (const int32_t method : {3, -1})
-      EXPECT_EQ(row_of(s.get()).InitStream(method, s.get(), 1, nullptr), VXS_STATUS_BAD_METHOD);
-    EXPECT_EQ(row_of(s.get()).iBrng(s.get(), 0, nullptr), VXS_STATUS_OK);
-    EXPECT_EQ(row_of(s.get()).iBrng(s.get(), -7, nullptr), VXS_STATUS_OK);
-    EXPECT_EQ(state(s), before);
+      EXPECT_EQ(generator_of(s).InitStream(method, s.get(), 1, nullptr), VXS_STATUS_BAD_METHOD);
+    EXPECT_EQ(generator_of(s).iBrng(s.get(), 0, nullptr), VXS_STATUS_OK);
+    EXPECT_EQ(generator_of(s).iBrng(s.get(), -7, nullptr), VXS_STATUS_OK);
+    EXPECT_EQ(payload(s), before);
   }
 }
 
