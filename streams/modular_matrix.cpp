@@ -1,7 +1,6 @@
 // 3x3 matrices modulo m, by whose powers a recurrence of order three skips ahead.
+#include <qkr/streams_generators.h>
 #include <string.h>
-
-#include "streams/internal.h"
 
 namespace {
 
@@ -48,8 +47,7 @@ void __vxsiMatr3x3PowMod(uint32_t *matrix, uint32_t *result, uint32_t modulus, u
 }
 
 void __vxsiVect3PowMod(uint32_t *vector, const uint32_t *coefficients, uint32_t modulus, uint32_t exponent) {
-  uint32_t companion[order * order] = {
-      0, 1, 0, 0, 0, 1, coefficients[2], coefficients[1], coefficients[0]};
+  uint32_t companion[order * order] = {0, 1, 0, 0, 0, 1, coefficients[2], coefficients[1], coefficients[0]};
   uint32_t power[order * order];
   __vxsiMatr3x3PowMod(companion, power, modulus, exponent);
   __vxsiMatr3x3VectMulMod(power, vector, vector, modulus);

@@ -2,8 +2,8 @@
 // combined multiple recursive random number generators, Operations Research 47 (1999) 159.
 //
 // Each component also obeys a recurrence with lags of 24 to 56 and coefficients below 2^19, which lattice
-// reduction finds (tools/tables/mrg32k3a.py). So whole vectors of successive numbers follow from earlier ones,
-// and with residues held between -m/2 and m/2 every sum is a whole number below 2^51: exact in double
+// reduction finds (tools/tables/mrg32k3a.py). So whole vectors of successive numbers follow from earlier
+// ones, and with residues held between -m/2 and m/2 every sum is a whole number below 2^51: exact in double
 // precision, in any order, with fused operations or without.
 #include "streams/generator.h"
 
@@ -24,10 +24,8 @@ struct Component {
   }
   constexpr int64_t centred(int64_t z) const { return z > modulus / 2 ? z - modulus : z; }
 };
-constexpr Component first = {
-    4294967087, 0, 1403580, -810728, {12152, -224795, -39170, 264322, 58953}};
-constexpr Component second = {
-    4294944443, 527612, 0, -1370589, {-106136, -246841, 143814, -167372, -191241}};
+constexpr Component first = {4294967087, 0, 1403580, -810728, {12152, -224795, -39170, 264322, 58953}};
+constexpr Component second = {4294944443, 527612, 0, -1370589, {-106136, -246841, 143814, -167372, -191241}};
 
 struct Mrg32k3a {
   uint32_t x[3], y[3];  // the last three residues of each component, oldest first
@@ -183,9 +181,8 @@ QKR_INLINE void fill(StreamState *stream, int32_t n, typename Output::Element *o
   for (int done = end; done < n; done += end - started) {
     if (end > started) x.back_to_start(), y.back_to_start();
     end = started + (n - done < stretch ? n - done : stretch);
-    draw(end - started, out + done, output, [&](int i) {
-      return combined(x.extend<V>(started + i, first), y.extend<V>(started + i, second));
-    });
+    draw(end - started, out + done, output,
+         [&](int i) { return combined(x.extend<V>(started + i, first), y.extend<V>(started + i, second)); });
   }
   x.leave(end, state.x, first);
   y.leave(end, state.y, second);

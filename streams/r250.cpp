@@ -1,6 +1,6 @@
-// R250: a generalised feedback shift register, s[i] = s[i - 250] ^ s[i - 147]. S. Kirkpatrick and E. P. Stoll,
-// A very fast shift-register sequence random number generator, Journal of Computational Physics 40 (1981)
-// 517.
+// R250: a generalised feedback shift register, s[i] = s[i - 250] ^ s[i - 147]. S. Kirkpatrick and E. P.
+// Stoll, A very fast shift-register sequence random number generator, Journal of Computational Physics 40
+// (1981) 517.
 #include "streams/generator.h"
 
 extern "C" const double _vxsdR250Tab[1];  // what scales words to [0, 1)
@@ -11,7 +11,7 @@ const double _vxsdR250Tab[1] = {0x1p-32};
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
-constexpr int words = 250, ahead = 103;
+constexpr int words = 250;
 
 struct R250 {
   uint32_t s[words];
@@ -37,8 +37,9 @@ QKR_INLINE void run(R250 &state, int count, typename Output::Element *out, const
     }
   }
   for (; i < count; ++i) output.put_one(out + i, replaced[i] ^= added[i]);
-  state.i0 = (state.i0 + count) % words;
-  state.i1 = (state.i1 + count) % words;
+  const auto moved = [count](int32_t index) { return index + count < words ? index + count : 0; };
+  state.i0 = moved(state.i0);
+  state.i1 = moved(state.i1);
 }
 
 template <class Output>
@@ -73,7 +74,7 @@ struct Methods : NotPartitioned {
       InitSeedTable(stream, n > 0 ? seeds[0] : 1);
     }
     state.i0 = 0;
-    state.i1 = ahead;
+    state.i1 = 103;
     return VXS_STATUS_OK;
   }
 };

@@ -20,9 +20,9 @@ struct Tempering {
 
   template <class W>
   QKR_INLINE W operator()(W v) const {
-    v ^= v >> first_shift;
-    v ^= (v << 7) & mask_b;
-    v ^= (v << 15) & mask_c;
+    v = v ^ v >> first_shift;
+    v = v ^ (v << 7 & mask_b);
+    v = v ^ (v << 15 & mask_c);
     return v ^ v >> 18;
   }
 };

@@ -4,7 +4,7 @@ import subprocess
 import sys
 from pathlib import Path
 
-GENERATORS = ["circular", "exponential", "logarithm", "niederreiter", "sobol", "square_root", "stream_scalars",
+GENERATORS = ["circular", "exponential", "logarithm", "mrg32k3a", "niederreiter", "sobol", "square_root", "stream_scalars",
               "tangent", "wichmann_hill"]
 
 here = Path(__file__).resolve().parent

@@ -3,13 +3,12 @@
 // creation of pseudorandom number generators", Monte Carlo and Quasi-Monte Carlo Methods 1998 (2000) 56.
 #pragma once
 
-#include <wmmintrin.h>
-
 #include <array>
 #include <bit>
 #include <bitset>
 #include <cstdint>
 #include <utility>
+#include <wmmintrin.h>
 
 namespace mt2203 {
 
@@ -39,35 +38,61 @@ inline Residue characteristic_polynomial(uint32_t twist) {
   return result;
 }
 
+#define MT2203_CLMUL __attribute__((target("pclmul")))
+
 struct Product {
   uint64_t low, high;
 };
 
-// a * b without carries: by the instruction, and by shifts for processors without it.
-struct ByInstruction {
-  __attribute__((target("pclmul"))) static Product multiply(uint64_t a, uint64_t b) {
-    const __m128i product =
-        _mm_clmulepi64_si128(_mm_cvtsi64_si128((int64_t)a), _mm_cvtsi64_si128((int64_t)b), 0);
-    return {(uint64_t)_mm_cvtsi128_si64(product),
-            (uint64_t)_mm_cvtsi128_si64(_mm_unpackhi_epi64(product, product))};
-  }
-};
+// a * b without carries, and target += word * f: by the instruction, and by shifts for processors without it.
 struct ByShifts {
   static Product multiply(uint64_t a, uint64_t b) {
     unsigned __int128 product = 0;
     for (; b; b &= b - 1) product ^= (unsigned __int128)a << std::countr_zero(b);
     return {(uint64_t)product, (uint64_t)(product >> 64)};
   }
+  static void fold(uint64_t word, const Residue &f, uint64_t *target) {
+    uint64_t carry = 0;
+    for (int j = 0; j < residue_words; ++j) {
+      const Product product = multiply(word, f[j]);
+      target[j] ^= product.low ^ carry;
+      carry = product.high;
+    }
+  }
 };
+struct ByInstruction {
+  MT2203_CLMUL static Product multiply(uint64_t a, uint64_t b) {
+    const __m128i product =
+        _mm_clmulepi64_si128(_mm_cvtsi64_si128((int64_t)a), _mm_cvtsi64_si128((int64_t)b), 0);
+    return {(uint64_t)_mm_cvtsi128_si64(product),
+            (uint64_t)_mm_cvtsi128_si64(_mm_unpackhi_epi64(product, product))};
+  }
+  // Two words at a time, and the last one by itself.
+  MT2203_CLMUL static void fold(uint64_t word, const Residue &f, uint64_t *target) {
+    const __m128i factor = _mm_cvtsi64_si128((int64_t)word);
+    __m128i carry = _mm_setzero_si128();
+    int j = 0;
+    for (; j + 2 <= residue_words; j += 2) {
+      const __m128i pair = _mm_loadu_si128((const __m128i *)&f[j]);
+      const __m128i low = _mm_clmulepi64_si128(factor, pair, 0x00);
+      const __m128i high = _mm_clmulepi64_si128(factor, pair, 0x10);
+      __m128i *sum = (__m128i *)&target[j];
+      const __m128i added = _mm_xor_si128(_mm_xor_si128(low, carry), _mm_slli_si128(high, 8));
+      _mm_storeu_si128(sum, _mm_xor_si128(_mm_loadu_si128(sum), added));
+      carry = _mm_srli_si128(high, 8);
+    }
+    target[j] ^= (uint64_t)_mm_cvtsi128_si64(carry) ^ multiply(word, f[j]).low;
+  }
+};
+static_assert(residue_words % 2 == 1);
 
 template <class By>
 struct Field {
   Residue f;  // as from characteristic_polynomial
 
-#define MT2203_CLMUL __attribute__((target("pclmul")))
   MT2203_CLMUL Residue reduce(std::array<uint64_t, 2 * residue_words> &wide) const {
     for (int k = 2 * residue_words - 1; k >= residue_words; --k) {
-      fold(wide[k], &wide[k - residue_words]);
+      By::fold(wide[k], f, &wide[k - residue_words]);
     }
     Residue low;
     for (int k = 0; k < residue_words; ++k) low[k] = wide[k];
@@ -116,7 +141,7 @@ struct Field {
     const uint64_t top = power.back() >> (64 - padding);
     // top * t^2203 = top * (f t^37 - t^2240) / t^37: shift the folded words down by 37.
     Residue folded{};
-    fold(top, folded.data());
+    By::fold(top, f, folded.data());
     power.back() ^= top << (64 - padding);
     uint64_t rest = 0;
     for (int k = 0; k < residue_words; ++k) {
@@ -133,17 +158,6 @@ struct Field {
   }
 
  private:
-  // target += word * f, where word stands for word * t^2240 (or for what the caller takes it).
-  MT2203_CLMUL void fold(uint64_t word, uint64_t *target) const {
-    uint64_t carry = 0;
-    for (int j = 0; j < residue_words; ++j) {
-      const Product product = By::multiply(word, f[j]);
-      target[j] ^= product.low ^ carry;
-      carry = product.high;
-    }
-  }
-#undef MT2203_CLMUL
-
   // Euclid's algorithm on f and the residue modulo f.
   bool coprime(const Residue &residue) const {
     using Polynomial = std::bitset<64 * residue_words + 1>;
@@ -167,6 +181,8 @@ struct Field {
     return of_a == 0;
   }
 };
+
+#undef MT2203_CLMUL
 
 inline bool irreducible(uint32_t twist) {
   const Residue f = characteristic_polynomial(twist);

@@ -1,16 +1,16 @@
 // Makes rows of the parameter table of MT2203, as "member,matrixA,maskB,maskC,defect":
 //
 //   mt2203_search FIRST LAST          rows of members FIRST to LAST, each from a seed of its own
-//   mt2203_search share < rows.csv    the same rows with fewer different masks, see below
+//   mt2203_search table < rows.csv    the table, streams/tables/mt2203.cpp, its masks adjusted
 //
 // A row's matrixA has its top bit set and 2 * member + 1 as its low half, which makes all rows different; the
 // bits between are drawn until the characteristic polynomial is irreducible (about one in 1100 is). The
 // masks come from a beam search, bit by bit as the leading output bits come to depend on them, and from
-// climbing by single bits; the measure is the defect of equidistribution. A row takes about half a second.
+// climbing by single bits; the measure is the defect of equidistribution. A row takes about a second.
 //
 // The masks that the dynamic creation of M. Matsumoto and T. Nishimura (2000) finds repeat often: the family
-// has 786 values of maskB and 344 of maskC. `share` replaces the rarest masks by more frequent ones that
-// serve a row as well, down to these numbers.
+// has 786 values of maskB and 344 of maskC. The table replaces the rarest masks by frequent ones that serve
+// the row as well, and changes single bits of masks that rows share, until there are just so many.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -81,7 +81,8 @@ struct SmallFactors {
       for (const Root &root : roots) irreducible = irreducible && remainder(modulus, root.modulus) != 0;
       if (!irreducible) continue;
       uint32_t powers[words + 1] = {remainder(1, modulus)};
-      for (int k = 1; k <= words; ++k) powers[k] = multiply_modulo(powers[k - 1], remainder(2, modulus), modulus);
+      for (int k = 1; k <= words; ++k)
+        powers[k] = multiply_modulo(powers[k - 1], remainder(2, modulus), modulus);
       roots.push_back({modulus, powers[words] ^ powers[middle], powers[words - 1] ^ powers[middle - 1]});
     }
   }
@@ -144,7 +145,8 @@ Parameters beam_search(uint32_t twist) {
         }
       }
     }
-    for (Candidate &child : children) child.defect += degree / v - Equidistribution(child.parameters).dimension(v);
+    for (Candidate &child : children)
+      child.defect += degree / v - Equidistribution(child.parameters).dimension(v);
     std::stable_sort(children.begin(), children.end(),
                      [](const Candidate &x, const Candidate &y) { return x.defect < y.defect; });
     if (children.size() > width) children.resize(width);
@@ -185,55 +187,85 @@ void print(const Row &row) {
   fflush(stdout);
 }
 
-// Rows of the rarest values of a mask turn to the best of the values that the other rows have, until `kept`
-// values are left.
+// Rows of the rarest values of a mask turn to the most frequent value that keeps their defect within bounds,
+// until `kept` values are left.
 void share(std::vector<Row> &rows, uint32_t Parameters::*mask, size_t kept) {
   std::map<uint32_t, int> uses;
   for (const Row &row : rows) ++uses[row.parameters.*mask];
-  std::vector<Row *> rarest;
+  std::vector<Row *> by_rarity;
   for (Row &row : rows) {
-    if (!given_row(row.member)) rarest.push_back(&row);
+    if (!given_row(row.member)) by_rarity.push_back(&row);
   }
-  std::stable_sort(rarest.begin(), rarest.end(), [&](const Row *x, const Row *y) {
+  std::stable_sort(by_rarity.begin(), by_rarity.end(), [&](const Row *x, const Row *y) {
     return uses[x->parameters.*mask] < uses[y->parameters.*mask];
   });
-  for (Row *row : rarest) {
+  for (Row *row : by_rarity) {
     if (uses.size() <= kept) return;
     const uint32_t old = row->parameters.*mask;
-    Parameters best{};
-    int defect = largest_defect + 1;
+    std::vector<std::pair<int, uint32_t>> by_frequency;
     for (const auto &[value, count] : uses) {
+      if (value != old) by_frequency.push_back({-count, value});
+    }
+    std::sort(by_frequency.begin(), by_frequency.end());
+    for (const auto &[count, value] : by_frequency) {
       Parameters changed = row->parameters;
       changed.*mask = value;
-      if (value == old || count == 0) continue;
-      const int reached = Equidistribution(changed).defect(defect - 1);
-      if (reached < defect) defect = reached, best = changed;
+      const int defect = Equidistribution(changed).defect(largest_defect);
+      if (defect > largest_defect) continue;
+      row->parameters = changed, row->defect = defect;
+      ++uses[value];
+      if (--uses[old] == 0) uses.erase(old);
+      break;
     }
-    if (defect > largest_defect) continue;
-    row->parameters = best, row->defect = defect;
-    ++uses[best.*mask];
-    if (--uses[old] == 0) uses.erase(old);
   }
 }
 
-int share_masks() {
+// The other way round: rows that share a mask change one bit of it, while there are fewer values than
+// `wanted`.
+void part(std::vector<Row> &rows, uint32_t Parameters::*mask, size_t wanted) {
+  std::map<uint32_t, int> uses;
+  for (const Row &row : rows) ++uses[row.parameters.*mask];
+  for (Row &row : rows) {
+    const uint32_t old = row.parameters.*mask;
+    if (given_row(row.member) || uses[old] == 1) continue;
+    for (int bit = 0; bit < 32 && uses.size() < wanted && row.parameters.*mask == old; ++bit) {
+      Parameters changed = row.parameters;
+      changed.*mask ^= 1u << bit;
+      if (bit < first_bit_b || uses.count(changed.*mask)) continue;
+      const int defect = Equidistribution(changed).defect(largest_defect);
+      if (defect > largest_defect) continue;
+      row.parameters = changed, row.defect = defect;
+      ++uses[changed.*mask], --uses[old];
+    }
+  }
+}
+
+int print_table() {
   std::vector<Row> rows;
   Row row;
   while (scanf("%d,%x,%x,%x,%d ", &row.member, &row.parameters.twist, &row.parameters.mask_b,
                &row.parameters.mask_c, &row.defect) == 5) {
     rows.push_back(row);
   }
+  if (rows.size() != members) return fprintf(stderr, "%zu rows\n", rows.size()), 1;
   share(rows, &Parameters::mask_c, values_of_c);
   share(rows, &Parameters::mask_b, values_of_b);
-  for (const Row &shared : rows) print(shared);
-  return rows.size() == members ? 0 : 1;
+  part(rows, &Parameters::mask_b, values_of_b);
+  printf("// Made by tools/tables/mt2203/search.cpp; do not edit.\n#include \"streams/tables/tables.h\"\n\n");
+  printf("const uint32_t _vxs_mt2203_table[%d][3] = {\n", members);
+  for (const Row &shared : rows) {
+    const Parameters &parameters = shared.parameters;
+    printf("    {0x%08x, 0x%08x, 0x%08x},\n", parameters.twist, parameters.mask_b, parameters.mask_c);
+  }
+  printf("};\n");
+  return 0;
 }
 
 }  // namespace
 
 int main(int count, char **arguments) {
-  if (count == 2 && strcmp(arguments[1], "share") == 0) return share_masks();
-  if (count != 3) return fprintf(stderr, "usage: %s FIRST LAST | share < rows.csv\n", arguments[0]), 2;
+  if (count == 2 && strcmp(arguments[1], "table") == 0) return print_table();
+  if (count != 3) return fprintf(stderr, "usage: %s FIRST LAST | table < rows.csv\n", arguments[0]), 2;
   const bool fast = __builtin_cpu_supports("pclmul");
   for (int member = atoi(arguments[1]); member <= atoi(arguments[2]); ++member) {
     print(fast ? find_row<ByInstruction>(member) : find_row<ByShifts>(member));
