@@ -67,7 +67,8 @@ def array_text(table):
                 for row in table.rows]
     else:
         numbers = [literal(x, table.element) + "," for x in table.rows]
-        body = [" ".join(numbers[i:i + 4]) for i in range(0, live, 4)]
+        in_line = 4 if table.element in {"double", "float"} else 16
+        body = [" ".join(numbers[i:i + in_line]) for i in range(0, live, in_line)]
     lines = "\n".join("    " + line for line in body)
     return f"alignas(64) const {table.element} {table.name}{shape} = {{\n{lines}\n}};\n"
 
