@@ -111,11 +111,27 @@ def plot_daylight(out_dir):
     return figure, "daylight.png"
 
 
+def plot_pi(out_dir):
+    errors = read_csv(out_dir / "pi_error.csv")
+    points = errors["points"]
+    figure, axes = plt.subplots(figsize=(7, 4.8))
+    for name, colour, label in (("plain", GREY, "MT19937, one stream"),
+                                ("parallel", BLUE, "MT2203, one member for each of 4 threads"),
+                                ("sobol", RED, "Sobol points")):
+        axes.loglog(points, errors[name], "o-", color=colour, markersize=4, label=label)
+    deviation = 4 * np.sqrt(np.pi / 4 * (1 - np.pi / 4))
+    axes.loglog(points, deviation / np.sqrt(points), "k:", linewidth=1, label="expected of random points")
+    axes.set(title="Pi from points in the unit square", xlabel="points", ylabel="error of pi")
+    axes.grid(alpha=0.25)
+    axes.legend(frameon=False, loc="lower left")
+    return figure, "pi_error.png"
+
+
 def main():
     if len(sys.argv) != 2:
         sys.exit("usage: plot.py OUT_DIR")
     out_dir = Path(sys.argv[1])
-    for plot in (plot_co2, plot_tone_curve, plot_daylight):
+    for plot in (plot_co2, plot_tone_curve, plot_daylight, plot_pi):
         try:
             figure, name = plot(out_dir)
             figure.savefig(out_dir / name)

@@ -21,6 +21,9 @@ printf '\nDaylight from the equator to the Arctic (examples/daylight.cpp)\n\n'
 printf '\nWhat happens to bad elements (examples/error_policy.c)\n\n'
 "$programs/error_policy" "$out"
 
+printf '\nPi from random and from evenly spread points (examples/estimate_pi.cpp)\n\n'
+"$programs/estimate_pi" "$out"
+
 printf '\nPictures\n\n'
 if [[ -x $python ]]; then
   "$python" "$here/plot.py" "$out"

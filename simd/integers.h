@@ -64,6 +64,14 @@ QKR_INLINE Two<f64> doubles_of(u32 w) {
 }
 QKR_INLINE u32 words_of(Two<f64> x) { return even_words(bits(x.a + 0x1p52), bits(x.b + 0x1p52)); }
 QKR_INLINE f64 whole_part(f64 x) { return (f64)_mm_cvtepi32_pd(_mm_cvttpd_epi32((__m128d)x)); }
+
+// Numbers below 2^63 in general registers, which multiply faster than two lanes.
+QKR_INLINE Two<f64> doubles_of(Two<Two<uint64_t> > x) {
+  const auto converted = [](Two<uint64_t> pair) {
+    return f64{(double)(int64_t)pair.a, (double)(int64_t)pair.b};
+  };
+  return {converted(x.a), converted(x.b)};
+}
 #endif
 
 #if QKR_SIMD_BYTES < 64

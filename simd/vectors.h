@@ -71,5 +71,9 @@ QKR_INLINE void store(float *p, f32 v) { memcpy(p, &v, sizeof v); }
 QKR_INLINE void store(uint64_t *p, u64 v) { memcpy(p, &v, sizeof v); }
 QKR_INLINE void store(uint32_t *p, u32 v) { memcpy(p, &v, sizeof v); }
 
+// One number, for several side by side in general registers.
+QKR_INLINE void load(const uint64_t *p, uint64_t &x) { memcpy(&x, p, sizeof x); }
+QKR_INLINE void store(uint64_t *p, uint64_t x) { memcpy(p, &x, sizeof x); }
+
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL

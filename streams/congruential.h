@@ -8,6 +8,8 @@
 //   Factor, factor(Word)     a multiplier made ready for vectors
 //   times(V, Factor)         product mod m
 //   number(vector or Word)   what goes out
+//   smallest                 fewer numbers are made one by one: the first vectors would cost more than they
+//   bring
 #pragma once
 
 #include "streams/generator.h"
@@ -40,7 +42,7 @@ QKR_INLINE void draw_congruential(typename Modulus::Word &state, typename Modulu
   constexpr int width = sizeof(V) / sizeof(Word), group = 4 * width;
 
   Word x = state;
-  if (n < group) {  // the first vectors would cost more than they bring
+  if (n < Modulus::smallest) {
     for (int i = 0; i < n; ++i) {
       output.put_one(out + i, Modulus::number(x));
       x = Modulus::times(x, a);

@@ -25,12 +25,14 @@ namespace {
 
 constexpr int lanes = sizeof(u32) / sizeof(uint32_t);  // numbers in the smallest vector that an output takes
 
-// What a stretch of `lanes` numbers may be held in: u32, Two<u64>, or Two<f64> for whole numbers. Wider ones
-// are Two of these.
+// What a stretch of `lanes` numbers may be held in: u32, Two<u64>, Two<f64> for whole numbers, or at the
+// baseline four uint64_t. Wider ones are Two of these.
 template <class V>
 constexpr int numbers_in = 0;
 template <>
 constexpr int numbers_in<u32> = lanes;
+template <>
+constexpr int numbers_in<uint64_t> = 1;
 template <>
 constexpr int numbers_in<Two<u64>> = lanes;
 template <>
@@ -47,7 +49,8 @@ struct Words {
 };
 struct LongWords {
   using Element = uint64_t;
-  QKR_INLINE void put(Element *out, Two<u64> words) const { store(out, words); }
+  template <class V>
+  requires(numbers_in<V> == lanes) QKR_INLINE void put(Element *out, V words) const { store(out, words); }
   QKR_INLINE void put_one(Element *out, uint64_t word) const { *out = word; }
 };
 
@@ -65,8 +68,10 @@ struct Reals {
       store(out, narrow(r));
     }
   }
-  QKR_INLINE void put(Real *out, u32 words) const { put(out, doubles_of(words)); }
-  QKR_INLINE void put(Real *out, Two<u64> words) const { put(out, doubles_of(words)); }
+  template <class V>
+  requires(numbers_in<V> == lanes) QKR_INLINE void put(Real *out, V words) const {
+    put(out, doubles_of(words));
+  }
   template <class Word>
   QKR_INLINE void put_one(Real *out, Word word) const {
     *out = (Real)((double)word * scale + shift);

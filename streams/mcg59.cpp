@@ -10,8 +10,6 @@ constexpr uint64_t mask = ~0ull >> margin;
 
 struct Power59 {
   using Word = uint64_t;
-  using V = u64;
-  using Stretch = Two<u64>;
   static constexpr Word multiplier = 302875106592253;
 
   // The first two words, the lower half first; the rest are not used.
@@ -22,19 +20,32 @@ struct Power59 {
 
   QKR_INLINE static Word times(Word x, Word a) { return x * a; }
 
+#if QKR_BASELINE  // general registers: the multiplication of two lanes is slower than two multiplications
+  using V = Two<uint64_t>;
+  using Stretch = Two<Two<uint64_t>>;
+  using Factor = uint64_t;
+  static constexpr int smallest = 16;
+  QKR_INLINE static Factor factor(Word a) { return a; }
+  QKR_INLINE static V times(V x, Factor a) { return x * a; }
+#else
+  using V = u64;
+  using Stretch = Two<u64>;
 #if QKR_SIMD_BYTES == 64
   using Factor = u64;
+  static constexpr int smallest = 32;
   QKR_INLINE static Factor factor(Word a) { return a - u64{}; }
   QKR_INLINE static V times(V x, Factor a) { return x * a; }
 #else
   struct Factor {
     u64 low, high;
   };
+  static constexpr int smallest = 64;
   QKR_INLINE static Factor factor(Word a) { return {a - u64{}, (a >> 32) - u64{}}; }
   QKR_INLINE static V times(V x, Factor a) {
     const u64 crosswise = product_of_low_halves(x >> 32, a.low) + product_of_low_halves(x, a.high);
     return product_of_low_halves(x, a.low) + (crosswise << 32);
   }
+#endif
 #endif
 
   template <class T>

@@ -8,7 +8,7 @@
 // first row at its top bit.
 #include "streams/digital_sequence_setup.h"
 #include "streams/generator.h"
-#include "streams/tables/digital_sequences.h"
+#include "streams/tables/tables.h"
 
 namespace qkr {
 namespace {

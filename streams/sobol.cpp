@@ -7,7 +7,7 @@
 // 2^(31-k).
 #include "streams/digital_sequence_setup.h"
 #include "streams/generator.h"
-#include "streams/tables/digital_sequences.h"
+#include "streams/tables/tables.h"
 
 namespace qkr {
 namespace {

@@ -120,11 +120,22 @@ class Demo(unittest.TestCase):
                      "Error (VXM_STATUS_ERRDOM) in _vxmdLn_HA: argument is out of domain\na(2)=-3\n"):
             self.assertIn(text, self.report)
 
+    def test_pi(self):
+        """Random points miss by as much as they should, evenly spread ones by far less."""
+        last = rows(out / "pi_error.csv")[-1]
+        points = int(last["points"])
+        expected = 4 * math.sqrt(math.pi / 4 * (1 - math.pi / 4) / points)
+        for method in ("plain", "parallel"):  # mean of 16 squares: 0.5 to 1.6 but for 1 time in 10000
+            self.assertTrue(0.4 < float(last[method]) / expected < 1.8, last)
+        self.assertLess(float(last["sobol"]), expected / 10)
+        self.assertIn("the same to the last point", self.report)
+        self.assertEqual((out / "half_way.stream").read_bytes()[:4], b"RNG\0")
+
     def test_pictures(self):
         if importlib.util.find_spec("matplotlib") is None:
             self.assertIn("plots skipped", self.report)
             return
-        for name in ("co2_growth.png", "tone_curve.png", "daylight.png"):
+        for name in ("co2_growth.png", "tone_curve.png", "daylight.png", "pi_error.png"):
             self.assertIn(str(out / name), self.report)
             picture = (out / name).read_bytes()
             self.assertEqual(picture[:8], b"\x89PNG\r\n\x1a\n")
@@ -157,6 +168,7 @@ class Demo(unittest.TestCase):
                 ("daylight", [bad_place, out], "line 2"),
                 ("daylight", [examples / "data/stations.csv", out / "nowhere"], "cannot write"),
                 ("error_policy", [out / "nowhere"], "cannot write"),
+                ("estimate_pi", [out / "nowhere"], "cannot write"),
                 ("error_policy", [], "usage: ")):
             with self.subTest(program=program, message=message):
                 code, text = run(build / "examples" / program, *arguments)

@@ -3,7 +3,7 @@
 #include <bit>
 
 #include "streams/digital_sequence.h"
-#include "streams/tables/digital_sequences.h"
+#include "streams/tables/tables.h"
 #include "tests/streams/stream.h"
 
 namespace {

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "streams/digital_sequence.h"
-#include "streams/tables/digital_sequences.h"
+#include "streams/tables/tables.h"
 #include "tests/streams/allocations.h"
 #include "tests/streams/stream.h"
 #include "tests/support/levels.h"

@@ -13,28 +13,12 @@ erf_inverse_double:  g, c0, ..., c6 with erfinv(x) / x = g + (c0 + c1 * d + ... 
 The tables of singles hold c0, ..., c3 of plain cubic polynomials of the same three functions, in double.
 """
 import gmpy2
-from gmpy2 import cos, erf, erfc, exp, expm1, mpfr, sqrt
+from gmpy2 import erf, erfc, exp, expm1, mpfr, sqrt
 
-from table_file import Table, main, to_double
+from table_file import Table, interpolate, main, to_double
 
-pi = gmpy2.const_pi(240)
+pi = gmpy2.const_pi()
 SCALE = 2**64
-
-
-def interpolate(f, low, high, degree):
-    """Coefficients, from the constant on, of the polynomial equal to f at the Chebyshev points of low to high."""
-    count = degree + 1
-    points = [(low + high) / 2 + (high - low) / 2 * cos(pi * (2 * i + 1) / (2 * count)) for i in range(count)]
-    newton = [f(d) for d in points]  # divided differences
-    for step in range(1, count):
-        for i in range(count - 1, step - 1, -1):
-            newton[i] = (newton[i] - newton[i - 1]) / (points[i] - points[i - step])
-    coefficients = [mpfr(0)] * count
-    for i in range(count - 1, -1, -1):  # times (d - points[i]), plus newton[i]
-        shifted = [mpfr(0)] + coefficients[:-1]
-        coefficients = [s - points[i] * c for s, c in zip(shifted, coefficients)]
-        coefficients[0] += newton[i]
-    return coefficients
 
 
 def rows(row, bits, last):

@@ -16,8 +16,9 @@ would have to wait for them.
 Prints the coefficients; --check looks for them in the generator's source.
 """
 import sys
-from fractions import Fraction
 from pathlib import Path
+
+from lattice import Reduced
 
 COMPONENTS = [(4294967087, (0, 1403580, -810728)), (4294944443, (527612, 0, -1370589))]
 LAGS = (24, 32, 40, 48, 56)
@@ -26,38 +27,6 @@ SOURCE = Path(__file__).resolve().parents[2] / "streams" / "mrg32k3a.cpp"
 
 def dot(a, b):
     return sum(x * y for x, y in zip(a, b))
-
-
-def reduced(basis):
-    """A. K. Lenstra, H. W. Lenstra and L. Lovasz, Mathematische Annalen 261 (1982) 515."""
-    size = len(basis)
-
-    def orthogonalised():
-        orthogonal, factors = [], [[Fraction(0)] * size for _ in range(size)]
-        for i, vector in enumerate(basis):
-            rest = [Fraction(x) for x in vector]
-            for j, other in enumerate(orthogonal):
-                factors[i][j] = dot(vector, other) / dot(other, other)
-                rest = [a - factors[i][j] * b for a, b in zip(rest, other)]
-            orthogonal.append(rest)
-        return orthogonal, factors
-
-    orthogonal, factors = orthogonalised()
-    k = 1
-    while k < size:
-        for j in range(k - 1, -1, -1):
-            nearest = round(factors[k][j])
-            if nearest:
-                basis[k] = [a - nearest * b for a, b in zip(basis[k], basis[j])]
-                orthogonal, factors = orthogonalised()
-        if dot(orthogonal[k], orthogonal[k]) >= (Fraction(3, 4) - factors[k][k - 1] ** 2) * \
-                dot(orthogonal[k - 1], orthogonal[k - 1]):
-            k += 1
-        else:
-            basis[k - 1], basis[k] = basis[k], basis[k - 1]
-            orthogonal, factors = orthogonalised()
-            k = max(k - 1, 1)
-    return basis
 
 
 def sequences(modulus, multipliers, length):
@@ -98,7 +67,7 @@ def coefficients(modulus, multipliers, lags):
         head = [-dot(row, columns[free]) % modulus for row in solve]
         basis.append(head + [int(j == free) for j in range(3, size)])
     weight = 1 << 19  # of the left-hand side: its factor has to come out as 1 or -1
-    basis = reduced([row[:-1] + [row[-1] * weight] for row in basis])
+    basis = Reduced([row[:-1] + [row[-1] * weight] for row in basis]).basis
     found = [[x * row[-1] // weight for x in row[:-1]] for row in basis if abs(row[-1]) == weight]
     return min(found, key=lambda c: sum(map(abs, c)), default=None)
 

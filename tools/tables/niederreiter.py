@@ -3,7 +3,7 @@
 
 Bit i is the coefficient of x^i. They are sieved up to 3047, which makes 318; two zeros follow.
 """
-from integer_tables import Table, main
+from table_file import Table, main
 
 LAST = 3047
 
@@ -29,7 +29,7 @@ for candidate in range(2, LAST + 1):
 assert len(irreducible) == 318 and irreducible[-1] == LAST
 
 irreducible += [0, 0]
-main("niederreiter", "streams/tables/digital_sequences.h", [
-    Table("uint32_t", "uNiederrIrredPoly", irreducible),
-    Table("int32_t", "iNiederrIrredPolyDeg", [max(p.bit_length() - 1, 0) for p in irreducible]),
-])
+main("niederreiter", [
+    Table("", "uint32_t", "uNiederrIrredPoly", irreducible),
+    Table("", "int32_t", "iNiederrIrredPolyDeg", [max(p.bit_length() - 1, 0) for p in irreducible]),
+], room="streams")

@@ -8,7 +8,7 @@ coefficient of x^i.
 A row holds as many published values as its polynomial's degree. It goes on by its own recurrence up to eight values,
 so that a user's polynomial of higher degree also finds values that are odd and below 2^i.
 """
-from integer_tables import Table, main
+from table_file import Table, main
 
 DIMENSIONS = [  # polynomial, initial values
     (3, [1]),
@@ -70,8 +70,8 @@ def full_row(polynomial, values):
     return tuple(m)
 
 
-main("sobol", "streams/tables/digital_sequences.h", [
-    Table("uint32_t", "uSobolIrredPoly", [p for p, _ in DIMENSIONS] + [0]),
-    Table("int32_t", "iSobolIrredPolyDeg", [degree(p) for p, _ in DIMENSIONS] + [0]),
-    Table("uint32_t", "uSobolMInit", [full_row(*row) for row in DIMENSIONS]),
-])
+main("sobol", [
+    Table("", "uint32_t", "uSobolIrredPoly", [p for p, _ in DIMENSIONS] + [0]),
+    Table("", "int32_t", "iSobolIrredPolyDeg", [degree(p) for p, _ in DIMENSIONS] + [0]),
+    Table("", "uint32_t", "uSobolMInit", [full_row(*row) for row in DIMENSIONS]),
+], room="streams")

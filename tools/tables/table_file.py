@@ -47,7 +47,8 @@ def multiple(x, exponent, rounded=gmpy2.rint_round):
 def interpolate(f, low, high, degree):
     """Coefficients, from the lowest on, of the polynomial that meets f at Chebyshev's nodes of [low, high]."""
     count = degree + 1
-    nodes = [(low + high) / 2 + (high - low) / 2 * gmpy2.cos(gmpy2.const_pi() * (2 * i + 1) / (2 * count)) for i in range(count)]
+    nodes = [(low + high) / 2 + (high - low) / 2 * gmpy2.cos(gmpy2.const_pi() * (2 * i + 1) / (2 * count))
+             for i in range(count)]
     differences = [f(x) for x in nodes]
     for order in range(1, count):
         for i in range(degree, order - 1, -1):
@@ -80,27 +81,26 @@ def literal(x, element):
     return f"{mantissa}p{exponent}{suffix}"
 
 
-def lines_of_four(words):
-    return [" ".join(words[i:i + 4]) for i in range(0, len(words), 4)]
-
-
-def row_lines(row, element):
-    numbers = [literal(x, element) for x in row]
-    if len(row) <= 4:
-        return ["{" + ", ".join(numbers) + "},"]
-    return ["{", *lines_of_four([x + "," for x in numbers]), "},"]
-
-
 def array_text(table):
+    in_line = 4 if table.element in {"double", "float"} else 16
+
+    def lines(numbers):
+        words = [literal(x, table.element) + "," for x in numbers]
+        return [" ".join(words[i:i + in_line]) for i in range(0, len(words), in_line)]
+
+    def row_lines(row):
+        text = lines(row)
+        return ["{" + text[0].rstrip(",") + "},"] if len(text) == 1 else ["{", *text, "},"]
+
     live = len(table.rows)
     shape = f"[{table.declared or live}]"
     if isinstance(table.rows[0], tuple):
         shape += f"[{len(table.rows[0])}]"
-        body = [line for row in table.rows for line in row_lines(row, table.element)]
+        body = [line for row in table.rows for line in row_lines(row)]
     else:
-        body = lines_of_four([literal(x, table.element) + "," for x in table.rows])
-    lines = "\n".join("    " + line for line in body)
-    return f"alignas(64) const {table.element} {table.name}{shape} = {{\n{lines}\n}};\n"
+        body = lines(table.rows)
+    text = "\n".join("    " + line for line in body)
+    return f"alignas(64) const {table.element} {table.name}{shape} = {{\n{text}\n}};\n"
 
 
 def file_text(generator, tables, room):

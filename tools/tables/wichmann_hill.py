@@ -12,10 +12,11 @@ another row, span at most 300, and do well in the spectral test: the combined ge
 generator with the product of the moduli as its modulus, and the smallest of its figures S_2 to S_8 (P. L'Ecuyer,
 Mathematics of Computation 68 (1999) 249) has to reach 1/2. Of the given rows, member 0 has 0.372, the least.
 """
-from math import ceil, floor, gcd, prod, sqrt
+from math import gcd, prod, sqrt
 
 import gmpy2
 
+from lattice import Reduced
 from table_file import Table, main
 
 MEMBERS = 273
@@ -51,70 +52,6 @@ def row_of(head, used):
             multipliers.append(roots[0])
         m -= 2
     return multipliers, moduli
-
-
-class Reduced:
-    """A lattice basis, reduced by the method of Lenstra, Lenstra and Lovasz; exact vectors, mu and the squared
-    lengths of the orthogonalised vectors in floating point."""
-
-    def __init__(self, basis):
-        self.basis, n = basis, len(basis)
-        self.mu, self.square = [[0.0] * n for _ in range(n)], [0.0] * n
-        self.orthogonalise(0)
-        k = 1
-        while k < n:
-            self.shorten(k)
-            if self.square[k] >= (0.99 - self.mu[k][k - 1] ** 2) * self.square[k - 1]:
-                k += 1
-            else:
-                basis[k], basis[k - 1] = basis[k - 1], basis[k]
-                k = max(k - 1, 1)
-                self.orthogonalise(k - 1)
-
-    def orthogonalise(self, k):
-        r = [0.0] * (k + 1)
-        for j in range(k + 1):
-            r[j] = float(sum(x * y for x, y in zip(self.basis[k], self.basis[j])))
-            r[j] -= sum(self.mu[j][i] * r[i] for i in range(j))
-            if j < k:
-                self.mu[k][j] = r[j] / self.square[j]
-        self.square[k] = r[k]
-
-    def shorten(self, k):
-        """Takes multiples of the vectors before it from vector k, until none is left to take."""
-        changed = True
-        while changed:
-            self.orthogonalise(k)
-            changed = False
-            for j in range(k - 1, -1, -1):
-                q = round(self.mu[k][j])
-                if q:
-                    changed = True
-                    self.basis[k] = [x - q * y for x, y in zip(self.basis[k], self.basis[j])]
-                    for i in range(j):
-                        self.mu[k][i] -= q * self.mu[j][i]
-                    self.mu[k][j] -= q
-
-    def shortest_square(self):
-        """By enumeration of all coefficient vectors that may lead below the shortest one known."""
-        n = len(self.basis)
-        best = min(float(sum(x * x for x in v)) for v in self.basis)
-        coefficients = [0] * n
-
-        def search(k, square):
-            nonlocal best
-            if k < 0:
-                best = min(best, square) if square > 0 else best
-                return
-            centre = -sum(coefficients[i] * self.mu[i][k] for i in range(k + 1, n))
-            width = sqrt(max(0.0, (best - square) / self.square[k]))
-            for c in range(ceil(centre - width), floor(centre + width) + 1):
-                coefficients[k] = c
-                search(k - 1, square + (c - centre) ** 2 * self.square[k])
-            coefficients[k] = 0
-
-        search(n - 1, 0.0)
-        return best
 
 
 def spectral_figure(multipliers, moduli, enough=0.0):
