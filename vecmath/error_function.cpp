@@ -146,9 +146,9 @@ struct ErfcSingle : UnaryKernel<float, 1> {
 }  // namespace qkr::QKR_SIMD_LEVEL
 
 QKR_CONTRACT(_vxmdErf_HA, 0.76, -0x1.b5bee6da8cf89p-12);
-QKR_CONTRACT(_vxmsErf_HA, 0.507, -0x1.d04132p+0);
-QKR_CONTRACT(_vxmdErfc_HA, 0.53, 0x1.9cdbbdb97cec4p-3);
-QKR_CONTRACT(_vxmsErfc_HA, 0.512, 0x1.880ae8p+1);
+QKR_CONTRACT(_vxmsErf_HA, 0.508, -0x1.054204p+0);
+QKR_CONTRACT(_vxmdErfc_HA, 0.53, 0x1.e88ee595ca07p+3);
+QKR_CONTRACT(_vxmsErfc_HA, 0.513, 0x1.87f4a8p+1);
 
 QKR_UNARY(_vxmdErf_HA, double, ErfDouble)
 QKR_UNARY(_vxmsErf_HA, float, ErfSingle)
