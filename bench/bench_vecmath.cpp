@@ -118,7 +118,7 @@ void add_benchmarks(const Function &function, const std::vector<int> &sizes, con
       std::vector<int> lengths = sizes;
       for (int n = 1; small && n <= 32; ++n)
         if (!std::count(sizes.begin(), sizes.end(), n)) lengths.push_back(n);
-      const std::string level_name = contender.name == "libm" ? "any" : level_names[l].ours;
+      const std::string level_name = contender.name == function.inputs.library ? "any" : level_names[l].ours;
       double error = -1;
       for (const int n : lengths) {
         const std::string full_name =

@@ -63,7 +63,7 @@ template <class T>
 void add_libm(std::vector<Contender<T>> &to, const Function &function) {
   const Loop<T> by_shape[] = {libm_unary<T>, libm_binary<T>, libm_two_results<T>};
   if (const void *f = symbol(function.c_name + std::string(is_double<T> ? "" : "f")))
-    to.push_back({"libm", by_shape[static_cast<int>(function.shape)], f});
+    to.push_back({function.inputs.library, by_shape[static_cast<int>(function.shape)], f});
 }
 
 template <class T>

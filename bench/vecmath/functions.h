@@ -27,6 +27,7 @@ struct Inputs {
   long double (*exact)(long double, long double) = nullptr;  // where C has no such function
   Integers integers = Integers::none;
   double hard = 0;  // accuracy is also judged around this input
+  const char *library = "libm";  // that has the function for one number
 };
 
 struct Function {
@@ -115,6 +116,7 @@ const Function functions[] = {
     APPROXIMATE(Sinh, "sinh", .a = uniform(-700, 700), .a_single = uniform(-80, 80)),
     APPROXIMATE(Tanh, "tanh", .a = uniform(-8, 8)),
     APPROXIMATE(Erf, "erf", .a = uniform(-5, 5)),
+    APPROXIMATE(ErfInv, "erf_inv", .a = uniform(-1, 1), .library = "boost"),
     APPROXIMATE(Erfc, "erfc", .a = uniform(-5, 20), .a_single = uniform(-5, 8)),
     APPROXIMATE(Atan, "atan", .a = uniform(-10, 10)),
     APPROXIMATE(Atan2, "atan2", .a = uniform(-10, 10), .b = uniform(-10, 10)),
