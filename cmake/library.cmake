@@ -27,7 +27,8 @@ function(qkr_kernels)
   endforeach()
 endfunction()
 
-set(QKR_PUBLIC_HEADERS api.h qkr.h service.h vecmath.h vecmath_control.h vecmath_exact.h)
+set(QKR_PUBLIC_HEADERS
+    api.h qkr.h service.h sigfft.h sigfft_plan.h sigfft_transforms.h vecmath.h vecmath_control.h vecmath_exact.h)
 
 # libqkr.so exports what the public headers declare with QKR_API and nothing else; libqkr.a also serves the
 # white-box tests, which reach hidden functions.
@@ -54,7 +55,7 @@ function(qkr_add_libraries)
   foreach(library qkr qkr_static)
     target_include_directories(${library} INTERFACE
         $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
-    target_link_libraries(${library} PRIVATE Threads::Threads)
+    target_link_libraries(${library} PRIVATE Threads::Threads m)
   endforeach()
   add_library(qkr::qkr ALIAS qkr)
   add_library(qkr::qkr_static ALIAS qkr_static)

@@ -4,6 +4,7 @@
 #define QKR_QKR_H
 
 #include <qkr/service.h>
+#include <qkr/sigfft.h>
 #include <qkr/vecmath.h>
 
 #endif

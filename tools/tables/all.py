@@ -4,7 +4,7 @@ import subprocess
 import sys
 from pathlib import Path
 
-GENERATORS = ["circular", "exponential", "logarithm", "square_root", "tangent"]
+GENERATORS = ["circular", "exponential", "logarithm", "square_root", "tangent", "twiddles"]
 
 here = Path(__file__).resolve().parent
 failed = [name for name in GENERATORS
