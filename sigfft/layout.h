@@ -6,6 +6,17 @@
 
 namespace qkr::sigfft {
 
+// A long transform of the w6_ set: 2^blocks transforms of contiguous blocks, then passes over their columns,
+// so many columns together that 2^buffer numbers lie in the work buffer.
+struct Split {
+  int blocks, buffer;
+};
+extern const Split w6_splits_64f[], w6_splits_32f[];
+extern const int8_t plain_blocks_64f[], plain_blocks_32f[];
+constexpr int first_split_order = 9;
+
+namespace {  // also compiled for wide levels: no two files share a function
+
 // Values of a table or work area of complex numbers that fill 16 bytes: the reals, and then the imaginaries,
 // of a group of columns.
 template <class T>
@@ -56,15 +67,6 @@ constexpr Passes column_passes(int block_bits) {
   return passes;
 }
 
-// A long transform of the w6_ set: 2^blocks transforms of contiguous blocks, then passes over their columns,
-// so many columns together that 2^buffer numbers lie in the work buffer.
-struct Split {
-  int blocks, buffer;
-};
-extern const Split w6_splits_64f[], w6_splits_32f[];
-extern const int8_t plain_blocks_64f[], plain_blocks_32f[];
-constexpr int first_split_order = 9;
-
 template <class T>
 Split w6_split(int order) {
   return (is_double<T> ? w6_splits_64f : w6_splits_32f)[order - first_split_order];
@@ -80,4 +82,5 @@ template <class T>
 constexpr int first_tiled_order = is_double<T> ? 19 : 20;
 constexpr int tile_bits = 6;
 
+}  // namespace
 }  // namespace qkr::sigfft

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "sigfft/layout.h"
+#include "sigfft/reversed_counter.h"
 
 namespace qkr::sigfft {
 
@@ -46,19 +47,5 @@ uint32_t *fill_reversal(int order, uint32_t *table);
 uint32_t *fill_reversal_pairs(int order, uint32_t *table);
 // For each group of tiles its partner; behind them the pairs of a tile of 2^(2 tile_bits) elements.
 uint32_t *fill_reversal_tiles(int order, int tile_bits, uint32_t *table);
-
-// j with its `bits` low bits reversed, for j = 0, 1, 2, ... in turn.
-class ReversedCounter {
-  size_t value_ = 0, high_;
-
- public:
-  explicit ReversedCounter(int bits) : high_((size_t{1} << bits) >> 1) {}
-  size_t value() const { return value_; }
-  void next() {
-    size_t bit = high_;
-    for (; value_ & bit; bit >>= 1) value_ ^= bit;
-    value_ |= bit;
-  }
-};
 
 }  // namespace qkr::sigfft

@@ -116,7 +116,7 @@ T *fill_real_table(int order, T *table, First first, Second second) {
 
 template <EntrySet set, class T>
 T *fill_staged_table(int order, const T *base, int base_order, T *table) {
-  if (order <= largest_fixed_order) return table;
+  if (set == EntrySet::w6 && order <= largest_fixed_order) return table;
   return set == EntrySet::w6 ? fill_passes(order, base, base_order, table)
                              : fill_rows(order, base, base_order, table);
 }
