@@ -28,6 +28,17 @@ QKR_DECLARE_KERNELS(Inv, double, 64f)
 QKR_DECLARE_KERNELS(Fwd, float, 32f)
 QKR_DECLARE_KERNELS(Inv, float, 32f)
 
+// Between the transform of H complex numbers, that are 2 H real ones, and the spectrum in Perm format, number
+// 0 left out. The forward one works in place; the inverse one may.
+#define QKR_DECLARE_RECOMBINATION(prefix, T, suffix)                                \
+  void prefix##zprs_cRealRecombine_##suffix(T *data, int32_t half, const T *table); \
+  void prefix##zprs_cCcsRecombine_##suffix(const T *src, T *dst, int32_t half, const T *table);
+QKR_DECLARE_RECOMBINATION(w6_, double, 64f)
+QKR_DECLARE_RECOMBINATION(w6_, float, 32f)
+QKR_DECLARE_RECOMBINATION(, double, 64f)
+QKR_DECLARE_RECOMBINATION(, float, 32f)
+#undef QKR_DECLARE_RECOMBINATION
+
 // data[i] *= factor for i below count.
 void zprs_rbMpy1_64f(double *data, ptrdiff_t count, double factor);
 void zprs_rbMpy1_32f(float *data, ptrdiff_t count, float factor);

@@ -1,6 +1,7 @@
 // Which kernel transforms numbers of an order: shared by the complex and the real transforms.
 #pragma once
 
+#include "sigfft/fixed.h"
 #include "sigfft/kernels.h"
 #include "sigfft/layout.h"
 
@@ -36,9 +37,15 @@ inline void multiply(float *data, ptrdiff_t count, float factor) { zprs_rbMpy1_3
 template <EntrySet set, bool forward, class T>
 void transform(const Plan<T> *plan, const T *src, T *dst, int order, T *work) {
   constexpr const Kernels<T> &k = kernels<forward, T>;
-  if (set == EntrySet::plain) return k.plain(plan, src, dst, order, work);
-  if (order > largest_staged_order<set, T>) return k.large(plan, src, dst, order, work);
-  k.staged(src, dst, 1 << order, plan->twiddleL1, plan->bitRevTable, work);
+  if (order == largest_fixed_order) {
+    (forward ? Fixed<T>::tbl_cFFTfwd_small : Fixed<T>::tbl_cFFTinv_small)[order](src, dst, 0);
+  } else if (set == EntrySet::plain) {
+    return k.plain(plan, src, dst, order, work);
+  } else if (order > largest_staged_order<set, T>) {
+    return k.large(plan, src, dst, order, work);
+  } else {
+    k.staged(src, dst, 1 << order, plan->twiddleL1, plan->bitRevTable, work);
+  }
   if (forward ? plan->fwdNorm : plan->invNorm) multiply(dst, ptrdiff_t{2} << order, plan->normFactor);
 }
 template <EntrySet set, bool forward, class T>

@@ -66,17 +66,21 @@ QKR_NOINLINE void merge_by_two(Data data, size_t n, size_t length, const T *tabl
 template <bool forward, class Data, class T>
 QKR_NOINLINE void four_columns(Data data, size_t length, int blocks, const T *twiddles, const T *rows,
                                Interleaved<T> work) {
-  constexpr size_t columns = 4;
+  constexpr size_t columns = 4, row_bytes = columns * 2 * sizeof(T);
+  constexpr int bytes = row_bytes < widest_pairs ? row_bytes : widest_pairs;
+  constexpr size_t together = bytes / 2 / sizeof(T);
   const size_t count = size_t{1} << blocks;
   const Interleaved<const T> table = {twiddles};
   for (size_t row = 0; row < count; ++row)
-    for (size_t c = 0; c < columns; ++c) {
-      const auto w = table.at(row * columns + c);
-      work.set(c * count + row, times<forward>(data.at(row * length + c), w.re, w.im));
+    for (size_t c = 0; c < columns; c += together) {
+      const auto w = table.template pairs<bytes>(row * columns + c);
+      const auto x = times_numbers<forward>(data.template pairs<bytes>(row * length + c), w);
+      set_strided<bytes>(work, c * count + row, count, x);
     }
   for (size_t c = 0; c < columns; ++c) plain_passes<forward>(work + c * count, blocks, rows);
   for (size_t row = 0; row < count; ++row)
-    for (size_t c = 0; c < columns; ++c) data.set(row * length + c, work.at(c * count + row));
+    for (size_t c = 0; c < columns; c += together)
+      data.template set_pairs<bytes>(row * length + c, strided<bytes>(work, c * count + row, count));
 }
 
 // All but the bit reversal.

@@ -9,7 +9,7 @@
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
-// Complex numbers `stride` numbers of T apart, as Paired.
+// Complex numbers `stride` numbers of T apart, as Paired, and back.
 template <class T, int bytes>
 QKR_INLINE Paired<T, bytes> strided_pairs(const T *p, size_t stride) {
   if constexpr (bytes == 2 * sizeof(T)) {
@@ -25,6 +25,43 @@ QKR_INLINE Paired<T, bytes> strided_pairs(const T *p, size_t stride) {
                                strided_pairs<T, bytes / 2>(p + half * stride, stride).v)};
   }
 }
+template <class T, int bytes>
+QKR_INLINE void set_strided_pairs(T *p, size_t stride, Vector<T, bytes> v) {
+  if constexpr (bytes == 2 * sizeof(T)) {
+    store_vector(p, v);
+  } else if constexpr (bytes == 16) {
+    const auto both = as_doubles<T, bytes>(v);
+    const double a = both[0], b = both[1];
+    __builtin_memcpy(p, &a, sizeof a);
+    __builtin_memcpy(p + stride, &b, sizeof b);
+  } else {
+    constexpr size_t half = bytes / 4 / sizeof(T);
+    set_strided_pairs<T, bytes / 2>(p, stride, half_of<T, bytes, 0>(v));
+    set_strided_pairs<T, bytes / 2>(p + half * stride, stride, half_of<T, bytes, 1>(v));
+  }
+}
+template <int bytes, class T>
+QKR_INLINE Paired<T, bytes> strided(Interleaved<T> data, size_t k, size_t stride) {
+  return strided_pairs<T, bytes>(data.p + 2 * k, 2 * stride);
+}
+template <int bytes, class T>
+QKR_INLINE void set_strided(Interleaved<T> data, size_t k, size_t stride, Paired<T, bytes> x) {
+  set_strided_pairs<T, bytes>(data.p + 2 * k, 2 * stride, x.v);
+}
+template <int bytes, class T>
+QKR_INLINE Paired<T, bytes> strided(Separate<T> data, size_t k, size_t stride) {
+  T numbers[bytes / sizeof(T)];
+  for (size_t i = 0; i < bytes / 2 / sizeof(T); ++i)
+    numbers[2 * i] = data.re[k + i * stride], numbers[2 * i + 1] = data.im[k + i * stride];
+  return {load_vector<Vector<T, bytes>>(numbers)};
+}
+template <int bytes, class T>
+QKR_INLINE void set_strided(Separate<T> data, size_t k, size_t stride, Paired<T, bytes> x) {
+  T numbers[bytes / sizeof(T)];
+  store_vector(numbers, x.v);
+  for (size_t i = 0; i < bytes / 2 / sizeof(T); ++i)
+    data.re[k + i * stride] = numbers[2 * i], data.im[k + i * stride] = numbers[2 * i + 1];
+}
 
 // x times the numbers that w holds.
 template <bool forward, class T, int bytes, int... i>
@@ -37,12 +74,16 @@ QKR_INLINE Paired<T, bytes> times_numbers(Paired<T, bytes> x, Paired<T, bytes> w
   return times_numbers<forward>(x, w.v, std::make_integer_sequence<int, bytes / (int)sizeof(T)>());
 }
 
-// One number after the other: what is left for the wider registers are the passes with twiddles.
+constexpr int narrow_pairs =
+    QKR_SIMD_BYTES == 16 ? 16 : 32;  // where there are few blocks, or columns in a block
+
 template <int radix, bool forward, class Data>
 QKR_NOINLINE void first_plain_pass(Data data, size_t n) {
-  for (size_t j = 0; j < n; j += radix)
-    butterfly<radix, forward>([&](int m) QKR_LAMBDA { return data.at(j + reversed_place<radix>(m)); },
-                              [&](int k, auto x) QKR_LAMBDA { data.set(j + k, x); });
+  constexpr size_t together = narrow_pairs / 2 / sizeof(typename Data::Element);
+  for (size_t j = 0; j < n; j += radix * together)
+    butterfly<radix, forward>(
+        [&](int m) QKR_LAMBDA { return strided<narrow_pairs>(data, j + reversed_place<radix>(m), radix); },
+        [&](int k, auto x) QKR_LAMBDA { set_strided<narrow_pairs>(data, j + k, radix, x); });
 }
 
 constexpr size_t row_length = 6;  // numbers of the table
@@ -67,13 +108,12 @@ QKR_NOINLINE void twiddle_pass(Data data, size_t n, size_t columns, const T *row
 
 template <bool forward, class Data, class T>
 void plain_passes(Data data, int order, const T *rows) {
-  constexpr int narrow = widest_pairs == 64 ? 32 : widest_pairs;  // where a block has few columns
   const size_t n = size_t{1} << order;
   size_t columns = order & 1 ? 8 : 4;
   if (order & 1) first_plain_pass<8, forward>(data, n);
   else first_plain_pass<4, forward>(data, n);
   for (; columns < n; columns *= 4) {
-    if (columns * 2 * sizeof(T) < widest_pairs) twiddle_pass<forward, narrow>(data, n, columns, rows);
+    if (columns * 2 * sizeof(T) < widest_pairs) twiddle_pass<forward, narrow_pairs>(data, n, columns, rows);
     else twiddle_pass<forward, widest_pairs>(data, n, columns, rows);
   }
 }

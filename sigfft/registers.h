@@ -146,7 +146,8 @@ QKR_INLINE OneRegister<T, bytes, run> times(OneRegister<T, bytes, run> x, V c, V
   else return {add_signed(x.v * c, x.swapped() * s, x.signs())};
 }
 
-// The parts apart: in two registers, or one number each.
+// The parts apart: in two registers, or one number each. Single numbers only below AVX: of products of them
+// g++ 12 makes fused operations that round once, whatever -ffp-contract says.
 template <class T, class V>
 struct Parts {
   using Element = T;

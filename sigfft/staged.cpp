@@ -40,10 +40,6 @@ QKR_NOINLINE void first_pass(Source source, Area area, size_t n, const uint32_t 
 template <bool forward, class Source, class Area, class Target, class T>
 QKR_INLINE void run_passes(Source source, Area area, Target target, size_t n, const T *table,
                            const uint32_t *reversal) {
-  if (n == 8) {
-    const auto put = [&](int k, auto x) { target.set(k, x); };
-    return butterfly<8, forward>([&](int m) { return source.at(m); }, put);
-  }
   const Passes passes = staged_passes<T>(__builtin_ctzll(n));
   if (passes.bits[0] == 2) first_pass<4, forward>(source, area, n, reversal);
   else if constexpr (is_double<T>) first_pass<8, forward>(source, area, n, reversal);
