@@ -34,7 +34,7 @@ constexpr int largest_staged_order = set == EntrySet::w6 ? (is_double<T> ? 14 : 
 // Binary logarithms of the radices of successive passes.
 struct Passes {
   int count = 0;
-  int bits[12] = {};
+  int bits[6] = {};
   constexpr void add(int b) { bits[count++] = b; }
 };
 
@@ -58,6 +58,18 @@ constexpr Passes staged_passes(int order) {
   }
   return passes;
 }
+
+// The same for each order, made by the compiler.
+template <class T>
+struct PassesByOrder {
+  Passes of[largest_staged_order<EntrySet::w6, T> + 1];
+  constexpr PassesByOrder() : of() {
+    for (int order = largest_fixed_order; order <= largest_staged_order<EntrySet::w6, T>; ++order)
+      of[order] = staged_passes<T>(order);
+  }
+};
+template <class T>
+constexpr PassesByOrder<T> passes_by_order;
 
 // The passes over columns across 2^block_bits blocks.
 constexpr Passes column_passes(int block_bits) {

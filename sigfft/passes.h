@@ -23,27 +23,30 @@ QKR_INLINE void first_butterflies(Source source, size_t column, size_t spacing, 
   transpose<radix>(y, [&](int c, int k, auto value) QKR_LAMBDA { area.put(block[c] + k, value); });
 }
 
-// Twiddle m of the columns that start at a place of the table; wider registers take a second group, which
-// lies `stride` numbers behind.
-template <bool forward, class T, int bytes, class C>
-QKR_INLINE C twiddled(C x, const T *table, int m, [[maybe_unused]] int stride) {
-  const T *c = table + (m - 1) * 2 * group<T>, *s = c + group<T>;
+// A twiddle of each column that a register holds: of one group, or of two whose table entries lie `stride`
+// numbers apart.
 #if QKR_BASELINE
-  return times<forward>(x, load_vector<Vector<T, 16>>(c), load_vector<Vector<T, 16>>(s));
+template <class T, int bytes>
+using Twiddle = Vector<T, 16>;
+template <class T, int bytes>
+QKR_INLINE Twiddle<T, bytes> twiddle(const T *p, int) {
+  return load_vector<Vector<T, 16>>(p);
+}
 #else
-  const auto twice = [](const T *p) { return _mm256_broadcast_pd((const __m128d *)p); };
+template <class T, int bytes>
+using Twiddle = Vector<T, bytes>;
+template <class T, int bytes>
+QKR_INLINE Twiddle<T, bytes> twiddle(const T *p, [[maybe_unused]] int stride) {
+  const auto twice = [](const T *q) { return _mm256_broadcast_pd((const __m128d *)q); };
   if constexpr (bytes == 32) {
-    return times<forward>(x, (Vector<T, 32>)twice(c), (Vector<T, 32>)twice(s));
+    return (Vector<T, 32>)twice(p);
   } else {
 #ifdef __AVX512F__
-    const auto both = [&](const T *p) {
-      return (Vector<T, 64>)_mm512_insertf64x4(_mm512_castpd256_pd512(twice(p)), twice(p + stride), 1);
-    };
-    return times<forward>(x, both(c), both(s));
+    return (Vector<T, 64>)_mm512_insertf64x4(_mm512_castpd256_pd512(twice(p)), twice(p + stride), 1);
 #endif
   }
-#endif
 }
+#endif
 
 template <class T, int radix>
 constexpr int table_stride = (radix - 1) * 2 * group<T>;
@@ -60,7 +63,10 @@ QKR_INLINE void block_of_butterflies(In in, size_t in_spacing, Out out, size_t o
     butterfly<radix, forward>(
         [&](int m) QKR_LAMBDA {
           const auto x = from.template grouped<bytes>(reversed_place<radix>(m) * in_spacing);
-          return m ? twiddled<forward, T, bytes>(x, table, m, table_stride<T, radix>) : x;
+          if (!m) return x;
+          const T *c = table + (m - 1) * 2 * group<T>;
+          return times<forward>(x, twiddle<T, bytes>(c, table_stride<T, radix>),
+                                twiddle<T, bytes>(c + group<T>, table_stride<T, radix>));
         },
         [&](int q, auto value) QKR_LAMBDA {
           if constexpr (last) to.natural(q * out_spacing, value);
@@ -80,17 +86,78 @@ QKR_INLINE void butterflies(In in, size_t in_spacing, Out out, size_t out_spacin
                                                              table);
 }
 
-// A pass in place over `blocks` blocks of radix times `columns` numbers, all with the same twiddles.
+// The same on `blocks` blocks side by side, in place: column by column, so that the twiddles are loaded once
+// for all blocks.
+template <int radix, bool forward, int bytes, class Area, class T>
+QKR_INLINE void blocks_of_butterflies(Area area, size_t columns, size_t blocks, const T *table, int stride) {
+  constexpr size_t together = bytes / 2 / sizeof(T);
+  const size_t step = radix * columns;
+  for (size_t k = 0; k < columns; k += together, table += table_stride<T, radix> * (together / group<T>)) {
+    Twiddle<T, bytes> c[radix], s[radix];
+#pragma GCC unroll 8
+    for (int m = 1; m < radix; ++m) {
+      c[m] = twiddle<T, bytes>(table + (m - 1) * 2 * group<T>, stride);
+      s[m] = twiddle<T, bytes>(table + (m - 1) * 2 * group<T> + group<T>, stride);
+    }
+    Area block = area + k;
+    for (size_t b = 0; b < blocks; ++b, block = block + step)
+      butterfly<radix, forward>(
+          [&](int m) QKR_LAMBDA {
+            const auto x = block.template grouped<bytes>(reversed_place<radix>(m) * columns);
+            return m ? times<forward>(x, c[m], s[m]) : x;
+          },
+          [&](int q, auto value) QKR_LAMBDA { block.put(q * columns, value); });
+  }
+}
+
+#if QKR_SIMD_BYTES == 64
+// Two blocks, `distance` apart, in the halves of registers.
+template <class Area>
+struct TwoBlocks {
+  using Element = typename Area::Element;
+  Area area;
+  size_t distance;
+
+  QKR_INLINE TwoBlocks operator+(size_t k) const { return {area + 2 * k, distance}; }
+  template <int bytes>
+  QKR_INLINE Grouped<Element, bytes> grouped(size_t k) const {
+    return {join<Element, 32>(area.template grouped<32>(k).v, area.template grouped<32>(k + distance).v)};
+  }
+  QKR_INLINE void put(size_t k, Grouped<Element, 64> x) const {
+    area.put(k, Grouped<Element, 32>{half_of<Element, 64, 0>(x.v)});
+    area.put(k + distance, Grouped<Element, 32>{half_of<Element, 64, 1>(x.v)});
+  }
+};
+#endif
+
+constexpr size_t first_cache = 32768;
+
+// A pass in place over `blocks` blocks of radix times `columns` numbers, all with the same twiddles. Blocks
+// are taken together as long as they stay in the first cache.
 template <int radix, bool forward, class Area, class T>
-QKR_NOINLINE void middle_pass(Area area, size_t columns, size_t blocks, const T *table) {
+QKR_INLINE void middle_pass(Area area, size_t columns, size_t blocks, const T *table) {
+  const size_t block_bytes = radix * columns * 2 * sizeof(T);
+#if QKR_SIMD_BYTES == 64
+  if (columns == group<T>)
+    return blocks_of_butterflies<radix, forward, 64>(TwoBlocks<Area>{area, radix * columns}, columns,
+                                                     blocks / 2, table, 0);
+#endif
+  size_t together = first_cache / block_bytes;
+  if (together > blocks) together = blocks;
+  if (together > 1) {
+    for (size_t b = 0; b < blocks; b += together)
+      blocks_of_butterflies<radix, forward, widest_group>(area + b * radix * columns, columns, together,
+                                                          table, table_stride<T, radix>);
+    return;
+  }
   for (size_t b = 0; b < blocks; ++b) {
     const Area block = area + b * radix * columns;
-    butterflies<radix, forward, false>(block, columns, block, columns, columns, table);
+    block_of_butterflies<radix, forward, widest_group, false>(block, columns, block, columns, columns, table);
   }
 }
 
 template <int radix, bool forward, class Area, class Target, class T>
-QKR_NOINLINE void last_pass(Area area, Target target, size_t columns, const T *table) {
+QKR_INLINE void last_pass(Area area, Target target, size_t columns, const T *table) {
   butterflies<radix, forward, true>(area, columns, target, columns, columns, table);
 }
 
