@@ -6,12 +6,11 @@
 // tables and plots of the file. Repetitions of all benchmarks are run in random order, so that a disturbance
 // of the machine hits all contenders alike; the report takes the smallest time of each, since on a shared
 // machine others only ever add to it.
-#include <benchmark/benchmark.h>
 #include <cstdio>
 #include <limits>
 #include <memory>
-#include <regex>
 
+#include "room.h"
 #include "vecmath/contenders.h"
 
 namespace qkr::bench {
@@ -135,42 +134,16 @@ void add_benchmarks(const Function &function, const std::vector<int> &sizes, con
   }
 }
 
-// Nothing on the terminal: a line for each repetition would bury the report.
-struct Silent : benchmark::BenchmarkReporter {
-  bool ReportContext(const Context &) override { return true; }
-  void ReportRuns(const std::vector<Run> &) override {}
-};
-
 }  // namespace
 }  // namespace qkr::bench
 
 int main(int argc, char **argv) {
   using namespace qkr::bench;
-  bool quick = false, to_file = false;
-  std::string filter;
-  std::vector<std::string> flags;
-  for (int i = 1; i < argc; ++i) {
-    const std::string argument = argv[i];
-    if (argument == "--quick") quick = true;
-    else if (argument == "--filter" && i + 1 < argc) filter = argv[++i];
-    else flags.push_back(argument);
-    to_file |= argument.starts_with("--benchmark_out=");
-  }
-  // Flags of the caller come later and win.
-  flags.insert(flags.begin(), {argv[0], "--benchmark_enable_random_interleaving=true",
-                               quick ? "--benchmark_min_time=0.001" : "--benchmark_min_time=0.002",
-                               "--benchmark_repetitions=15"});
-  std::vector<char *> pointers;
-  for (std::string &flag : flags) pointers.push_back(flag.data());
-  int count = (int)pointers.size();
-  benchmark::Initialize(&count, pointers.data());
-  if (benchmark::ReportUnrecognizedArguments(count, pointers.data())) return 1;
-
-  const std::vector<int> sizes = quick ? std::vector{64, 1024} : std::vector{8, 64, 1024, largest_n};
-  for (const Function &function : functions) {
-    add_benchmarks<double>(function, sizes, std::regex(filter));
-    add_benchmarks<float>(function, sizes, std::regex(filter));
-  }
-  Silent silent;
-  benchmark::RunSpecifiedBenchmarks(to_file ? &silent : nullptr);
+  return run_room(argc, argv, [](bool quick, const Filter &filter) {
+    const std::vector<int> sizes = quick ? std::vector{64, 1024} : std::vector{8, 64, 1024, largest_n};
+    for (const Function &function : functions) {
+      add_benchmarks<double>(function, sizes, filter.pattern);
+      add_benchmarks<float>(function, sizes, filter.pattern);
+    }
+  });
 }

@@ -1,0 +1,54 @@
+// What the benchmark program of each room does: flags, choice of benchmarks, repetitions in random order.
+#pragma once
+
+#include <benchmark/benchmark.h>
+#include <cmath>
+#include <regex>
+#include <string>
+#include <vector>
+
+namespace qkr::bench {
+
+struct Filter {
+  std::regex pattern;
+  template <class Run>
+  void add(const std::string &name, Run run) const {
+    if (std::regex_search(name, pattern)) benchmark::RegisterBenchmark(name.c_str(), run);
+  }
+};
+
+// Nothing on the terminal: a line for each repetition would bury the report.
+struct Silent : benchmark::BenchmarkReporter {
+  bool ReportContext(const Context &) override { return true; }
+  void ReportRuns(const std::vector<Run> &) override {}
+};
+
+// register_all(quick, filter) adds the benchmarks.
+template <class RegisterAll>
+int run_room(int argc, char **argv, RegisterAll register_all) {
+  bool quick = false, to_file = false;
+  std::string filter;
+  std::vector<std::string> flags;
+  for (int i = 1; i < argc; ++i) {
+    const std::string argument = argv[i];
+    if (argument == "--quick") quick = true;
+    else if (argument == "--filter" && i + 1 < argc) filter = argv[++i];
+    else flags.push_back(argument);
+    to_file |= argument.starts_with("--benchmark_out=");
+  }
+  // Flags of the caller come later and win.
+  flags.insert(flags.begin(), {argv[0], "--benchmark_enable_random_interleaving=true",
+                               quick ? "--benchmark_min_time=0.001" : "--benchmark_min_time=0.002",
+                               "--benchmark_repetitions=15"});
+  std::vector<char *> pointers;
+  for (std::string &flag : flags) pointers.push_back(flag.data());
+  int count = (int)pointers.size();
+  benchmark::Initialize(&count, pointers.data());
+  if (benchmark::ReportUnrecognizedArguments(count, pointers.data())) return 1;
+  register_all(quick, Filter{std::regex(filter)});
+  Silent silent;
+  benchmark::RunSpecifiedBenchmarks(to_file ? &silent : nullptr);
+  return 0;
+}
+
+}  // namespace qkr::bench
