@@ -6,10 +6,11 @@
 // A benchmark is named FORM/LEVEL/N/CONTENDER, for instance dComplex/avx2/1024/fftw_estimate. FFTW with
 // measured plans is the reference of our aim.
 #include <algorithm>
+#include <cmath>
 #include <memory>
 #include <vector>
 
-#include "room.h"
+#include "run.h"
 #include "sigfft/contenders.h"
 #include "simd/level.h"
 
@@ -66,20 +67,25 @@ double aim(bool is_double, Level level, int order) {
   return level == Level::avx512 && aimed_at ? 0.8 : INFINITY;
 }
 
+template <class Run>
+void add(const std::string &name, const std::regex &filter, Run run_benchmark) {
+  if (std::regex_search(name, filter)) benchmark::RegisterBenchmark(name.c_str(), run_benchmark);
+}
+
 template <class T>
-void add_benchmarks(const Form &form, int order, const Filter &filter) {
+void add_benchmarks(const Form &form, int order, const std::regex &filter) {
   constexpr bool is_double = sizeof(T) == 8;
   const std::string name = (is_double ? "d" : "s") + std::string(form.name);
   const std::string size = '/' + std::to_string(size_t{1} << order) + '/';
   for (int l = 0; l <= (int)supported_level(); ++l)
-    filter.add(name + '/' + level_names[l] + size + "qkr",
-               [=, run = run_kept<T>(form, order, [=, &form](Arrays<T> a) { return ours(form, order, a); })](
-                   benchmark::State &state) {
-                 force_level((Level)l);
-                 run(state);
-                 if (std::isfinite(aim(is_double, (Level)l, order)))
-                   state.counters["aim"] = aim(is_double, (Level)l, order);
-               });
+    add(name + '/' + level_names[l] + size + "qkr", filter,
+        [=, run = run_kept<T>(form, order, [=, &form](Arrays<T> a) { return ours(form, order, a); })](
+            benchmark::State &state) {
+          force_level((Level)l);
+          run(state);
+          if (std::isfinite(aim(is_double, (Level)l, order)))
+            state.counters["aim"] = aim(is_double, (Level)l, order);
+        });
   const auto add_peer = [&](const char *peer, bool reference, auto make) {
     filter.add(name + "/any" + size + peer,
                [=, run = run_kept<T>(form, order, make)](benchmark::State &state) {
@@ -98,7 +104,7 @@ void add_benchmarks(const Form &form, int order, const Filter &filter) {
 
 int main(int argc, char **argv) {
   using namespace qkr::bench;
-  return run_room(argc, argv, [](bool quick, const Filter &filter) {
+  return run(argc, argv, [](bool quick, const std::regex &filter) {
     const int first = quick ? 4 : 3, last = quick ? 16 : 24, step = quick ? 3 : 1;
     for (const Form &form : forms)
       for (int order = first; order <= last; order += step) {

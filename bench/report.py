@@ -123,11 +123,9 @@ def ratio_cell(row):
         return ""
     ratio, name = row.aimed()
     any_ratio, any_name = row.fastest()
-    if ratio is None:
-        return f"{row.timings[OURS].ns:.2f} ns, no peer"
     mark = "**" if row.misses() else ""
-    beside = f" ({any_ratio:.2f} {any_name})" if any_name and any_name != name else ""
-    return f"{mark}{ratio:.2f}{mark} {name}{beside}"
+    accurate = f"{mark}{ratio:.2f}{mark} {name}" if name else f"{row.timings[OURS].ns:.2f} ns"
+    return accurate + (f" ({any_ratio:.2f} {any_name})" if any_name not in ("", name) else "")
 
 
 def summary(rows, size):
@@ -256,7 +254,7 @@ def main():
     explanation = (
         "Our time divided by that of the fastest peer with errors below 1 ulp (of exact functions: by that of the "
         "reference), below 1 where ours is faster; bold above the aim. In brackets the same to the fastest peer of "
-        "any accuracy, where that is another.")
+        "any accuracy, where that is another. Plain nanoseconds per element where there is no peer.")
     detail_note = ("Nanoseconds per element, smallest of all repetitions, and in brackets the largest error in ulp "
                    "on a sample; then ratios of our time to the fastest.")
     (out / f"{source.stem}.md").write_text(

@@ -27,8 +27,8 @@ function(qkr_kernels)
   endforeach()
 endfunction()
 
-set(QKR_PUBLIC_HEADERS
-    api.h qkr.h service.h sigfft.h sigfft_plan.h sigfft_transforms.h vecmath.h vecmath_control.h vecmath_exact.h)
+set(QKR_PUBLIC_HEADERS api.h qkr.h service.h sigfft.h sigfft_plan.h sigfft_transforms.h vecmath.h vecmath_control.h
+    vecmath_elements.h vecmath_exact.h vecmath_inverse.h)
 
 # libqkr.so exports what the public headers declare with QKR_API and nothing else; libqkr.a also serves the
 # white-box tests, which reach hidden functions.

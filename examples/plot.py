@@ -88,11 +88,34 @@ def plot_tone_curve(out_dir):
     return figure, "tone_curve.png"
 
 
+def plot_daylight(out_dir):
+    hours, sun = read_csv(out_dir / "daylight.csv"), read_csv(out_dir / "elevation.csv")
+    stations = hours.dtype.names[1:]
+    figure, (year, clock) = plt.subplots(1, 2, figsize=(12, 4.8))
+
+    for station, colour in zip(stations, plt.cm.viridis(np.linspace(0, 0.9, len(stations)))):
+        year.plot(hours["day"], hours[station], color=colour, linewidth=1.8, label=station.replace("_", " "))
+    year.set(title="From sunrise to sunset", xlabel="day of 2026", ylabel="hours", xlim=(1, 365),
+             ylim=(-0.5, 24.5), yticks=range(0, 25, 4))
+    year.grid(alpha=0.25)
+    year.legend(frameon=False, loc="upper left", fontsize=8)
+
+    elevation = sun["elevation"].reshape(365, -1).T
+    picture = clock.imshow(elevation, origin="lower", aspect="auto", extent=(1, 366, 0, 24), cmap="RdBu_r",
+                           vmin=-50, vmax=50)
+    clock.contour(np.arange(365) + 1.5, sun["hour"][:elevation.shape[0]] + 0.25, elevation, levels=[-0.833],
+                  colors="black", linewidths=1)
+    clock.set(title=f"Elevation of the sun, {stations[-1]}", xlabel="day of 2026", ylabel="time of day (h, UTC)",
+              yticks=range(0, 25, 4))
+    figure.colorbar(picture, label="degrees above the horizon")
+    return figure, "daylight.png"
+
+
 def main():
     if len(sys.argv) != 2:
         sys.exit("usage: plot.py OUT_DIR")
     out_dir = Path(sys.argv[1])
-    for plot in (plot_co2, plot_tone_curve):
+    for plot in (plot_co2, plot_tone_curve, plot_daylight):
         try:
             figure, name = plot(out_dir)
             figure.savefig(out_dir / name)

@@ -15,6 +15,9 @@ printf 'Growth of carbon dioxide in the air (examples/co2_growth.cpp)\n\n'
 printf '\nLogarithmic tone curve over a photograph (examples/tone_curve.cpp)\n\n'
 "$programs/tone_curve" "$here/data/photo.pgm" "$out"
 
+printf '\nDaylight from the equator to the Arctic (examples/daylight.cpp)\n\n'
+"$programs/daylight" "$here/data/stations.csv" "$out"
+
 printf '\nWhat happens to bad elements (examples/error_policy.c)\n\n'
 "$programs/error_policy" "$out"
 

@@ -42,11 +42,13 @@ QKR_INLINE void load_part(const float *p, int count, f32 &v) {
   v = (f32)_mm256_blendv_ps(_mm256_set1_ps(1), _mm256_maskload_ps(p, mask), _mm256_castsi256_ps(mask));
 }
 
-// Of numbers that are not NaN.
+// The second where one of them is a NaN.
 QKR_INLINE f64 larger(f64 a, f64 b) { return (f64)_mm256_max_pd((__m256d)a, (__m256d)b); }
+QKR_INLINE f32 larger(f32 a, f32 b) { return (f32)_mm256_max_ps((__m256)a, (__m256)b); }
 QKR_INLINE f64 smaller(f64 a, f64 b) { return (f64)_mm256_min_pd((__m256d)a, (__m256d)b); }
 
 QKR_INLINE f64 square_root(f64 v) { return (f64)_mm256_sqrt_pd((__m256d)v); }
+QKR_INLINE f32 square_root(f32 v) { return (f32)_mm256_sqrt_ps((__m256)v); }
 
 // Conversions of the lower and the upper floats, and back.
 QKR_INLINE f64 low_doubles(f32 v) { return (f64)_mm256_cvtps_pd(_mm256_castps256_ps128((__m256)v)); }
@@ -65,6 +67,14 @@ QKR_INLINE __m256d pair(const double *p, const double *q) {
 }
 QKR_INLINE __m256 pair(const float *p, const float *q) {
   return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_load_ps(p)), _mm_load_ps(q), 1);
+}
+
+// Element j of a column of 2^k; higher bits of j do not count.
+template <int count>
+QKR_INLINE f64 pick(const double *column, u64 j) {
+  const u64 k = j & (uint64_t)(count - 1);
+  const auto two = [&](int i) { return _mm_loadh_pd(_mm_load_sd(column + k[i]), column + k[i + 1]); };
+  return (f64)_mm256_insertf128_pd(_mm256_castpd128_pd256(two(0)), two(2), 1);
 }
 
 QKR_INLINE void look_up(const double (*rows)[2], u64 j, f64 &c0, f64 &c1) {

@@ -28,11 +28,18 @@ QKR_INLINE Flags outside(f64 x, double low, double high) {
   return _mm512_cmpge_epu64_mask((__m512i)(bits(x) - first), _mm512_set1_epi64(count));
 }
 QKR_INLINE f64 larger(f64 a, f64 b) { return (f64)_mm512_max_pd((__m512d)a, (__m512d)b); }
+QKR_INLINE f32 larger(f32 a, f32 b) { return (f32)_mm512_max_ps((__m512)a, (__m512)b); }
 QKR_INLINE f64 smaller(f64 a, f64 b) { return (f64)_mm512_min_pd((__m512d)a, (__m512d)b); }
 
 // Lanes that hold anything but a positive normal number: every class that the instruction knows.
 QKR_INLINE Flags not_positive_normal(f64 x) { return _mm512_fpclass_pd_mask((__m512d)x, 0xFF); }
 QKR_INLINE Flags not_positive_normal(f32 x) { return _mm512_fpclass_ps_mask((__m512)x, 0xFF); }
+
+// Lanes with !(first <= x < limit), NaNs always among them; the two are positive.
+QKR_INLINE Flags outside(f32 x, float first, float limit) {
+  return _mm512_cmp_ps_mask((__m512)x, _mm512_set1_ps(first), _CMP_NGE_UQ) |
+         _mm512_cmp_ps_mask((__m512)x, _mm512_set1_ps(limit), _CMP_NLT_UQ);
+}
 
 QKR_INLINE Flags is_zero(f64 x) { return _mm512_cmp_pd_mask((__m512d)x, _mm512_setzero_pd(), _CMP_EQ_OQ); }
 QKR_INLINE Flags is_zero(f32 x) { return _mm512_cmp_ps_mask((__m512)x, _mm512_setzero_ps(), _CMP_EQ_OQ); }
@@ -101,6 +108,7 @@ QKR_INLINE void store_part(float *p, int count, f32 v) {
 }
 
 QKR_INLINE f64 square_root(f64 v) { return (f64)_mm512_sqrt_pd((__m512d)v); }
+QKR_INLINE f32 square_root(f32 v) { return (f32)_mm512_sqrt_ps((__m512)v); }
 
 // Conversions of the lower and the upper floats, and back.
 QKR_INLINE f64 low_doubles(f32 v) { return (f64)_mm512_cvtps_pd(_mm512_castps512_ps256((__m512)v)); }
@@ -180,16 +188,47 @@ QKR_INLINE void look_up(const float (*rows)[4], u32 j, f32 &c0, f32 &c1, f32 &c2
   c3 = (f32)_mm512_shuffle_ps(AB, CD, 0xEE);
 }
 
-// A column of 64 or 128 floats held in registers.
-QKR_INLINE f32 pick64(const float *t, u32 j) {
-  const __mmask16 upper = _mm512_test_epi32_mask((__m512i)j, _mm512_set1_epi32(32));
-  const __m512 low = _mm512_permutex2var_ps(_mm512_load_ps(t), (__m512i)j, _mm512_load_ps(t + 16));
-  const __m512 high = _mm512_permutex2var_ps(_mm512_load_ps(t + 32), (__m512i)j, _mm512_load_ps(t + 48));
-  return (f32)_mm512_mask_mov_ps(low, upper, high);
+// 16 rows, as two columns held in registers.
+QKR_INLINE void look_up_16(const double (*rows)[2], u64 j, f64 &c0, f64 &c1) {
+  const __m512i even = _mm512_setr_epi64(0, 2, 4, 6, 8, 10, 12, 14),
+                odd = _mm512_setr_epi64(1, 3, 5, 7, 9, 11, 13, 15);
+  const auto pick = [&](__m512i column) {
+    const auto half = [&](int k) {
+      return _mm512_permutex2var_pd(_mm512_load_pd(rows[k]), column, _mm512_load_pd(rows[k + 4]));
+    };
+    return (f64)_mm512_permutex2var_pd(half(0), (__m512i)j, half(8));
+  };
+  c0 = pick(even);
+  c1 = pick(odd);
 }
-QKR_INLINE f32 pick128(const float *t, u32 j) {
-  const __mmask16 upper = _mm512_test_epi32_mask((__m512i)j, _mm512_set1_epi32(64));
-  return (f32)_mm512_mask_mov_ps((__m512)pick64(t, j), upper, (__m512)pick64(t + 64, j));
+
+// Element j of a column held in registers: of two of them, of 2^k times as many, or of one element more,
+// which is put in by itself. Higher bits of j do not count.
+QKR_INLINE f64 pick_of_two(const double *t, u64 j) {
+  return (f64)_mm512_permutex2var_pd(_mm512_load_pd(t), (__m512i)j, _mm512_load_pd(t + 8));
+}
+QKR_INLINE f32 pick_of_two(const float *t, u32 j) {
+  return (f32)_mm512_permutex2var_ps(_mm512_load_ps(t), (__m512i)j, _mm512_load_ps(t + 16));
+}
+// b where the bit of j is set, else a.
+QKR_INLINE f64 choose(u64 j, uint64_t bit, f64 a, f64 b) {
+  return (f64)_mm512_mask_mov_pd((__m512d)a, _mm512_test_epi64_mask((__m512i)j, _mm512_set1_epi64(bit)),
+                                 (__m512d)b);
+}
+QKR_INLINE f32 choose(u32 j, uint32_t bit, f32 a, f32 b) {
+  return (f32)_mm512_mask_mov_ps((__m512)a, _mm512_test_epi32_mask((__m512i)j, _mm512_set1_epi32(bit)),
+                                 (__m512)b);
+}
+template <int count, class T, class I>
+QKR_INLINE Native<T> pick(const T *t, I j) {
+  constexpr int half = count / 2;
+  if constexpr (half * sizeof(T) == 64) return pick_of_two(t, j);
+  else if constexpr (count % 2 == 0) return choose(j, half, pick<half>(t, j), pick<half>(t + half, j));
+  else return choose(j, count - 1, pick<count - 1>(t, j), t[count - 1] - Native<T>{});
+}
+template <int count, class T, size_t stride, class I, class... Columns>
+QKR_INLINE void pick(const T (*table)[stride], I j, Columns &...columns) {
+  ((columns = pick<count>(*table++, j)), ...);
 }
 
 }  // namespace

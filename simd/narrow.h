@@ -33,6 +33,12 @@ QKR_INLINE Flags not_positive_normal(f32 x) {
   return flags_of((bits(x) - 0x00800000u) | ~(bits(x) - 0x7F800000u));
 }
 
+// Lanes with !(first <= x < limit), NaNs always among them; the two are positive.
+QKR_INLINE Flags outside(f32 x, float first, float limit) {
+  return flags_of((bits(x) - __builtin_bit_cast(uint32_t, first)) |
+                  ~(bits(x) - __builtin_bit_cast(uint32_t, limit)));
+}
+
 QKR_INLINE Flags is_zero(f64 x) { return (u64)(x == 0.0); }
 QKR_INLINE Flags is_zero(f32 x) { return flags_of((u32)(x == 0.0f)); }
 QKR_INLINE Flags is_zero(u64 x) { return x - 1; }  // for patterns without sign

@@ -19,6 +19,9 @@ QKR_INLINE f64 exact_mad(f64 a, double b, f64 c) { return exact_mad(a, b - f64{}
 QKR_INLINE f32 exact_mad(f32 a, float b, f32 c) { return exact_mad(a, b - f32{}, c); }
 QKR_INLINE f64 exact_mad(f64 a, f64 b, double c) { return exact_mad(a, b, c - f64{}); }
 QKR_INLINE f32 exact_mad(f32 a, f32 b, float c) { return exact_mad(a, b, c - f32{}); }
+QKR_INLINE f64 larger(f64 a, double b) { return larger(a, b - f64{}); }
+QKR_INLINE f32 larger(f32 a, float b) { return larger(a, b - f32{}); }
+QKR_INLINE f64 smaller(f64 a, double b) { return smaller(a, b - f64{}); }
 
 // a * b - product, where product = a * b rounded: exact, if it is not below the normal range. With a fused
 // operation at the levels that have it, by halves of 26 bits (T. J. Dekker, Numerische Mathematik 18 (1971)
@@ -51,8 +54,33 @@ QKR_INLINE float approximate_rsqrt(float x) { return _mm_cvtss_f32(_mm_rsqrt_ss(
 QKR_INLINE uint64_t approximate_rsqrt(uint64_t single) {
   return bits(approximate_rsqrt(real((uint32_t)single)));
 }
+QKR_INLINE f64 lanes(f64 v) { return v; }
+QKR_INLINE f64 lanes(double x) { return x - f64{}; }
+
+// yes where a < b, else no; and no where !(a < b), else 0. Operands may be one number.
+template <class A, class B, class Yes, class No>
+QKR_INLINE f64 select_less(A a, B b, Yes yes, No no) requires(sizeof(a + b) == sizeof(f64)) {
+  return lanes(a) < lanes(b) ? lanes(yes) : lanes(no);
+}
+template <class B, class No>
+QKR_INLINE f64 zero_if_less(f64 a, B b, No no) {
+#if QKR_SIMD_BYTES == 64
+  return (f64)_mm512_maskz_mov_pd(_mm512_cmp_pd_mask((__m512d)a, (__m512d)lanes(b), _CMP_NLT_UQ),
+                                  (__m512d)lanes(no));
+#else
+  return real(bits(lanes(no)) & ~(u64)(a < lanes(b)));
+#endif
+}
+QKR_INLINE double select_less(double a, double b, double yes, double no) { return a < b ? yes : no; }
+QKR_INLINE double zero_if_less(double a, double b, double no) { return a < b ? 0.0 : no; }
+
+// As smaller, but a NaN stays.
+QKR_INLINE f64 at_most(f64 x, double limit) { return smaller(lanes(limit), x); }
+QKR_INLINE double at_most(double x, double limit) { return limit < x ? limit : x; }
+QKR_INLINE float square_root(float x) { return __builtin_sqrtf(x); }
 QKR_INLINE double square_root(double x) { return __builtin_sqrt(x); }
 QKR_INLINE double larger(double a, double b) { return a > b ? a : b; }
+QKR_INLINE float larger(float a, float b) { return a > b ? a : b; }
 QKR_INLINE double smaller(double a, double b) { return a < b ? a : b; }
 QKR_INLINE double widen(float x) { return x; }
 QKR_INLINE float narrow(double x) { return (float)x; }
@@ -66,21 +94,40 @@ QKR_INLINE void look_up(const T (*rows)[sizeof...(Columns)], uint64_t j, Columns
   ((columns = *row++), ...);
 }
 
-// Rows of two floats that also stand as two columns of 128: only the widest level can hold columns in
+// Rows of eight doubles, a line of the cache each: two rows of four.
+QKR_INLINE void look_up(const double (*rows)[8], u64 j, f64 &c0, f64 &c1, f64 &c2, f64 &c3, f64 &c4, f64 &c5,
+                        f64 &c6, f64 &c7) {
+  const auto halves = (const double(*)[4])rows;
+  const u64 even = j + j;
+  look_up(halves, even, c0, c1, c2, c3);
+  look_up(halves + 1, even, c4, c5, c6, c7);
+}
+
+// A table of floats that stands as rows and again as columns, which only the widest level can hold in
 // registers.
-QKR_INLINE void look_up_128(const float (*rows)[2], const float *column0, const float *column1, u32 j,
-                            f32 &c0, f32 &c1) {
+template <int count, int width, int stride>
+struct RowsAndColumns {
+  const float (*rows)[width];
+  const float (*columns)[stride];
+};
+template <int count, int width, int stride, class... Columns>
+QKR_INLINE void look_up(RowsAndColumns<count, width, stride> table, u32 j, Columns &...columns) {
 #if QKR_SIMD_BYTES == 64
-  (void)rows;
-  c0 = pick128(column0, j);
-  c1 = pick128(column1, j);
+  pick<count>(table.columns, j, columns...);
 #else
-  (void)column0, (void)column1;
-  look_up(rows, j, c0, c1);
+  look_up(table.rows, j, columns...);
 #endif
 }
-QKR_INLINE void look_up_128(const float (*rows)[2], const float *, const float *, uint32_t j, float &c0,
-                            float &c1) {
+template <int count, int width, int stride, class... Columns>
+QKR_INLINE void look_up(RowsAndColumns<count, width, stride> table, uint32_t j, Columns &...columns) {
+  look_up(table.rows, j, columns...);
+}
+
+// Rows of a table of 16.
+#if QKR_SIMD_BYTES < 64
+QKR_INLINE void look_up_16(const double (*rows)[2], u64 j, f64 &c0, f64 &c1) { look_up(rows, j, c0, c1); }
+#endif
+QKR_INLINE void look_up_16(const double (*rows)[2], uint64_t j, double &c0, double &c1) {
   look_up(rows, j, c0, c1);
 }
 

@@ -19,11 +19,13 @@ QKR_INLINE void load_part(const float *p, int count, f32 &v) {
   v = f32{p[0], count > 1 ? p[1] : 1, count > 2 ? p[2] : 1, 1};
 }
 
-// Of numbers that are not NaN.
+// The second where one of them is a NaN.
 QKR_INLINE f64 larger(f64 a, f64 b) { return (f64)_mm_max_pd((__m128d)a, (__m128d)b); }
+QKR_INLINE f32 larger(f32 a, f32 b) { return (f32)_mm_max_ps((__m128)a, (__m128)b); }
 QKR_INLINE f64 smaller(f64 a, f64 b) { return (f64)_mm_min_pd((__m128d)a, (__m128d)b); }
 
 QKR_INLINE f64 square_root(f64 v) { return (f64)_mm_sqrt_pd((__m128d)v); }
+QKR_INLINE f32 square_root(f32 v) { return (f32)_mm_sqrt_ps((__m128)v); }
 
 // Conversions of the lower and the upper floats, and back.
 QKR_INLINE f64 low_doubles(f32 v) { return (f64)_mm_cvtps_pd((__m128)v); }
@@ -35,6 +37,13 @@ QKR_INLINE f32 join_singles(f64 low, f64 high) {
 QKR_INLINE f32 approximate_rsqrt(f32 v) { return (f32)_mm_rsqrt_ps((__m128)v); }
 // Of the single-precision numbers in the lower halves of the lanes.
 QKR_INLINE u64 approximate_rsqrt(u64 v) { return (u64)_mm_rsqrt_ps((__m128)v); }
+
+// Element j of a column of 2^k; higher bits of j do not count.
+template <int count>
+QKR_INLINE f64 pick(const double *column, u64 j) {
+  const u64 k = j & (uint64_t)(count - 1);
+  return (f64)_mm_loadh_pd(_mm_load_sd(column + k[0]), column + k[1]);
+}
 
 QKR_INLINE void look_up(const double (*rows)[2], u64 j, f64 &c0, f64 &c1) {
   const __m128d p = _mm_load_pd(rows[j[0]]), q = _mm_load_pd(rows[j[1]]);

@@ -63,6 +63,9 @@ QKR_TWO_FUNCTION(zero_unless)
 QKR_TWO_FUNCTION(add_if_zero)
 QKR_TWO_FUNCTION(approximate_rsqrt)
 QKR_TWO_FUNCTION(zero_unless_within)
+QKR_TWO_FUNCTION(at_most)
+QKR_TWO_FUNCTION(select_less)
+QKR_TWO_FUNCTION(zero_if_less)
 QKR_TWO_FUNCTION(larger)
 QKR_TWO_FUNCTION(smaller)
 QKR_TWO_FUNCTION(square_root)
@@ -75,9 +78,9 @@ template <class V, class S>
 QKR_INLINE Flags beyond(Two<V> x, S limit) {
   return beyond(x.a, limit) | beyond(x.b, limit);
 }
-template <class V>
-QKR_INLINE Flags outside(Two<V> x, double low, double high) {
-  return outside(x.a, low, high) | outside(x.b, low, high);
+template <class V, class S>
+QKR_INLINE Flags outside(Two<V> x, S first, S limit) {
+  return outside(x.a, first, limit) | outside(x.b, first, limit);
 }
 template <class V>
 QKR_INLINE Flags not_positive_normal(Two<V> x) {
@@ -104,16 +107,31 @@ QKR_INLINE void store(T *p, Two<V> x) {
   store(p + sizeof(V) / sizeof(T), x.b);
 }
 template <class I, class V>
-QKR_INLINE void look_up_128(const float (*rows)[2], const float *column0, const float *column1, Two<I> j,
-                            Two<V> &c0, Two<V> &c1) {
-  look_up_128(rows, column0, column1, j.a, c0.a, c1.a);
-  look_up_128(rows, column0, column1, j.b, c0.b, c1.b);
+QKR_INLINE void look_up_16(const double (*rows)[2], Two<I> j, Two<V> &c0, Two<V> &c1) {
+  look_up_16(rows, j.a, c0.a, c1.a);
+  look_up_16(rows, j.b, c0.b, c1.b);
 }
 template <class Rows, class I, class... Columns>
 QKR_INLINE void look_up(Rows rows, Two<I> j, Columns &...columns) {
   look_up(rows, j.a, columns.a...);
   look_up(rows, j.b, columns.b...);
 }
+
+template <int count, class T, class I>
+QKR_INLINE auto pick(const T *column, Two<I> j) -> Two<decltype(pick<count>(column, j.a))> {
+  return {pick<count>(column, j.a), pick<count>(column, j.b)};
+}
+#if QKR_SIMD_BYTES == 64
+template <int count, class T, size_t stride, class I, class... Columns>
+QKR_INLINE void pick(const T (*table)[stride], Two<I> j, Columns &...columns) {
+  pick<count>(table, j.a, columns.a...);
+  pick<count>(table, j.b, columns.b...);
+}
+template <class I, class B, class V>
+QKR_INLINE Two<V> choose(Two<I> j, B bit, Two<V> a, Two<V> b) {
+  return {choose(j.a, bit, a.a, b.a), choose(j.b, bit, a.b, b.b)};
+}
+#endif
 
 // V side by side `count` times (a power of two).
 template <class V, int count>

@@ -44,11 +44,16 @@ struct TwoResults {
   }
 };
 
-// The sine at node j plus r - excess, |r| at most half a step.
-template <class Grid, class V, class Index>
-QKR_INLINE V sine_near_node(Index j, V r, V excess) {
+// A row of a table.
+template <class V>
+struct Node {
   V T0, T1, T2, T3;
-  look_up(Grid::table, j, T0, T1, T2, T3);
+};
+
+// The sine at a node plus r - excess, |r| at most half a step.
+template <class Grid, class V>
+QKR_INLINE V sine_near_node(Node<V> node, V r, V excess) {
+  const auto [T0, T1, T2, T3] = node;
   const V D = T0 + T3, w = T2 - excess * (D - T1 * r), z = r * r;
   const V ps = Grid::sine_polynomial(z), pc = Grid::cosine_polynomial(z);
   const V rT0 = r * T0;
@@ -56,6 +61,29 @@ QKR_INLINE V sine_near_node(Index j, V r, V excess) {
   const V e1 = exact_mad(T3, r, T1 - h1), e2 = (h1 - h2) + rT0;
   return ((((e1 + w) + e2) + ps * r * D) + pc * T1) + h2;
 }
+
+// The sine or cosine by row j, modulo the rows of the table.
+template <class Grid, class V, class Index>
+QKR_INLINE V sine_by_row(Index j, Reduced<V> x) {
+  Node<V> n;
+  look_up(Grid::table, j & (uint64_t)(Grid::rows - 1), n.T0, n.T1, n.T2, n.T3);
+  return sine_near_node<Grid>(n, x.r, x.excess);
+}
+
+#if QKR_SIMD_BYTES == 64
+// The same by columns in registers, which hold half a turn: the sine up to its sign.
+template <class Grid, class V, class Index, class Columns>
+QKR_INLINE V sine_by_columns(Columns columns, Index j, Reduced<V> x) {
+  Node<V> n;
+  pick<32>(columns, j, n.T0, n.T1, n.T2, n.T3);
+  return sine_near_node<Grid>(n, x.r, x.excess);
+}
+// -v where the bit of j is set.
+template <class V, class Index>
+QKR_INLINE V turn_sign(V v, Index j, int bit) {
+  return real(bits(v) ^ ((j << (63 - bit)) & 0x8000000000000000u));
+}
+#endif
 
 // Sine (quarter 0) and cosine (quarter 1): the cosine is the sine a quarter turn on.
 template <int quarter, void (*per_element)(int32_t, const double *, double *)>
@@ -67,7 +95,12 @@ struct Circular : UnaryKernel<double, QKR_BASELINE ? 2 : 4> {
   template <class V>
   QKR_INLINE static V core(V x) {
     const Reduced<V> s = reduce<OneResult>(x, quarter * 16);
-    return sine_near_node<OneResult>(bits(s.t) & 63u, s.r, s.excess);
+    const auto j = bits(s.t);
+#if QKR_SIMD_BYTES == 64
+    return turn_sign(sine_by_columns<OneResult>(circular::SinCosTbl_columns, j, s), j, 5);
+#else
+    return sine_by_row<OneResult>(j, s);
+#endif
   }
   QKR_INLINE static void scalar(ptrdiff_t i, Arrays<double> v) { per_element(i, v.a, v.r); }
 };
@@ -82,9 +115,18 @@ struct SinCosDouble : UnaryKernel<double, 2> {
   }
   template <class V>
   QKR_INLINE static Pair<V> core(V x) {
+#if QKR_SIMD_BYTES == 64
+    // Sine and cosine for the angle less the nearest multiple of pi/2, which then says what becomes of them.
+    const Reduced<V> s = reduce<TwoResults>(x, 16);
+    const auto j = bits(s.t);
+    const V sine = sine_by_columns<TwoResults>(circular::SinCosTblFine_sine_columns, j, s);
+    const V cosine = sine_by_columns<TwoResults>(circular::SinCosTblFine_cosine_columns, j, s);
+    return {turn_sign(choose(j, 32, sine, cosine), j, 6), turn_sign(choose(j, 32, cosine, sine), j + 32u, 6)};
+#else
     const Reduced<V> s = reduce<TwoResults>(x, 0);
-    return {sine_near_node<TwoResults>(bits(s.t) & 127u, s.r, s.excess),
-            sine_near_node<TwoResults>((bits(s.t) + 32u) & 127u, s.r, s.excess)};
+    const auto j = bits(s.t);
+    return {sine_by_row<TwoResults>(j, s), sine_by_row<TwoResults>(j + 32u, s)};
+#endif
   }
   QKR_INLINE static void scalar(ptrdiff_t i, Arrays<double> v) { _vxmdSinCos_SC_HA(i, v.a, v.r, v.q); }
 };
@@ -98,7 +140,7 @@ using namespace qkr;
 static constexpr double no_reduction = 0x1p17;
 
 static double sine_of(const sse2::Reduced<double> &s, unsigned rows_on) {
-  return sse2::sine_near_node<sse2::OneResult>((sse2::bits(s.t) + rows_on) & 63u, s.r, s.excess);
+  return sse2::sine_by_row<sse2::OneResult>(sse2::bits(s.t) + rows_on, s);
 }
 
 extern "C" double _dSin(double x) {

@@ -106,10 +106,10 @@ struct TanSingle : SingleKernel<1> {
 }  // namespace qkr::QKR_SIMD_LEVEL
 
 // The coefficients of these are what limits them.
-QKR_CONTRACT(_vxmsSin_HA, 0.81, -0x1.aa7d58p+4);
-QKR_CONTRACT(_vxmsCos_HA, 0.81, -0x1.8e89dap-5);
-QKR_CONTRACT(_vxmsSinCos_HA, 0.57, 0x1.fa8cdep+11);
-QKR_CONTRACT(_vxmsTan_HA, 0.95, 0x1.fc8948p+5);
+QKR_CONTRACT(_vxmsSin_HA, 0.802, 0x1.5e5d46p+3);
+QKR_CONTRACT(_vxmsCos_HA, 0.802, 0x1.98107cp+1);
+QKR_CONTRACT(_vxmsSinCos_HA, 0.563, 0x1.0723d2p+11);
+QKR_CONTRACT(_vxmsTan_HA, 0.936, 0x1.f044b6p+1);
 
 QKR_UNARY(_vxmsSin_HA, float, SinSingle)
 QKR_UNARY(_vxmsCos_HA, float, CosSingle)

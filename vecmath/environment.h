@@ -38,7 +38,8 @@ struct X87Environment {
 using X87Double = X87Environment<0x200>;    // 53 bits, round to nearest
 using X87Extended = X87Environment<0x300>;  // 64 bits, round to nearest
 
-// Kernels of our own design behind such an entry: their arithmetic is SSE's, and its environment counts as well.
+// Kernels of our own design behind such an entry: their arithmetic is SSE's, and its environment counts as
+// well.
 template <class X87>
 struct WithSse {
   SseEnvironment sse;

@@ -31,6 +31,7 @@ struct ExpSingle : UnaryKernel<float, QKR_SIMD_BYTES == 64 ? 2 : 4> {
   static constexpr float s_dwLog2Div128_Hi = 0.0054168701171875f;  // N * hi is exact
   static constexpr float s_dwLog2Div128_Lo = -1.6577690757912933e-06f;
   static constexpr float s_fA2 = 0.5f;
+  static constexpr RowsAndColumns<128, 2, 128> table = {exp_single::exp2f_table, exp_single::exp2f_columns};
   static constexpr float fast_limit = 87.3365478515625f;  // the word s_dwAbsUfw1, 0x42AEAC50
 
   template <class V>
@@ -43,7 +44,7 @@ struct ExpSingle : UnaryKernel<float, QKR_SIMD_BYTES == 64 ? 2 : 4> {
     const V t = x * s_dw128DivLog2 + s_fRS, n = t - s_fRS;
     const V r = exact_mad(n, -s_dwLog2Div128_Hi, x) - n * s_dwLog2Div128_Lo;
     V hi, lo;
-    look_up_128(exp_single::exp2f_table, exp_single::exp2f_hi, exp_single::exp2f_lo, bits(t) & 127u, hi, lo);
+    look_up(table, bits(t) & 127u, hi, lo);
     return {t, ((r + lo) + s_fA2 * (r * r)) * hi + hi};
   }
 

@@ -21,14 +21,20 @@ struct ExpSteps {
   // Below this 2^(N >> 6) is a normal number.
   static constexpr double fast_limit = 0x1.6232bp9;  // 708.39599609375
 
-  // t, whose low bits hold N, and m; of x + rest, where rest is tiny beside x.
+  // t, whose low bits hold N, and p = e^r - 1; of x + rest, where rest is tiny beside x.
   template <class V, class Rest>
-  QKR_INLINE static Pair<V> reduce(V x, Rest rest) {
+  QKR_INLINE static Pair<V> series(V x, Rest rest) {
     const V t = x * s_dwInvLn + s_dwRS, n = t - s_dwRS;
     const V r = (exact_mad(n, -s_dwLnHi, x) - n * s_dwLnLo) + rest;
+    return {t, r + (r * r) * (s_dwA2 + r * (s_dwA3 + r * (s_dwA4 + r * s_dwA5)))};
+  }
+
+  // t and m of x + rest.
+  template <class V, class Rest>
+  QKR_INLINE static Pair<V> reduce(V x, Rest rest) {
+    const auto [t, p] = series(x, rest);
     V hi, lo;
     look_up(exp_double::s_dwExp2, bits(t) & 63u, hi, lo);
-    const V p = r + (r * r) * (s_dwA2 + r * (s_dwA3 + r * (s_dwA4 + r * s_dwA5)));
     return {t, (p * (hi + lo) + lo) + hi};
   }
 

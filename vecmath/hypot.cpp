@@ -4,14 +4,10 @@
 #include "vecmath/contract.h"
 #include "vecmath/reciprocal_root.h"
 #include "vecmath/scalar.h"
+#include "vecmath/sign.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
-
-template <class V>
-QKR_INLINE V size_of(V x) {
-  return real(bits(x) & 0x7FFFFFFFFFFFFFFFu);
-}
 
 // sqrt(sum + rest), rest being tiny beside sum.
 template <class V, class Rest>
@@ -25,7 +21,8 @@ QKR_INLINE V root_of_sum(V sum, Rest rest) {
 
 template <class V>
 QKR_INLINE V hypotenuse(V x, V y) {
-  const V a = larger(size_of(x), size_of(y)), b = smaller(size_of(x), size_of(y));
+  const V a = larger(absolute<double>(x), absolute<double>(y)),
+          b = smaller(absolute<double>(x), absolute<double>(y));
   const V a2 = a * a, b2 = b * b, sum = a2 + b2;
   const V rest = ((a2 - sum) + b2) + (product_error(a, a, a2) + product_error(b, b, b2));
   return root_of_sum(sum, rest);
@@ -36,7 +33,7 @@ struct HypotDouble : BinaryKernel<double, QKR_BASELINE ? 1 : 2> {
   template <class V>
   QKR_INLINE static Flags special(V x,
                                   V y) {  // integer patterns: NaNs and infinities are above the upper limit
-    return outside(larger(size_of(x), size_of(y)), 0x1p-450, 0x1p500) | beyond(x, 0x1p500) |
+    return outside(larger(absolute<double>(x), absolute<double>(y)), 0x1p-450, 0x1p500) | beyond(x, 0x1p500) |
            beyond(y, 0x1p500);
   }
   template <class V>

@@ -10,10 +10,11 @@ extern "C" void _sLn_Scalar(ptrdiff_t i, qkr::Arrays<float> v);
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
-struct LnSingle : UnaryKernel<float, QKR_BASELINE ? 2 : 4> {
+struct LnSingle : UnaryKernel<float, QKR_SIMD_BYTES == 32 ? 4 : 2> {
   static constexpr float Log2Hi = 0.693115234375f, Log2Lo = 3.194618329871446e-05f;  // n * hi is exact
   static constexpr float poly[3] = {-0.5f, 0.3333333432674408f, -0.25f};
   static constexpr uint32_t MMask = 0x7FFFFF, One = 0x3F800000, hi_mask = 0x7FFFC000;
+  static constexpr RowsAndColumns<65, 4, 80> table = {ln_single::Table, ln_single::Table_columns};
   static constexpr uint32_t near_one_first = 0x3F7E0001, near_one_last = 0x3F81FFFF;
 
   template <class V>
@@ -25,7 +26,7 @@ struct LnSingle : UnaryKernel<float, QKR_BASELINE ? 2 : 4> {
   QKR_INLINE static V logarithm(V x, N adj_n) {
     const V y = real((bits(x) & MMask) | One);
     V t_hi, t_lo, r, unused;
-    look_up(ln_single::Table, ((bits(y) + 0x10000u) >> 17) - (One >> 17), t_hi, t_lo, r, unused);
+    look_up(table, ((bits(y) + 0x10000u) >> 17) - (One >> 17), t_hi, t_lo, r, unused);
     const V y_hi = real(bits(y) & hi_mask), y_lo = y - y_hi;
     const V a = exact_mad(y_hi, r, -1.0f), b = y_lo * r, z = b + a;
     const V q = (z * z) * (poly[0] + z * (poly[1] + z * poly[2]));

@@ -21,6 +21,7 @@ struct DoubleFormat {
   using Element = double;
   static constexpr uint64_t fraction = 0x000FFFFFFFFFFFFF, one = 0x3FF0000000000000;
   static constexpr uint64_t infinity = infinity_pattern_double, dbInd = 0xFFF8000000000000;
+  static constexpr int group_width = QKR_BASELINE ? 2 : 4;
   static constexpr int index_shift = 43;  // the upper nine bits, rounded
   static constexpr uint64_t half_row = 0x0000040000000000;
 };
@@ -28,6 +29,7 @@ struct SingleFormat {
   using Element = float;
   static constexpr uint32_t fraction = 0x007FFFFF, one = 0x3F800000;
   static constexpr uint32_t infinity = infinity_pattern_single, dbInd = 0xFFC00000;
+  static constexpr int group_width = QKR_SIMD_BYTES == 32 ? 4 : 2;
   static constexpr int index_shift = 16;  // the upper seven bits, rounded
   static constexpr uint32_t half_row = 0x00008000;
 };
@@ -64,7 +66,7 @@ struct CommonDouble : DoubleFormat {
   }
 };
 struct CommonSingle : SingleFormat {
-  static constexpr auto table = log10_single::BT_Tbl;
+  static constexpr RowsAndColumns<129, 4, 144> table = {log10_single::BT_Tbl, log10_single::BT_Tbl_columns};
   static constexpr uint32_t next_binade = 0x00408000;
   static constexpr uint32_t dbYHiMask = 0xFFFF8000;
   static constexpr float log2_hi = 0.3125f, log2_lo = -0.011470003984868526f;
@@ -79,7 +81,7 @@ struct CommonSingle : SingleFormat {
 };
 
 template <class Log, void (*scalar_routine)(ptrdiff_t, Arrays<typename Log::Element>)>
-struct Logarithm : UnaryKernel<typename Log::Element, QKR_BASELINE ? 2 : 4> {
+struct Logarithm : UnaryKernel<typename Log::Element, Log::group_width> {
   template <class V>
   QKR_INLINE static Flags special(V x) {
     return not_positive_normal(x);

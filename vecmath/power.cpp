@@ -1,28 +1,12 @@
 // x^y = e^(y ln x), ln x by the table of Ln as a sum of two doubles with more than 64 good bits, the product
-// exact. In single precision one double is enough.
+// exact. In single precision 2^(y log2 x) in double, by tables so small that registers can hold them.
 #include "vecmath/contract.h"
 #include "vecmath/exponential.h"
+#include "vecmath/logarithm.h"
 #include "vecmath/scalar.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
-
-constexpr double ln2_hi = 0x1.62e42fefa3800p-1, ln2_lo = 5.497923018708371e-14;
-
-// x = 2^n y, r about 1/y from the table; y = head + tail, of which head * r is exact.
-template <class V>
-struct LogReduction {
-  V n, r, t_hi, t_lo, head_residual, tail;
-  QKR_INLINE explicit LogReduction(V x) {
-    const V y = real((bits(x) & 0x000FFFFFFFFFFFFFu) | 0x3FF0000000000000u);
-    n = exponent(bits(x) + 0x0008040000000000u);  // one more from 1.499 on, with the table's jump
-    V again;
-    look_up(ln_double::BT_Tbl, ((bits(y) + 0x0000040000000000u) >> 43) - 0x7FE00u, r, again, t_hi, t_lo);
-    const V head = real(bits(y) & 0x7FFFFFFF00000000u);
-    tail = y - head;
-    head_residual = exact_mad(head, r, -1.0);
-  }
-};
 
 // ln x + shift * ln 2 for positive normal x.
 template <class V>
@@ -74,26 +58,45 @@ struct PowxDouble : PowDouble<2> {
   static void scalar(ptrdiff_t i, Arrays<double> v) { power_of_specials(i, v, *v.b, "_vxmdPowx_HA"); }
 };
 
-// y ln x of floats: a relative error of 2^-52 is small enough.
+// c[0] + c[1] x + ... + c[degree] x^degree, two terms at a time, which takes half as long as one by one.
+template <int degree, class V>
+QKR_INLINE auto polynomial(const double *c, V x, V square) {
+  if constexpr (degree == 0) return c[0];
+  else if constexpr (degree == 1) return c[0] + x * c[1];
+  else return (c[0] + x * c[1]) + square * polynomial<degree - 2>(c + 2, x, square);
+}
+
+// Floats: log2 x = n - log2 r + log2(1 + z) with z = x r 2^-n - 1 exact, and 2^p = 2^N 2^(j/32) 2^r; all of
+// it in double, with errors of 2^-46 of log2 x.
 template <class V>
-QKR_INLINE V single_exponent(V x, V y) {
-  const LogReduction<V> x_is(x);
-  const V z = x_is.head_residual + x_is.tail * x_is.r;
-  const V series = (z * z) * (-0.5 + z * (1.0 / 3 + z * (-0.25 + z * 0.2)));
-  const V tail = (z + series) + (x_is.n * ln2_lo + x_is.t_lo);
-  return y * (exact_mad(x_is.n, ln2_hi, x_is.t_hi) + tail);
+QKR_INLINE auto single_exponent(V x, V y) {
+  constexpr uint32_t first = 0x3F320000, one = 0x3F800000;  // x 2^-n lies from 0.695 on
+  const auto binades = (bits(x) - first) & 0xFF800000u;
+  const auto n = widen(exponent(bits(x) + (one - first))), mantissa = widen(real(bits(x) - binades));
+  const auto j = (bits(mantissa) - 0x3FE6400000000000u) >> 47;
+  const auto z = exact_mad(mantissa, pick<32>(pow_single::reciprocal, j), -1.0);
+  const auto log =
+      (n + pick<32>(pow_single::minus_log, j)) + z * polynomial<6>(pow_single::log_polynomial, z, z * z);
+  return widen(y) * log;
+}
+template <class V>
+QKR_INLINE V power_of_two(V p) {
+  constexpr double to_32nds = 0x1.8p47;  // adding it rounds to a multiple of 1/32
+  const V t = p + to_32nds, r = p - (t - to_32nds);
+  const V node = pick<32>(pow_single::powers, bits(t));
+  const V m = node + node * (r * polynomial<4>(pow_single::power_polynomial, r, r * r));
+  return real(bits(m) + ((bits(t) << 47) & 0xFFF0000000000000u));
 }
 
 struct PowSingle : BinaryKernel<float, 1> {
   // The limit keeps the result a normal number.
   template <class V>
   QKR_INLINE static Flags special(V x, V y) {
-    const auto p = narrow(single_exponent(widen(x), widen(y)));
-    return not_positive_normal(x) | beyond(p, 87.3f);
+    return not_positive_normal(x) | beyond(narrow(single_exponent(x, y)), 126.0f);
   }
   template <class V>
   QKR_INLINE static V core(V x, V y) {
-    return narrow(ExpSteps::scaled(ExpSteps::reduce(single_exponent(widen(x), widen(y)), 0.0)));
+    return narrow(power_of_two(single_exponent(x, y)));
   }
   static void scalar(ptrdiff_t i, Arrays<float> v) { power_of_specials(i, v, v.b[i], "_vxmsPow_HA"); }
 };

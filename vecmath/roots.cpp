@@ -136,9 +136,9 @@ struct CubeRoot : UnaryKernel<T, 2> {
 }  // namespace qkr::QKR_SIMD_LEVEL
 
 QKR_CONTRACT(_vxmdInvSqrt_HA, 0.501, 0x1.528be3e20b924p+8);
-QKR_CONTRACT(_vxmsInvSqrt_HA, 0.51, 0x1.591f9p+12);
+QKR_CONTRACT(_vxmsInvSqrt_HA, 0.506, 0x1.591f9p+12);
 QKR_CONTRACT(_vxmdCbrt_HA, 0.54, -0x1.f202422888ef7p-169);
-QKR_CONTRACT(_vxmsCbrt_HA, 0.501, 0x1.d050bap+8);
+QKR_CONTRACT(_vxmsCbrt_HA, 0.501, 0x1.cbf92p-130);
 QKR_CONTRACT(_vxmdInvCbrt_HA, 0.51, 0x1.f94dcf4cadf75p+2);
 QKR_CONTRACT(_vxmsInvCbrt_HA, 0.501, -0x1.7b6194p-2);
 

@@ -51,8 +51,7 @@ struct Parts {
     no_fraction = (U)((I)size >= (I)(U{} + B::all_integers));
     // The 2^s - 1 with s bits behind the point: 2^s is in reach of exponent arithmetic, and the low bits of
     // 2^52 + (2^s - 1) spell the difference. Exact.
-    U exponent =
-        (size & ~B::fraction & ~(below_one | no_fraction)) | (B::one & (below_one | no_fraction));
+    U exponent = (size & ~B::fraction & ~(below_one | no_fraction)) | (B::one & (below_one | no_fraction));
     asm("" : "+x"(exponent));  // else clang 19 does the sums on all lanes first, and some are inexact
     const auto power = real((B::one + B::all_integers) - exponent);
     behind_point = bits(B::integers_from + (power - (T)1)) & B::fraction;

@@ -24,9 +24,13 @@ template <class V>
 QKR_INLINE V tangent(Reduced<V> x) {
   const auto j = bits(x.t) & 31ul;
   V T, T_lo, slope, D, A2, A3, A4, A5, A6, A7, A8, A9;
+#if QKR_SIMD_BYTES == 64
+  pick<32>(circular::_dTanTab_columns, j, T, T_lo, slope, D, A2, A3, A4, A5, A6, A7, A8, A9);
+#else
   look_up(circular::_dTanTab, j, T, T_lo, slope, D);
   look_up(circular::_dTanTab + 32, j, A2, A3, A4, A5);
   look_up(circular::_dTanTab + 64, j, A6, A7, A8, A9);
+#endif
 
   // s = r - excess + steps * pi/32 is the distance from the pole; s_head has 26 bits of it, s_tail the rest.
   const V row = real(j | 0x4330000000000000ul) - 0x1p52, steps = row - 16.0, r = x.r;

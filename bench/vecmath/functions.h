@@ -26,6 +26,7 @@ struct Inputs {
   const char *first = nullptr, *second = nullptr;  // C names of the parts of a function of two results
   long double (*exact)(long double, long double) = nullptr;  // where C has no such function
   Integers integers = Integers::none;
+  double hard = 0;  // accuracy is also judged around this input
 };
 
 struct Function {
@@ -37,27 +38,41 @@ struct Function {
   Inputs inputs;
 };
 
+// The forms of vector functions.
+template <class T>
+struct Forms {
+  using N = int32_t;
+  using Unary = void (*)(N, const T *, T *);
+  using Binary = void (*)(N, const T *, const T *, T *);
+  using WithScalar = void (*)(N, const T *, T, T *);
+  using TwoResults = void (*)(N, const T *, T *, T *);
+  using PackStride = void (*)(N, const T *, N, T *);
+  using UnpackStride = void (*)(N, const T *, T *, N);
+  using Pack = void (*)(N, const T *, const N *, T *);
+  using Unpack = void (*)(N, const T *, T *, const N *);
+};
+
 template <class T, auto f>
 void ours(const Task<T> &t) {
   using F = decltype(f);
-  if constexpr (std::is_invocable_v<F, int32_t, const T *, T *>) f(t.n, t.a, t.r);
-  else if constexpr (std::is_invocable_v<F, int32_t, const T *, const T *, T *>) f(t.n, t.a, t.b, t.r);
-  else if constexpr (std::is_invocable_v<F, int32_t, const T *, T *, T *>) f(t.n, t.a, t.r, t.q);
-  else if constexpr (std::is_invocable_v<F, int32_t, const T *, int32_t, T *>) f(t.n, t.a, stride, t.r);
-  else if constexpr (std::is_invocable_v<F, int32_t, const T *, T *, int32_t>) f(t.n, t.a, t.r, stride);
-  else if constexpr (std::is_invocable_v<F, int32_t, const T *, const int32_t *, T *>)
-    f(t.n, t.a, t.integers, t.r);
+  using Form = Forms<T>;
+  if constexpr (std::is_same_v<F, typename Form::Unary>) f(t.n, t.a, t.r);
+  else if constexpr (std::is_same_v<F, typename Form::Binary>) f(t.n, t.a, t.b, t.r);
+  else if constexpr (std::is_same_v<F, typename Form::WithScalar>) f(t.n, t.a, t.b[0], t.r);
+  else if constexpr (std::is_same_v<F, typename Form::TwoResults>) f(t.n, t.a, t.r, t.q);
+  else if constexpr (std::is_same_v<F, typename Form::PackStride>) f(t.n, t.a, stride, t.r);
+  else if constexpr (std::is_same_v<F, typename Form::UnpackStride>) f(t.n, t.a, t.r, stride);
+  else if constexpr (std::is_same_v<F, typename Form::Pack>) f(t.n, t.a, t.integers, t.r);
   else f(t.n, t.a, t.r, t.integers);
 }
 
-constexpr Shape shape_of(void (*)(int32_t, const double *, double *)) { return Shape::unary; }
-constexpr Shape shape_of(void (*)(int32_t, const double *, const double *, double *)) {
-  return Shape::binary;
-}
-constexpr Shape shape_of(void (*)(int32_t, const double *, double *, double *)) { return Shape::two_results; }
+// To the peers a scalar is a vector of equal elements.
 template <class F>
-constexpr Shape shape_of(F *) {
-  return Shape::move;
+constexpr Shape shape_of(F) {
+  using Form = Forms<double>;
+  if (std::is_same_v<F, Form::Unary>) return Shape::unary;
+  if (std::is_same_v<F, Form::Binary> || std::is_same_v<F, Form::WithScalar>) return Shape::binary;
+  return std::is_same_v<F, Form::TwoResults> ? Shape::two_results : Shape::move;
 }
 
 template <auto ours_d, auto ours_s>
@@ -73,16 +88,56 @@ constexpr Function row(const char *name, const char *c_name, bool approximates, 
 constexpr Range magnitudes = log_uniform(1e-300, 1e300), magnitudes_single = log_uniform(1e-30, 1e30);
 constexpr Range ordinary = log_uniform(1e-9, 1e9);
 
-constexpr long double quotient(long double x, long double y) { return x / y; }
-constexpr long double reciprocal(long double x, long double) { return 1 / x; }
+// What C has no function for.
+using Long = long double;
+constexpr Long quotient(Long x, Long y) { return x / y; }
+constexpr Long reciprocal(Long x, Long) { return 1 / x; }
+inline Long invsqrt(Long x, Long) { return 1 / std::sqrt(x); }
+inline Long invcbrt(Long x, Long) { return 1 / std::cbrt(x); }
 
 const Function functions[] = {
     APPROXIMATE(Exp, "exp", .a = uniform(-700, 700), .a_single = uniform(-80, 80)),
-    APPROXIMATE(Ln, "log", .a = magnitudes, .a_single = magnitudes_single),
-    APPROXIMATE(Log10, "log10", .a = magnitudes, .a_single = magnitudes_single),
+    APPROXIMATE(Ln, "log", .a = magnitudes, .a_single = magnitudes_single, .hard = 1),
+    APPROXIMATE(Log10, "log10", .a = magnitudes, .a_single = magnitudes_single, .hard = 1),
+    APPROXIMATE(Sin, "sin", .a = uniform(-10, 10), .hard = 3.141592653589793),
+    APPROXIMATE(Cos, "cos", .a = uniform(-10, 10), .hard = 1.5707963267948966),
+    APPROXIMATE(SinCos, "sincos", .a = uniform(-10, 10), .first = "sin", .second = "cos"),
+    APPROXIMATE(Tan, "tan", .a = uniform(-10, 10), .hard = 1.5707963267948966),
+    APPROXIMATE(Pow, "pow", .a = log_uniform(1e-3, 1e3), .b = uniform(-20, 20), .b_single = uniform(-10, 10),
+                .hard = 1),
+    APPROXIMATE(Powx, "pow", .a = log_uniform(1e-3, 1e3), .b = uniform(1.7, 1.7)),
+    APPROXIMATE(Hypot, "hypot", .a = ordinary, .b = ordinary),
     APPROXIMATE(Sqrt, "sqrt", .a = magnitudes, .a_single = magnitudes_single),
+    APPROXIMATE(InvSqrt, "invsqrt", .a = magnitudes, .a_single = magnitudes_single, .exact = invsqrt),
+    APPROXIMATE(Cbrt, "cbrt", .a = magnitudes, .a_single = magnitudes_single),
+    APPROXIMATE(InvCbrt, "invcbrt", .a = magnitudes, .a_single = magnitudes_single, .exact = invcbrt),
+    APPROXIMATE(Cosh, "cosh", .a = uniform(-700, 700), .a_single = uniform(-80, 80)),
+    APPROXIMATE(Sinh, "sinh", .a = uniform(-700, 700), .a_single = uniform(-80, 80)),
+    APPROXIMATE(Tanh, "tanh", .a = uniform(-8, 8)),
+    APPROXIMATE(Erf, "erf", .a = uniform(-5, 5)),
+    APPROXIMATE(Erfc, "erfc", .a = uniform(-5, 20), .a_single = uniform(-5, 8)),
+    APPROXIMATE(Atan, "atan", .a = uniform(-10, 10)),
+    APPROXIMATE(Atan2, "atan2", .a = uniform(-10, 10), .b = uniform(-10, 10)),
+    APPROXIMATE(Asin, "asin", .a = uniform(-1, 1)),
+    APPROXIMATE(Acos, "acos", .a = uniform(-1, 1)),
+    APPROXIMATE(Acosh, "acosh", .a = log_uniform(1, 1e9)),
+    APPROXIMATE(Asinh, "asinh", .a = uniform(-10, 10)),
+    APPROXIMATE(Atanh, "atanh", .a = uniform(-1, 1)),
     APPROXIMATE(Div, "quotient", .a = ordinary, .b = ordinary, .exact = quotient),
     APPROXIMATE(Inv, "reciprocal", .a = magnitudes, .a_single = magnitudes_single, .exact = reciprocal),
+    EXACT(Ceil, "ceil", .a = uniform(-1e4, 1e4)),
+    EXACT(Floor, "floor", .a = uniform(-1e4, 1e4)),
+    EXACT(Round, "round", .a = uniform(-1e4, 1e4)),
+    EXACT(Trunc, "trunc", .a = uniform(-1e4, 1e4)),
+    EXACT(Rint, "rint", .a = uniform(-1e4, 1e4)),
+    EXACT(NearbyInt, "nearbyint", .a = uniform(-1e4, 1e4)),
+    EXACT(Modf, "modf", .a = uniform(-1e4, 1e4)),
+    EXACT(PackI, "PackI", .a = uniform(-1, 1)),
+    EXACT(PackM, "PackM", .a = uniform(-1, 1), .integers = Integers::mask),
+    EXACT(PackV, "PackV", .a = uniform(-1, 1), .integers = Integers::index),
+    EXACT(UnpackI, "UnpackI", .a = uniform(-1, 1)),
+    EXACT(UnpackM, "UnpackM", .a = uniform(-1, 1), .integers = Integers::mask),
+    EXACT(UnpackV, "UnpackV", .a = uniform(-1, 1), .integers = Integers::index),
 };
 
 #undef APPROXIMATE

@@ -128,13 +128,16 @@ void unpack_index(const Task<T> &t) {
 template <class T>
 constexpr auto same = [](T x, auto...) { return x; };
 template <class T>
+constexpr auto root = QKR_C_FUNCTION(sqrt);
+template <class T>
 constexpr auto truncated = QKR_C_FUNCTION(trunc);
 template <class T>
 constexpr auto fraction = [](T x) { return __builtin_copysign(x - truncated<T>(x), x); };
 
 template <class T>
 constexpr PlainLoop<T> plain_loops[] = {
-    {"sqrt", plain<T, QKR_C_FUNCTION(sqrt)>},
+    {"sqrt", plain<T, root<T>>},
+    {"invsqrt", plain<T, [](T x, T) { return 1 / root<T>(x); }>},
     {"quotient", plain<T, [](T x, T y) { return x / y; }>},
     {"reciprocal", plain<T, [](T x, T) { return 1 / x; }>},
     {"ceil", plain<T, QKR_C_FUNCTION(ceil)>},

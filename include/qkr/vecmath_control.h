@@ -41,7 +41,8 @@ enum {
 };
 
 /** One bad element, valid during the callback only. Single-precision elements are widened to double. The
- * element fields are not filled for VXM_STATUS_BADMEM and VXM_STATUS_BADSIZE. */
+ * element fields are not filled for VXM_STATUS_BADMEM and VXM_STATUS_BADSIZE. The result is stored before the
+ * report: of a function that works in place, dbA1 (or dbA2) is the result already. */
 typedef struct VxmErrorContext {
   int32_t iCode;        /**< the status */
   int32_t iIndex;       /**< index of the element (see _vxmSetInterfInputVectorPointer()), or the bad size */

@@ -5,6 +5,7 @@ check_demo.py EXAMPLES_DIR BUILD_DIR SCRATCH_DIR
 import csv
 import datetime
 import importlib.util
+import itertools
 import math
 import os
 import shutil
@@ -74,6 +75,32 @@ class Demo(unittest.TestCase):
         curve = [255 * math.log1p(10 * level / 255) / math.log(11) for level in range(256)]
         self.assertLess(max(abs(a - curve[b]) for a, b in zip(after, before)), 0.501)
 
+    def test_daylight(self):
+        """Almanac: sunrise to sunset at Greenwich is 16 h 38 min on 21 June, 7 h 50 min on 21 December."""
+        days = rows(out / "daylight.csv")
+        self.assertEqual(len(days), 365)
+        self.assertAlmostEqual(float(days[171]["Greenwich"]), 16 + 38 / 60, delta=2 / 60)
+        self.assertAlmostEqual(float(days[354]["Greenwich"]), 7 + 50 / 60, delta=2 / 60)
+        quito = [float(day["Quito"]) for day in days]
+        self.assertTrue(12.05 < min(quito) and max(quito) < 12.2)
+        arctic = [float(day["Tromso"]) for day in days]
+        self.assertAlmostEqual(arctic.count(24), 69, delta=2)  # from about 19 May to 26 July
+        self.assertAlmostEqual(arctic.count(0), 49, delta=2)   # from about 27 November to 14 January
+
+        sun = rows(out / "elevation.csv")
+        self.assertEqual(len(sun), 365 * 48)
+        highest = max(sun, key=lambda row: float(row["elevation"]))
+        self.assertAlmostEqual(float(highest["elevation"]), 90 - 69.6529 + 23.436, delta=0.05)
+        self.assertIn(highest["hour"], ("10.5", "11"))  # 19 degrees east of Greenwich
+
+        # Haversines instead of arc tangents.
+        places = [list(map(math.radians, map(float, line.split(",")[1:])))
+                  for line in (examples / "data/stations.csv").read_text().splitlines()[2:]]
+        for (lat, long), (lat2, long2) in itertools.combinations(places, 2):
+            square = (math.sin((lat2 - lat) / 2) ** 2 +
+                      math.cos(lat) * math.cos(lat2) * math.sin((long2 - long) / 2) ** 2)
+            self.assertIn(f"{2 * 6371.0088 * math.asin(math.sqrt(square)):.1f}", self.report)
+
     def test_error_policy(self):
         status = {}
         for row in rows(out / "error_policy.csv"):
@@ -97,7 +124,7 @@ class Demo(unittest.TestCase):
         if importlib.util.find_spec("matplotlib") is None:
             self.assertIn("plots skipped", self.report)
             return
-        for name in ("co2_growth.png", "tone_curve.png"):
+        for name in ("co2_growth.png", "tone_curve.png", "daylight.png"):
             self.assertIn(str(out / name), self.report)
             picture = (out / name).read_bytes()
             self.assertEqual(picture[:8], b"\x89PNG\r\n\x1a\n")
@@ -111,10 +138,12 @@ class Demo(unittest.TestCase):
         self.assertEqual((code, text.startswith("plots skipped: ")), (0, True), text)
 
     def test_bad_files(self):
-        bad_row, zero, short = out / "bad_row.csv", out / "zero.csv", out / "short.pgm"
+        bad_row, zero, short, bad_place = (out / name for name in
+                                           ("bad_row.csv", "zero.csv", "short.pgm", "bad_place.csv"))
         bad_row.write_text("date,ppm\n19580329,316.1\n19580230,316.1\n")
         zero.write_text("date,ppm\n19580329,316.1\n19580405,0\n")
         short.write_bytes(b"P5\n4 4\n255\nxxx")
+        bad_place.write_text("name,latitude,longitude\nNowhere,91,0\n")
         co2, photo = examples / "data/co2_weekly.csv", examples / "data/photo.pgm"
         for program, arguments, message in (
                 ("co2_growth", ["nowhere.csv", out], "cannot read nowhere.csv"),
@@ -125,6 +154,8 @@ class Demo(unittest.TestCase):
                 ("tone_curve", [co2, out], "not a binary PGM"),
                 ("tone_curve", [short, out], "ends before its last pixel"),
                 ("tone_curve", [photo, out / "nowhere"], "cannot write"),
+                ("daylight", [bad_place, out], "line 2"),
+                ("daylight", [examples / "data/stations.csv", out / "nowhere"], "cannot write"),
                 ("error_policy", [out / "nowhere"], "cannot write"),
                 ("error_policy", [], "usage: ")):
             with self.subTest(program=program, message=message):

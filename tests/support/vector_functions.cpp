@@ -11,6 +11,36 @@ namespace qkr::tests {
 namespace {
 
 int reciprocal(mpfr_ptr r, mpfr_srcptr a, mpfr_rnd_t rounding) { return mpfr_ui_div(r, 1, a, rounding); }
+// By Newton's iteration, from a closed form that is right to a few thousandths (S. Winitzki, 2008).
+int inverse_erf(mpfr_ptr r, mpfr_srcptr a, mpfr_rnd_t rounding) {
+  const double x = mpfr_get_d(a, MPFR_RNDN);
+  if (mpfr_zero_p(a)) return mpfr_set(r, a, rounding);
+  if (!(std::fabs(x) < 1)) {
+    if (std::fabs(x) == 1) mpfr_set_inf(r, mpfr_sgn(a));
+    else mpfr_set_nan(r);
+    return 0;
+  }
+  const double c = 0.147, w = std::log((1 - std::fabs(x)) * (1 + std::fabs(x)));
+  const double h = 2 / (M_PI * c) + w / 2, guess = std::sqrt(std::sqrt(h * h - w / c) - h);
+  mpfr_t z, step, slope;
+  mpfr_inits2(mpfr_get_prec(r) + 96, z, step, slope, nullptr);
+  mpfr_set_d(z, std::fabs(x) < 0.1 ? x * 0.886 : std::copysign(guess, x), MPFR_RNDN);
+  for (int i = 0; i < 6; ++i) {
+    mpfr_erf(step, z, MPFR_RNDN);
+    mpfr_sub(step, a, step, MPFR_RNDN);
+    mpfr_sqr(slope, z, MPFR_RNDN);
+    mpfr_exp(slope, slope, MPFR_RNDN);
+    mpfr_mul(step, step, slope, MPFR_RNDN);
+    mpfr_const_pi(slope, MPFR_RNDN);
+    mpfr_sqrt(slope, slope, MPFR_RNDN);
+    mpfr_mul(step, step, slope, MPFR_RNDN);
+    mpfr_div_2ui(step, step, 1, MPFR_RNDN);
+    mpfr_add(z, z, step, MPFR_RNDN);
+  }
+  const int inexact = mpfr_set(r, z, rounding);
+  mpfr_clears(z, step, slope, nullptr);
+  return inexact;
+}
 template <class W>
 W reciprocal(W a) {
   return 1 / a;
@@ -53,6 +83,10 @@ std::vector<VectorFunction<T>> make_table() {
   constexpr T max = std::numeric_limits<T>::max();
   // Where circular functions hand over from kernel to scalar core, and from one reduction to the next.
   const List hand_overs = {10000, 12800, 90112, 0x1p17, 0x1p23, 0x1p30, T(0x1p-252)};
+  // Where hyperbolic functions hand over to the scalar routine, and where they overflow.
+  const Range<T> growing = either<T>(Range<T>{-711, 711}, Range<T>{-90, 90});
+  const List overflow =
+      either<T>(List{T(0.0054), 709, T(710.475860073944)}, List{T(0.3466), 89, T(89.415985)});
   return {
       {FUNCTION(Exp), .exact = {mpfr_exp}, .quick = {std::exp},
        .a = either<T>(Range<T>{-750, 710}, Range<T>{-105, 89}),
@@ -74,12 +108,35 @@ std::vector<VectorFunction<T>> make_table() {
        .period = T(pi / 64), .reported = either<T>("dSinCos_HA", "sSinCos_HA")},
       {FUNCTION(Tan), .exact = {mpfr_tan}, .quick = {std::tan}, .points = hand_overs, .period = T(pi / 32),
        .reported = either<T>("dTan_HA", "sTan_HA")},
-      {FUNCTION(InvSqrt), .exact = {mpfr_rec_sqrt}, .quick = {reciprocal_square_root<Wider<T>>}, .a = {0, max},
-       .points = {2, 4}},
+      {FUNCTION(Erf), .exact = {mpfr_erf}, .quick = {std::erf}, .a = {-7, 7},
+       .points = {T(0x1p-8), 1, 3, 4, 6}},
+      {FUNCTION(Erfc), .exact = {mpfr_erfc}, .quick = {std::erfc},
+       .a = either<T>(Range<T>{-7, 26.5}, Range<T>{-5, 9.1f}),
+       .points = either<T>(List{1, 3, 7, 15, 26, T(26.543258), T(27.226017)},
+                           List{1, 3, 7, T(9.19), T(9.194555), T(10.054)})},
+      {FUNCTION(ErfInv), .exact = {inverse_erf}, .a = {-1, 1},
+       .points = {T(0.125), T(0.75), T(0.9375), T(1 - 0x1p-10), T(1 - 0x1p-23)}},
+      {FUNCTION(InvSqrt), .exact = {mpfr_rec_sqrt}, .quick = {reciprocal_square_root<Wider<T>>},
+       .a = {0, max}, .points = {2, 4}},
       {FUNCTION(Cbrt), .exact = {mpfr_cbrt}, .quick = {std::cbrt}, .points = {8, 27}},
       {FUNCTION(InvCbrt), .exact = {reciprocal_cube_root}, .quick = {reciprocal_cube_root<Wider<T>>},
        .points = {8, 27}},
       {FUNCTION(Hypot), .exact = {mpfr_hypot}, .quick = {std::hypot}, .points = {1, 3}},
+      {FUNCTION(Cosh), .exact = {mpfr_cosh}, .quick = {std::cosh}, .a = growing, .points = overflow,
+       .period = T(either<T>(ln2 / 64, ln2))},
+      {FUNCTION(Sinh), .exact = {mpfr_sinh}, .quick = {std::sinh}, .a = growing, .points = overflow,
+       .period = T(either<T>(ln2 / 64, ln2))},
+      {FUNCTION(Tanh), .exact = {mpfr_tanh}, .quick = {std::tanh},
+       .points = {T(0.03125), 9, T(9.010913), 10, T(19.0615), 20}, .period = T(either<T>(0.0625, ln2))},
+      {FUNCTION(Atan), .exact = {mpfr_atan}, .quick = {std::atan}, .points = {1, T(0x1p-5), 30, T(0x1p60)}},
+      {FUNCTION(Atan2), .exact = {mpfr_atan2}, .quick = {std::atan2}, .points = {1, T(0x1p-5), 30}},
+      {FUNCTION(Asin), .exact = {mpfr_asin}, .quick = {std::asin}, .a = {-1, 1}, .points = {T(0.5), 1}},
+      {FUNCTION(Acos), .exact = {mpfr_acos}, .quick = {std::acos}, .a = {-1, 1}, .points = {T(0.5), 1}},
+      {FUNCTION(Acosh), .exact = {mpfr_acosh}, .quick = {std::acosh}, .a = {1, max},
+       .points = {1, T(1.25), 2, T(0x1p30)}},
+      {FUNCTION(Asinh), .exact = {mpfr_asinh}, .quick = {std::asinh}, .points = {T(0.75), 1, T(0x1p30)}},
+      {FUNCTION(Atanh), .exact = {mpfr_atanh}, .quick = {std::atanh}, .a = {-1, 1},
+       .points = {T(0.2), T(0.5), 1}},
       {FUNCTION(Pow), .exact = {mpfr_pow}, .quick = {std::pow}, .a = {T(0.01), T(100)},
        .b = either<T>(Range<T>{-150, 150}, Range<T>{-18, 18}), .points = {1, T(0.5), 2}},
       {FUNCTION(Div), .exact = {mpfr_div}, .quick = {quotient<Wider<T>>}, .rounding = Rounding::callers},

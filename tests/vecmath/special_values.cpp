@@ -102,6 +102,56 @@ std::vector<Special<T>> circular_values(T inf, T smallest, T normal, T largest) 
   return rows;
 }
 
+// The inverse functions; those of one sign are odd or have rows of their own.
+template <class T>
+std::vector<Special<T>> inverse_values(T inf, T smallest, T normal, T largest) {
+  const T domain_nan = nan<T>(0, false, true), above = next_up(T(1)), below = next_down(T(1));
+  const T quiet = nan<T>(0x1234), negative_quiet = nan<T>(0x1234, false, true);
+  std::vector<Special<T>> rows = {
+      {NAME(Atan), inf, 0, accurate, 0},
+      {NAME(Atan), largest, 0, accurate, 0},
+      {NAME(Asin), 1, 0, accurate, 0},
+      {NAME(Acos), 1, 0, T(0), 0},
+      {NAME(Acos), -1, 0, accurate, 0},
+      {NAME(Acos), 0, 0, accurate, 0},
+      {NAME(Acosh), 1, 0, T(0), 0},
+      {NAME(Acosh), above, 0, accurate, 0},
+      {NAME(Acosh), largest, 0, accurate, 0},
+      {NAME(Acosh), inf, 0, inf, 0},
+      {NAME(Asinh), inf, 0, inf, 0},
+      {NAME(Asinh), largest, 0, accurate, 0},
+      {NAME(Atanh), 1, 0, inf, 2},
+      {NAME(Atanh), -1, 0, -inf, 2},
+      {NAME(Atanh), below, 0, accurate, 0},
+      {NAME(Atan2), quiet, inf, quiet, 0},
+      {NAME(Atan2), 0, quiet, quiet, 0},
+      {NAME(Atan2), smallest, inf, T(0), 0},
+      {NAME(Atan2), -1, inf, -T(0), 0},
+      {NAME(Atan2), 0, 1, T(0), 0},
+      {NAME(Atan2), -T(0), largest, -T(0), 0},
+      {NAME(Atan2), 0, 0, T(0), 0},
+      {NAME(Atan2), -T(0), 0, -T(0), 0},
+  };
+  for (const char *name : {NAME(Asin), NAME(Acos), NAME(Atanh)})
+    for (const T x : {above, -above, largest, inf, -inf}) rows.push_back({name, x, 0, domain_nan, 1});
+  for (const T x : {below, T(0), -T(0), -smallest, T(-1), -largest, -inf})
+    rows.push_back({NAME(Acosh), x, 0, domain_nan, 1});
+  for (const char *name : {NAME(Atan), NAME(Asin), NAME(Acos), NAME(Acosh), NAME(Asinh), NAME(Atanh)}) {
+    rows.push_back({name, quiet, 0, quiet, 0});
+    rows.push_back({name, negative_quiet, 0, negative_quiet, 0});
+    rows.push_back({name, nan<T>(0x1234, true), 0, quiet, 0});
+  }
+  for (const char *name : {NAME(Atan), NAME(Asin), NAME(Asinh), NAME(Atanh)})
+    for (const T x : {T(0), -T(0), smallest, -smallest, normal, next_down(normal)})
+      rows.push_back({name, x, 0, x, 0});
+  // Axes, diagonals and corners, where the angle is a multiple of pi/4.
+  for (const T sign : {T(1), T(-1)})
+    for (const T x : {-T(0), -smallest, T(1), -largest, inf, -inf})
+      for (const T y : {T(0), smallest, largest, inf})
+        if (x < 0 || y > 0) rows.push_back({NAME(Atan2), std::copysign(y, sign), x, accurate, 0});
+  return rows;
+}
+
 }  // namespace
 
 template <class T>
@@ -114,6 +164,7 @@ std::vector<Special<T>> special_values() {
   const T default_nan = nan<T>(0, false, true);  // what the processor makes of 0 / 0
   const T domain_nan = default_nan;              // and most kernels of a domain error
   const T ln_domain_nan = either<T>(default_nan, from_pattern<float>(0x7FFC0000));
+  const T cosh_overflow = either<T>(0x1.633ce8fb9f87ep+9, 0x1.65a9fap+6f);  // the first number to overflow
   const T all_ones = from_pattern<T>(~Pattern<T>());
   const bool is_double = sizeof(T) == 8;
 
@@ -144,6 +195,39 @@ std::vector<Special<T>> special_values() {
       {NAME(Sqrt), subnormal, 0, accurate, 0},
       {NAME(Sqrt), normal, 0, accurate, 0},
       {NAME(Sqrt), largest, 0, accurate, 0},
+
+      {NAME(Erf), quiet, 0, quiet, 0},
+      {NAME(Erf), signalling, 0, quiet, 0},
+      {NAME(Erf), inf, 0, T(1), 0},
+      {NAME(Erf), -inf, 0, T(-1), 0},
+      {NAME(Erf), -largest, 0, T(-1), 0},
+      {NAME(Erf), 0, 0, T(0), 0},
+      {NAME(Erf), -T(0), 0, -T(0), 0},
+      {NAME(Erf), smallest, 0, accurate, 0},
+      {NAME(Erf), -subnormal, 0, accurate, 0},
+
+      {NAME(Erfc), negative_quiet, 0, negative_quiet, 0},
+      {NAME(Erfc), signalling, 0, quiet, 0},
+      {NAME(Erfc), inf, 0, T(0), 0},
+      {NAME(Erfc), -inf, 0, T(2), 0},
+      {NAME(Erfc), -largest, 0, T(2), 0},
+      {NAME(Erfc), largest, 0, T(0), 4},
+      {NAME(Erfc), -smallest, 0, T(1), 0},
+      {NAME(Erfc), either<T>(26.543, 9.1945f), 0, accurate, 0},
+      {NAME(Erfc), either<T>(26.544, 9.195f), 0, accurate, 4},
+      {NAME(Erfc), either<T>(27.226, 10.05f), 0, smallest, 4},
+      {NAME(Erfc), either<T>(27.25, 10.1f), 0, T(0), 4},
+
+      {NAME(ErfInv), quiet, 0, quiet, 0},
+      {NAME(ErfInv), signalling, 0, quiet, 0},
+      {NAME(ErfInv), 1, 0, inf, 2},
+      {NAME(ErfInv), -1, 0, -inf, 2},
+      {NAME(ErfInv), next_up(T(1)), 0, default_nan, 1},
+      {NAME(ErfInv), -inf, 0, default_nan, 1},
+      {NAME(ErfInv), next_down(T(1)), 0, accurate, 0},
+      {NAME(ErfInv), -T(0), 0, -T(0), 0},
+      {NAME(ErfInv), smallest, 0, accurate, 0},
+      {NAME(ErfInv), -subnormal, 0, accurate, 0},
 
       {NAME(Div), 1, 0, inf, 2},
       {NAME(Div), 1, -T(0), -inf, 2},
@@ -179,6 +263,28 @@ std::vector<Special<T>> special_values() {
       {NAME(Hypot), std::numeric_limits<T>::max(), std::numeric_limits<T>::max(), inf, 3},
       {NAME(Hypot), std::numeric_limits<T>::denorm_min(), 0, std::numeric_limits<T>::denorm_min(), 0},
       {NAME(Hypot), -T(0), -T(0), T(0), 0},
+      {NAME(Cosh), quiet, 0, quiet, 0},
+      {NAME(Cosh), -inf, 0, inf, 0},
+      {NAME(Cosh), -T(0), 0, T(1), 0},
+      {NAME(Cosh), smallest, 0, T(1), 0},
+      {NAME(Cosh), -cosh_overflow, 0, inf, 3},
+      {NAME(Cosh), largest, 0, inf, 3},
+      {NAME(Cosh), std::nextafter(cosh_overflow, T(0)), 0, accurate, 0},
+      {NAME(Sinh), negative_quiet, 0, negative_quiet, 0},
+      {NAME(Sinh), -inf, 0, -inf, 0},
+      {NAME(Sinh), -T(0), 0, -T(0), 0},
+      {NAME(Sinh), -smallest, 0, -smallest, 0},
+      {NAME(Sinh), normal, 0, normal, 0},
+      {NAME(Sinh), -cosh_overflow, 0, -inf, 3},
+      {NAME(Sinh), largest, 0, inf, 3},
+      {NAME(Sinh), -std::nextafter(cosh_overflow, T(0)), 0, accurate, 0},
+      {NAME(Tanh), signalling, 0, quiet, 0},
+      {NAME(Tanh), -inf, 0, -T(1), 0},
+      {NAME(Tanh), -T(0), 0, -T(0), 0},
+      {NAME(Tanh), -smallest, 0, -smallest, 0},
+      {NAME(Tanh), subnormal, 0, subnormal, 0},
+      {NAME(Tanh), normal, 0, normal, 0},
+      {NAME(Tanh), -largest, 0, -T(1), 0},
       {NAME(Pow), nan<T>(1), 0, T(1), 0},
       {NAME(Pow), 1, nan<T>(1), T(1), 0},
       {NAME(Pow), -T(0), -3, -inf, 2},
@@ -230,6 +336,7 @@ std::vector<Special<T>> special_values() {
       rows.push_back(row);
   for (const Special<T> &row : exp_thresholds(T())) rows.push_back(row);
   for (const Special<T> &row : circular_values<T>(inf, smallest, normal, largest)) rows.push_back(row);
+  for (const Special<T> &row : inverse_values<T>(inf, smallest, normal, largest)) rows.push_back(row);
   return rows;
 }
 template std::vector<Special<double>> special_values();

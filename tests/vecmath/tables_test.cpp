@@ -81,8 +81,8 @@ TEST(Tables, PowersOfTwo) {
     EXPECT_NEAR(static_cast<double>(hi * (1 + static_cast<long double>(lo)) - std::exp2(j / 128.0L)), 0,
                 0x1p-48)
         << j;
-    EXPECT_EQ(exp_single::exp2f_hi[j], hi);
-    EXPECT_EQ(exp_single::exp2f_lo[j], lo);
+    EXPECT_EQ(exp_single::exp2f_columns[0][j], hi);
+    EXPECT_EQ(exp_single::exp2f_columns[1][j], lo);
   }
 }
 

@@ -4,7 +4,8 @@ import subprocess
 import sys
 from pathlib import Path
 
-GENERATORS = ["circular", "exponential", "logarithm", "square_root", "tangent", "twiddles"]
+GENERATORS = ["circular", "error_function", "exponential", "hyperbolic", "inverse", "logarithm", "power",
+               "square_root", "tangent", "twiddles"]
 
 here = Path(__file__).resolve().parent
 failed = [name for name in GENERATORS

@@ -5,13 +5,17 @@ SinCosTbl, node a: the sine there as T1 + T2, its derivative as T3 + T0. T3 is t
 derivative, so that T3 * r is exact; T2 is a float, as no more of it can matter. The cosine needs no table of its
 own: its rows are those a quarter turn further on.
 
+The columns, for look-ups in tables held in registers, hold half a turn only: the other half is the negative. Those of
+the finer grid hold the quarter around 0 and that around pi/2: sine and cosine of the angle less the nearest multiple
+of pi/2, up to their signs.
+
 _vxmReductionTab: the bits of 4/pi in chunks of 25, scaled by 2**200, so that a product with half of a 53-bit number
 is exact. The first chunk is 0.
 """
 import gmpy2
 from gmpy2 import const_pi, cos, mpfr, sin
 
-from table_file import Table, main, multiple, to_double, to_float
+from table_file import Table, by_columns, main, multiple, to_double, to_float
 
 gmpy2.get_context().precision = 1600  # 4/pi to the last chunk
 PI = const_pi()
@@ -39,6 +43,12 @@ def sine_rows(count):
     return rows
 
 
+def some_columns(rows, first, count):
+    half = len(rows) // 2
+    assert all(a == -b for x, y in zip(rows, rows[half:]) for a, b in zip(x, y)), "not negative half a turn on"
+    return by_columns([rows[(first + j) % len(rows)] for j in range(count)], "double")
+
+
 def chunks_of_four_over_pi(count):
     rest, chunks = 4 / PI, [mpfr(0)]
     for k in range(count - 1):
@@ -48,8 +58,12 @@ def chunks_of_four_over_pi(count):
     return chunks
 
 
+rows, fine_rows = sine_rows(64), sine_rows(128)
 main("circular", [
-    Table("circular", "double", "SinCosTbl", sine_rows(64)),
-    Table("circular", "double", "SinCosTblFine", sine_rows(128)),
+    Table("circular", "double", "SinCosTbl", rows),
+    Table("circular", "double", "SinCosTblFine", fine_rows),
+    Table("circular", "double", "SinCosTbl_columns", some_columns(rows, 0, 32)),
+    Table("circular", "double", "SinCosTblFine_sine_columns", some_columns(fine_rows, -16, 32)),
+    Table("circular", "double", "SinCosTblFine_cosine_columns", some_columns(fine_rows, 16, 32)),
     Table("circular", "double", "_vxmReductionTab", chunks_of_four_over_pi(52)),
 ])

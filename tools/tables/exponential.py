@@ -5,12 +5,12 @@ Double: hi is cut to 38 bits (15 low bits zero) and lo is what is left, 2**(j/64
 carries the power to 2**-91. The kernel adds lo before hi, so the last addition alone rounds visibly.
 
 Single: hi is the nearest single and lo the relative remainder (2**(j/128) - hi) / hi: the kernel adds lo to
-the reduced argument, before the polynomial's value is multiplied by hi. The columns are also kept as arrays
-of their own, for look-ups in tables held in registers.
+the reduced argument, before the polynomial's value is multiplied by hi. The table is also kept by
+columns, for look-ups in tables held in registers.
 """
 from gmpy2 import exp2, mpfr
 
-from table_file import Table, clear_low_bits, main, to_double, to_float
+from table_file import Table, by_columns, clear_low_bits, main, to_double, to_float
 
 
 def double_row(j):
@@ -29,6 +29,5 @@ single_rows = [single_row(j) for j in range(128)]
 main("exponential", [
     Table("exp_double", "double", "s_dwExp2", [double_row(j) for j in range(64)]),
     Table("exp_single", "float", "exp2f_table", single_rows),
-    Table("exp_single", "float", "exp2f_hi", [hi for hi, lo in single_rows]),
-    Table("exp_single", "float", "exp2f_lo", [lo for hi, lo in single_rows]),
+    Table("exp_single", "float", "exp2f_columns", by_columns(single_rows, "float")),
 ])

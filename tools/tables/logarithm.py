@@ -20,11 +20,13 @@ is exact in all rows.
 Where a kernel raises n by one from mantissa 1.5 upwards, T drops by log(2) at the row of 1.5 and n = 0 covers
 0.75 <= x < 1.5, which leaves no cancellation around 1. The two others need no jump: their T.hi are multiples
 of one power of two, so that -log2hi + T.hi is exact.
+
+The single-precision tables are also kept by columns, for look-ups in tables held in registers.
 """
 import gmpy2
 from gmpy2 import log, log10, mpfr
 
-from table_file import Table, clear_low_bits, main, multiple, to_double, to_float
+from table_file import Table, by_columns, clear_low_bits, main, multiple, to_double, to_float
 
 C = mpfr(111) / 256  # a short log10(e)
 
@@ -62,9 +64,13 @@ def log10_single_row(k):
     return scaled, scaled, hi, to_float(t - hi)
 
 
+ln_single_rows = [ln_single_row(k) for k in range(65)]
+log10_single_rows = [log10_single_row(k) for k in range(129)]
 main("logarithm", [
     Table("ln_double", "double", "BT_Tbl", [ln_double_row(k) for k in range(513)], declared=520),
     Table("log10_double", "double", "BT_Tbl", [log10_double_row(k) for k in range(513)], declared=520),
-    Table("ln_single", "float", "Table", [ln_single_row(k) for k in range(65)]),
-    Table("log10_single", "float", "BT_Tbl", [log10_single_row(k) for k in range(129)]),
+    Table("ln_single", "float", "Table", ln_single_rows),
+    Table("ln_single", "float", "Table_columns", by_columns(ln_single_rows, "float")),
+    Table("log10_single", "float", "BT_Tbl", log10_single_rows),
+    Table("log10_single", "float", "BT_Tbl_columns", by_columns(log10_single_rows, "float")),
 ])

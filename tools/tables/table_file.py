@@ -44,6 +44,28 @@ def multiple(x, exponent, rounded=gmpy2.rint_round):
     return rounded(x / unit) * unit
 
 
+def interpolate(f, low, high, degree):
+    """Coefficients, from the lowest on, of the polynomial that meets f at Chebyshev's nodes of [low, high]."""
+    count = degree + 1
+    nodes = [(low + high) / 2 + (high - low) / 2 * gmpy2.cos(gmpy2.const_pi() * (2 * i + 1) / (2 * count)) for i in range(count)]
+    differences = [f(x) for x in nodes]
+    for order in range(1, count):
+        for i in range(degree, order - 1, -1):
+            differences[i] = (differences[i] - differences[i - 1]) / (nodes[i] - nodes[i - order])
+    coefficients = []
+    for node, difference in zip(reversed(nodes), reversed(differences)):  # times (x - node), plus the difference
+        shifted = [mpfr(0)] + coefficients
+        coefficients = [s - node * c for s, c in zip(shifted, coefficients + [mpfr(0)])]
+        coefficients[0] += difference
+    return coefficients
+
+
+def by_columns(rows, element):
+    """The same table with its columns as rows, each filled up with zeros to whole registers of 64 bytes."""
+    filling = [mpfr(0)] * (-len(rows) % (16 if element == "float" else 8))
+    return [(*column, *filling) for column in zip(*rows)]
+
+
 def literal(x, element):
     kept = float(x)
     assert mpfr(kept) == x, "not a double"
@@ -56,16 +78,25 @@ def literal(x, element):
     return f"{mantissa}p{exponent}{suffix}"
 
 
+def lines_of_four(words):
+    return [" ".join(words[i:i + 4]) for i in range(0, len(words), 4)]
+
+
+def row_lines(row, element):
+    numbers = [literal(x, element) for x in row]
+    if len(row) <= 4:
+        return ["{" + ", ".join(numbers) + "},"]
+    return ["{", *lines_of_four([x + "," for x in numbers]), "},"]
+
+
 def array_text(table):
     live = len(table.rows)
     shape = f"[{table.declared or live}]"
     if isinstance(table.rows[0], tuple):
         shape += f"[{len(table.rows[0])}]"
-        body = ["{" + ", ".join(literal(x, table.element) for x in row) + "},"
-                for row in table.rows]
+        body = [line for row in table.rows for line in row_lines(row, table.element)]
     else:
-        numbers = [literal(x, table.element) + "," for x in table.rows]
-        body = [" ".join(numbers[i:i + 4]) for i in range(0, live, 4)]
+        body = lines_of_four([literal(x, table.element) + "," for x in table.rows])
     lines = "\n".join("    " + line for line in body)
     return f"alignas(64) const {table.element} {table.name}{shape} = {{\n{lines}\n}};\n"
 

@@ -11,30 +11,15 @@ interpolated at Chebyshev's nodes. `slope` is a power of two next to F'(0), so t
 float, as no more of it can matter. In row 0 the polynomial is odd and starts with r; the zeros of its row are signed
 so that the kernel's sum keeps the sign of a zero.
 
-Three groups of four columns, each group over all rows: T, T_lo, slope, D; A2 to A5; A6 to A9.
+Three groups of four columns, each group over all rows: T, T_lo, slope, D; A2 to A5; A6 to A9. They are also kept
+by columns, for look-ups in tables held in registers.
 """
-from gmpy2 import const_pi, cos, mpfr, tan
+from gmpy2 import const_pi, mpfr, tan
 
-from table_file import Table, main, to_double, to_float
+from table_file import Table, by_columns, interpolate, main, to_double, to_float
 
 PI = const_pi()
 HALF_STEP = PI / 64
-
-
-def interpolate(f, low, high, degree):
-    """Coefficients, from the lowest on, of the polynomial that meets f at Chebyshev's nodes of [low, high]."""
-    count = degree + 1
-    nodes = [(low + high) / 2 + (high - low) / 2 * cos(PI * (2 * i + 1) / (2 * count)) for i in range(count)]
-    differences = [f(x) for x in nodes]
-    for order in range(1, count):
-        for i in range(degree, order - 1, -1):
-            differences[i] = (differences[i] - differences[i - 1]) / (nodes[i] - nodes[i - order])
-    coefficients = []
-    for node, difference in zip(reversed(nodes), reversed(differences)):  # times (x - node), plus the difference
-        shifted = [mpfr(0)] + coefficients
-        coefficients = [s - node * c for s, c in zip(shifted, coefficients + [mpfr(0)])]
-        coefficients[0] += difference
-    return coefficients
 
 
 def row_of_zero():
@@ -60,4 +45,5 @@ def row(j):
 rows = [row(j) for j in range(32)]
 main("tangent", [
     Table("circular", "double", "_dTanTab", [tuple(r[k:k + 4]) for k in (0, 4, 8) for r in rows]),
+    Table("circular", "double", "_dTanTab_columns", by_columns(rows, "double")),
 ])

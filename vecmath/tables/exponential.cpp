@@ -205,7 +205,8 @@ alignas(64) const float exp2f_table[128][2] = {
     {0x1.fd3c22p+0f, 0x1.73f078p-26f},
 };
 
-alignas(64) const float exp2f_hi[128] = {
+alignas(64) const float exp2f_columns[2][128] = {
+    {
     0x1p+0f, 0x1.0163dap+0f, 0x1.02c9a4p+0f, 0x1.04315ep+0f,
     0x1.059b0ep+0f, 0x1.0706b2p+0f, 0x1.087452p+0f, 0x1.09e3ecp+0f,
     0x1.0b5586p+0f, 0x1.0cc922p+0f, 0x1.0e3ec4p+0f, 0x1.0fb66ap+0f,
@@ -238,9 +239,8 @@ alignas(64) const float exp2f_hi[128] = {
     0x1.dfc974p+0f, 0x1.e26462p+0f, 0x1.e502eep+0f, 0x1.e7a52p+0f,
     0x1.ea4afap+0f, 0x1.ecf482p+0f, 0x1.efa1bep+0f, 0x1.f252b4p+0f,
     0x1.f50766p+0f, 0x1.f7bfdap+0f, 0x1.fa7c18p+0f, 0x1.fd3c22p+0f,
-};
-
-alignas(64) const float exp2f_lo[128] = {
+    },
+    {
     0.0f, 0x1.3dacd2p-25f, -0x1.844542p-28f, 0x1.0976e4p-25f,
     -0x1.947414p-25f, 0x1.334fa4p-25f, -0x1.d32b6ep-26f, 0x1.4c0a74p-25f,
     0x1.8d96d4p-25f, 0x1.5cdc9p-25f, -0x1.8f4da6p-25f, 0x1.e240f4p-25f,
@@ -273,6 +273,7 @@ alignas(64) const float exp2f_lo[128] = {
     -0x1.ab7132p-26f, -0x1.76fb0cp-26f, 0x1.fdadbcp-27f, -0x1.1bab4p-27f,
     0x1.61428ep-28f, 0x1.c28f6ep-26f, 0x1.db5db6p-26f, -0x1.1a1198p-26f,
     -0x1.2ad5f8p-27f, 0x1.baba24p-26f, 0x1.a31484p-29f, 0x1.73f078p-26f,
+    },
 };
 
 }  // namespace qkr::exp_single

@@ -1,21 +1,14 @@
-// What the benchmark program of each room does: flags, choice of benchmarks, repetitions in random order.
+// What every benchmark program does around its own benchmarks: reads --quick and --filter, runs repetitions
+// of all in random order, so that a disturbance of the machine hits all contenders alike, and leaves the
+// telling to bench/report.py.
 #pragma once
 
 #include <benchmark/benchmark.h>
-#include <cmath>
 #include <regex>
 #include <string>
 #include <vector>
 
 namespace qkr::bench {
-
-struct Filter {
-  std::regex pattern;
-  template <class Run>
-  void add(const std::string &name, Run run) const {
-    if (std::regex_search(name, pattern)) benchmark::RegisterBenchmark(name.c_str(), run);
-  }
-};
 
 // Nothing on the terminal: a line for each repetition would bury the report.
 struct Silent : benchmark::BenchmarkReporter {
@@ -23,9 +16,9 @@ struct Silent : benchmark::BenchmarkReporter {
   void ReportRuns(const std::vector<Run> &) override {}
 };
 
-// register_all(quick, filter) adds the benchmarks.
-template <class RegisterAll>
-int run_room(int argc, char **argv, RegisterAll register_all) {
+// add(quick, filter) registers the benchmarks whose names match the filter.
+template <class Add>
+int run(int argc, char **argv, Add add) {
   bool quick = false, to_file = false;
   std::string filter;
   std::vector<std::string> flags;
@@ -42,10 +35,10 @@ int run_room(int argc, char **argv, RegisterAll register_all) {
                                "--benchmark_repetitions=15"});
   std::vector<char *> pointers;
   for (std::string &flag : flags) pointers.push_back(flag.data());
-  int count = (int)pointers.size();
+  int count = static_cast<int>(pointers.size());
   benchmark::Initialize(&count, pointers.data());
   if (benchmark::ReportUnrecognizedArguments(count, pointers.data())) return 1;
-  register_all(quick, Filter{std::regex(filter)});
+  add(quick, std::regex(filter));
   Silent silent;
   benchmark::RunSpecifiedBenchmarks(to_file ? &silent : nullptr);
   return 0;
