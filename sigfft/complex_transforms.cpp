@@ -8,7 +8,7 @@ namespace {
 // Numbers in as many arrays as `arrays` has: one interleaved, or real and imaginary parts.
 template <EntrySet set, bool forward, class T, class... Arrays>
 zprStatus run(const Plan<T> *plan, uint8_t *work, Arrays... arrays) {
-  using F = Fixed<T>;
+  const FixedCode<T> &code = fixed_code<T>;
   if ((!arrays || ...)) return zprStsNullPtrErr;
   if (plan->order <= largest_fixed_order) {
     const bool normalised = forward ? plan->fwdNorm : plan->invNorm;
@@ -16,11 +16,11 @@ zprStatus run(const Plan<T> *plan, uint8_t *work, Arrays... arrays) {
       (normalised ? norm : plain)[plan->order](arrays..., plan->normFactor);
     };
     if constexpr (sizeof...(arrays) == 2)
-      forward ? call(F::tbl_cFFTfwd_small, F::tbl_cFFTfwd_norm_small)
-              : call(F::tbl_cFFTinv_small, F::tbl_cFFTinv_norm_small);
+      forward ? call(code.tbl_cFFTfwd_small, code.tbl_cFFTfwd_norm_small)
+              : call(code.tbl_cFFTinv_small, code.tbl_cFFTinv_norm_small);
     else
-      forward ? call(F::tbl_crFFTfwd_small, F::tbl_crFFTfwd_norm_small)
-              : call(F::tbl_crFFTinv_small, F::tbl_crFFTinv_norm_small);
+      forward ? call(code.tbl_crFFTfwd_small, code.tbl_crFFTfwd_norm_small)
+              : call(code.tbl_crFFTinv_small, code.tbl_crFFTinv_norm_small);
     return zprStsNoErr;
   }
   const WorkBuffer<T> buffer(plan, work);

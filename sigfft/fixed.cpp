@@ -106,26 +106,17 @@ using namespace qkr::sse2;
 
 #define QKR_BY_ORDER(f, ...) \
   { f<0, __VA_ARGS__>, f<1, __VA_ARGS__>, f<2, __VA_ARGS__>, f<3, __VA_ARGS__> }
-#define QKR_FIXED(T, norm, Scale)                                                                           \
-  template <>                                                                                               \
-  const Fixed<T>::Complex Fixed<T>::tbl_cFFTfwd##norm##_small[4] =                                          \
-      QKR_BY_ORDER(complex_fixed, true, T, Scale<T>);                                                       \
-  template <>                                                                                               \
-  const Fixed<T>::Complex Fixed<T>::tbl_cFFTinv##norm##_small[4] =                                          \
-      QKR_BY_ORDER(complex_fixed, false, T, Scale<T>);                                                      \
-  template <>                                                                                               \
-  const Fixed<T>::Separate Fixed<T>::tbl_crFFTfwd##norm##_small[4] =                                        \
-      QKR_BY_ORDER(separate_fixed, true, T, Scale<T>);                                                      \
-  template <>                                                                                               \
-  const Fixed<T>::Separate Fixed<T>::tbl_crFFTinv##norm##_small[4] =                                        \
-      QKR_BY_ORDER(separate_fixed, false, T, Scale<T>);                                                     \
-  template <>                                                                                               \
-  const Fixed<T>::Complex Fixed<T>::tbl_rFFTfwd##norm##_small[4] = QKR_BY_ORDER(real_forward, T, Scale<T>); \
-  template <>                                                                                               \
-  const Fixed<T>::Complex Fixed<T>::tbl_rFFTinv##norm##_small[4] = QKR_BY_ORDER(real_inverse, T, Scale<T>);
-QKR_FIXED(double, , Unscaled)
-QKR_FIXED(double, _norm, Scaled)
-QKR_FIXED(float, , Unscaled)
-QKR_FIXED(float, _norm, Scaled)
+#define QKR_FIXED_CODE(T)                                                                                    \
+  {                                                                                                          \
+    QKR_BY_ORDER(complex_fixed, true, T, Unscaled<T>), QKR_BY_ORDER(complex_fixed, false, T, Unscaled<T>),   \
+        QKR_BY_ORDER(complex_fixed, true, T, Scaled<T>), QKR_BY_ORDER(complex_fixed, false, T, Scaled<T>),   \
+        QKR_BY_ORDER(separate_fixed, true, T, Unscaled<T>),                                                  \
+        QKR_BY_ORDER(separate_fixed, false, T, Unscaled<T>),                                                 \
+        QKR_BY_ORDER(separate_fixed, true, T, Scaled<T>), QKR_BY_ORDER(separate_fixed, false, T, Scaled<T>), \
+        QKR_BY_ORDER(real_forward, T, Unscaled<T>), QKR_BY_ORDER(real_inverse, T, Unscaled<T>),              \
+        QKR_BY_ORDER(real_forward, T, Scaled<T>), QKR_BY_ORDER(real_inverse, T, Scaled<T>)                   \
+  }
+const FixedCode<double> fixed_code_64f = QKR_FIXED_CODE(double);
+const FixedCode<float> fixed_code_32f = QKR_FIXED_CODE(float);
 
 }  // namespace qkr::sigfft

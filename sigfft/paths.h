@@ -38,7 +38,7 @@ template <EntrySet set, bool forward, class T>
 void transform(const Plan<T> *plan, const T *src, T *dst, int order, T *work) {
   constexpr const Kernels<T> &k = kernels<forward, T>;
   if (order == largest_fixed_order) {
-    (forward ? Fixed<T>::tbl_cFFTfwd_small : Fixed<T>::tbl_cFFTinv_small)[order](src, dst, 0);
+    (forward ? fixed_code<T>.tbl_cFFTfwd_small : fixed_code<T>.tbl_cFFTinv_small)[order](src, dst, 0);
   } else if (set == EntrySet::plain) {
     return k.plain(plan, src, dst, order, work);
   } else if (order > largest_staged_order<set, T>) {

@@ -60,11 +60,11 @@ void to_perm(const T *src, T *dst, size_t n) {
 
 template <EntrySet set, Format format, class T>
 void forward_transform(const Plan<T> *plan, const T *src, T *dst, T *work) {
-  using F = Fixed<T>;
+  const FixedCode<T> &code = fixed_code<T>;
   const size_t n = size_t{1} << plan->order;
   if (plan->order <= largest_fixed_order) {
-    (plan->fwdNorm ? F::tbl_rFFTfwd_norm_small : F::tbl_rFFTfwd_small)[plan->order](src, dst,
-                                                                                    plan->normFactor);
+    (plan->fwdNorm ? code.tbl_rFFTfwd_norm_small : code.tbl_rFFTfwd_small)[plan->order](src, dst,
+                                                                                        plan->normFactor);
   } else {
     transform<set, true>(plan, src, dst, plan->order - 1, work);
     butterfly(dst[0], dst[1], dst);
@@ -75,15 +75,15 @@ void forward_transform(const Plan<T> *plan, const T *src, T *dst, T *work) {
 
 template <EntrySet set, Format format, class T>
 void inverse_transform(const Plan<T> *plan, const T *src, T *dst, T *work) {
-  using F = Fixed<T>;
+  const FixedCode<T> &code = fixed_code<T>;
   const size_t n = size_t{1} << plan->order;
   if (plan->order <= largest_fixed_order || format == Format::Pack) {
     to_perm<format>(src, dst, n);
     src = dst;
   }
   if (plan->order <= largest_fixed_order) {
-    (plan->invNorm ? F::tbl_rFFTinv_norm_small : F::tbl_rFFTinv_small)[plan->order](dst, dst,
-                                                                                    plan->normFactor);
+    (plan->invNorm ? code.tbl_rFFTinv_norm_small : code.tbl_rFFTinv_small)[plan->order](dst, dst,
+                                                                                        plan->normFactor);
     return;
   }
   butterfly(src[0], src[format == Format::CCS ? n : 1], dst);

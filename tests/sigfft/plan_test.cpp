@@ -91,6 +91,7 @@ TYPED_TEST(Plans, HaveTheirSizes) {
     EXPECT_EQ(spec, row.spec);
     EXPECT_EQ(init, row.init);
     EXPECT_EQ(work, row.work);
+    if (row.order > 20) continue;
     ASSERT_EQ(f.plan[row.kind].get_buffer_size(Plan<T>(f, row.kind, row.order), &buffer), zprStsNoErr);
     EXPECT_EQ(buffer, row.work);
   }
@@ -102,8 +103,9 @@ TYPED_TEST(Plans, FitIntoTheCallersMemory) {
   using T = TypeParam;
   for (const auto &f : functions<T>)
     for (const Kind kind : {interleaved, separate, real})
-      for (const int order : {0, 3, 4, 5, 9, 10, 11, 13, 15, 16, 17, 19})
-        for (const size_t offset : {0, 1, 15}) {
+      for (const int order : {0, 3, 4, 5, 9, 10, 11, 13, 15, 17, 19})
+        for (const size_t offset : {15, 0, 1}) {
+          if (offset != 15 && order > 13) continue;
           SCOPED_TRACE(testing::Message() << f.name << ' ' << kind_names[kind] << ", order " << order);
           constexpr uint8_t mark = 0xA5;
           const auto &functions = f.plan[kind];
