@@ -53,6 +53,17 @@ typedef struct {
 } zpr64fc;
 /** @} */
 
+/** @name Plan types
+ * Opaque records, made by the functions of sigfft_plan.h. A plan is used with functions of the set that made it.
+ * @{ */
+typedef struct zprsFFTSpec_C_32fc zprsFFTSpec_C_32fc;
+typedef struct zprsFFTSpec_C_32f zprsFFTSpec_C_32f;
+typedef struct zprsFFTSpec_R_32f zprsFFTSpec_R_32f;
+typedef struct zprsFFTSpec_C_64fc zprsFFTSpec_C_64fc;
+typedef struct zprsFFTSpec_C_64f zprsFFTSpec_C_64f;
+typedef struct zprsFFTSpec_R_64f zprsFFTSpec_R_64f;
+/** @} */
+
 /** @name Allocation
  * An array of `len` elements at an address that is a multiple of 32, not initialised. Transforms work with
  * arrays of any alignment, and fastest with such.

@@ -21,17 +21,6 @@
 
 QKR_BEGIN_DECLS
 
-/** @name Plan types
- * Opaque records. A plan is used with functions of the set that made it.
- * @{ */
-typedef struct zprsFFTSpec_C_32fc zprsFFTSpec_C_32fc;
-typedef struct zprsFFTSpec_C_32f zprsFFTSpec_C_32f;
-typedef struct zprsFFTSpec_R_32f zprsFFTSpec_R_32f;
-typedef struct zprsFFTSpec_C_64fc zprsFFTSpec_C_64fc;
-typedef struct zprsFFTSpec_C_64f zprsFFTSpec_C_64f;
-typedef struct zprsFFTSpec_R_64f zprsFFTSpec_R_64f;
-/** @} */
-
 /** @name Sizes
  * What a plan in memory of the caller needs, in bytes: `spec_size` for the plan itself and `init_size` for
  * scratch memory while it is built; and `work_size`, what a transform needs as its work buffer. A size may be
