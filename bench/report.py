@@ -143,6 +143,32 @@ def summary(rows, size):
     return table([f"n = {size}", *levels], lines)
 
 
+def is_by_size(rows):
+    """Whether the run is a study of sizes, with the same many of them for every function."""
+    sizes = collections.defaultdict(set)
+    for row in rows:
+        sizes[row.function].add(row.size)
+    return min(map(len, sizes.values())) > 4
+
+
+def summary_by_size(rows):
+    """One line a size, one column a function and level: ratio of the aim."""
+    for function, level_rows in grouped(rows, lambda row: row.function).items():
+        levels = list({row.level: None for row in level_rows})
+        cells = {(row.size, row.level): row for row in level_rows}
+        sizes = sorted({row.size for row in level_rows})
+        yield from table([function, *levels],
+                         [[str(size), *(ratio_cell(cells.get((size, level))) for level in levels)] for size in sizes])
+        yield ""
+
+
+def grouped(rows, key):
+    groups = collections.defaultdict(list)
+    for row in rows:
+        groups[key(row)].append(row)
+    return groups
+
+
 def details(rows):
     names = contender_names(rows)
     rates = any(row.timings[OURS].bytes for row in rows)
@@ -157,6 +183,26 @@ def details(rows):
                 f"{row.aimed()[0]:.2f} > {row.timings[OURS].aim}" if row.misses() else ""]
     header = ["function", "level", "n", *names, *["GB/s"][:rates], "within 1 ulp", "of any accuracy", "above the aim"]
     return table(header, map(line, rows))
+
+
+def plot_by_size(rows, path):
+    import matplotlib
+    matplotlib.use("Agg")
+    import matplotlib.pyplot as plt
+
+    functions = grouped(rows, lambda row: row.function)
+    columns = 2
+    lines = -(-len(functions) // columns)
+    figure, axes = plt.subplots(lines, columns, figsize=(11, 3 * lines), layout="constrained", squeeze=False, sharey=True)
+    for axis, (function, of_function) in zip(axes.flat, functions.items()):
+        for level, of_level in grouped(of_function, lambda row: row.level).items():
+            ratios = sorted((row.size, row.aimed()[0]) for row in of_level if row.aimed()[0] is not None)
+            axis.plot(*zip(*ratios), "o-", label=level)
+        axis.axhline(1, color="grey", linewidth=1)
+        axis.set_xscale("log", base=2)
+        axis.set(title=function, ylim=(0, None), ylabel=f"our time / {of_function[0].aimed()[1]}'s")
+        axis.legend()
+    figure.savefig(path, dpi=110)
 
 
 def plot(rows, size, path):
@@ -210,7 +256,7 @@ def main():
         sys.exit(f"{source}: no measurements of {OURS}")
     out.mkdir(parents=True, exist_ok=True)
     size = main_size(rows)
-    overview = "\n".join(summary(rows, size))
+    overview = "\n".join(summary_by_size(rows) if is_by_size(rows) else summary(rows, size))
     explanation = (
         "Our time divided by that of the fastest peer with errors below 1 ulp (of exact functions: by that of the "
         "reference), below 1 where ours is faster; bold above the aim. In brackets the same to the fastest peer of "
@@ -221,7 +267,10 @@ def main():
         f"# Benchmarks: {source.stem}\n\n{explanation}\n\n{overview}\n\n{detail_note}\n\n"
         + "\n".join(details(rows)) + "\n")
     write_csv(rows, out / f"{source.stem}.csv")
-    plot(rows, size, out / f"{source.stem}.png")
+    if is_by_size(rows):
+        plot_by_size(rows, out / f"{source.stem}.png")
+    else:
+        plot(rows, size, out / f"{source.stem}.png")
     print(overview)
 
 

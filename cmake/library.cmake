@@ -27,7 +27,10 @@ function(qkr_kernels)
   endforeach()
 endfunction()
 
-set(QKR_PUBLIC_HEADERS api.h qkr.h service.h streams.h streams_abstract.h streams_files.h streams_generators.h
+set(QKR_PUBLIC_HEADERS
+    api.h qkr.h service.h
+    sigfft.h sigfft_plan.h sigfft_transforms.h
+    streams.h streams_abstract.h streams_files.h streams_generators.h
     vecmath.h vecmath_control.h vecmath_elements.h vecmath_exact.h vecmath_inverse.h)
 
 # libqkr.so exports what the public headers declare with QKR_API and nothing else; libqkr.a also serves the
@@ -55,7 +58,7 @@ function(qkr_add_libraries)
   foreach(library qkr qkr_static)
     target_include_directories(${library} INTERFACE
         $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
-    target_link_libraries(${library} PRIVATE Threads::Threads)
+    target_link_libraries(${library} PRIVATE Threads::Threads m)
   endforeach()
   add_library(qkr::qkr ALIAS qkr)
   add_library(qkr::qkr_static ALIAS qkr_static)

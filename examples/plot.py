@@ -127,11 +127,31 @@ def plot_pi(out_dir):
     return figure, "pi_error.png"
 
 
+def plot_sunspots(out_dir):
+    signal, spectrum = read_csv(out_dir / "sunspots.csv"), read_csv(out_dir / "sunspot_spectrum.csv")
+    figure, (record, lines) = plt.subplots(1, 2, figsize=(12, 4.4), width_ratios=(1.4, 1))
+    record.plot(signal["year"], signal["sunspots"], color=BLUE, linewidth=1)
+    record.set(title="Sunspots", xlabel="year", ylabel="yearly mean number")
+    record.margins(x=0.01)
+    record.grid(alpha=0.25)
+
+    shown = spectrum[(spectrum["frequency"] > 1 / 120) & (spectrum["frequency"] < 0.25)]
+    period, power = 1 / shown["frequency"], shown["power"] / shown["power"].max()
+    lines.semilogx(period, power, color=BLUE, linewidth=1.4)
+    strongest = period[power.argmax()]
+    lines.axvline(strongest, color=RED, linewidth=1, linestyle="--", label=f"{strongest:.1f} years")
+    lines.set(title="Spectrum", xlabel="period (years)", ylabel="power, of the highest",
+              xticks=(5, 10, 20, 50, 100), xticklabels=(5, 10, 20, 50, 100))
+    lines.grid(alpha=0.25)
+    lines.legend(frameon=False)
+    return figure, "sunspot_spectrum.png"
+
+
 def main():
     if len(sys.argv) != 2:
         sys.exit("usage: plot.py OUT_DIR")
     out_dir = Path(sys.argv[1])
-    for plot in (plot_co2, plot_tone_curve, plot_daylight, plot_pi):
+    for plot in (plot_co2, plot_tone_curve, plot_daylight, plot_pi, plot_sunspots):
         try:
             figure, name = plot(out_dir)
             figure.savefig(out_dir / name)

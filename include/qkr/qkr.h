@@ -4,6 +4,7 @@
 #define QKR_QKR_H
 
 #include <qkr/service.h>
+#include <qkr/sigfft.h>
 #include <qkr/streams.h>
 #include <qkr/streams_abstract.h>
 #include <qkr/streams_files.h>

@@ -2,12 +2,14 @@
 
 check_demo.py EXAMPLES_DIR BUILD_DIR SCRATCH_DIR
 """
+import cmath
 import csv
 import datetime
 import importlib.util
 import itertools
 import math
 import os
+import re
 import shutil
 import subprocess
 import sys
@@ -101,6 +103,25 @@ class Demo(unittest.TestCase):
                       math.cos(lat) * math.cos(lat2) * math.sin((long2 - long) / 2) ** 2)
             self.assertIn(f"{2 * 6371.0088 * math.asin(math.sqrt(square)):.1f}", self.report)
 
+    def test_sunspots(self):
+        """The same spectrum, by the sums that define it, around its top."""
+        lines = (examples / "data/sunspots_yearly.csv").read_text().splitlines()[1:]
+        years = [float(row["sunspots"]) for row in csv.DictReader(lines)]
+        n, middle = len(years), (len(years) - 1) / 2
+        mean = sum(years) / n
+        slope = (sum((i - middle) * y for i, y in enumerate(years)) / sum((i - middle) ** 2 for i in range(n)))
+        signal = [(y - mean - slope * (i - middle)) * math.sin(math.pi * (i + 0.5) / n) ** 2
+                  for i, y in enumerate(years)]
+        spectrum = rows(out / "sunspot_spectrum.csv")
+        self.assertEqual(len(spectrum), 2049)
+        top = max(range(1, 2049), key=lambda k: float(spectrum[k]["power"]))
+        for k in (0, top - 1, top, top + 1, 2048):
+            exact = abs(sum(y * cmath.exp(-2j * math.pi * k * i / 4096) for i, y in enumerate(signal))) ** 2
+            self.assertAlmostEqual(float(spectrum[k]["power"]), exact, delta=1e-9 * float(spectrum[top]["power"]))
+        period = float(re.search(r"strongest period: (.*) years", self.report)[1])
+        self.assertAlmostEqual(period, 11, delta=0.3)
+        self.assertAlmostEqual(period, 4096 / top, delta=0.1)
+
     def test_error_policy(self):
         status = {}
         for row in rows(out / "error_policy.csv"):
@@ -135,7 +156,8 @@ class Demo(unittest.TestCase):
         if importlib.util.find_spec("matplotlib") is None:
             self.assertIn("plots skipped", self.report)
             return
-        for name in ("co2_growth.png", "tone_curve.png", "daylight.png", "pi_error.png"):
+        for name in ("co2_growth.png", "tone_curve.png", "daylight.png", "pi_error.png",
+                     "sunspot_spectrum.png"):
             self.assertIn(str(out / name), self.report)
             picture = (out / name).read_bytes()
             self.assertEqual(picture[:8], b"\x89PNG\r\n\x1a\n")
@@ -149,11 +171,12 @@ class Demo(unittest.TestCase):
         self.assertEqual((code, text.startswith("plots skipped: ")), (0, True), text)
 
     def test_bad_files(self):
-        bad_row, zero, short, bad_place = (out / name for name in
-                                           ("bad_row.csv", "zero.csv", "short.pgm", "bad_place.csv"))
+        bad_row, zero, short, bad_place, bad_year = (out / name for name in
+                                           ("bad_row.csv", "zero.csv", "short.pgm", "bad_place.csv", "bad_year.csv"))
         bad_row.write_text("date,ppm\n19580329,316.1\n19580230,316.1\n")
         zero.write_text("date,ppm\n19580329,316.1\n19580405,0\n")
         short.write_bytes(b"P5\n4 4\n255\nxxx")
+        bad_year.write_text("year,sunspots\n1700,5\n1702,16\n")
         bad_place.write_text("name,latitude,longitude\nNowhere,91,0\n")
         co2, photo = examples / "data/co2_weekly.csv", examples / "data/photo.pgm"
         for program, arguments, message in (
@@ -167,6 +190,8 @@ class Demo(unittest.TestCase):
                 ("tone_curve", [photo, out / "nowhere"], "cannot write"),
                 ("daylight", [bad_place, out], "line 2"),
                 ("daylight", [examples / "data/stations.csv", out / "nowhere"], "cannot write"),
+                ("sunspot_spectrum", [bad_year, out], "line 3"),
+                ("sunspot_spectrum", [examples / "data/sunspots_yearly.csv", out / "nowhere"], "cannot write"),
                 ("error_policy", [out / "nowhere"], "cannot write"),
                 ("estimate_pi", [out / "nowhere"], "cannot write"),
                 ("error_policy", [], "usage: ")):

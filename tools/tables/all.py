@@ -5,7 +5,8 @@ import sys
 from pathlib import Path
 
 GENERATORS = ["circular", "error_function", "exponential", "hyperbolic", "inverse", "logarithm", "mrg32k3a",
-              "niederreiter", "power", "sobol", "square_root", "stream_scalars", "tangent", "wichmann_hill"]
+              "niederreiter", "power", "sobol", "square_root", "stream_scalars", "tangent", "twiddles",
+              "wichmann_hill"]
 
 here = Path(__file__).resolve().parent
 failed = [name for name in GENERATORS

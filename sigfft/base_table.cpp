@@ -1,0 +1,28 @@
+// The quarter wave that all twiddles come from.
+#include <math.h>
+
+#include "sigfft/tables.h"
+#include "sigfft/tables/tables.h"
+
+namespace qkr::sigfft {
+
+template <class T>
+T *fill_base_table(int order, T *table) {
+  const size_t n = size_t{1} << order, quarter = n / 4;
+  if (order <= fixed_twiddle_order) {
+    for (size_t i = 0; i < quarter; ++i)
+      table[i] = (T)fft_fix_twiddle_table[i << (fixed_twiddle_order - order)];
+    table[quarter] = 1;
+  } else {
+    // Each octant by the function that is accurate there.
+    const double step = 2 * M_PI / (double)n;
+    for (size_t i = 0; i <= n / 8; ++i) table[i] = (T)::sin((double)i * step);
+    for (size_t i = n / 8 + 1; i <= quarter; ++i) table[i] = (T)::cos((double)(quarter - i) * step);
+  }
+  return align16(table + quarter + 1);
+}
+
+template double *fill_base_table(int, double *);
+template float *fill_base_table(int, float *);
+
+}  // namespace qkr::sigfft

@@ -1,0 +1,68 @@
+// The complex transforms: checks, work buffer, choice of the path.
+#include "sigfft/fixed.h"
+#include "sigfft/paths.h"
+
+namespace qkr::sigfft {
+namespace {
+
+// Numbers in as many arrays as `arrays` has: one interleaved, or real and imaginary parts.
+template <EntrySet set, bool forward, class T, class... Arrays>
+zprStatus run(const Plan<T> *plan, uint8_t *work, Arrays... arrays) {
+  const FixedCode<T> &code = fixed_code<T>;
+  if ((!arrays || ...)) return zprStsNullPtrErr;
+  if (plan->order <= largest_fixed_order) {
+    const bool normalised = forward ? plan->fwdNorm : plan->invNorm;
+    const auto call = [&](auto plain, auto norm) {
+      (normalised ? norm : plain)[plan->order](arrays..., plan->normFactor);
+    };
+    if constexpr (sizeof...(arrays) == 2)
+      forward ? call(code.tbl_cFFTfwd_small, code.tbl_cFFTfwd_norm_small)
+              : call(code.tbl_cFFTinv_small, code.tbl_cFFTinv_norm_small);
+    else
+      forward ? call(code.tbl_crFFTfwd_small, code.tbl_crFFTfwd_norm_small)
+              : call(code.tbl_crFFTinv_small, code.tbl_crFFTinv_norm_small);
+    return zprStsNoErr;
+  }
+  const WorkBuffer<T> buffer(plan, work);
+  if (buffer.failed) return zprStsMemAllocErr;
+  transform<set, forward>(plan, arrays..., plan->order, buffer.start);
+  return zprStsNoErr;
+}
+
+template <EntrySet set, bool forward, class T, class... Arrays>
+zprStatus checked(int32_t id, const void *opaque, uint8_t *work, Arrays... arrays) {
+  const auto plan = (const Plan<T> *)opaque;
+  if (!plan) return zprStsNullPtrErr;
+  if (plan->id != id) return zprStsContextMatchErr;
+  return run<set, forward>(plan, work, arrays...);
+}
+
+}  // namespace
+}  // namespace qkr::sigfft
+
+#define QKR_COMPLEX(prefix, set, direction, forward, T, p)                                                   \
+  zprStatus prefix##zprsFFT##direction##_CToC_##p##fc(const zpr##p##fc *src, zpr##p##fc *dst,                \
+                                                      const zprsFFTSpec_C_##p##fc *plan, uint8_t *work) {    \
+    using namespace qkr::sigfft;                                                                             \
+    return checked<EntrySet::set, forward, T>(id_C_##p##fc, plan, work, (const T *)src, (T *)dst);           \
+  }                                                                                                          \
+  zprStatus prefix##zprsFFT##direction##_CToC_##p##fc_I(zpr##p##fc *data, const zprsFFTSpec_C_##p##fc *plan, \
+                                                        uint8_t *work) {                                     \
+    return prefix##zprsFFT##direction##_CToC_##p##fc(data, data, plan, work);                                \
+  }                                                                                                          \
+  zprStatus prefix##zprsFFT##direction##_CToC_##p##f(const T *src_re, const T *src_im, T *dst_re, T *dst_im, \
+                                                     const zprsFFTSpec_C_##p##f *plan, uint8_t *work) {      \
+    using namespace qkr::sigfft;                                                                             \
+    return checked<EntrySet::set, forward, T>(id_C_##p##f, plan, work, src_re, src_im, dst_re, dst_im);      \
+  }                                                                                                          \
+  zprStatus prefix##zprsFFT##direction##_CToC_##p##f_I(T *data_re, T *data_im,                               \
+                                                       const zprsFFTSpec_C_##p##f *plan, uint8_t *work) {    \
+    return prefix##zprsFFT##direction##_CToC_##p##f(data_re, data_im, data_re, data_im, plan, work);         \
+  }
+#define QKR_COMPLEX_SET(prefix, set)               \
+  QKR_COMPLEX(prefix, set, Fwd, true, double, 64)  \
+  QKR_COMPLEX(prefix, set, Inv, false, double, 64) \
+  QKR_COMPLEX(prefix, set, Fwd, true, float, 32)   \
+  QKR_COMPLEX(prefix, set, Inv, false, float, 32)
+QKR_COMPLEX_SET(w6_, w6)
+QKR_COMPLEX_SET(, plain)

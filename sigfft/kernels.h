@@ -1,0 +1,46 @@
+// The kernels that are compiled for each vector width: the entries call that of the processor.
+#pragma once
+
+#include "sigfft/internal.h"
+
+#define QKR_DECLARE_KERNELS(direction, T, suffix)                                                           \
+  /* A transform as one sequence of passes, the bit reversal in the first: 2^3 to 2^14 (single: 2^16)       \
+   * numbers. */                                                                                            \
+  void w6_zprs_cRadix4##direction##Norm_##suffix##c(const T *src, T *dst, int32_t n, const T *twiddles,     \
+                                                    const uint32_t *reversal, T *work);                     \
+  void w6_zprs_crRadix4##direction##Norm_##suffix(const T *src_re, const T *src_im, T *dst_re, T *dst_im,   \
+                                                  int32_t n, const T *twiddles, const uint32_t *reversal,   \
+                                                  T *work);                                                 \
+  /* A longer one, by blocks, with its normalisation. */                                                    \
+  void w6_zprs_cFft##direction##_Large_##suffix##c(const qkr::sigfft::Plan<T> *plan, const T *src, T *dst,  \
+                                                   int32_t order, T *work);                                 \
+  void w6_zprs_crFft##direction##_Large_##suffix(const qkr::sigfft::Plan<T> *plan, const T *src_re,         \
+                                                 const T *src_im, T *dst_re, T *dst_im, int32_t order,      \
+                                                 T *work);                                                  \
+  /* The same of the plain set, of any order from 3 on. */                                                  \
+  void zprs_cFft##direction##_##suffix##c(const qkr::sigfft::Plan<T> *plan, const T *src, T *dst,           \
+                                          int32_t order, T *work);                                          \
+  void zprs_crFft##direction##_##suffix(const qkr::sigfft::Plan<T> *plan, const T *src_re, const T *src_im, \
+                                        T *dst_re, T *dst_im, int32_t order, T *work);
+extern "C" {
+QKR_DECLARE_KERNELS(Fwd, double, 64f)
+QKR_DECLARE_KERNELS(Inv, double, 64f)
+QKR_DECLARE_KERNELS(Fwd, float, 32f)
+QKR_DECLARE_KERNELS(Inv, float, 32f)
+
+// Between the transform of H complex numbers, that are 2 H real ones, and the spectrum in Perm format, number
+// 0 left out. The forward one works in place; the inverse one may.
+#define QKR_DECLARE_RECOMBINATION(prefix, T, suffix)                                \
+  void prefix##zprs_cRealRecombine_##suffix(T *data, int32_t half, const T *table); \
+  void prefix##zprs_cCcsRecombine_##suffix(const T *src, T *dst, int32_t half, const T *table);
+QKR_DECLARE_RECOMBINATION(w6_, double, 64f)
+QKR_DECLARE_RECOMBINATION(w6_, float, 32f)
+QKR_DECLARE_RECOMBINATION(, double, 64f)
+QKR_DECLARE_RECOMBINATION(, float, 32f)
+#undef QKR_DECLARE_RECOMBINATION
+
+// data[i] *= factor for i below count.
+void zprs_rbMpy1_64f(double *data, ptrdiff_t count, double factor);
+void zprs_rbMpy1_32f(float *data, ptrdiff_t count, float factor);
+}
+#undef QKR_DECLARE_KERNELS

@@ -1,0 +1,129 @@
+// The real transforms: checks, the complex transform of half the length, recombination, formats.
+#include <string.h>
+
+#include "sigfft/paths.h"
+
+namespace qkr::sigfft {
+namespace {
+
+enum class Format { Perm, Pack, CCS };
+
+template <class T>
+struct Recombination {
+  void (*forward)(T *data, int32_t half, const T *table);
+  void (*inverse)(const T *src, T *dst, int32_t half, const T *table);
+};
+template <EntrySet set, class T>
+constexpr Recombination<T> recombination;
+template <>
+constexpr Recombination<double> recombination<EntrySet::w6, double> = {w6_zprs_cRealRecombine_64f,
+                                                                       w6_zprs_cCcsRecombine_64f};
+template <>
+constexpr Recombination<float> recombination<EntrySet::w6, float> = {w6_zprs_cRealRecombine_32f,
+                                                                     w6_zprs_cCcsRecombine_32f};
+template <>
+constexpr Recombination<double> recombination<EntrySet::plain, double> = {zprs_cRealRecombine_64f,
+                                                                          zprs_cCcsRecombine_64f};
+template <>
+constexpr Recombination<float> recombination<EntrySet::plain, float> = {zprs_cRealRecombine_32f,
+                                                                        zprs_cCcsRecombine_32f};
+
+// Sum and difference of two numbers; dst may hold them.
+template <class T>
+void butterfly(T a, T b, T *dst) {
+  dst[0] = a + b;
+  dst[1] = a - b;
+}
+
+template <Format format, class T>
+void from_perm(T *data, size_t n) {
+  if (format == Format::Pack && n > 2) {
+    const T last = data[1];
+    memmove(data + 1, data + 2, (n - 2) * sizeof(T));
+    data[n - 1] = last;
+  } else if (format == Format::CCS) {
+    if (n > 1) data[n] = data[1], data[n + 1] = 0;
+    data[1] = 0;
+  }
+}
+
+template <Format format, class T>
+void to_perm(const T *src, T *dst, size_t n) {
+  const T first = src[0];
+  if (n > 1) {
+    const T last = src[format == Format::Perm ? 1 : format == Format::Pack ? n - 1 : n];
+    memmove(dst + 2, src + (format == Format::Pack ? 1 : 2), (n - 2) * sizeof(T));
+    dst[1] = last;
+  }
+  dst[0] = first;
+}
+
+template <EntrySet set, Format format, class T>
+void forward_transform(const Plan<T> *plan, const T *src, T *dst, T *work) {
+  const FixedCode<T> &code = fixed_code<T>;
+  const size_t n = size_t{1} << plan->order;
+  if (plan->order <= largest_fixed_order) {
+    (plan->fwdNorm ? code.tbl_rFFTfwd_norm_small : code.tbl_rFFTfwd_small)[plan->order](src, dst,
+                                                                                        plan->normFactor);
+  } else {
+    transform<set, true>(plan, src, dst, plan->order - 1, work);
+    butterfly(dst[0], dst[1], dst);
+    recombination<set, T>.forward(dst, (int32_t)(n / 2), plan->realRecTable);
+  }
+  from_perm<format>(dst, n);
+}
+
+template <EntrySet set, Format format, class T>
+void inverse_transform(const Plan<T> *plan, const T *src, T *dst, T *work) {
+  const FixedCode<T> &code = fixed_code<T>;
+  const size_t n = size_t{1} << plan->order;
+  if (plan->order <= largest_fixed_order || format == Format::Pack) {
+    to_perm<format>(src, dst, n);
+    src = dst;
+  }
+  if (plan->order <= largest_fixed_order) {
+    (plan->invNorm ? code.tbl_rFFTinv_norm_small : code.tbl_rFFTinv_small)[plan->order](dst, dst,
+                                                                                        plan->normFactor);
+    return;
+  }
+  butterfly(src[0], src[format == Format::CCS ? n : 1], dst);
+  recombination<set, T>.inverse(src, dst, (int32_t)(n / 2), plan->ccsRecTable);
+  transform<set, false>(plan, dst, dst, plan->order - 1, work);
+}
+
+template <EntrySet set, bool forward, Format format, class T>
+zprStatus run(int32_t id, const void *opaque, const T *src, T *dst, uint8_t *work) {
+  const auto plan = (const Plan<T> *)opaque;
+  if (!plan) return zprStsNullPtrErr;
+  if (plan->id != id) return zprStsContextMatchErr;
+  if (!src || !dst) return zprStsNullPtrErr;
+  const WorkBuffer<T> buffer(plan, work);
+  if (buffer.failed) return zprStsMemAllocErr;
+  if constexpr (forward) forward_transform<set, format>(plan, src, dst, buffer.start);
+  else inverse_transform<set, format>(plan, src, dst, buffer.start);
+  return zprStsNoErr;
+}
+
+}  // namespace
+}  // namespace qkr::sigfft
+
+#define QKR_REAL(prefix, set, name, forward, format, T, p)                                               \
+  zprStatus prefix##zprsFFT##name##_##p##f(const T *src, T *dst, const zprsFFTSpec_R_##p##f *plan,       \
+                                           uint8_t *work) {                                              \
+    using namespace qkr::sigfft;                                                                         \
+    return run<EntrySet::set, forward, Format::format>(id_R_##p##f, plan, src, dst, work);               \
+  }                                                                                                      \
+  zprStatus prefix##zprsFFT##name##_##p##f_I(T *data, const zprsFFTSpec_R_##p##f *plan, uint8_t *work) { \
+    return prefix##zprsFFT##name##_##p##f(data, data, plan, work);                                       \
+  }
+#define QKR_REAL_FORMATS(prefix, set, T, p)             \
+  QKR_REAL(prefix, set, Fwd_RToPerm, true, Perm, T, p)  \
+  QKR_REAL(prefix, set, Fwd_RToPack, true, Pack, T, p)  \
+  QKR_REAL(prefix, set, Fwd_RToCCS, true, CCS, T, p)    \
+  QKR_REAL(prefix, set, Inv_PermToR, false, Perm, T, p) \
+  QKR_REAL(prefix, set, Inv_PackToR, false, Pack, T, p) \
+  QKR_REAL(prefix, set, Inv_CCSToR, false, CCS, T, p)
+QKR_REAL_FORMATS(w6_, w6, double, 64)
+QKR_REAL_FORMATS(w6_, w6, float, 32)
+QKR_REAL_FORMATS(, plain, double, 64)
+QKR_REAL_FORMATS(, plain, float, 32)

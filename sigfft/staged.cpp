@@ -1,0 +1,129 @@
+// Transforms up to the largest order that runs as one sequence of passes.
+#include "sigfft/kernels.h"
+#include "sigfft/passes.h"
+#include "sigfft/reversed_counter.h"
+#include "simd/entry.h"
+
+namespace qkr::QKR_SIMD_LEVEL {
+namespace {
+
+using namespace sigfft;
+
+// The first pass in tiles: neighbouring columns are read together, so that every line of cache is used whole,
+// and each column's outputs go to the block that the bit reversal gives it.
+template <int radix, bool forward, int bytes, class Source, class Area>
+QKR_INLINE void first_tiles(Source source, Area area, size_t n, const uint32_t *reversal) {
+  using T = typename Source::Element;
+  constexpr size_t columns = bytes / 2 / sizeof(T);
+  const size_t spacing = n / radix, tiles = spacing / columns;
+  size_t block[columns];
+  ReversedCounter reversed_column(__builtin_ctzll(columns));
+#pragma GCC unroll 8
+  for (size_t c = 0; c < columns; ++c, reversed_column.next())
+    block[c] = reversed_column.value() * tiles * radix;
+  for (size_t j = 0; j < tiles; ++j) {
+    first_butterflies<radix, forward, bytes>(source, reversal[j * (radix / 4)] / 2, spacing, area, block);
+#pragma GCC unroll 8
+    for (size_t c = 0; c < columns; ++c) block[c] += radix;
+  }
+}
+
+template <int radix, bool forward, class Source, class Area>
+QKR_INLINE void first_pass(Source source, Area area, size_t n, const uint32_t *reversal) {
+  using T = typename Source::Element;
+  if constexpr (widest_pairs == 64)
+    if (n * 2 * sizeof(T) < (size_t)radix * 64)
+      return first_tiles<radix, forward, 32>(source, area, n, reversal);
+  first_tiles<radix, forward, widest_pairs>(source, area, n, reversal);
+}
+
+// How passes are called: each loop by itself where there is much to do, and all in one for a length that the
+// compiler knows, so that short transforms stay in registers.
+struct Apart {
+  template <class Pass>
+  QKR_NOINLINE void operator()(Pass pass) const {
+    pass();
+  }
+};
+struct InOne {
+  template <class Pass>
+  QKR_INLINE void operator()(Pass pass) const {
+    pass();
+  }
+};
+
+template <bool forward, class Call, class Source, class Area, class Target, class T>
+QKR_INLINE void run_passes(Call call, Source source, Area area, Target target, int order, const T *table,
+                           const uint32_t *reversal) {
+  const size_t n = size_t{1} << order;
+  const Passes &passes = passes_by_order<T>.of[order];
+  int done = passes.bits[0];
+  if (done == 2) call([=]() QKR_LAMBDA { first_pass<4, forward>(source, area, n, reversal); });
+  else if constexpr (is_double<T>)
+    call([=]() QKR_LAMBDA { first_pass<8, forward>(source, area, n, reversal); });
+#pragma GCC unroll 4
+  for (int p = 1; p < passes.count - 1; ++p) {
+    const int bits = passes.bits[p];
+    const size_t columns = size_t{1} << done, blocks = n >> done >> bits;
+    if (bits == 2) call([=]() QKR_LAMBDA { middle_pass<4, forward>(area, columns, blocks, table); });
+    else call([=]() QKR_LAMBDA { middle_pass<8, forward>(area, columns, blocks, table); });
+    table += 2 * columns * ((1 << bits) - 1);
+    done += bits;
+  }
+  const size_t columns = size_t{1} << done;
+  if (passes.bits[passes.count - 1] == 2)
+    call([=]() QKR_LAMBDA { last_pass<4, forward>(area, target, columns, table); });
+  else call([=]() QKR_LAMBDA { last_pass<8, forward>(area, target, columns, table); });
+}
+
+template <bool forward, int order, class Source, class Area, class Target, class T>
+QKR_NOINLINE void short_transform(Source source, Area area, Target target, const T *table,
+                                  const uint32_t *reversal) {
+  run_passes<forward>(InOne(), source, area, target, order, table, reversal);
+}
+
+template <bool forward, class Source, class Area, class Target, class T>
+QKR_INLINE void transform(Source source, Area area, Target target, size_t n, const T *table,
+                          const uint32_t *reversal) {
+  switch (n) {
+    case 1 << 4:
+      return short_transform<forward, 4>(source, area, target, table, reversal);
+    case 1 << 5:
+      return short_transform<forward, 5>(source, area, target, table, reversal);
+    case 1 << 6:
+      return short_transform<forward, 6>(source, area, target, table, reversal);
+    case 1 << 7:
+      return short_transform<forward, 7>(source, area, target, table, reversal);
+    case 1 << 8:
+      return short_transform<forward, 8>(source, area, target, table, reversal);
+    case 1 << 9:
+      return short_transform<forward, 9>(source, area, target, table, reversal);
+    case 1 << 10:
+      return short_transform<forward, 10>(source, area, target, table, reversal);
+    default:
+      run_passes<forward>(Apart(), source, area, target, __builtin_ctzll(n), table, reversal);
+  }
+}
+
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL
+
+// The result's own memory serves as the work area where it is not also the source.
+#define QKR_STAGED(direction, forward, T, suffix)                                                            \
+  QKR_ENTRY(w6_zprs_cRadix4##direction##Norm_##suffix##c,                                                    \
+            (const T *src, T *dst, int32_t n, const T *twiddles, const uint32_t *reversal, T *work),         \
+            (src, dst, n, twiddles, reversal, work)) {                                                       \
+    const Interleaved<T> area = {src != dst && (size_t)dst % 16 == 0 ? dst : work};                          \
+    transform<forward>(Interleaved<const T>{src}, area, Interleaved<T>{dst}, n, twiddles, reversal);         \
+  }                                                                                                          \
+  QKR_ENTRY(w6_zprs_crRadix4##direction##Norm_##suffix,                                                      \
+            (const T *src_re, const T *src_im, T *dst_re, T *dst_im, int32_t n, const T *twiddles,           \
+             const uint32_t *reversal, T *work),                                                             \
+            (src_re, src_im, dst_re, dst_im, n, twiddles, reversal, work)) {                                 \
+    transform<forward>(Separate<const T>{src_re, src_im}, Interleaved<T>{work}, Separate<T>{dst_re, dst_im}, \
+                       n, twiddles, reversal);                                                               \
+  }
+QKR_STAGED(Fwd, true, double, 64f)
+QKR_STAGED(Inv, false, double, 64f)
+QKR_STAGED(Fwd, true, float, 32f)
+QKR_STAGED(Inv, false, float, 32f)
