@@ -28,7 +28,8 @@ function(qkr_kernels)
 endfunction()
 
 set(QKR_PUBLIC_HEADERS
-    api.h qkr.h service.h sigfft.h sigfft_plan.h sigfft_transforms.h vecmath.h vecmath_control.h vecmath_exact.h)
+    api.h qkr.h service.h sigfft.h sigfft_arrays.h sigfft_plan.h sigfft_transforms.h vecmath.h
+    vecmath_control.h vecmath_exact.h)
 
 # libqkr.so exports what the public headers declare with QKR_API and nothing else; libqkr.a also serves the
 # white-box tests, which reach hidden functions.
