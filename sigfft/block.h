@@ -6,7 +6,7 @@
 
 namespace qkr::sigfft {
 typedef uint64_t Pattern __attribute__((vector_size(16)));
-constexpr size_t shortest_pattern_fill = 64;
+constexpr size_t shortest_pattern_fill = 129;
 }  // namespace qkr::sigfft
 
 extern "C" {
@@ -26,7 +26,7 @@ QKR_DECLARE_SET(64s, int64_t)
 QKR_DECLARE_SET(64sc, zpr64sc)
 #undef QKR_DECLARE_SET
 
-// The kernel of the wider fills, for 64 bytes or more: `pattern` again and again, which repeats a value of
+// The kernel of the wider fills, from shortest_pattern_fill bytes on: `pattern` again and again, which repeats a value of
 // `size` bytes. The number of bytes is a multiple of that.
 void ownsFillPattern(uint8_t *dst, size_t bytes, qkr::sigfft::Pattern pattern, size_t size);
 }

@@ -16,10 +16,32 @@ __attribute__((noinline)) bool streams(const uint8_t *src, const uint8_t *dst, i
   return bytes - step >= streaming_boundary && cache.size && bytes - step >= cache.share / 2;
 }
 
+// For short blocks a call costs as much as the copy: both halves of one that is not below `half` bytes and
+// not above twice that.
+template <size_t half>
+inline void copy_halves(const uint8_t *src, uint8_t *dst, size_t bytes) {
+  struct Half {
+    uint8_t bytes[half];
+  } first, last;
+  memcpy(&first, src, half);
+  memcpy(&last, src + bytes - half, half);
+  memcpy(dst, &first, half);
+  memcpy(dst + bytes - half, &last, half);
+}
+
 template <auto copy, class T>
-zprStatus copy_array(const T *src, T *dst, int32_t len) {
+inline zprStatus copy_array(const T *src, T *dst, int32_t len) {
   if (!src || !dst) return zprStsNullPtrErr;
   if (len < 1) return zprStsSizeErr;
+  const size_t size = (size_t)len * sizeof(T);
+  if (size >= 16 && size <= 128) {
+    const auto from = (const uint8_t *)src;
+    const auto to = (uint8_t *)dst;
+    if (size > 64) copy_halves<64>(from, to, size);
+    else if (size > 32) copy_halves<32>(from, to, size);
+    else copy_halves<16>(from, to, size);
+    return zprStsNoErr;
+  }
   by_pieces((size_t)len * sizeof(T), [=](size_t start, int32_t bytes) {
     copy((const uint8_t *)src + start, (uint8_t *)dst + start, bytes);
   });

@@ -1,5 +1,4 @@
-// What the conversions share: the walk over an array by groups, rounding to nearest, and floating point to
-// integers.
+// What the conversions share: the walk over an array by groups, and floating point to integers.
 #pragma once
 
 #include "sigfft/lanes.h"
@@ -23,39 +22,29 @@ QKR_INLINE void for_each_group(const Source *src, Target *dst, size_t len, Group
   }
 }
 
-// The sum |v| + 0.5, with the sign of v, whose truncation is v rounded to the nearest integer; an odd integer
-// that the sum hits, from a tie, is led below. v is at most 2^22 (single) or 2^51. Odd is what has a last bit
-// of 1 when `unit`, whose last bit is worth 1, is added, provided that this leaves the sum as it is.
-template <class V, class T, class Bits>
-QKR_INLINE V half_added(V v, T unit, Bits sign_bit) {
-  const auto sign = bits(v) & sign_bit;
-  const V sum = real(bits(v) ^ sign) + (T)0.5;
-  const V shifted = sum + unit;
-  const auto odd = 0 - (bits(shifted) & 1);
-  const auto integer = (decltype(odd))(shifted - unit == sum);
-  return real(bits(sum - real(bits((T)0.5) & integer & odd)) | sign);
-}
-QKR_INLINE f32 half_added(f32 v) { return half_added(v, 0x1p23f, 0x80000000u); }
-QKR_INLINE f64 half_added(f64 v) { return half_added(v, 0x1p52, 0x8000000000000000u); }
-QKR_INLINE Two<f64> half_added(Two<f64> v) { return {half_added(v.a), half_added(v.b)}; }
-
 QKR_INLINE f32 number(float x) { return x - f32{}; }
 QKR_INLINE Two<f64> number(double x) { return {x - f64{}, x - f64{}}; }
 
-// Into [low, high]; NaN becomes low, since the maximum of NaN and a number is the second operand.
-template <class V, class T>
-QKR_INLINE V clamp(V v, T low, T high) {
-  return smaller(larger(v, number(low)), number(high));
+// Rounding goes by the sum with 0.5 in the same precision. The one sum whose own rounding leads astray is
+// that of the number after 0.5: it is 1, seen as a tie between 0 and 1. So that number counts as 0.
+QKR_INLINE f32 zero_after_half(f32 v) {
+  const u32 pattern = bits(v);
+  return real(pattern & (u32)((pattern & 0x7FFFFFFFu) != 0x3F000001u));
 }
+QKR_INLINE f64 zero_after_half(f64 v) {
+  const u64 pattern = bits(v);
+  return real(pattern & (u64)((pattern & 0x7FFFFFFFFFFFFFFFu) != 0x3FE0000000000001u));
+}
+QKR_INLINE Two<f64> zero_after_half(Two<f64> v) { return {zero_after_half(v.a), zero_after_half(v.b)}; }
 
-// In the precision of `factor`; the bounds are those of Target, as far as that precision has them.
+// v * factor, in lanes that a Target takes as they are or too low, also for a NaN: the smaller of a number
+// and a NaN is the second operand.
 template <bool nearest, class Target, class V, class T>
 QKR_INLINE i32 to_integers(V v, T factor) {
-  constexpr Target highest = (Target)(((uint64_t)1 << (8 * sizeof(Target) - ((Target)-1 < 0))) - 1);
-  constexpr Target lowest = (Target)-1 < 0 ? (Target)(-highest - 1) : 0;
-  v = clamp(v * number(factor), (T)lowest, (T)highest);
-  if constexpr (nearest) v = half_added(v);
-  return truncated(v);
+  constexpr uint64_t highest = ((uint64_t)1 << (8 * sizeof(Target) - ((Target)-1 < 0))) - 1;
+  v = smaller(number((T)highest), v * number(factor));
+  if constexpr (nearest) return rounded(zero_after_half(v));
+  else return truncated(v);
 }
 
 }  // namespace

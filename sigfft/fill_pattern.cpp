@@ -16,6 +16,14 @@ QKR_INLINE u64 in_all_parts(sigfft::Pattern pattern) {
 #endif
 }
 
+// The processor's own fill takes whole lines without reading them; its start is slow beside wide vectors.
+constexpr size_t from_string_fill = QKR_SIMD_BYTES == 64 ? 0x8000 : 0x800;
+QKR_INLINE void fill_by_string(uint8_t *dst, size_t bytes, uint64_t word) {
+  memcpy(dst + bytes - 8, &word, 8);
+  size_t words = bytes / 8;
+  asm volatile("rep stosq" : "+D"(dst), "+c"(words) : "a"(word) : "memory");
+}
+
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
@@ -23,6 +31,8 @@ QKR_ENTRY(ownsFillPattern, (uint8_t * dst, size_t bytes, qkr::sigfft::Pattern pa
           (dst, bytes, pattern, size)) {
   constexpr size_t width = QKR_SIMD_BYTES;
   static_assert(width <= sigfft::shortest_pattern_fill);
+  if (bytes >= from_string_fill && size <= 8 && !((size_t)dst & 7))
+    return fill_by_string(dst, bytes, pattern[0]);
   const u64 v = in_all_parts(pattern);
   const auto put = [&](uint8_t *p) { memcpy(p, &v, width); };
   uint8_t *const last = dst + bytes - width;
