@@ -26,8 +26,8 @@ QKR_DECLARE_SET(64s, int64_t)
 QKR_DECLARE_SET(64sc, zpr64sc)
 #undef QKR_DECLARE_SET
 
-// The kernel of the wider fills, from shortest_pattern_fill bytes on: `pattern` again and again, which repeats a value of
-// `size` bytes. The number of bytes is a multiple of that.
+// The kernel of the wider fills, from shortest_pattern_fill bytes on: `pattern` again and again, which
+// repeats a value of `size` bytes. The number of bytes is a multiple of that.
 void ownsFillPattern(uint8_t *dst, size_t bytes, qkr::sigfft::Pattern pattern, size_t size);
 }
 
@@ -40,13 +40,14 @@ void fill_past_cache(uint8_t *dst, size_t bytes, Pattern pattern);
 // Below this no block is tested for that: half a MiB.
 constexpr int32_t streaming_boundary = 0x80000;
 
-// The workers count bytes in 32 bits; a longer array goes in pieces. A piece is whole elements.
+// The workers count bytes in 32 bits: a longer array goes in pieces of whole elements. work(start, bytes)
+constexpr size_t longest_piece = size_t{1} << 30;
 template <class Work>
-inline void by_pieces(size_t bytes, Work work) {
-  constexpr size_t piece = size_t{1} << 30;
-  size_t done = 0;
-  for (; __builtin_expect(bytes - done > piece, 0); done += piece) work(done, (int32_t)piece);
-  work(done, (int32_t)(bytes - done));
+__attribute__((noinline, cold)) void by_pieces(size_t bytes, Work work) {
+  for (size_t start = 0; start < bytes; start += longest_piece) {
+    const size_t rest = bytes - start;
+    work(start, (int32_t)(rest < longest_piece ? rest : longest_piece));
+  }
 }
 
 }  // namespace qkr::sigfft

@@ -9,42 +9,47 @@ namespace qkr::sigfft {
 namespace {
 
 // A copy both of whose pointers become aligned together by a step over the first bytes stays in the cache.
-__attribute__((noinline)) bool streams(const uint8_t *src, const uint8_t *dst, int32_t bytes) {
+bool streams(const uint8_t *src, const uint8_t *dst, int32_t bytes) {
   const int32_t step = (int32_t)(-(size_t)dst & 15);
   if (step && !((size_t)(src + step) & 15)) return false;
   const Cache cache = last_level_cache();
   return bytes - step >= streaming_boundary && cache.size && bytes - step >= cache.share / 2;
 }
 
-// For short blocks a call costs as much as the copy: both halves of one that is not below `half` bytes and
-// not above twice that.
+__attribute__((noinline)) uint8_t *copy_large(const uint8_t *src, uint8_t *dst, int32_t bytes) {
+  if (!streams(src, dst, bytes)) return (uint8_t *)memcpy(dst, src, (size_t)bytes);
+  copy_past_cache(src, dst, (size_t)bytes);
+  return dst;
+}
+
+// For short blocks a call costs as much as the copy: both ends of one that is at least `half` bytes long and
+// at most twice that.
 template <size_t half>
-inline void copy_halves(const uint8_t *src, uint8_t *dst, size_t bytes) {
-  struct Half {
-    uint8_t bytes[half];
-  } first, last;
-  memcpy(&first, src, half);
-  memcpy(&last, src + bytes - half, half);
-  memcpy(dst, &first, half);
-  memcpy(dst + bytes - half, &last, half);
+inline void copy_both_ends(const uint8_t *src, uint8_t *dst, size_t bytes) {
+  typedef uint64_t Vector __attribute__((vector_size(16)));
+  Vector first[half / 16], last[half / 16];
+  for (size_t i = 0; i < half / 16; ++i) {
+    memcpy(&first[i], src + 16 * i, 16);
+    memcpy(&last[i], src + bytes - half + 16 * i, 16);
+  }
+  for (size_t i = 0; i < half / 16; ++i) {
+    memcpy(dst + 16 * i, &first[i], 16);
+    memcpy(dst + bytes - half + 16 * i, &last[i], 16);
+  }
 }
 
 template <auto copy, class T>
-inline zprStatus copy_array(const T *src, T *dst, int32_t len) {
-  if (!src || !dst) return zprStsNullPtrErr;
+inline zprStatus copy_array(const T *src_array, T *dst_array, int32_t len) {
+  if (!src_array || !dst_array) return zprStsNullPtrErr;
   if (len < 1) return zprStsSizeErr;
-  const size_t size = (size_t)len * sizeof(T);
-  if (size >= 16 && size <= 128) {
-    const auto from = (const uint8_t *)src;
-    const auto to = (uint8_t *)dst;
-    if (size > 64) copy_halves<64>(from, to, size);
-    else if (size > 32) copy_halves<32>(from, to, size);
-    else copy_halves<16>(from, to, size);
-    return zprStsNoErr;
-  }
-  by_pieces((size_t)len * sizeof(T), [=](size_t start, int32_t bytes) {
-    copy((const uint8_t *)src + start, (uint8_t *)dst + start, bytes);
-  });
+  const auto src = (const uint8_t *)src_array;
+  const auto dst = (uint8_t *)dst_array;
+  const size_t bytes = (size_t)len * sizeof(T);
+  if (bytes - 16 <= 16) copy_both_ends<16>(src, dst, bytes);
+  else if (bytes - 32 <= 32) copy_both_ends<32>(src, dst, bytes);
+  else if (bytes - 64 <= 64) copy_both_ends<64>(src, dst, bytes);
+  else if (bytes <= longest_piece) copy(src, dst, (int32_t)bytes);
+  else by_pieces(bytes, [=](size_t start, int32_t size) { copy(src + start, dst + start, size); });
   return zprStsNoErr;
 }
 
@@ -58,10 +63,7 @@ uint8_t *ownsCopy_8u(const uint8_t *src, uint8_t *dst, int32_t bytes) {
 }
 
 uint8_t *w6_ownsCopy_8u(const uint8_t *src, uint8_t *dst, int32_t bytes) {
-  if (__builtin_expect(bytes >= streaming_boundary, 0) && streams(src, dst, bytes)) {
-    copy_past_cache(src, dst, (size_t)bytes);
-    return dst;
-  }
+  if (__builtin_expect(bytes >= streaming_boundary, 0)) return copy_large(src, dst, bytes);
   return (uint8_t *)memcpy(dst, src, (size_t)bytes);
 }
 

@@ -26,48 +26,59 @@ inline void store_both_ends(uint8_t *dst, size_t bytes, Pattern pattern) {
 template <class Word>
 inline void fill_within_cache(Word word, Word *array, size_t bytes) {
   const auto dst = (uint8_t *)array;
-  if constexpr (sizeof word == 1) {
-    memset(dst, word, bytes);
-  } else {
-    const Pattern pattern = repeated(word);
-    if (bytes >= shortest_pattern_fill) return ownsFillPattern(dst, bytes, pattern, sizeof word);
-    if (bytes >= 16) {
-      for (size_t i = 16; i < bytes - 16; i += 16) memcpy(dst + i, &pattern, 16);
-      store_both_ends<Pattern>(dst, bytes, pattern);
-    } else if (bytes >= 8) {
-      store_both_ends<uint64_t>(dst, bytes, pattern);
-    } else if (bytes >= 4) {
-      store_both_ends<uint32_t>(dst, bytes, pattern);
-    } else if (bytes) {
-      store_both_ends<uint16_t>(dst, bytes, pattern);
-    }
+  if (bytes >= shortest_pattern_fill) {
+    if constexpr (sizeof word == 1) memset(dst, word, bytes);
+    else ownsFillPattern(dst, bytes, repeated(word), sizeof word);
+    return;
+  }
+  const Pattern pattern = repeated(word);
+  if (bytes >= 16) {
+    for (size_t i = 16; i < bytes - 16; i += 16) memcpy(dst + i, &pattern, 16);
+    store_both_ends<Pattern>(dst, bytes, pattern);
+  } else if (bytes >= 8) {
+    store_both_ends<uint64_t>(dst, bytes, pattern);
+  } else if (bytes >= 4) {
+    store_both_ends<uint32_t>(dst, bytes, pattern);
+  } else if (bytes >= 2) {
+    store_both_ends<uint16_t>(dst, bytes, pattern);
+  } else if (bytes) {
+    memcpy(dst, &pattern, 1);
   }
 }
 
 // Bytes go past the cache from half a MiB on, wider values from 1 MiB on; if they fill the cache and more.
 template <class Word>
+constexpr int32_t boundary = sizeof(Word) == 1 ? streaming_boundary : 2 * streaming_boundary / sizeof(Word);
+
+template <class Word>
+__attribute__((noinline)) void fill_large(Word word, Word *dst, int32_t count) {
+  const Cache cache = last_level_cache();
+  const int32_t fitting = cache.size / (int32_t)sizeof word;
+  const size_t bytes = (size_t)count * sizeof word;
+  if (cache.size && (count > fitting || (sizeof word == 1 && count == fitting)))
+    fill_past_cache((uint8_t *)dst, bytes, repeated(word));
+  else fill_within_cache(word, dst, bytes);
+}
+
+template <class Word>
 inline void fill(Word word, Word *dst, int32_t count) {
-  constexpr int32_t size = sizeof word,
-                    boundary = size == 1 ? streaming_boundary : 2 * streaming_boundary / size;
-  if (__builtin_expect(count > boundary, 0)) {
-    const Cache cache = last_level_cache();
-    const bool larger = size == 1 ? count >= cache.size : count > cache.size / size;
-    if (cache.size && larger) return fill_past_cache((uint8_t *)dst, (size_t)count * size, repeated(word));
-  }
-  fill_within_cache(word, dst, (size_t)count * size);
+  if (__builtin_expect(count > boundary<Word>, 0)) fill_large(word, dst, count);
+  else fill_within_cache(word, dst, (size_t)count * sizeof word);
 }
 
 template <auto zero, class T>
-zprStatus zero_array(T *dst, int32_t len) {
-  if (!dst) return zprStsNullPtrErr;
+inline zprStatus zero_array(T *array, int32_t len) {
+  if (!array) return zprStsNullPtrErr;
   if (len < 1) return zprStsSizeErr;
-  by_pieces((size_t)len * sizeof(T),
-            [=](size_t start, int32_t bytes) { zero((uint8_t *)dst + start, bytes); });
+  const auto dst = (uint8_t *)array;
+  const size_t bytes = (size_t)len * sizeof(T);
+  if (bytes <= longest_piece) zero(dst, (int32_t)bytes);
+  else by_pieces(bytes, [=](size_t start, int32_t size) { zero(dst + start, size); });
   return zprStsNoErr;
 }
 
 template <auto set, class Word, class T>
-zprStatus set_array(T value, T *dst, int32_t len) {
+inline zprStatus set_array(T value, T *dst, int32_t len) {
   if (!dst) return zprStsNullPtrErr;
   if (len < 1) return zprStsSizeErr;
   set(__builtin_bit_cast(Word, value), (Word *)dst, len);
@@ -79,7 +90,7 @@ zprStatus set_array(T value, T *dst, int32_t len) {
 
 using namespace qkr::sigfft;
 
-void ownsZero_8u(uint8_t *dst, int32_t bytes) { memset(dst, 0, (size_t)bytes); }
+void ownsZero_8u(uint8_t *dst, int32_t bytes) { fill_within_cache<uint8_t>(0, dst, (size_t)bytes); }
 void w6_ownsZero_8u(uint8_t *dst, int32_t bytes) { fill<uint8_t>(0, dst, bytes); }
 
 #define QKR_WORKERS(width, Word)                                                                          \
