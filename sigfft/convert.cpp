@@ -40,8 +40,8 @@ QKR_NOINLINE void scaled(const Source *src, Target *dst, size_t len, T factor) {
     for (size_t k = 0; k < vectors; ++k) {
       typename Loaded<Source>::type x;
       load(s + k * lanes, x);
-      if constexpr (sizeof(T) > sizeof(Source)) v[k] = to_integers<nearest, Target>(widen(x), factor);
-      else v[k] = to_integers<nearest, Target>(x, factor);
+      if constexpr (sizeof(T) > sizeof(Source)) v[k] = to_integers<nearest, Source, Target>(widen(x), factor);
+      else v[k] = to_integers<nearest, Source, Target>(x, factor);
     }
     store_lanes(d, v);
   });

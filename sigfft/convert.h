@@ -38,13 +38,14 @@ QKR_INLINE f64 zero_after_half(f64 v) {
 QKR_INLINE Two<f64> zero_after_half(Two<f64> v) { return {zero_after_half(v.a), zero_after_half(v.b)}; }
 
 // v * factor, in lanes that a Target takes as they are or too low, also for a NaN: the smaller of a number
-// and a NaN is the second operand.
-template <bool nearest, class Target, class V, class T>
+// and a NaN is the second operand. What comes from a Source of fewer bits cannot follow 0.5 that closely.
+template <bool nearest, class Source, class Target, class V, class T>
 QKR_INLINE i32 to_integers(V v, T factor) {
   constexpr uint64_t highest = ((uint64_t)1 << (8 * sizeof(Target) - ((Target)-1 < 0))) - 1;
   v = smaller(number((T)highest), v * number(factor));
-  if constexpr (nearest) return rounded(zero_after_half(v));
-  else return truncated(v);
+  if constexpr (!nearest) return truncated(v);
+  else if constexpr (sizeof(Source) < sizeof(T)) return rounded(v);
+  else return rounded(zero_after_half(v));
 }
 
 }  // namespace

@@ -29,6 +29,8 @@ QKR_INLINE f32 load_halves(const uint16_t *p) {
   return real(choose(magnitude < least_normal, subnormal, normal) | sign);
 }
 
+QKR_INLINE f32 load_numbers(const uint16_t *p) { return load_halves(p); }
+
 // Without sign, in units of the least subnormal number.
 template <bool nearest>
 QKR_INLINE i32 subnormal_half(f32 magnitude) {
@@ -79,11 +81,15 @@ QKR_INLINE Halves convert_singles(f32 v) {
 #endif
 typedef int16_t i16 __attribute__((vector_size(QKR_SIMD_BYTES / 2)));
 
-// The processor makes quiet NaNs of signalling ones; here a NaN keeps its fraction.
-QKR_INLINE f32 load_halves(const uint16_t *p) {
+// For those who do not look at the fraction of a NaN.
+QKR_INLINE f32 load_numbers(const uint16_t *p) {
   Halves h;
   memcpy(&h, p, sizeof h);
-  const f32 v = convert_halves(h);
+  return convert_halves(h);
+}
+// The processor makes quiet NaNs of signalling ones; here a NaN keeps its fraction.
+QKR_INLINE f32 load_halves(const uint16_t *p) {
+  const f32 v = load_numbers(p);
   const u32 moved = (u32)load_lanes((const int16_t *)p) << 13;
   return real(choose((i32)(v != v), (moved & 0x8FFFFFFFu) | 0x70000000u, bits(v)));
 }

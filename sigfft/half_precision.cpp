@@ -27,7 +27,8 @@ template <bool nearest>
 QKR_NOINLINE void scaled(const uint16_t *src, int16_t *dst, size_t len, float factor) {
   for_each_group<2 * lanes>(src, dst, len, [=](const uint16_t *s, int16_t *d) QKR_LAMBDA {
     i32 v[2];
-    for (size_t k = 0; k < 2; ++k) v[k] = to_integers<nearest, int16_t>(load_halves(s + k * lanes), factor);
+    for (size_t k = 0; k < 2; ++k)
+      v[k] = to_integers<nearest, uint16_t, int16_t>(load_numbers(s + k * lanes), factor);
     store_lanes(d, v);
   });
 }

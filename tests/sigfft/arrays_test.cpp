@@ -140,8 +140,8 @@ TEST(Arrays, LargeOnesWithAndWithoutCacheSize) {
     for_each_member([&](const auto &member) {
       constexpr size_t size = sizeof member.value;
       for (const size_t bytes : {size_t{0x80000}, size_t{0x100000}})
-        for (const size_t alignment : {0, 1, 4, 8, 16, 31})
-          for (const size_t len : {bytes / size - 1, bytes / size, bytes / size + 1, bytes / size + 37})
+        for (const size_t alignment : {0, 1, 8})
+          for (const size_t len : {bytes / size, bytes / size + 37})
             check_length(member, len, alignment, source);
     });
   }

@@ -71,8 +71,8 @@ std::vector<T> interesting(int scale) {
       for (const T z : {y, (T)std::ldexp(y, scale)}) numbers.insert(numbers.end(), {z, -z});
   std::mt19937_64 random(1);
   using Pattern = std::conditional_t<sizeof(T) == 8, uint64_t, uint32_t>;
-  for (int i = 0; i < 20000; ++i) numbers.push_back(std::bit_cast<T>((Pattern)random()));
-  for (int i = 0; i < 20000; ++i)
+  for (int i = 0; i < 5000; ++i) numbers.push_back(std::bit_cast<T>((Pattern)random()));
+  for (int i = 0; i < 5000; ++i)
     numbers.push_back((T)std::ldexp((double)(int64_t)random(), -30 - (int)(random() % 36) + scale));
   return numbers;
 }
@@ -96,7 +96,7 @@ Target to_integer(T value, bool nearest, int scale) {
 
 template <class T, class Source, class Target, class Convert>
 void check_scaled(Convert convert, const char *name) {
-  for (const uint32_t mode : {0u, 1u, 2u, 0xFFFFFFFFu})
+  for (const uint32_t mode : {0u, 1u, 0xFFFFFFFFu})
     for (const int scale : {0, 1, -1, 3, -4, 15, -16, 40, -40, 126, -127, 149, -149, 150, 400, 1080, -1030}) {
       if (mode > 1 && scale > 1) continue;
       expect_converted<Source, Target>(
