@@ -1,5 +1,6 @@
 // Copies and fills of both sets: every length and alignment, guard bytes, the way past the cache, checks of
 // arguments.
+#include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <vector>
@@ -29,7 +30,7 @@ void expect_written(const Bytes &expected, size_t alignment, Work work, const ch
   uint8_t *const dst = area + margin + alignment;
   memset(area, guard, alignment + expected.size() + 2 * margin);
   work(dst);
-  ASSERT_EQ(memcmp(dst, expected.data(), expected.size()), 0)
+  ASSERT_TRUE(std::equal(expected.begin(), expected.end(), dst))
       << what << ", " << expected.size() << " bytes at alignment " << alignment;
   for (size_t i = 1; i <= margin; ++i) {
     ASSERT_EQ(dst[-(ptrdiff_t)i], guard) << what << " wrote in front, " << expected.size() << " bytes";

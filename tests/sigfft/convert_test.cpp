@@ -1,14 +1,15 @@
 // Conversions against plain scalar code, at every level: all values of 16-bit sources, and of wider ones the
 // neighbourhoods of everything that matters.
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstring>
 #include <fenv.h>
-#include <functional>
 #include <gtest/gtest.h>
 #include <limits>
 #include <qkr/sigfft.h>
 #include <random>
+#include <string>
 #include <vector>
 
 #include "sigfft/byte_values.h"
