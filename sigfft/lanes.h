@@ -177,7 +177,6 @@ QKR_INLINE void store_lanes(uint8_t *p, const i32 *v) {
   _mm_storeu_si128((__m128i *)p, _mm_packus_epi16(low, high));
 }
 
-QKR_INLINE f32 larger(f32 a, f32 b) { return (f32)_mm_max_ps((__m128)a, (__m128)b); }
 QKR_INLINE f32 smaller(f32 a, f32 b) { return (f32)_mm_min_ps((__m128)a, (__m128)b); }
 QKR_INLINE i32 truncated(f32 v) { return (i32)_mm_cvttps_epi32((__m128)v); }
 QKR_INLINE i32 truncated(Two<f64> v) {
