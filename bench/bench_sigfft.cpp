@@ -87,11 +87,11 @@ void add_benchmarks(const Form &form, int order, const std::regex &filter) {
             state.counters["aim"] = aim(is_double, (Level)l, order);
         });
   const auto add_peer = [&](const char *peer, bool reference, auto make) {
-    filter.add(name + "/any" + size + peer,
-               [=, run = run_kept<T>(form, order, make)](benchmark::State &state) {
-                 run(state);
-                 if (reference) state.counters["reference"] = 1;
-               });
+    add(name + "/any" + size + peer, filter,
+        [=, run = run_kept<T>(form, order, make)](benchmark::State &state) {
+          run(state);
+          if (reference) state.counters["reference"] = 1;
+        });
   };
   add_peer("fftw_measure", true, [=, &form](Arrays<T> a) { return fftw(form, order, a, FFTW_MEASURE); });
   add_peer("fftw_estimate", false, [=, &form](Arrays<T> a) { return fftw(form, order, a, FFTW_ESTIMATE); });

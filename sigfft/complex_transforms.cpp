@@ -5,15 +5,19 @@
 namespace qkr::sigfft {
 namespace {
 
-// Numbers in as many arrays as `arrays` has: one interleaved, or real and imaginary parts.
+// Numbers in as many arrays as `arrays` has: source and result interleaved, or each as real and imaginary
+// parts.
 template <EntrySet set, bool forward, class T, class... Arrays>
-zprStatus run(const Plan<T> *plan, uint8_t *work, Arrays... arrays) {
-  const FixedCode<T> &code = fixed_code<T>;
+zprStatus run(int32_t id, const void *opaque, uint8_t *work, Arrays... arrays) {
+  const auto plan = (const Plan<T> *)opaque;
+  if (!plan) return zprStsNullPtrErr;
+  if (plan->id != id) return zprStsContextMatchErr;
   if ((!arrays || ...)) return zprStsNullPtrErr;
   if (plan->order <= largest_fixed_order) {
-    const bool normalised = forward ? plan->fwdNorm : plan->invNorm;
-    const auto call = [&](auto plain, auto norm) {
-      (normalised ? norm : plain)[plan->order](arrays..., plan->normFactor);
+    const FixedCode<T> &code = fixed_code<T>;
+    const auto call = [&](auto plain, auto normalised) {
+      const bool norm = forward ? plan->fwdNorm : plan->invNorm;
+      (norm ? normalised : plain)[plan->order](arrays..., plan->normFactor);
     };
     if constexpr (sizeof...(arrays) == 2)
       forward ? call(code.tbl_cFFTfwd_small, code.tbl_cFFTfwd_norm_small)
@@ -29,14 +33,6 @@ zprStatus run(const Plan<T> *plan, uint8_t *work, Arrays... arrays) {
   return zprStsNoErr;
 }
 
-template <EntrySet set, bool forward, class T, class... Arrays>
-zprStatus checked(int32_t id, const void *opaque, uint8_t *work, Arrays... arrays) {
-  const auto plan = (const Plan<T> *)opaque;
-  if (!plan) return zprStsNullPtrErr;
-  if (plan->id != id) return zprStsContextMatchErr;
-  return run<set, forward>(plan, work, arrays...);
-}
-
 }  // namespace
 }  // namespace qkr::sigfft
 
@@ -44,7 +40,7 @@ zprStatus checked(int32_t id, const void *opaque, uint8_t *work, Arrays... array
   zprStatus prefix##zprsFFT##direction##_CToC_##p##fc(const zpr##p##fc *src, zpr##p##fc *dst,                \
                                                       const zprsFFTSpec_C_##p##fc *plan, uint8_t *work) {    \
     using namespace qkr::sigfft;                                                                             \
-    return checked<EntrySet::set, forward, T>(id_C_##p##fc, plan, work, (const T *)src, (T *)dst);           \
+    return run<EntrySet::set, forward, T>(id_C_##p##fc, plan, work, (const T *)src, (T *)dst);               \
   }                                                                                                          \
   zprStatus prefix##zprsFFT##direction##_CToC_##p##fc_I(zpr##p##fc *data, const zprsFFTSpec_C_##p##fc *plan, \
                                                         uint8_t *work) {                                     \
@@ -53,7 +49,7 @@ zprStatus checked(int32_t id, const void *opaque, uint8_t *work, Arrays... array
   zprStatus prefix##zprsFFT##direction##_CToC_##p##f(const T *src_re, const T *src_im, T *dst_re, T *dst_im, \
                                                      const zprsFFTSpec_C_##p##f *plan, uint8_t *work) {      \
     using namespace qkr::sigfft;                                                                             \
-    return checked<EntrySet::set, forward, T>(id_C_##p##f, plan, work, src_re, src_im, dst_re, dst_im);      \
+    return run<EntrySet::set, forward, T>(id_C_##p##f, plan, work, src_re, src_im, dst_re, dst_im);          \
   }                                                                                                          \
   zprStatus prefix##zprsFFT##direction##_CToC_##p##f_I(T *data_re, T *data_im,                               \
                                                        const zprsFFTSpec_C_##p##f *plan, uint8_t *work) {    \

@@ -40,19 +40,19 @@ class TileReversal {
 
 // From one array to another: tiles of `columns` neighbours in each of the rows that a butterfly takes
 // together.
-template <int radix, bool forward, size_t columns, class Source, class Data>
-QKR_NOINLINE void first_pass_to(Source source, Data data, size_t n, TileReversal reversed) {
+template <int radix, bool forward, class Source, class Data>
+QKR_NOINLINE void first_pass_to(Source source, Data data, size_t n, size_t columns, TileReversal reversed) {
   using T = typename Source::Element;
-  constexpr size_t together = widest_pairs / 2 / sizeof(T), steps = columns / together;
-  constexpr int steps_bits = __builtin_ctzll(steps),
-                extra_bits = __builtin_ctzll(columns * radix) - tile_number_bits;
+  constexpr size_t together = widest_pairs / 2 / sizeof(T), most_steps = 64;
+  const size_t steps = columns / together;
+  const int extra_bits = __builtin_ctzll(columns * radix) - tile_number_bits;
   const size_t spacing = n / radix, tiles = spacing / columns;
   size_t block[together];
   ReversedCounter reversed_column(__builtin_ctzll(together));
   for (size_t c = 0; c < together; ++c, reversed_column.next())
     block[c] = reversed_column.value() * (spacing / together) * radix;
-  size_t step_place[steps];
-  ReversedCounter reversed_step(steps_bits);
+  size_t step_place[most_steps];
+  ReversedCounter reversed_step(__builtin_ctzll(steps));
   for (size_t i = 0; i < steps; ++i, reversed_step.next())
     step_place[i] = reversed_step.value() * tiles * radix;
   for (size_t tile = 0; tile < tiles; ++tile) {
@@ -107,8 +107,9 @@ QKR_INLINE void first_pass(Source source, Data data, bool in_place, int order, T
   constexpr size_t columns = 64 / radix;
   const size_t n = size_t{1} << order;
   if (in_place) first_pass_within<radix, forward>(data, n, reversed);
-  else if (order < first_tiled_order<T>) first_pass_to<radix, forward, columns>(source, data, n, reversed);
-  else first_pass_to<radix, forward, 4 * columns>(source, data, n, reversed);
+  else
+    first_pass_to<radix, forward>(source, data, n, order < first_tiled_order<T> ? columns : 4 * columns,
+                                  reversed);
 }
 
 template <int radix, bool forward, class Data, class T>
@@ -141,19 +142,20 @@ QKR_NOINLINE void column_pass(Data data, size_t length, size_t rows, Area work, 
   const bool first = done == 1, last = done * radix == rows;
   const size_t columns = done * together;
   if (first && last) {
-    butterflies<radix, forward, natural>(data, length, data, length, together, table);
+    block_of_butterflies<radix, forward, widest_group, natural>(data, length, data, length, together, table);
   } else if (first) {
     for (size_t row = 0; row < rows; row += radix)
-      butterflies<radix, forward, false>(data + row * length, length, work + row * together, together,
-                                         together, table);
+      block_of_butterflies<radix, forward, widest_group, false>(
+          data + row * length, length, work + row * together, together, together, table);
   } else if (last) {
     for (size_t i = 0; i < done; ++i)
-      butterflies<radix, forward, natural>(work + i * together, columns, data + i * length, done * length,
-                                           together, table + 2 * (radix - 1) * i * together);
+      block_of_butterflies<radix, forward, widest_group, natural>(work + i * together, columns,
+                                                                  data + i * length, done * length, together,
+                                                                  table + 2 * (radix - 1) * i * together);
   } else {
     for (size_t row = 0; row < rows; row += done * radix)
-      butterflies<radix, forward, false>(work + row * together, columns, work + row * together, columns,
-                                         columns, table);
+      block_of_butterflies<radix, forward, widest_group, false>(
+          work + row * together, columns, work + row * together, columns, columns, table);
   }
 }
 

@@ -17,9 +17,9 @@ QKR_INLINE void first_butterflies(Source source, size_t column, size_t spacing, 
                                   const size_t *block) {
   using T = typename Source::Element;
   Paired<T, bytes> y[radix];
-  butterfly<radix, forward>([&](int m)
-                                QKR_LAMBDA { return source.template pairs<bytes>(column + m * spacing); },
-                            [&](int k, auto value) QKR_LAMBDA { y[k] = value; });
+  const auto input = [&](int m) QKR_LAMBDA { return source.template pairs<bytes>(column + m * spacing); };
+  const auto output = [&](int k, auto value) QKR_LAMBDA { y[k] = value; };
+  butterfly<radix, forward>(input, output);
   transpose<radix>(y, [&](int c, int k, auto value) QKR_LAMBDA { area.put(block[c] + k, value); });
 }
 

@@ -70,8 +70,13 @@ struct WorkBuffer {
 
   WorkBuffer(const Plan<T> *plan, uint8_t *callers) {
     if (plan->bufSize <= 0) return;
-    if (!callers) failed = !(own = allocate_block((size_t)plan->bufSize));
-    start = (T *)(callers ? align16(callers) : own);
+    if (callers) {
+      start = (T *)align16(callers);
+    } else {
+      own = allocate_block((size_t)plan->bufSize + 32);
+      start = (T *)(((size_t)own + 63) & ~size_t{63});  // what the widest registers like best
+      failed = !own;
+    }
   }
   ~WorkBuffer() { release_block(own); }
 };

@@ -54,7 +54,8 @@ typedef struct {
 /** @} */
 
 /** @name Plan types
- * Opaque records, made by the functions of sigfft_plan.h. A plan is used with functions of the set that made it.
+ * Opaque records, made by the functions of sigfft_plan.h. A plan is used with functions of the set that made
+ * it.
  * @{ */
 typedef struct zprsFFTSpec_C_32fc zprsFFTSpec_C_32fc;
 typedef struct zprsFFTSpec_C_32f zprsFFTSpec_C_32f;

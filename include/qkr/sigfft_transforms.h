@@ -8,7 +8,7 @@
  * `work` is a work buffer of at least as many bytes as GetBufSize of the plan tells, of any alignment, which
  * no other thread uses meanwhile; or null: then the call allocates one for itself.
  *
- * Accuracy: the relative root-mean-square error grows as the square root of `order`, from about 0.9e-16 at
+ * Accuracy: the relative root-mean-square error grows as the square root of `order`, from about 1e-16 at
  * order 4 to 3e-16 at order 18 (single precision: 0.5e-7 to 1.6e-7). Results are the same bits on every
  * processor, in place or not, whatever the alignment.
  *
