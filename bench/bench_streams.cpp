@@ -74,7 +74,12 @@ struct Form<float> {
   }
 };
 
-void measure(const std::string &name, int n, double aim, int level, std::function<void()> run) {
+struct Ours {
+  double aim = 0;
+  size_t bytes = 0;  // of a number
+};
+
+void measure(const std::string &name, int n, Ours ours, int level, std::function<void()> run) {
   benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State &state) {
     force_level(static_cast<Level>(level));
     for (auto _ : state) {
@@ -82,7 +87,8 @@ void measure(const std::string &name, int n, double aim, int level, std::functio
       benchmark::ClobberMemory();
     }
     state.counters["elements"] = n;
-    if (aim > 0) state.counters["aim"] = aim;
+    if (ours.aim > 0) state.counters["aim"] = ours.aim;
+    if (ours.bytes > 0) state.counters["bytes"] = static_cast<double>(ours.bytes);
   });
 }
 
@@ -99,12 +105,13 @@ void add_form(const Generator &generator, const char *form, const std::vector<in
       if (!std::regex_search(prefix, filter)) continue;
       const std::shared_ptr<StreamState> stream = new_stream(generator);
       const auto entry = Form<T>::entry(record);
-      measure(prefix + "qkr", n, n >= from_aim ? aims[level] : 1.0, level,
+      const size_t bytes = std::is_same_v<T, uint32_t> ? static_cast<size_t>(record.WordSize) : sizeof(T);
+      measure(prefix + "qkr", n, {n >= from_aim ? aims[level] : 1.0, bytes}, level,
               [=] { entry(stream.get(), n, out.data()); });
       const auto add_peers = [&](const Peer<T> *peers) {
         for (const Peer<T> *peer = peers; peer->name; ++peer)
           if (strcmp(peer->generator, generator.name) == 0)
-            measure(prefix + peer->name, n, 0, level, [=] { peer->draw(n, out.data()); });
+            measure(prefix + peer->name, n, {}, level, [=] { peer->draw(n, out.data()); });
       };
       const Peers &peers = *peers_of_level[level];
       if constexpr (std::is_same_v<T, uint32_t>) add_peers(peers.words);
@@ -117,23 +124,23 @@ void add_form(const Generator &generator, const char *form, const std::vector<in
 void add_creation(const Generator &generator, const std::regex &filter) {
   const std::string prefix = std::string(generator.name) + ".new/sse2/1/";
   if (!std::regex_search(prefix, filter)) return;
-  measure(prefix + "qkr", 1, 0, 0, [&generator] { new_stream(generator); });
+  measure(prefix + "qkr", 1, {}, 0, [&generator] { new_stream(generator); });
   if (strcmp(generator.name, "MT19937") == 0) {
-    measure(prefix + "std", 1, 0, 0, [] { benchmark::DoNotOptimize(std::mt19937(7)); });
-    measure(prefix + "boost", 1, 0, 0, [] { benchmark::DoNotOptimize(boost::random::mt19937(7)); });
-    measure(prefix + "gsl", 1, 0, 0, [] { gsl_rng_free(gsl_rng_alloc(gsl_rng_mt19937)); });
+    measure(prefix + "std", 1, {}, 0, [] { benchmark::DoNotOptimize(std::mt19937(7)); });
+    measure(prefix + "boost", 1, {}, 0, [] { benchmark::DoNotOptimize(boost::random::mt19937(7)); });
+    measure(prefix + "gsl", 1, {}, 0, [] { gsl_rng_free(gsl_rng_alloc(gsl_rng_mt19937)); });
   } else if (strcmp(generator.name, "R250") == 0) {
-    measure(prefix + "gsl", 1, 0, 0, [] { gsl_rng_free(gsl_rng_alloc(gsl_rng_r250)); });
+    measure(prefix + "gsl", 1, {}, 0, [] { gsl_rng_free(gsl_rng_alloc(gsl_rng_r250)); });
   } else if (generator.id == 0x600000) {
-    measure(prefix + "gsl", 1, 0, 0,
+    measure(prefix + "gsl", 1, {}, 0,
             [=] { gsl_qrng_free(gsl_qrng_alloc(gsl_qrng_sobol, generator.dimensions)); });
   }
 }
 
 void add_all(bool quick, const std::regex &filter) {
   const std::vector<int> blocks = quick ? std::vector{1000} : std::vector{1000, 1000000};
-  std::vector<int> with_short = blocks;
-  if (!quick) with_short.insert(with_short.begin(), {1, 2, 4, 8, 16, 32, 64, 128, 256});
+  const std::vector<int> with_short =
+      quick ? blocks : std::vector{1, 2, 4, 8, 16, 32, 64, 128, 256, 1000, 1000000};
   for (const Generator &generator : generators) {
     add_form<uint32_t>(generator, generator.word_form, blocks, filter);
     add_form<double>(generator, "f64", with_short, filter);

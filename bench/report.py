@@ -6,6 +6,7 @@ every level, and the contender `qkr` is ours. Counters of a benchmark:
   elements   the time is given per so many
   ulp        largest error on a sample; a contender without it counts as exact
   reference  this is what ours is compared with for its aim, and not a peer
+  bytes      that an element has, where the rate at which ours writes them is of interest
   aim        of ours: the largest ratio of times that is wanted, to the reference, or where there is none to the
              fastest peer within 1 ulp
 """
@@ -26,6 +27,10 @@ class Timing:
     ulp: float = 0.0
     reference: bool = False
     aim: float = math.inf
+    bytes: float = 0
+
+    def rate(self):
+        return f"{self.bytes / self.ns:.1f}" if self.bytes else ""
 
 
 @dataclasses.dataclass
@@ -69,6 +74,7 @@ def read(path):
         timing.ulp = run.get("ulp", 0.0)
         timing.reference = bool(run.get("reference"))
         timing.aim = run.get("aim", math.inf)
+        timing.bytes = run.get("bytes", 0)
     rows = []
     for (function, level, size), of_level in timings.items():
         everywhere = timings.get((function, "any", size), {})
@@ -101,13 +107,13 @@ def write_csv(rows, path):
     with path.open("w", newline="") as file:
         out = csv.writer(file)
         out.writerow(["function", "level", "n", *(f"{name} ns" for name in names), *(f"{name} ulp" for name in names),
-                      "ratio within 1 ulp", "fastest within 1 ulp", "ratio to any", "fastest",
+                      "GB/s", "ratio within 1 ulp", "fastest within 1 ulp", "ratio to any", "fastest",
                       "ratio of the aim", "aim", "misses aim"])
         for row in rows:
             timed = [row.timings.get(name) for name in names]
             accurate, fastest, (aimed, _) = row.accurate(), row.fastest(), row.aimed()
             out.writerow([row.function, row.level, row.size, *(t and f"{t.ns:.4f}" for t in timed),
-                          *(t and f"{t.ulp:.3f}" for t in timed), number(accurate[0], 3), accurate[1],
+                          *(t and f"{t.ulp:.3f}" for t in timed), row.timings[OURS].rate(), number(accurate[0], 3), accurate[1],
                           number(fastest[0], 3), fastest[1], number(aimed, 3), row.timings[OURS].aim,
                           int(row.misses())])
 
@@ -139,16 +145,17 @@ def summary(rows, size):
 
 def details(rows):
     names = contender_names(rows)
+    rates = any(row.timings[OURS].bytes for row in rows)
 
     def line(row):
         def timing(name):
             t = row.timings.get(name)
             return "" if not t else f"{t.ns:.3f}" if t.reference else f"{t.ns:.3f} ({t.ulp:.2f})"
         accurate, fastest = row.accurate(), row.fastest()
-        return [row.function, row.level, str(row.size), *map(timing, names),
+        return [row.function, row.level, str(row.size), *map(timing, names), *[row.timings[OURS].rate()][:rates],
                 f"{number(accurate[0], 2)} {accurate[1]}", f"{number(fastest[0], 2)} {fastest[1]}",
                 f"{row.aimed()[0]:.2f} > {row.timings[OURS].aim}" if row.misses() else ""]
-    header = ["function", "level", "n", *names, "within 1 ulp", "of any accuracy", "above the aim"]
+    header = ["function", "level", "n", *names, *["GB/s"][:rates], "within 1 ulp", "of any accuracy", "above the aim"]
     return table(header, map(line, rows))
 
 
@@ -161,8 +168,7 @@ def plot(rows, size, path):
     sizes_of = collections.defaultdict(set)
     for row in rows:
         sizes_of[row.function].add(row.size)
-    usual = min(len(s) for s in sizes_of.values())
-    series = [f for f in functions[::-1] if len(sizes_of[f]) > usual][:2]  # measured at every small size
+    series = [f for f in functions[::-1] if sum(size <= 32 for size in sizes_of[f]) > 3][:2]
     levels = list({row.level: None for row in rows})
     colours = dict(zip(levels, ["#4477aa", "#ccaa33", "#cc3344", "#228833"]))
 
