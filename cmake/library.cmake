@@ -27,7 +27,7 @@ function(qkr_kernels)
   endforeach()
 endfunction()
 
-set(QKR_PUBLIC_HEADERS api.h qkr.h service.h streams.h streams_abstract.h streams_files.h streams_generators.h
+set(QKR_PUBLIC_HEADERS api.h distributions.h qkr.h service.h streams.h streams_abstract.h streams_files.h streams_generators.h
     vecmath.h vecmath_control.h vecmath_elements.h vecmath_exact.h vecmath_inverse.h)
 
 # libqkr.so exports what the public headers declare with QKR_API and nothing else; libqkr.a also serves the
