@@ -100,13 +100,13 @@ Definition<T> gamma(T alpha) {
   if (alpha >= T(0.6))
     return rejection<T>([=](T u1, T u2, Number &x) {
       const Real a = -ln<T>(u1), w = std::pow(a, r);
-      x = {w, w};
+      x = {w, w * (1 + r + std::abs(ln<T>(w)))};
       return a - ln<T>(u2) >= (1 - shape) * std::pow(shape, shape / (1 - shape)) + w;
     });
   return rejection<T>([=](T u1, T u2, Number &number) {
     const Real e = -ln<T>(u2), y = u1 > 1 - alpha ? -ln<T>((1 - u1) * r) : 0;
     const Real x = u1 > 1 - alpha ? std::pow(shape * y + 1 - shape, r) : std::pow(Real(u1), r);
-    number = {x, x * (1 + r - ln<T>(x)) + std::numeric_limits<T>::min()};
+    number = {x, x * (1 + r + std::abs(ln<T>(x))) + std::numeric_limits<T>::min()};
     return x <= y + e;
   });
 }
