@@ -13,7 +13,7 @@
  *   after rounding, 1. The logarithm of 0 is then taken as -744.4400719213812 (floats: -103.2789306640625),
  *   that of the smallest positive number, so that `out` stays finite. The error policy of vector math that
  *   the caller has set is put aside for that and restored.
- * - Splitting a request of n1 + n2 numbers into two calls changes nothing, where it is not said otherwise.
+ * - Splitting a request of n1 + n2 numbers into two calls changes nothing.
  *
  * Example: a thousand normal numbers with mean 5 and deviation 2.
  *
@@ -151,16 +151,19 @@ QKR_API int32_t _vxssRngGaussianMV(int32_t method, StreamState *stream, int32_t 
 /** @name Gamma
  * Gamma of shape alpha and scale beta, displaced to begin at a; at least a.
  *
- * | alpha              | method                                                                      |
- * |--------------------|-----------------------------------------------------------------------------|
- * | above 1            | G. Marsaglia and W. W. Tsang, ACM Transactions on Mathematical Software 26 (2000)
- * 363 | | 1                  | Exponential                                                                 |
- * | from 0.6 to 1      | I. Vaduva, Mathematische Operationsforschung und Statistik 8 (1977) 545     |
- * | below 0.6          | J. Dagpunar, Principles of Random Variate Generation (1988): exponential power |
+ * | alpha        | method               |
+ * |--------------|----------------------|
+ * | above 1      | Marsaglia and Tsang  |
+ * | 1            | Exponential          |
+ * | from 0.6 on  | Vaduva               |
+ * | below 0.6    | exponential power    |
+ *
+ * G. Marsaglia and W. W. Tsang, ACM Transactions on Mathematical Software 26 (2000) 363; I. Vaduva,
+ * Mathematische Operationsforschung und Statistik 8 (1977) 545; J. Dagpunar, Principles of Random Variate
+ * Generation (1988).
  *
  * Above 1, a candidate not yet looked at is held over to the next call on the same stream, in either
- * precision; VXS_STATUS_NO_MEMORY if there is no room for it, with nothing drawn. Below 1, the split of n
- * into calls matters. */
+ * precision; VXS_STATUS_NO_MEMORY if there is no room for it, with nothing drawn. */
 /**@{*/
 QKR_API int32_t _vxsdRngGamma(int32_t method, StreamState *stream, int32_t n, double *out, double alpha,
                               double a, double beta);
@@ -171,17 +174,20 @@ QKR_API int32_t _vxssRngGamma(int32_t method, StreamState *stream, int32_t n, fl
 /** @name Beta
  * Beta of shapes p and q, stretched over [a, a + beta].
  *
- * | p         | q         | method                                                                     |
- * |-----------|-----------|----------------------------------------------------------------------------|
- * | below 1   | below 1   | A. C. Atkinson and J. Whittaker, J. R. Statist. Soc. A 139 (1976) 462; if both
- * are small, M. D. Johnk, Metrika 8 (1964) 5 | | below 1   | above 1   | Atkinson and Whittaker | | above 1
- * | below 1   | the same, with p and q exchanged                                           | | above 1   |
- * above 1   | R. C. H. Cheng, Communications of the ACM 21 (1978) 317, algorithm BB      | | other     | 1 |
- * u^(1 / p)                                                                  | | 1         | any       | 1 -
- * u^(1 / q)                                                              |
+ * | p       | q       | method                                                  |
+ * |---------|---------|---------------------------------------------------------|
+ * | below 1 | below 1 | Johnk if both are small, else Atkinson and Whittaker    |
+ * | below 1 | above 1 | Atkinson and Whittaker                                  |
+ * | above 1 | below 1 | Atkinson and Whittaker, with p and q exchanged          |
+ * | above 1 | above 1 | Cheng                                                   |
+ * | other   | 1       | u^(1 / p)                                               |
+ * | 1       | any     | 1 - u^(1 / q)                                           |
+ *
+ * M. D. Johnk, Metrika 8 (1964) 5; A. C. Atkinson and J. Whittaker, Journal of the Royal Statistical Society
+ * A 139 (1976) 462; R. C. H. Cheng, algorithm BB, Communications of the ACM 21 (1978) 317.
  *
  * Where both shapes are below 1 or both above, rounding may lead out of the interval; with
- * VXS_METHOD_ACCURATE in `method` it does not. Unless a shape is 1, the split of n into calls matters. */
+ * VXS_METHOD_ACCURATE in `method` it does not. */
 /**@{*/
 QKR_API int32_t _vxsdRngBeta(int32_t method, StreamState *stream, int32_t n, double *out, double p, double q,
                              double a, double beta);
