@@ -35,27 +35,34 @@ int32_t _Johnk(StreamState *stream, int32_t n, T *out, T p, T q, T a, T beta) {
 
 // p < 1: rejection from x^(p - 1) below t and (1 - x)^(q - 1) above, of which the first is chosen with
 // probability r (A. C. Atkinson and J. Whittaker, Journal of the Royal Statistical Society A 139 (1976) 462).
-// below(x) and above(x) are the logarithms of the inverse acceptance probabilities.
-template <class T, class Below, class Above>
-int32_t switching(StreamState *stream, int32_t n, T *out, T p, T q, T t, T r, Below below, Above above) {
+// What is then tested is the logarithm of below(x), times 1 - q, or of x / t, times 1 - p.
+template <class T, class Below>
+int32_t switching(StreamState *stream, int32_t n, T *out, T p, T q, T t, T r, Below below) {
   const T exponents[2] = {T(1) / p, T(1) / q};
   T powers[2] = {T(1) / r, T(1) / (T(1) - r)};
   Precision<T>::pow(2, powers, exponents, powers);
   const T lower = t * powers[0], upper = (T(1) - t) * powers[1];
-  T uniform[most_candidates], *logarithm;
+  T u[most_candidates], candidate[most_candidates], exponent[most_candidates], excess[most_candidates];
+  T *logarithm;
   const auto prepare = [&](int32_t m, T *pairs) {
-    part_pairs(m, pairs, uniform);
+    part_pairs(m, pairs, u);
+    for (int32_t i = 0; i < m; ++i) {
+      candidate[i] = u[i] <= r ? u[i] : T(1) - u[i];
+      exponent[i] = u[i] <= r ? exponents[0] : exponents[1];
+    }
+    Precision<T>::pow(m, candidate, exponent, candidate);
+    for (int32_t i = 0; i < m; ++i) {
+      candidate[i] = u[i] <= r ? lower * candidate[i] : T(1) - upper * candidate[i];
+      excess[i] = u[i] <= r ? below(candidate[i]) : candidate[i] / t;
+    }
+    Precision<T>::ln(m, excess, excess);
+    for (int32_t i = 0; i < m; ++i) excess[i] *= u[i] <= r ? T(1) - q : T(1) - p;
     Precision<T>::ln(m, pairs, pairs);
     logarithm = pairs;
   };
   return by_rejection(stream, n, out, prepare, [&](int32_t i, T &x) {
-    const T u = uniform[i];
-    if (u <= r) {
-      x = lower * power(u, exponents[0]);
-      return logarithm[i] + below(x) <= T(0);
-    }
-    x = T(1) - upper * power(T(1) - u, exponents[1]);
-    return logarithm[i] + above(x) <= T(0);
+    x = candidate[i];
+    return logarithm[i] + excess[i] <= T(0);
   });
 }
 
@@ -64,9 +71,7 @@ int32_t _Atkinson1(StreamState *stream, int32_t n, T *out, T p, T q, T a, T beta
   T roots[2] = {p * (T(1) - p), q * (T(1) - q)};
   Precision<T>::sqrt(2, roots, roots);
   const T t = roots[0] / (roots[0] + roots[1]), r = q * t / ((T(1) - t) * p + q * t);
-  const int32_t status = switching(
-      stream, n, out, p, q, t, r, [=](T x) { return (T(1) - q) * ln((T(1) - x) / (T(1) - t)); },
-      [=](T x) { return (T(1) - p) * ln(x / t); });
+  const int32_t status = switching(stream, n, out, p, q, t, r, [=](T x) { return (T(1) - x) / (T(1) - t); });
   if (status >= 0) scale(n, out, beta, a);
   return status;
 }
@@ -74,9 +79,7 @@ int32_t _Atkinson1(StreamState *stream, int32_t n, T *out, T p, T q, T a, T beta
 template <class T>
 int32_t _Atkinson2(StreamState *stream, int32_t n, T *out, T p, T q) {
   const T t = (T(1) - p) / (T(1) - p + q), r = q * t / (power(T(1) - t, q) * p + q * t);
-  return switching(
-      stream, n, out, p, q, t, r, [=](T x) { return (T(1) - q) * ln(T(1) - x); },
-      [=](T x) { return (T(1) - p) * ln(x / t); });
+  return switching(stream, n, out, p, q, t, r, [](T x) { return T(1) - x; });
 }
 
 // Both shapes above 1: w / (q + w) with ln(w / p) logistic (R. C. H. Cheng, Communications of the ACM 21
@@ -84,16 +87,26 @@ int32_t _Atkinson2(StreamState *stream, int32_t n, T *out, T p, T q) {
 template <class T>
 int32_t _Cheng(StreamState *stream, int32_t n, T *out, T p, T q, T a, T beta) {
   const T s = p + q, b = sqrt((s - T(2)) / (T(2) * p * q - s)), g = p + T(1) / b;
-  T *pairs;
-  const auto prepare = [&](int32_t, T *drawn) { pairs = drawn; };
+  T u1[most_candidates], v[most_candidates], w[most_candidates], ratio[most_candidates], *z;
+  const auto prepare = [&](int32_t m, T *pairs) {
+    part_pairs(m, pairs, u1);
+    z = pairs;
+    for (int32_t i = 0; i < m; ++i) v[i] = u1[i] / (T(1) - u1[i]);
+    Precision<T>::ln(m, v, v);
+    for (int32_t i = 0; i < m; ++i) v[i] *= b;
+    Precision<T>::exp(m, v, w);
+    for (int32_t i = 0; i < m; ++i) {
+      w[i] *= p;
+      ratio[i] = s / (q + w[i]);
+      z[i] = u1[i] * u1[i] * z[i];
+    }
+    Precision<T>::ln(m, ratio, ratio);
+    Precision<T>::ln(m, z, z);
+  };
   const int32_t status = by_rejection(stream, n, out, prepare, [&](int32_t i, T &x) {
-    const T u1 = pairs[2 * i], u2 = pairs[2 * i + 1];
-    if (u1 == T(1)) return false;  // after rounding: the odds are infinite
-    const T v = b * ln(u1 / (T(1) - u1)), w = p * exp(v), z = u1 * u1 * u2;
-    T logarithms[2] = {s / (q + w), z};
-    Precision<T>::ln(2, logarithms, logarithms);
-    x = w / (q + w);
-    return s * logarithms[0] - T(_vxsdBETATab[2]) + g * v >= logarithms[1];
+    if (u1[i] == T(1)) return false;  // after rounding: the odds are infinite
+    x = w[i] / (q + w[i]);
+    return s * ratio[i] - T(_vxsdBETATab[2]) + g * v[i] >= z[i];
   });
   if (status >= 0) scale(n, out, beta, a);
   return status;

@@ -124,21 +124,19 @@ int32_t _Vaduva(StreamState *stream, int32_t n, T *out, T alpha) {
 template <class T>
 int32_t _EPDTransform(StreamState *stream, int32_t n, T *out, T alpha) {
   const T r = T(1) / alpha, k = T(1) - alpha;
-  T uniform[most_candidates], exponential[most_candidates];
+  T u[most_candidates], y[most_candidates], power[most_candidates], *logarithm;
   const auto prepare = [&](int32_t m, T *pairs) {
-    part_pairs(m, pairs, uniform);
-    Precision<T>::ln(m, pairs, exponential);
-    negate(m, exponential);
+    part_pairs(m, pairs, u);
+    for (int32_t i = 0; i < m; ++i) y[i] = u[i] > k ? (T(1) - u[i]) * r : T(1);
+    Precision<T>::ln(m, y, y);
+    for (int32_t i = 0; i < m; ++i) power[i] = u[i] > k ? k - alpha * y[i] : u[i];
+    Precision<T>::powx(m, power, r, power);
+    Precision<T>::ln(m, pairs, pairs);
+    logarithm = pairs;
   };
   return by_rejection(stream, n, out, prepare, [&](int32_t i, T &x) {
-    const T u = uniform[i], e = exponential[i];
-    if (u > k) {
-      const T y = -ln((T(1) - u) * r);
-      x = power(alpha * y + k, r);
-      return x <= y + e;
-    }
-    x = power(u, r);
-    return x <= e;
+    x = power[i];
+    return x <= -y[i] - logarithm[i];
   });
 }
 
