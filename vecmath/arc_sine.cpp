@@ -126,7 +126,7 @@ extern "C" void _sAcos_Scalar(ptrdiff_t i, Arrays<float> v) {
 QKR_CONTRACT(_vxmdAsin_HA, 0.67, 0x1.1905de6cccf78p-1);
 QKR_CONTRACT(_vxmdAcos_HA, 0.67, 0x1.167ffdfd9982ep-1);
 QKR_CONTRACT(_vxmsAsin_HA, 0.53, 0x1.00996ap-1);
-QKR_CONTRACT(_vxmsAcos_HA, 0.53, 0x1.15d02cp-1);
+QKR_CONTRACT(_vxmsAcos_HA, 0.53, 0x1.c65e5cp-1);
 
 QKR_UNARY(_vxmdAsin_HA, double, AsinDouble)
 QKR_UNARY(_vxmdAcos_HA, double, AcosDouble)

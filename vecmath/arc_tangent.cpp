@@ -143,7 +143,7 @@ extern "C" void _sAtan2_Scalar(ptrdiff_t i, Arrays<float> v) {
 
 // Of Atan2 the first input of the worst pair.
 QKR_CONTRACT(_vxmdAtan_HA, 0.60, 0x1.119207cd1274cp-1);
-QKR_CONTRACT(_vxmsAtan_HA, 0.51, 0x1.9ef5bep-3);
+QKR_CONTRACT(_vxmsAtan_HA, 0.51, 0x1.a152d4p-3);
 QKR_CONTRACT(_vxmdAtan2_HA, 0.58, 0x1.ffffffffffff9p-2);
 QKR_CONTRACT(_vxmsAtan2_HA, 0.51, 0x1.7ddb3cp-10);
 

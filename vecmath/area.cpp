@@ -212,9 +212,9 @@ extern "C" void _sAtanh_Scalar(ptrdiff_t i, Arrays<float> v) {
 QKR_CONTRACT(_vxmdAsinh_HA, 0.59, 0x1.ff1645ca5d317p-11);
 QKR_CONTRACT(_vxmdAcosh_HA, 0.61, 0x1.0000007e21ea5p+0);
 QKR_CONTRACT(_vxmdAtanh_HA, 0.59, 0x1.ff87773540dccp-12);
-QKR_CONTRACT(_vxmsAsinh_HA, 0.505, 0x1.f557b2p-11);
-QKR_CONTRACT(_vxmsAcosh_HA, 0.505, 0x1.b3e38ep+11);
-QKR_CONTRACT(_vxmsAtanh_HA, 0.505, 0x1.70f4ccp-12);
+QKR_CONTRACT(_vxmsAsinh_HA, 0.503, 0x1.f76a4ap-6);
+QKR_CONTRACT(_vxmsAcosh_HA, 0.501, 0x1.469dcp+0);
+QKR_CONTRACT(_vxmsAtanh_HA, 0.503, 0x1.f79c84p-7);
 
 QKR_UNARY(_vxmdAsinh_HA, double, AsinhDouble)
 QKR_UNARY(_vxmdAcosh_HA, double, AcoshDouble)

@@ -97,7 +97,7 @@ extern "C" void _vxmsErfInv_HA_SC_p4(int32_t i, const float *a, float *r) {
 #endif
 
 QKR_CONTRACT(_vxmdErfInv_HA, 0.53, 0x1.ffffdc39a0a5dp-1);
-QKR_CONTRACT(_vxmsErfInv_HA, 0.501, 0x1.6aff68p-73);
+QKR_CONTRACT(_vxmsErfInv_HA, 0.501, 0x1.f5556p-1);
 
 QKR_UNARY(_vxmdErfInv_HA, double, ErfInvDouble)
 QKR_UNARY(_vxmsErfInv_HA, float, ErfInvSingle)

@@ -3,6 +3,7 @@
 #ifndef QKR_QKR_H
 #define QKR_QKR_H
 
+#include <qkr/distributions.h>
 #include <qkr/service.h>
 #include <qkr/sigfft.h>
 #include <qkr/streams.h>

@@ -1,0 +1,91 @@
+// Integers that are one step away from a uniform number.
+#include <cstring>
+
+#include "distributions/internal.h"
+
+namespace qkr {
+namespace {
+
+// Numbers of another type that stand in an array of int32_t until they are replaced.
+using DoubleInPlace = double __attribute__((may_alias));
+using SingleInPlace = float __attribute__((may_alias));
+
+constexpr int32_t block = 1024;
+
+void floors(int32_t n, const double *x, int32_t *out) {
+  for (int32_t i = 0; i < n; ++i) {
+    const int32_t whole = static_cast<int32_t>(x[i]);
+    out[i] = whole - (x[i] < whole);
+  }
+}
+
+// The first half of the output takes half as many doubles as the whole has room for, and no copy of the
+// stream's numbers is needed but for a block that is out of the way of the results.
+int32_t uniform_integers(StreamState *stream, int32_t n, int32_t *out, double a, double b) {
+  double x[block];
+  int32_t status = VXS_STATUS_OK, done = 0;
+  const int32_t half = n >> 1;
+  if (half > block) {
+    DoubleInPlace *in_place = reinterpret_cast<DoubleInPlace *>(out);
+    status = _vxsdRngUniform(0, stream, half, in_place, a, b);
+    if (status < 0) return status;
+    in_stretches(half, [&](int32_t m, int32_t first) {
+      memcpy(x, in_place + first, static_cast<size_t>(m) * sizeof(double));
+      floors(m, x, out + first);
+    });
+    done = half;
+  }
+  for (; done < n && status >= 0; done += block) {
+    const int32_t m = n - done < block ? n - done : block;
+    status = _vxsdRngUniform(0, stream, m, x, a, b);
+    if (status >= 0) floors(m, x, out + done);
+  }
+  return status;
+}
+
+// Draws single-precision numbers into `out`, lets `prepare(m, x)` work on them, and puts element(x) in their
+// places.
+template <class Prepare, class Element>
+int32_t from_singles(StreamState *stream, int32_t n, int32_t *out, Prepare prepare, Element element) {
+  SingleInPlace *in_place = reinterpret_cast<SingleInPlace *>(out);
+  const int32_t status = uniforms<float>(stream, n, in_place);
+  if (status < 0) return status;
+  in_stretches(n, [=](int32_t m, int32_t first) {
+    prepare(m, in_place + first);
+    for (int32_t i = first; i < first + m; ++i) out[i] = element(double(in_place[i]));
+  });
+  return status;
+}
+
+int32_t geometric(StreamState *stream, int32_t n, int32_t *out, double p) {
+  return under_callback(_vsLnCallBack<ActsOn::every_error>, [=] {
+    constexpr double largest = INT32_MAX;
+    const double factor = 1.0 / ln(1.0 - p);
+    return from_singles(
+        stream, n, out, [](int32_t m, float *x) { _vxmsLn_HA(m, x, x); },
+        [=](double ln_u) {
+          const double x = ln_u * factor;
+          return static_cast<int32_t>(x < largest ? x : largest);
+        });
+  });
+}
+
+}  // namespace
+}  // namespace qkr
+
+extern "C" {
+
+int32_t _vxsiRngUniform(int32_t, StreamState *stream, int32_t n, int32_t *out, int32_t a, int32_t b) {
+  return qkr::uniform_integers(stream, n, out, a, b);
+}
+
+int32_t _vxsiRngBernoulli(int32_t, StreamState *stream, int32_t n, int32_t *out, double p) {
+  return qkr::from_singles(
+      stream, n, out, [](int32_t, float *) {}, [=](double u) -> int32_t { return u >= p ? 0 : 1; });
+}
+
+int32_t _vxsiRngGeometric(int32_t, StreamState *stream, int32_t n, int32_t *out, double p) {
+  return qkr::geometric(stream, n, out, p);
+}
+
+}  // extern "C"

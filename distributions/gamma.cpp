@@ -1,0 +1,174 @@
+// Gamma numbers by rejection, the method chosen by the shape alpha; sources stand at each.
+#include <cstring>
+
+#include "distributions/chunks.h"
+#include "distributions/rejection.h"
+
+extern "C" {
+extern const double _vxsdGAMMATab[8];
+const double _vxsdGAMMATab[8] = {0.0, 1.0 / 3.0, 0.0331, 1.0, 0.5, 0.6, 6.283185307179586, qkr::ln_floor};
+}
+
+namespace qkr {
+namespace {
+
+// Two normal numbers of each of `count` pairs, at most 256, which are overwritten.
+template <class T>
+void _BoxMuller2(int32_t count, T *u1, T *u2, T *out) {
+  T sine[most_candidates / 2];
+  for (int32_t i = 0; i < count; ++i) u2[i] *= T(_vxsdGAMMATab[6]);
+  Precision<T>::sin_cos(count, u2, sine, u2);
+  radii(count, u1);
+  for (int32_t i = 0; i < count; ++i) {
+    out[2 * i] = u1[i] * sine[i];
+    out[2 * i + 1] = u1[i] * u2[i];
+  }
+}
+
+// A candidate not yet looked at: its acceptance uniform and its normal number.
+struct PendingCandidate {
+  double u, x;
+};
+constexpr double none = -1.0;
+constexpr uint32_t pending_candidate = 7;
+static_assert(sizeof(PendingCandidate) == 16, "in stream files too");
+
+template <class T>
+struct Candidates {
+  T u[most_candidates + 1], x[most_candidates + 1];
+
+  // m of them, an even number, from place `first` on. The words of the stream go two and two: part of a pair
+  // for Box and Muller, acceptance uniform.
+  int32_t draw(StreamState *stream, int32_t m, int32_t first) {
+    T words[2 * most_candidates], u1[most_candidates / 2], u2[most_candidates / 2];
+    const int32_t status = uniforms(stream, 2 * m, words);
+    if (status < 0) return status;
+    Precision<T>::pack(m / 2, words, 4, u1);
+    Precision<T>::pack(m / 2, words + 2, 4, u2);
+    Precision<T>::pack(m, words + 1, 2, u + first);
+    _BoxMuller2(m / 2, u1, u2, x + first);
+    return status;
+  }
+};
+
+// alpha > 1: d (1 + c x)^3 with x normal (G. Marsaglia and W. W. Tsang, ACM Transactions on Mathematical
+// Software 26 (2000) 363). Candidates come in twos. One that is left over is kept for the next call, so that
+// the split of n into calls does not matter.
+template <class T>
+int32_t _Marsaglia(StreamState *stream, int32_t n, T *out, T alpha) {
+  const T d = alpha - T(_vxsdGAMMATab[1]), c = sqrt(T(1) / (T(9) * alpha - T(3)));
+  PendingCandidate *pending;
+  int32_t status = find_or_add_chunk(stream, pending_candidate, PendingCandidate{none, 0.0}, &pending);
+  if (status < 0) return status;
+  Candidates<T> candidates;
+  int32_t held = 0;
+  if (pending->u >= 0.0) {
+    candidates.u[0] = T(pending->u);
+    candidates.x[0] = T(pending->x);
+    held = 1;
+    pending->u = none;
+  }
+
+  const auto accept = [&](T x, T u, T w) {
+    const T s = x * x;
+    if (u < T(1) - T(_vxsdGAMMATab[2]) * s * s) return true;
+    T logarithms[2] = {u, w};
+    Precision<T>::ln(2, logarithms, logarithms);
+    return logarithms[0] < T(0.5) * s + d * (logarithms[1] + T(1) - w);
+  };
+  for (int32_t done = 0; done < n;) {
+    const int32_t missing = n - done, wanted = missing - held;
+    const int32_t round = wanted < most_candidates ? missing : most_candidates;
+    const int32_t drawn = wanted < most_candidates ? wanted + (wanted & 1) : most_candidates;
+    if (drawn > 0) {
+      status = candidates.draw(stream, drawn, held);
+      if (status < 0) return status;
+    }
+    for (int32_t i = 0; i < round; ++i) {
+      const T x = candidates.x[i], v = c * x + T(1);
+      if (!(v > T(0))) continue;
+      const T w = v * v * v;
+      if (accept(x, candidates.u[i], w)) out[done++] = d * w;
+    }
+    held = held + drawn - round;
+    if (held) {
+      candidates.u[0] = candidates.u[round];
+      candidates.x[0] = candidates.x[round];
+    }
+  }
+  if (held) *pending = {candidates.u[0], candidates.x[0]};
+  return status;
+}
+
+// 0.6 <= alpha < 1: by rejection from a Weibull number (I. Vaduva, Mathematische Operationsforschung und
+// Statistik 8 (1977) 545).
+template <class T>
+int32_t _Vaduva(StreamState *stream, int32_t n, T *out, T alpha) {
+  const T c = T(1) / alpha, d = (T(1) - alpha) * exp(alpha * ln(alpha) / (T(1) - alpha));
+  T first[most_candidates], second[most_candidates], root[most_candidates];
+  const auto prepare = [&](int32_t m, T *pairs) {
+    Precision<T>::ln(2 * m, pairs, pairs);
+    negate(2 * m, pairs);
+    part_pairs(m, pairs, first);
+    memcpy(second, pairs, static_cast<size_t>(m) * sizeof(T));
+    Precision<T>::powx(m, first, c, root);
+  };
+  return by_rejection(stream, n, out, prepare, [&](int32_t i, T &x) {
+    x = root[i];
+    return second[i] + first[i] >= d + x;
+  });
+}
+
+// alpha < 0.6: by rejection from an exponential power number (J. Dagpunar, Principles of Random Variate
+// Generation, 1988).
+template <class T>
+int32_t _EPDTransform(StreamState *stream, int32_t n, T *out, T alpha) {
+  const T r = T(1) / alpha, k = T(1) - alpha;
+  T u[most_candidates], y[most_candidates], power[most_candidates], *logarithm;
+  const auto prepare = [&](int32_t m, T *pairs) {
+    part_pairs(m, pairs, u);
+    for (int32_t i = 0; i < m; ++i) y[i] = u[i] > k ? (T(1) - u[i]) * r : T(1);
+    Precision<T>::ln(m, y, y);
+    for (int32_t i = 0; i < m; ++i) power[i] = u[i] > k ? k - alpha * y[i] : u[i];
+    Precision<T>::powx(m, power, r, power);
+    Precision<T>::ln(m, pairs, pairs);
+    logarithm = pairs;
+  };
+  return by_rejection(stream, n, out, prepare, [&](int32_t i, T &x) {
+    x = power[i];
+    return x <= -y[i] - logarithm[i];
+  });
+}
+
+template <class T>
+int32_t standard_gamma(StreamState *stream, int32_t n, T *out, T alpha) {
+  if (alpha > T(1)) return _Marsaglia(stream, n, out, alpha);
+  if (alpha == T(1)) return Precision<T>::exponential(0, stream, n, out, T(0), T(1));
+  if (alpha >= T(_vxsdGAMMATab[5])) return _Vaduva(stream, n, out, alpha);
+  return _EPDTransform(stream, n, out, alpha);
+}
+
+template <class T>
+int32_t gamma(StreamState *stream, int32_t n, T *out, T alpha, T a, T beta) {
+  return with_finite_logarithms<T, _vxsdGAMMATab, ActsOn::singularities>([=] {
+    const int32_t status = standard_gamma(stream, n, out, alpha);
+    if (status >= 0) scale_at_least(n, out, beta, a);
+    return status;
+  });
+}
+
+}  // namespace
+}  // namespace qkr
+
+extern "C" {
+
+int32_t _vxsdRngGamma(int32_t, StreamState *stream, int32_t n, double *out, double alpha, double a,
+                      double beta) {
+  return qkr::gamma(stream, n, out, alpha, a, beta);
+}
+
+int32_t _vxssRngGamma(int32_t, StreamState *stream, int32_t n, float *out, float alpha, float a, float beta) {
+  return qkr::gamma(stream, n, out, alpha, a, beta);
+}
+
+}  // extern "C"

@@ -1,0 +1,136 @@
+// Normal numbers from pairs of uniform numbers, (u1, u2): sqrt(-2 ln u1) times the sine and, by the second
+// method, also the cosine of 2 pi u2 (G. E. P. Box and M. E. Muller, Annals of Mathematical Statistics 29
+// (1958) 610).
+#include "distributions/chunks.h"
+#include "distributions/internal.h"
+
+extern "C" {
+extern const double _vxsdGaussianTab[2];
+const double _vxsdGaussianTab[2] = {6.283185307179586, qkr::ln_floor};  // 2 pi
+}
+
+namespace qkr {
+namespace {
+
+constexpr int32_t block_pairs = 512;
+
+// u becomes 2 pi u.
+template <class T>
+void angles(int32_t n, T *u) {
+  for (int32_t i = 0; i < n; ++i) u[i] *= T(_vxsdGaussianTab[0]);
+}
+
+template <class T>
+int32_t one_of_each_pair(StreamState *stream, int32_t n, T *out, T a, T sigma) {
+  T pairs[2 * block_pairs];
+  const int32_t status = in_blocks<block_pairs>(n, [&, out](int32_t m, int32_t first) {
+    const int32_t drawn = uniforms(stream, 2 * m, pairs);
+    if (drawn < 0) return drawn;
+    T *x = out + first;
+    part_pairs(m, pairs, x);
+    angles(m, pairs);
+    Precision<T>::sin(m, pairs, pairs);
+    radii(m, x);
+    for (int32_t i = 0; i < m; ++i) x[i] *= pairs[i];
+    return drawn;
+  });
+  if (status >= 0) scale(n, out, sigma, a);
+  return status;
+}
+
+// The pair whose sine was the last output of the second method, untransformed, so that it serves any mean,
+// deviation and precision.
+struct PendingPair {
+  double u1, u2;
+};
+constexpr double none = -1.0;
+constexpr uint32_t pending_pair = 2;
+static_assert(sizeof(PendingPair) == 16, "in stream files too");
+
+// The cosine's half of the pending pair, which is used up in place.
+template <class T>
+T second_half(PendingPair &pending) {
+  T radius = T(pending.u1), cosine = T(pending.u2);
+  angles(1, &cosine);
+  Precision<T>::cos(1, &cosine, &cosine);
+  radii(1, &radius);
+  pending = {radius, cosine};
+  return radius * cosine;
+}
+
+// The sine's half of a new pair, which becomes pending.
+template <class T>
+int32_t first_half(StreamState *stream, PendingPair &pending, T &out) {
+  T pair[2];
+  const int32_t status = uniforms(stream, 2, pair);
+  if (status < 0) return status;
+  pending = {pair[0], pair[1]};
+  angles(1, pair + 1);
+  Precision<T>::sin(1, pair + 1, pair + 1);
+  radii(1, pair);
+  out = pair[0] * pair[1];
+  return status;
+}
+
+template <class T>
+int32_t whole_pairs(StreamState *stream, int32_t pairs, T *out) {
+  T u[2 * block_pairs], radius[block_pairs], cosine[block_pairs];
+  int32_t status = VXS_STATUS_OK;
+  for (; pairs > 0 && status >= 0; pairs -= block_pairs, out += 2 * block_pairs) {
+    const int32_t m = pairs < block_pairs ? pairs : block_pairs;
+    status = uniforms(stream, 2 * m, u);
+    if (status < 0) break;
+    part_pairs(m, u, radius);
+    angles(m, u);
+    Precision<T>::sin_cos(m, u, u, cosine);
+    radii(m, radius);
+    for (int32_t i = 0; i < m; ++i) {
+      out[2 * i] = u[i] * radius[i];
+      out[2 * i + 1] = cosine[i] * radius[i];
+    }
+  }
+  return status;
+}
+
+template <class T>
+int32_t both_of_each_pair(StreamState *stream, int32_t n, T *out, T a, T sigma) {
+  PendingPair *pending;
+  int32_t status = find_or_add_chunk(stream, pending_pair, PendingPair{none, none}, &pending);
+  if (status < 0) return status;
+  T *next = out;
+  if (pending->u1 != none) *next++ = second_half<T>(*pending);
+  const int32_t missing = n - static_cast<int32_t>(next - out);
+  status = whole_pairs(stream, missing >> 1, next);
+  if (status < 0) return status;
+  if (missing & 1) {
+    T last;
+    status = first_half(stream, *pending, last);
+    if (status < 0) return status;
+    if (missing > 0) next[missing - 1] = last;
+  } else {
+    *pending = {none, none};
+  }
+  scale(n, out, sigma, a);
+  return status;
+}
+
+}  // namespace
+}  // namespace qkr
+
+#define ENTRIES(letter, T)                                                                                  \
+  extern "C" {                                                                                              \
+  int32_t _v##letter##RngGaussianBoxMuller(StreamState *stream, int32_t n, T *out, T a, T sigma) {          \
+    return qkr::one_of_each_pair(stream, n, out, a, sigma);                                                 \
+  }                                                                                                         \
+  int32_t _v##letter##RngGaussianBoxMuller2(StreamState *stream, int32_t n, T *out, T a, T sigma) {         \
+    return qkr::both_of_each_pair(stream, n, out, a, sigma);                                                \
+  }                                                                                                         \
+  int32_t _vxs##letter##RngGaussian(int32_t method, StreamState *stream, int32_t n, T *out, T a, T sigma) { \
+    static constexpr decltype(&_v##letter##RngGaussianBoxMuller) kernels[] = {                              \
+        _v##letter##RngGaussianBoxMuller, _v##letter##RngGaussianBoxMuller2};                               \
+    return qkr::with_finite_logarithms<T, _vxsdGaussianTab, qkr::ActsOn::singularities>(                    \
+        [=] { return kernels[method](stream, n, out, a, sigma); });                                         \
+  }                                                                                                         \
+  }
+ENTRIES(d, double)
+ENTRIES(s, float)

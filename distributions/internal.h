@@ -1,0 +1,166 @@
+// What the distributions share: the functions of either precision under one name, the bracket that keeps
+// logarithms finite, and the road from a request to blocks of uniform numbers.
+#pragma once
+
+#include <qkr/distributions.h>
+#include <qkr/vecmath.h>
+#include <type_traits>
+
+namespace qkr {
+
+// The functions that a distribution calls, for one source in both precisions.
+template <class T>
+struct Precision;
+
+#define QKR_PRECISION(letter, T)                                       \
+  template <>                                                          \
+  struct Precision<T> {                                                \
+    static constexpr auto &uniform = _vxs##letter##RngUniform;         \
+    static constexpr auto &exponential = _vxs##letter##RngExponential; \
+    static constexpr auto &gaussian = _vxs##letter##RngGaussian;       \
+    static constexpr auto &ln = _vxm##letter##Ln_HA;                   \
+    static constexpr auto &exp = _vxm##letter##Exp_HA;                 \
+    static constexpr auto &sqrt = _vxm##letter##Sqrt_HA;               \
+    static constexpr auto &sin = _vxm##letter##Sin_HA;                 \
+    static constexpr auto &cos = _vxm##letter##Cos_HA;                 \
+    static constexpr auto &sin_cos = _vxm##letter##SinCos_HA;          \
+    static constexpr auto &tan = _vxm##letter##Tan_HA;                 \
+    static constexpr auto &pow = _vxm##letter##Pow_HA;                 \
+    static constexpr auto &powx = _vxm##letter##Powx_HA;               \
+    static constexpr auto &pack = _vxm##letter##PackI;                 \
+  };
+QKR_PRECISION(d, double)
+QKR_PRECISION(s, float)
+#undef QKR_PRECISION
+
+// Functions of one number, with the bits of the vector functions.
+template <class T>
+inline T ln(T x) {
+  Precision<T>::ln(1, &x, &x);
+  return x;
+}
+template <class T>
+inline T exp(T x) {
+  Precision<T>::exp(1, &x, &x);
+  return x;
+}
+template <class T>
+inline T sqrt(T x) {
+  Precision<T>::sqrt(1, &x, &x);
+  return x;
+}
+template <class T>
+inline T power(T x, T exponent) {
+  Precision<T>::powx(1, &x, exponent, &x);
+  return x;
+}
+
+// What stands in for ln 0: the logarithm of the smallest positive number. In double precision it is the last
+// element of a distribution's table.
+constexpr double ln_floor = -744.4400719213812;
+constexpr double single_ln_floor = -103.2789306640625;
+
+enum class ActsOn { every_error, singularities };
+
+template <ActsOn acts_on>
+inline int32_t put_floor(VxmErrorContext *record, double floor) {
+  if (acts_on == ActsOn::every_error || record->iCode == VXM_STATUS_SING) record->dbR1 = record->dbR2 = floor;
+  return 0;
+}
+template <const auto &table, ActsOn acts_on>
+int32_t _vdLnCallBack(VxmErrorContext *record) {
+  return put_floor<acts_on>(record, table[sizeof(table) / sizeof(double) - 1]);
+}
+template <ActsOn acts_on>
+int32_t _vsLnCallBack(VxmErrorContext *record) {
+  return put_floor<acts_on>(record, single_ln_floor);
+}
+
+// Runs `work`, which returns a status, under an error callback instead of the thread's error policy.
+template <class Work>
+inline int32_t under_callback(VxmErrorCallBack callback, Work work) {
+  const VxmMode mode = _vxmSetMode(VXM_MODE_CALLBACK);
+  const VxmErrorCallBack previous = _vxmSetErrorCallBack(callback);
+  const int32_t status = work();
+  _vxmSetErrorCallBack(previous);
+  _vxmSetMode(mode);
+  return status;
+}
+
+// The same with the callback of precision T.
+template <class T, const auto &table, ActsOn acts_on, class Work>
+inline int32_t with_finite_logarithms(Work work) {
+  if constexpr (std::is_same_v<T, double>) return under_callback(_vdLnCallBack<table, acts_on>, work);
+  else return under_callback(_vsLnCallBack<acts_on>, work);
+}
+
+// `work(m, first)` for the elements first to first + m - 1 in turn, few enough to stay in the first-level
+// cache from one vector function to the next.
+template <class Work>
+inline void in_stretches(int32_t n, Work work) {
+  constexpr int32_t longest = 1024;
+  for (int32_t first = 0; first < n; first += longest) work(n - first < longest ? n - first : longest, first);
+}
+
+// `work(m, first)` for blocks of `size`, then for the rest, even if that is 0. Ends with the first negative
+// status, and returns the last one.
+template <int32_t size, class Work>
+inline int32_t in_blocks(int32_t n, Work work) {
+  int32_t first = 0;
+  for (; n - first >= size; first += size) {
+    const int32_t status = work(size, first);
+    if (status < 0) return status;
+  }
+  return work(n - first, first);
+}
+
+template <class T>
+inline int32_t uniforms(StreamState *stream, int32_t n, T *out) {
+  return Precision<T>::uniform(0, stream, n, out, T(0), T(1));
+}
+
+// Parts m pairs: the first of each go to `firsts`, the second to the head of `pairs`.
+template <class T>
+inline void part_pairs(int32_t m, T *pairs, T *firsts) {
+  Precision<T>::pack(m, pairs, 2, firsts);
+  Precision<T>::pack(m, pairs + 1, 2, pairs);
+}
+
+template <class T>
+inline void negate(int32_t n, T *x) {
+  for (int32_t i = 0; i < n; ++i) x[i] = -x[i];
+}
+
+template <class T>
+inline void scale(int32_t n, T *x, T factor, T displacement) {
+  for (int32_t i = 0; i < n; ++i) x[i] = x[i] * factor + displacement;
+}
+
+// NaN becomes the lower bound.
+template <class T>
+inline T at_least(T x, T lower) {
+  return x >= lower ? x : lower;
+}
+
+template <class T>
+inline void scale_at_least(int32_t n, T *x, T factor, T lower) {
+  for (int32_t i = 0; i < n; ++i) x[i] = at_least(x[i] * factor + lower, lower);
+}
+
+template <class T>
+inline void bound(int32_t n, T *x, T lower, T upper) {
+  for (int32_t i = 0; i < n; ++i) {
+    const T t = at_least(x[i], lower);
+    x[i] = t > upper ? upper : t;
+  }
+}
+
+// u becomes sqrt(-2 ln u), the radius of two normal numbers.
+template <class T>
+inline void radii(int32_t n, T *u) {
+  Precision<T>::ln(n, u, u);
+  for (int32_t i = 0; i < n; ++i) u[i] = T(0) - (u[i] + u[i]);
+  Precision<T>::sqrt(n, u, u);
+}
+
+}  // namespace qkr

@@ -1,0 +1,122 @@
+// Distributions whose quantile function is elementary: each number is that function of one uniform number
+// (L. Devroye, Non-Uniform Random Variate Generation, 1986, chapter 2); Lognormal, of one normal number.
+#include "distributions/internal.h"
+
+extern "C" {
+extern const double _vxsdExponentialTab[1], _vxsdGumbelTab[1], _vxsdRayleighTab[1], _vxsdWeibullTab[1];
+extern const double _vxsdCauchyTab[2];
+const double _vxsdExponentialTab[1] = {qkr::ln_floor};
+const double _vxsdGumbelTab[1] = {qkr::ln_floor};
+const double _vxsdRayleighTab[1] = {qkr::ln_floor};
+const double _vxsdWeibullTab[1] = {qkr::ln_floor};
+const double _vxsdCauchyTab[2] = {1.5707963267948966, -1.5707963267948966};  // pi / 2, -pi / 2
+}
+
+namespace qkr {
+namespace {
+
+template <class T>
+int32_t exponential(StreamState *stream, int32_t n, T *out, T a, T beta) {
+  return with_finite_logarithms<T, _vxsdExponentialTab, ActsOn::every_error>([=] {
+    const int32_t status = uniforms(stream, n, out);
+    if (status < 0) return status;
+    in_stretches(n, [=](int32_t m, int32_t first) {
+      T *x = out + first;
+      Precision<T>::ln(m, x, x);
+      for (int32_t i = 0; i < m; ++i) x[i] = at_least(a - x[i] * beta, a);
+    });
+    return status;
+  });
+}
+
+template <class T>
+int32_t gumbel(StreamState *stream, int32_t n, T *out, T a, T beta) {
+  return with_finite_logarithms<T, _vxsdGumbelTab, ActsOn::every_error>([=] {
+    const int32_t status = Precision<T>::exponential(0, stream, n, out, T(0), T(1));
+    if (status < 0) return status;
+    in_stretches(n, [=](int32_t m, int32_t first) {
+      Precision<T>::ln(m, out + first, out + first);
+      scale(m, out + first, beta, a);
+    });
+    return status;
+  });
+}
+
+// a + beta root(-ln u)
+template <class T, const auto &table, class Root>
+int32_t root_of_exponential(StreamState *stream, int32_t n, T *out, T a, T beta, Root root) {
+  return with_finite_logarithms<T, table, ActsOn::singularities>([=] {
+    const int32_t status = uniforms(stream, n, out);
+    if (status < 0) return status;
+    in_stretches(n, [=](int32_t m, int32_t first) {
+      T *x = out + first;
+      Precision<T>::ln(m, x, x);
+      negate(m, x);
+      root(m, x);
+      scale_at_least(m, x, beta, a);
+    });
+    return status;
+  });
+}
+
+template <class T>
+int32_t rayleigh(StreamState *stream, int32_t n, T *out, T a, T beta) {
+  return root_of_exponential<T, _vxsdRayleighTab>(stream, n, out, a, beta,
+                                                  [](int32_t m, T *x) { Precision<T>::sqrt(m, x, x); });
+}
+
+template <class T>
+int32_t weibull(StreamState *stream, int32_t n, T *out, T alpha, T a, T beta) {
+  return root_of_exponential<T, _vxsdWeibullTab>(
+      stream, n, out, a, beta, [=](int32_t m, T *x) { Precision<T>::powx(m, x, T(1) / alpha, x); });
+}
+
+template <class T>
+int32_t cauchy(StreamState *stream, int32_t n, T *out, T a, T beta) {
+  const int32_t status = Precision<T>::uniform(0, stream, n, out, T(_vxsdCauchyTab[1]), T(_vxsdCauchyTab[0]));
+  if (status < 0) return status;
+  in_stretches(n, [=](int32_t m, int32_t first) {
+    Precision<T>::tan(m, out + first, out + first);
+    scale(m, out + first, beta, a);
+  });
+  return status;
+}
+
+template <class T>
+int32_t lognormal(StreamState *stream, int32_t n, T *out, T a, T sigma, T b, T beta) {
+  const int32_t status = Precision<T>::gaussian(1, stream, n, out, a, sigma);
+  if (status < 0) return status;
+  in_stretches(n, [=](int32_t m, int32_t first) {
+    Precision<T>::exp(m, out + first, out + first);
+    scale_at_least(m, out + first, beta, b);
+  });
+  return status;
+}
+
+}  // namespace
+}  // namespace qkr
+
+#define ENTRIES(letter, T)                                                                                  \
+  extern "C" {                                                                                              \
+  int32_t _vxs##letter##RngExponential(int32_t, StreamState *stream, int32_t n, T *out, T a, T beta) {      \
+    return qkr::exponential(stream, n, out, a, beta);                                                       \
+  }                                                                                                         \
+  int32_t _vxs##letter##RngGumbel(int32_t, StreamState *stream, int32_t n, T *out, T a, T beta) {           \
+    return qkr::gumbel(stream, n, out, a, beta);                                                            \
+  }                                                                                                         \
+  int32_t _vxs##letter##RngRayleigh(int32_t, StreamState *stream, int32_t n, T *out, T a, T beta) {         \
+    return qkr::rayleigh(stream, n, out, a, beta);                                                          \
+  }                                                                                                         \
+  int32_t _vxs##letter##RngWeibull(int32_t, StreamState *stream, int32_t n, T *out, T alpha, T a, T beta) { \
+    return qkr::weibull(stream, n, out, alpha, a, beta);                                                    \
+  }                                                                                                         \
+  int32_t _vxs##letter##RngCauchy(int32_t, StreamState *stream, int32_t n, T *out, T a, T beta) {           \
+    return qkr::cauchy(stream, n, out, a, beta);                                                            \
+  }                                                                                                         \
+  int32_t _vxs##letter##RngLognormal(int32_t, StreamState *stream, int32_t n, T *out, T a, T sigma, T b,    \
+                                     T beta) {                                                              \
+    return qkr::lognormal(stream, n, out, a, sigma, b, beta);                                               \
+  }                                                                                                         \
+  }
+ENTRIES(d, double)
+ENTRIES(s, float)

@@ -1,0 +1,44 @@
+// Laplace: an exponential number with a random sign.
+#include "distributions/internal.h"
+
+extern "C" {
+extern const double _vxsdLaplaceTab[2];
+const double _vxsdLaplaceTab[2] = {0.5, qkr::ln_floor};
+}
+
+namespace qkr {
+namespace {
+
+constexpr int32_t block = 1024;
+
+template <class T>
+int32_t laplace(StreamState *stream, int32_t n, T *out, T a, T beta) {
+  const T half = T(_vxsdLaplaceTab[0]), minus_beta = T(0) - beta;
+  return with_finite_logarithms<T, _vxsdLaplaceTab, ActsOn::every_error>([=] {
+    T pairs[2 * block];
+    return in_blocks<block>(n, [&, out](int32_t m, int32_t first) {
+      const int32_t status = uniforms(stream, 2 * m, pairs);
+      if (status < 0) return status;
+      T *x = out + first;
+      part_pairs(m, pairs, x);
+      Precision<T>::ln(m, x, x);
+      for (int32_t i = 0; i < m; ++i) x[i] = x[i] * (pairs[i] > half ? beta : minus_beta) + a;
+      return status;
+    });
+  });
+}
+
+}  // namespace
+}  // namespace qkr
+
+extern "C" {
+
+int32_t _vxsdRngLaplace(int32_t, StreamState *stream, int32_t n, double *out, double a, double beta) {
+  return qkr::laplace(stream, n, out, a, beta);
+}
+
+int32_t _vxssRngLaplace(int32_t, StreamState *stream, int32_t n, float *out, float a, float beta) {
+  return qkr::laplace(stream, n, out, a, beta);
+}
+
+}  // extern "C"

@@ -1,0 +1,217 @@
+/** @file
+ * Random distributions: arrays of random numbers from a stream.
+ *
+ * Common to all functions here, unless told otherwise:
+ * - `_vxsdRng...` gives doubles, `_vxssRng...` floats, `_vxsiRng...` 32-bit integers. The two real forms take
+ *   the same steps, each in its own precision throughout.
+ * - `method` is ignored; pass 0. `stream` is read and moved on, by one thread at a time. `n` numbers, 0 or
+ *   more, go to `out`, which must not overlap the stream. The parameters of the distribution follow.
+ *   No argument is checked.
+ * - The result is the status of the stream's generator: VXS_STATUS_OK for those of the library. A negative
+ *   status of a user's generator ends the call at once, with `out` unfinished.
+ * - u, u1, u2 below are uniform numbers over [0, 1) in the order of the stream. Some generators yield 0 and,
+ *   after rounding, 1. The logarithm of 0 is then taken as -744.4400719213812 (floats: -103.2789306640625),
+ *   that of the smallest positive number, so that `out` stays finite. The error policy of vector math that
+ *   the caller has set is put aside for that and restored.
+ * - Splitting a request of n1 + n2 numbers into two calls changes nothing.
+ *
+ * Example: a thousand normal numbers with mean 5 and deviation 2.
+ *
+ *     StreamState *stream = NULL;
+ *     uint32_t seed = 777;
+ *     double numbers[1000];
+ *     int32_t status = __vxsNewStreamEx(&stream, 0x800000, 1, &seed);
+ *     if (status == VXS_STATUS_OK) status = _vxsdRngGaussian(1, stream, 1000, numbers, 5.0, 2.0);
+ *     __vxsDeleteStream(&stream); */
+#ifndef QKR_DISTRIBUTIONS_H
+#define QKR_DISTRIBUTIONS_H
+
+#include <qkr/api.h>
+#include <qkr/streams.h>
+
+QKR_BEGIN_DECLS
+
+enum {
+  VXS_METHOD_ACCURATE = 0x40000000 /**< method of Uniform and Beta: the bounds hold in spite of rounding */
+};
+
+/** @name Uniform
+ * Uniform over [a, b). The rounding of some generators lets a few numbers leave the interval; with
+ * VXS_METHOD_ACCURATE in `method`, what is below a becomes a, and what is above b becomes b. */
+/**@{*/
+QKR_API int32_t _vxsdRngUniform(int32_t method, StreamState *stream, int32_t n, double *out, double a,
+                                double b);
+QKR_API int32_t _vxssRngUniform(int32_t method, StreamState *stream, int32_t n, float *out, float a, float b);
+/**@}*/
+
+/** @name Exponential
+ * Exponential of scale beta, displaced to begin at a: a - beta ln u, at least a. Inversion. */
+/**@{*/
+QKR_API int32_t _vxsdRngExponential(int32_t method, StreamState *stream, int32_t n, double *out, double a,
+                                    double beta);
+QKR_API int32_t _vxssRngExponential(int32_t method, StreamState *stream, int32_t n, float *out, float a,
+                                    float beta);
+/**@}*/
+
+/** @name Laplace
+ * Laplace of mean a and scale beta: a + beta ln u1 if u2 > 1/2, else a - beta ln u1. */
+/**@{*/
+QKR_API int32_t _vxsdRngLaplace(int32_t method, StreamState *stream, int32_t n, double *out, double a,
+                                double beta);
+QKR_API int32_t _vxssRngLaplace(int32_t method, StreamState *stream, int32_t n, float *out, float a,
+                                float beta);
+/**@}*/
+
+/** @name Weibull
+ * Weibull of shape alpha and scale beta, displaced to begin at a: a + beta (-ln u)^(1 / alpha), at least a.
+ * Inversion. A very small alpha overflows to infinity. */
+/**@{*/
+QKR_API int32_t _vxsdRngWeibull(int32_t method, StreamState *stream, int32_t n, double *out, double alpha,
+                                double a, double beta);
+QKR_API int32_t _vxssRngWeibull(int32_t method, StreamState *stream, int32_t n, float *out, float alpha,
+                                float a, float beta);
+/**@}*/
+
+/** @name Cauchy
+ * Cauchy of location a and scale beta: a + beta tan v, v uniform over [-pi/2, pi/2). Inversion. */
+/**@{*/
+QKR_API int32_t _vxsdRngCauchy(int32_t method, StreamState *stream, int32_t n, double *out, double a,
+                               double beta);
+QKR_API int32_t _vxssRngCauchy(int32_t method, StreamState *stream, int32_t n, float *out, float a,
+                               float beta);
+/**@}*/
+
+/** @name Rayleigh
+ * Rayleigh, displaced to begin at a: a + beta sqrt(-ln u), at least a. Inversion. The deviation sigma of the
+ * two normal components is beta / sqrt(2). */
+/**@{*/
+QKR_API int32_t _vxsdRngRayleigh(int32_t method, StreamState *stream, int32_t n, double *out, double a,
+                                 double beta);
+QKR_API int32_t _vxssRngRayleigh(int32_t method, StreamState *stream, int32_t n, float *out, float a,
+                                 float beta);
+/**@}*/
+
+/** @name Lognormal
+ * b + beta e^g, at least b, with g normal of mean a and deviation sigma, made by method 1 of Gaussian, with
+ * whose calls it shares the number held over. VXS_STATUS_NO_MEMORY as there. */
+/**@{*/
+QKR_API int32_t _vxsdRngLognormal(int32_t method, StreamState *stream, int32_t n, double *out, double a,
+                                  double sigma, double b, double beta);
+QKR_API int32_t _vxssRngLognormal(int32_t method, StreamState *stream, int32_t n, float *out, float a,
+                                  float sigma, float b, float beta);
+/**@}*/
+
+/** @name Gumbel
+ * Gumbel of location a and scale beta, with the long tail to the left: a + beta ln(-ln u). Inversion. */
+/**@{*/
+QKR_API int32_t _vxsdRngGumbel(int32_t method, StreamState *stream, int32_t n, double *out, double a,
+                               double beta);
+QKR_API int32_t _vxssRngGumbel(int32_t method, StreamState *stream, int32_t n, float *out, float a,
+                               float beta);
+/**@}*/
+
+/** @name Gaussian
+ * Normal of mean a and deviation sigma, by the transform of G. E. P. Box and M. E. Muller, Annals of
+ * Mathematical Statistics 29 (1958) 610.
+ *
+ * | method | numbers                                                                          |
+ * |--------|----------------------------------------------------------------------------------|
+ * | 0      | sqrt(-2 ln u1) sin(2 pi u2), one for each pair                                   |
+ * | 1      | that, then sqrt(-2 ln u1) cos(2 pi u2): two for each pair, and the faster method |
+ *
+ * Method 1 holds an unfinished pair over to its next call on the same stream, in either precision; n must not
+ * be 0 then. It returns VXS_STATUS_NO_MEMORY if there is no room for that, with nothing drawn. */
+/**@{*/
+QKR_API int32_t _vxsdRngGaussian(int32_t method, StreamState *stream, int32_t n, double *out, double a,
+                                 double sigma);
+QKR_API int32_t _vxssRngGaussian(int32_t method, StreamState *stream, int32_t n, float *out, float a,
+                                 float sigma);
+/**@}*/
+
+/** @name GaussianMV
+ * `n` vectors of `d` elements each, mean + T z, with z independent standard normal numbers made by `method`
+ * of Gaussian: normal with covariance T T'. T is lower triangular, the Cholesky factor of the covariance:
+ *
+ * | mstorage | T[j][i], i <= j, stands at                                               |
+ * |----------|--------------------------------------------------------------------------|
+ * | 0        | t[j * d + i]: the full matrix by rows; what is above the diagonal is not read |
+ * | 1        | the lower triangle column after column                                   |
+ * | 2        | t[j], T being diagonal                                                   |
+ * | other    | T is taken for the unit matrix and mean for 0                            |
+ *
+ * For d = 1, T is t[0], whatever `mstorage` is. VXS_STATUS_NO_MEMORY leaves z in `out`, or nothing if
+ * it comes from Gaussian. */
+/**@{*/
+QKR_API int32_t _vxsdRngGaussianMV(int32_t method, StreamState *stream, int32_t n, double *out, int32_t d,
+                                   int32_t mstorage, const double *mean, const double *t);
+QKR_API int32_t _vxssRngGaussianMV(int32_t method, StreamState *stream, int32_t n, float *out, int32_t d,
+                                   int32_t mstorage, const float *mean, const float *t);
+/**@}*/
+
+/** @name Gamma
+ * Gamma of shape alpha and scale beta, displaced to begin at a; at least a.
+ *
+ * | alpha        | method               |
+ * |--------------|----------------------|
+ * | above 1      | Marsaglia and Tsang  |
+ * | 1            | Exponential          |
+ * | from 0.6 on  | Vaduva               |
+ * | below 0.6    | exponential power    |
+ *
+ * G. Marsaglia and W. W. Tsang, ACM Transactions on Mathematical Software 26 (2000) 363; I. Vaduva,
+ * Mathematische Operationsforschung und Statistik 8 (1977) 545; J. Dagpunar, Principles of Random Variate
+ * Generation (1988).
+ *
+ * Above 1, a candidate not yet looked at is held over to the next call on the same stream, in either
+ * precision; VXS_STATUS_NO_MEMORY if there is no room for it, with nothing drawn. */
+/**@{*/
+QKR_API int32_t _vxsdRngGamma(int32_t method, StreamState *stream, int32_t n, double *out, double alpha,
+                              double a, double beta);
+QKR_API int32_t _vxssRngGamma(int32_t method, StreamState *stream, int32_t n, float *out, float alpha,
+                              float a, float beta);
+/**@}*/
+
+/** @name Beta
+ * Beta of shapes p and q, stretched over [a, a + beta].
+ *
+ * | p       | q       | method                                                  |
+ * |---------|---------|---------------------------------------------------------|
+ * | below 1 | below 1 | Johnk if both are small, else Atkinson and Whittaker    |
+ * | below 1 | above 1 | Atkinson and Whittaker                                  |
+ * | above 1 | below 1 | Atkinson and Whittaker, with p and q exchanged          |
+ * | above 1 | above 1 | Cheng                                                   |
+ * | other   | 1       | u^(1 / p)                                               |
+ * | 1       | any     | 1 - u^(1 / q)                                           |
+ *
+ * M. D. Johnk, Metrika 8 (1964) 5; A. C. Atkinson and J. Whittaker, Journal of the Royal Statistical Society
+ * A 139 (1976) 462; R. C. H. Cheng, algorithm BB, Communications of the ACM 21 (1978) 317.
+ *
+ * Where both shapes are below 1 or both above, rounding may lead out of the interval; with
+ * VXS_METHOD_ACCURATE in `method` it does not. */
+/**@{*/
+QKR_API int32_t _vxsdRngBeta(int32_t method, StreamState *stream, int32_t n, double *out, double p, double q,
+                             double a, double beta);
+QKR_API int32_t _vxssRngBeta(int32_t method, StreamState *stream, int32_t n, float *out, float p, float q,
+                             float a, float beta);
+/**@}*/
+
+/** Whole numbers, uniform over a to b - 1: the floor of Uniform over [a, b) in double precision. b itself can
+ * come out where the generator's numbers round up to it. */
+QKR_API int32_t _vxsiRngUniform(int32_t method, StreamState *stream, int32_t n, int32_t *out, int32_t a,
+                                int32_t b);
+
+/** The generator's own integers: `n` words of WordSize bytes each (4; MCG59: 8, WH: 16).
+ * VXS_STATUS_OTHER_TYPE for abstract streams of reals. */
+QKR_API int32_t _vxsiRngUniformBits(int32_t method, StreamState *stream, int32_t n, uint32_t *out);
+
+/** 1 with probability p, else 0: whether a single-precision u is below p. */
+QKR_API int32_t _vxsiRngBernoulli(int32_t method, StreamState *stream, int32_t n, int32_t *out, double p);
+
+/** The number of failures before the first success, where p, above 0 and below 1, is the probability of
+ * success: the whole part of ln u / ln(1 - p), with ln u in single precision; 2147483647 where that is
+ * larger. Inversion. */
+QKR_API int32_t _vxsiRngGeometric(int32_t method, StreamState *stream, int32_t n, int32_t *out, double p);
+
+QKR_END_DECLS
+
+#endif

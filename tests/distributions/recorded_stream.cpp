@@ -1,0 +1,52 @@
+#include "tests/distributions/recorded_stream.h"
+
+#include <qkr/streams.h>
+#include <random>
+
+namespace qkr::tests {
+
+Recording recording;
+
+namespace {
+
+template <class T>
+int32_t draw(StreamState *, int32_t n, T *out, T a, T b) {
+  if (recording.until_failure > 0 && --recording.until_failure == 0) return recorded_failure;
+  for (int32_t i = 0; i < n; ++i)
+    out[i] = T(recording.numbers.at(recording.next++ % recording.numbers.size())) * (b - a) + a;
+  return VXS_STATUS_OK;
+}
+
+int32_t draw_words(StreamState *, int32_t n, uint32_t *out) {
+  if (recording.until_failure > 0 && --recording.until_failure == 0) return recorded_failure;
+  for (int32_t i = 0; i < n; ++i)
+    out[i] =
+        static_cast<uint32_t>(recording.numbers.at(recording.next++ % recording.numbers.size()) * 0x1p31);
+  return VXS_STATUS_OK;
+}
+
+int32_t init(int32_t, StreamState *, int32_t, const void *) { return VXS_STATUS_OK; }
+
+uint32_t registered() {
+  const BrngRecord record = {24, 1, 1, 4, 32, init, draw<float>, draw<double>, draw_words};
+  const int32_t id = __vxsRegisterBrng(&record);
+  EXPECT_GT(id, 0);
+  const double special[] = {0.0, 0x1p-59, 0x1p-32, 0.5, 0.5 + 0x1p-53, 0x1p-1, 1 - 0x1p-53, 1.0};
+  std::mt19937_64 random(20261121);
+  for (int i = 0; i < 60000; ++i) {
+    const uint64_t word = random();
+    recording.numbers.push_back(word % 32 ? static_cast<double>(word >> 11) * 0x1p-53 : special[word >> 61]);
+  }
+  return static_cast<uint32_t>(id);
+}
+
+}  // namespace
+
+Stream recorded_stream() {
+  static const uint32_t id = registered();
+  recording.next = 0;
+  recording.until_failure = 0;
+  return new_stream(id, {1});
+}
+
+}  // namespace qkr::tests

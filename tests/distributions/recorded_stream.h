@@ -1,0 +1,31 @@
+// A generator that replays recorded numbers, among them all that are awkward, and that fails when it is told.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "tests/streams/stream.h"
+
+namespace qkr::tests {
+
+struct Recording {
+  std::vector<double> numbers;
+  size_t next = 0;
+  int until_failure = 0;  // the draw that fails: 1 is the next; 0: none
+};
+extern Recording recording;
+
+constexpr int32_t recorded_failure = -77;
+
+// A stream that draws from `recording`, all of which is read again from the start.
+Stream recorded_stream();
+
+// Reads the same numbers in the same precision, for the references.
+template <class T>
+struct Cursor {
+  size_t next = 0;
+  T given = 0;  // what the library made of the numbers that follow
+  T operator()(T a = 0, T b = 1) { return T(recording.numbers.at(next++)) * (b - a) + a; }
+};
+
+}  // namespace qkr::tests
