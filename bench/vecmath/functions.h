@@ -26,7 +26,7 @@ struct Inputs {
   const char *first = nullptr, *second = nullptr;  // C names of the parts of a function of two results
   long double (*exact)(long double, long double) = nullptr;  // where C has no such function
   Integers integers = Integers::none;
-  double hard = 0;  // accuracy is also judged around this input
+  double hard = 0;               // accuracy is also judged around this input
   const char *library = "libm";  // that has the function for one number
 };
 

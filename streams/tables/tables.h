@@ -1,5 +1,5 @@
-// Tables of the basic generators, made by the generators in tools/tables, whose opening comments give the rule
-// of the rows.
+// Tables of the basic generators, made by the generators in tools/tables, whose opening comments give the
+// rule of the rows.
 #pragma once
 
 #include <stdint.h>
@@ -18,8 +18,8 @@ extern const double _vxsdWH_IM_Tab[wh_members][4];
 extern const uint32_t _vxs_mt2203_table[mt2203_members][3];
 
 // Polynomials over GF(2) are words, bit i being the coefficient of x^i.
-// Sobol: primitive polynomials of dimensions 2 to 40 and a zero, their degrees, and the values that each dimension
-// starts from, as many as the degree; the rest of a row follows from them.
+// Sobol: primitive polynomials of dimensions 2 to 40 and a zero, their degrees, and the values that each
+// dimension starts from, as many as the degree; the rest of a row follows from them.
 extern const uint32_t uSobolIrredPoly[40];
 extern const int32_t iSobolIrredPolyDeg[40];
 extern const uint32_t uSobolMInit[39][8];
@@ -28,7 +28,8 @@ extern const uint32_t uSobolMInit[39][8];
 extern const uint32_t uNiederrIrredPoly[320];
 extern const int32_t iNiederrIrredPolyDeg[320];
 
-// Row k: r about 1 / (1 + (k + 1/2)/256), a multiple of 2^-16; and -ln(r), as a multiple of 2^-42 and the rest.
+// Row k: r about 1 / (1 + (k + 1/2)/256), a multiple of 2^-16; and -ln(r), as a multiple of 2^-42 and the
+// rest.
 extern const double __libm_rcp_table_256[256];
 extern const double __libm_log_table_256[256][2];
 // Row k: A2 * m^2 + A1 * m + A0 is about 1 / sqrt(m) for 1 + k/128 <= m <= 1 + (k + 1)/128.

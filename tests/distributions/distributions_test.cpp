@@ -66,6 +66,7 @@ int32_t ignore(VxmErrorContext *) { return 1; }
 
 TYPED_TEST(Distributions, PassOnTheFailureOfAGenerator) {
   using T = TypeParam;
+  make_cells_of_thread();
   // A callback that is switched off: it stays so only if it is restored before the mode.
   _vxmSetErrorCallBack(ignore);
   const VxmMode mode = _vxmSetMode(VXM_MODE_EXCEPT | 1), own_mode = _vxmGetMode();
@@ -91,9 +92,8 @@ TYPED_TEST(Distributions, PassOnTheFailureOfAGenerator) {
 TYPED_TEST(Distributions, ReportMemoryThatRunsOut) {
   using T = TypeParam;
   std::vector<T> numbers(9);
-  recorded_stream();
+  make_cells_of_thread();
   for (const Row<T> &row : all_rows<T>()) {
-    row.draw(recorded_stream().get(), 9, numbers.data());  // the thread's cells are there
     const uint32_t id = recorded_stream()->brng;
     const int allocated = fail_each_allocation([&] {
       StreamState *stream = nullptr;

@@ -152,6 +152,7 @@ TEST(GaussianMV, IsMeanPlusFactorTimesNormal) {
 }
 
 TEST(GaussianMV, ReportsMemoryThatRunsOut) {
+  make_cells_of_thread();
   const double mean[2] = {1, 2}, t[] = {1, 2, 3, 4};
   double x[2];
   const uint32_t id = recorded_stream()->brng;

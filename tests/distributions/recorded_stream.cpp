@@ -1,6 +1,7 @@
 #include "tests/distributions/recorded_stream.h"
 
 #include <qkr/streams.h>
+#include <qkr/vecmath_control.h>
 #include <random>
 
 namespace qkr::tests {
@@ -47,6 +48,13 @@ Stream recorded_stream() {
   recording.next = 0;
   recording.until_failure = 0;
   return new_stream(id, {1});
+}
+
+void make_cells_of_thread() {
+  _vxmGetMode();
+  _vxmGetErrStatus();
+  _vxmGetErrorCallBack();
+  _vxmSetInterfInputVectorPointer(nullptr);
 }
 
 }  // namespace qkr::tests

@@ -20,6 +20,9 @@ constexpr int32_t recorded_failure = -77;
 // A stream that draws from `recording`, all of which is read again from the start.
 Stream recorded_stream();
 
+// What vector math keeps of a thread it allocates on first use: tests that count allocations begin with it.
+void make_cells_of_thread();
+
 // Reads the same numbers in the same precision, for the references.
 template <class T>
 struct Cursor {

@@ -34,8 +34,8 @@ alignas(64) extern const double SinCosTblFine[128][4];
 alignas(64) extern const double SinCosTbl_columns[4][32];
 alignas(64) extern const double SinCosTblFine_sine_columns[4][32];
 alignas(64) extern const double SinCosTblFine_cosine_columns[4][32];
-// Row j, in groups of columns 32 rows apart: the tangent around the node pi j / 32 less its pole, T + T_lo + r (slope +
-// D + A2 r + ... + A9 r^8): T, T_lo, slope, D; A2 to A5; A6 to A9.
+// Row j, in groups of columns 32 rows apart: the tangent around the node pi j / 32 less its pole, T + T_lo +
+// r (slope + D + A2 r + ... + A9 r^8): T, T_lo, slope, D; A2 to A5; A6 to A9.
 alignas(64) extern const double _dTanTab[96][4];
 alignas(64) extern const double _dTanTab_columns[12][32];
 // Bits of 4/pi: chunk k of 25 bits times 2^200, from chunk 1 on.
