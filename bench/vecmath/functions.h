@@ -27,6 +27,7 @@ struct Inputs {
   long double (*exact)(long double, long double) = nullptr;  // where C has no such function
   Integers integers = Integers::none;
   double hard = 0;               // accuracy is also judged around this input
+  bool above_hard = false;       // or only above it, where the domain ends there
   const char *library = "libm";  // that has the function for one number
 };
 
@@ -122,8 +123,8 @@ const Function functions[] = {
     APPROXIMATE(Atan2, "atan2", .a = uniform(-10, 10), .b = uniform(-10, 10)),
     APPROXIMATE(Asin, "asin", .a = uniform(-1, 1)),
     APPROXIMATE(Acos, "acos", .a = uniform(-1, 1)),
-    APPROXIMATE(Acosh, "acosh", .a = log_uniform(1, 1e9)),
-    APPROXIMATE(Asinh, "asinh", .a = uniform(-10, 10)),
+    APPROXIMATE(Acosh, "acosh", .a = log_uniform(1, 1e9), .hard = 1, .above_hard = true),
+    APPROXIMATE(Asinh, "asinh", .a = uniform(-10, 10), .hard = 0.02),
     APPROXIMATE(Atanh, "atanh", .a = uniform(-1, 1)),
     APPROXIMATE(Div, "quotient", .a = ordinary, .b = ordinary, .exact = quotient),
     APPROXIMATE(Inv, "reciprocal", .a = magnitudes, .a_single = magnitudes_single, .exact = reciprocal),

@@ -41,7 +41,8 @@ struct Sample {
         b(draw<T>(is_double<T> || in.b_single.low == in.b_single.high ? in.b : in.b_single, 2 * part + 2)) {
     if (in.hard == 0 || part % 2 == 0) return;
     a = draw<T>(log_uniform(0x1p-20, 0.5), 2 * part + 1);
-    for (size_t i = 0; i < a.size(); ++i) a[i] = (T)(in.hard * (i % 2 ? 1 - a[i] : 1 + a[i]));
+    for (size_t i = 0; i < a.size(); ++i)
+      a[i] = (T)(in.hard * (i % 2 && !in.above_hard ? 1 - a[i] : 1 + a[i]));
   }
 };
 
