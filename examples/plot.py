@@ -131,21 +131,21 @@ def plot_options(out_dir):
     estimates = read_csv(out_dir / "option_error.csv")
     points, expected = estimates["points"], estimates["exchange_standard_error"]
     figure, axes = plt.subplots(figsize=(7, 4.8))
-    errors = np.abs(estimates["exchange_error"])
-    downwards = np.minimum(expected, 0.9 * errors)  # a bar that reached 0 would have no end on this scale
-    axes.errorbar(points, errors, (downwards, expected), fmt="o-", color=BLUE, markersize=4, linewidth=1,
-                  capsize=2, label="exchange of two shares, MT19937")
-    axes.plot(points, expected, "k:", linewidth=1, label="its standard error")
-    axes.plot(points, np.abs(estimates["call_error"]), "o-", color=RED, markersize=4, label="call, Sobol points")
+    errors, quasi = np.abs(estimates["exchange_error"]), np.abs(estimates["call_error"])
+    axes.errorbar(points, errors, expected, fmt="o-", color=BLUE, markersize=4, linewidth=1, capsize=2,
+                  label="exchange of two shares, MT19937")
+    axes.plot(points, expected, "k:", linewidth=1, label="standard error of the exchange")
+    axes.plot(points, quasi, "o-", color=RED, markersize=4, label="call, Sobol points")
     axes.set(title="Prices of options by simulation", xlabel="points", ylabel="error of the price",
-             xscale="log", yscale="log")
+             xscale="log", yscale="log", ylim=(min(errors.min(), quasi.min()) / 4, 10 * expected.max()))
     axes.grid(alpha=0.25)
-    axes.legend(frameon=False, loc="lower left")
+    axes.legend(frameon=False, loc="upper right")
     return figure, "option_error.png"
 
 
 def plot_distributions(out_dir):
-    table = np.genfromtxt(out_dir / "distributions.csv", delimiter=",", names=True, dtype=None, encoding="utf-8")
+    table = np.genfromtxt(out_dir / "distributions.csv", delimiter=",", names=True, dtype=None,
+                          encoding="utf-8")
     numbers = 1e6  # of each distribution
     figure, grid = plt.subplots(2, 4, figsize=(13, 5.6))
     for name, axes in zip(dict.fromkeys(table["distribution"]), grid.flat):

@@ -165,7 +165,8 @@ class Demo(unittest.TestCase):
         call = 100 * normal(d1) - 105 / interest * normal(d1 - deviation)
         self.assertIn(f"closed form: exchange {exchange:.6f}, call {call:.6f}", self.report)
 
-        estimates = [{name: float(value) for name, value in row.items()} for row in rows(out / "option_error.csv")]
+        estimates = [{name: float(value) for name, value in row.items()}
+                     for row in rows(out / "option_error.csv")]
         self.assertEqual([row["points"] for row in estimates], [2 ** power for power in range(10, 21)])
         for row in estimates:
             self.assertAlmostEqual(row["exchange"] - row["exchange_error"], exchange, places=8)
@@ -181,7 +182,7 @@ class Demo(unittest.TestCase):
         self.assertLess(abs(estimates[-1]["call_error"]), estimates[-1]["call_standard_error"] / 50)
 
     def test_distributions(self):
-        """Chi-square of the histograms, within 5 deviations; densities as slopes of distribution functions."""
+        """Chi-square of the histograms, to 5 deviations; densities as slopes of distribution functions."""
         functions = {
             "Exponential": lambda x: -math.expm1(-x),
             "Laplace": lambda x: math.exp(x) / 2 if x < 0 else 1 - math.exp(-x) / 2,
