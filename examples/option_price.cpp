@@ -105,7 +105,6 @@ static std::vector<Estimate> simulate_exchange() {
 }
 
 // Normal numbers by inversion, one from each point: methods that take pairs would spoil the even spread.
-// The first point is 0; its price at the end is e^-inf, 0 as well.
 static std::vector<Estimate> simulate_call() {
   const Stream stream(sobol, 1);
   std::vector<double> prices(block);
