@@ -127,6 +127,38 @@ def plot_pi(out_dir):
     return figure, "pi_error.png"
 
 
+def plot_options(out_dir):
+    estimates = read_csv(out_dir / "option_error.csv")
+    points, expected = estimates["points"], estimates["exchange_standard_error"]
+    figure, axes = plt.subplots(figsize=(7, 4.8))
+    errors, quasi = np.abs(estimates["exchange_error"]), np.abs(estimates["call_error"])
+    axes.errorbar(points, errors, expected, fmt="o-", color=BLUE, markersize=4, linewidth=1, capsize=2,
+                  label="exchange of two shares, MT19937")
+    axes.plot(points, expected, "k:", linewidth=1, label="standard error of the exchange")
+    axes.plot(points, quasi, "o-", color=RED, markersize=4, label="call, Sobol points")
+    axes.set(title="Prices of options by simulation", xlabel="points", ylabel="error of the price",
+             xscale="log", yscale="log", ylim=(min(errors.min(), quasi.min()) / 4, 10 * expected.max()))
+    axes.grid(alpha=0.25)
+    axes.legend(frameon=False, loc="upper right")
+    return figure, "option_error.png"
+
+
+def plot_distributions(out_dir):
+    table = np.genfromtxt(out_dir / "distributions.csv", delimiter=",", names=True, dtype=None,
+                          encoding="utf-8")
+    numbers = 1e6  # of each distribution
+    figure, grid = plt.subplots(2, 4, figsize=(13, 5.6))
+    for name, axes in zip(dict.fromkeys(table["distribution"]), grid.flat):
+        rows = table[table["distribution"] == name]
+        middle, width = rows["middle"], rows["middle"][1] - rows["middle"][0]
+        edges = np.append(middle - width / 2, middle[-1] + width / 2)
+        axes.stairs(rows["count"] / (numbers * width), edges, fill=True, color=BLUE, alpha=0.4)
+        axes.plot(middle, rows["density"], color=RED, linewidth=1.4)
+        axes.set(title=name, xlim=edges[[0, -1]], ylim=(0, None))
+    figure.supylabel("density (line), share of a million numbers (area)", fontsize=10)
+    return figure, "distributions.png"
+
+
 def plot_sunspots(out_dir):
     signal, spectrum = read_csv(out_dir / "sunspots.csv"), read_csv(out_dir / "sunspot_spectrum.csv")
     figure, (record, lines) = plt.subplots(1, 2, figsize=(12, 4.4), width_ratios=(1.4, 1))
@@ -151,7 +183,8 @@ def main():
     if len(sys.argv) != 2:
         sys.exit("usage: plot.py OUT_DIR")
     out_dir = Path(sys.argv[1])
-    for plot in (plot_co2, plot_tone_curve, plot_daylight, plot_pi, plot_sunspots):
+    for plot in (plot_co2, plot_tone_curve, plot_daylight, plot_pi, plot_options,
+                 plot_distributions, plot_sunspots):
         try:
             figure, name = plot(out_dir)
             figure.savefig(out_dir / name)

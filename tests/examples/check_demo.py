@@ -152,12 +152,71 @@ class Demo(unittest.TestCase):
         self.assertIn("the same to the last point", self.report)
         self.assertEqual((out / "half_way.stream").read_bytes()[:4], b"RNG\0")
 
+    def test_options(self):
+        def normal(x):
+            return math.erfc(-x / math.sqrt(2)) / 2
+
+        years, interest = 2, math.exp(0.03 * 2)
+        deviation = math.sqrt((0.3 ** 2 + 0.2 ** 2 - 2 * 0.4 * 0.3 * 0.2) * years)
+        d1 = (math.log(100 / 95) + deviation ** 2 / 2) / deviation
+        exchange = 100 * normal(d1) - 95 * normal(d1 - deviation)
+        deviation = 0.3 * math.sqrt(years)
+        d1 = (math.log(100 / 105 * interest) + deviation ** 2 / 2) / deviation
+        call = 100 * normal(d1) - 105 / interest * normal(d1 - deviation)
+        self.assertIn(f"closed form: exchange {exchange:.6f}, call {call:.6f}", self.report)
+
+        estimates = [{name: float(value) for name, value in row.items()}
+                     for row in rows(out / "option_error.csv")]
+        self.assertEqual([row["points"] for row in estimates], [2 ** power for power in range(10, 21)])
+        for row in estimates:
+            self.assertAlmostEqual(row["exchange"] - row["exchange_error"], exchange, places=8)
+            self.assertAlmostEqual(row["call"] - row["call_error"], call, places=8)
+            self.assertLess(abs(row["exchange_error"]), 5 * row["exchange_standard_error"], row)
+            self.assertLess(abs(row["call_error"]), row["call_standard_error"] / 4, row)
+
+        # The call's standard error must be right too: its payoff has a second moment in closed form.
+        square = (100 ** 2 * math.exp(deviation ** 2) * normal(d1 + deviation) - 2 * 100 * 105 / interest *
+                  normal(d1) + (105 / interest) ** 2 * normal(d1 - deviation))
+        standard_error = math.sqrt((square - call ** 2) / 2 ** 20)
+        self.assertAlmostEqual(estimates[-1]["call_standard_error"] / standard_error, 1, delta=0.01)
+        self.assertLess(abs(estimates[-1]["call_error"]), estimates[-1]["call_standard_error"] / 50)
+
+    def test_distributions(self):
+        """Chi-square of the histograms, to 5 deviations; densities as slopes of distribution functions."""
+        functions = {
+            "Exponential": lambda x: -math.expm1(-x),
+            "Laplace": lambda x: math.exp(x) / 2 if x < 0 else 1 - math.exp(-x) / 2,
+            "Weibull": lambda x: -math.expm1(-x ** 3),
+            "Rayleigh": lambda x: -math.expm1(-x ** 2),
+            "Lognormal": lambda x: math.erfc(-2 * math.log(max(x, 1e-9)) / math.sqrt(2)) / 2,
+            "Gumbel": lambda x: -math.expm1(-math.exp(x)),
+            "Gamma": lambda x: 1 - math.exp(-x) * (1 + x + x * x / 2),
+            "Beta": lambda x: 6 * x ** 2 - 8 * x ** 3 + 3 * x ** 4}
+        histograms = {}
+        for row in rows(out / "distributions.csv"):
+            histograms.setdefault(row["distribution"], []).append(row)
+        self.assertEqual(list(histograms), list(functions))
+        for name, histogram in histograms.items():
+            function = functions[name]
+            middles = [float(row["middle"]) for row in histogram]
+            half = (middles[1] - middles[0]) / 2
+            squares, cells = 0, 0
+            for x, row in zip(middles, histogram):
+                slope = (function(x + 1e-5) - function(x - 1e-5)) / 2e-5
+                self.assertAlmostEqual(float(row["density"]), slope, delta=1e-8, msg=f"{name} at {x}")
+                expected = 1e6 * (function(x + half) - function(x - half))
+                if expected >= 10:
+                    squares += (int(row["count"]) - expected) ** 2 / expected
+                    cells += 1
+            self.assertGreater(cells, 45, name)
+            self.assertLess(abs(squares - cells), 5 * math.sqrt(2 * cells), name)
+
     def test_pictures(self):
         if importlib.util.find_spec("matplotlib") is None:
             self.assertIn("plots skipped", self.report)
             return
         for name in ("co2_growth.png", "tone_curve.png", "daylight.png", "pi_error.png",
-                     "sunspot_spectrum.png"):
+                     "option_error.png", "distributions.png", "sunspot_spectrum.png"):
             self.assertIn(str(out / name), self.report)
             picture = (out / name).read_bytes()
             self.assertEqual(picture[:8], b"\x89PNG\r\n\x1a\n")
@@ -194,6 +253,7 @@ class Demo(unittest.TestCase):
                 ("sunspot_spectrum", [examples / "data/sunspots_yearly.csv", out / "nowhere"], "cannot write"),
                 ("error_policy", [out / "nowhere"], "cannot write"),
                 ("estimate_pi", [out / "nowhere"], "cannot write"),
+                ("option_price", [out / "nowhere"], "cannot write"),
                 ("error_policy", [], "usage: ")):
             with self.subTest(program=program, message=message):
                 code, text = run(build / "examples" / program, *arguments)
