@@ -13,9 +13,8 @@ constexpr uint64_t mantissa_mask = (1ull << mantissa_bits) - 1;
 constexpr uint64_t one = 0x3FF0000000000000, infinity = 0x7FF0000000000000;
 
 int exponent_of(double x) { return (int)(pattern_of(x) >> mantissa_bits & 0x7FF) - exponent_bias; }
-double mantissa_of(double x) {
-  return double_of((pattern_of(x) & mantissa_mask) | one);
-}  // from 1 to below 2
+// From 1 to below 2.
+double mantissa_of(double x) { return double_of((pattern_of(x) & mantissa_mask) | one); }
 
 // ln(1 + z) - z by its series to the power `degree`, whose first neglected term is below 2^-56 of z.
 template <int degree>
