@@ -215,8 +215,9 @@ int main(int count, char **words) {
   examine_all(rows, options);
 
   report.print(
-      "# Random distributions beside their laws\n\n"
-      "Made by `./dev accuracy distributions --markdown docs/distributions.md`: %lld numbers for each row, "
+      "# Accuracy of the distributions\n\n"
+      "Made by `./dev accuracy distributions --markdown docs/accuracy_distributions.md`: %lld numbers for "
+      "each row, "
       "row k\n"
       "(from 0) drawn from member k of MT2203 with seed %u%s. Distribution functions are those of "
       "Boost.Math.\n\n"
