@@ -14,7 +14,9 @@ namespace {
 constexpr int equal_bins = 256, fewest_in_a_bin = 25;
 constexpr int32_t block = 8192;
 
-double normal_probability(double deviation) { return std::erfc(std::abs(deviation) / std::sqrt(2.0)); }
+double normal_probability(double deviation) {
+  return std::isnan(deviation) ? 0 : std::erfc(std::abs(deviation) / std::sqrt(2.0));
+}
 
 double chi_squared_probability(double statistic, double degrees) {
   const boost::math::chi_squared law(degrees);
