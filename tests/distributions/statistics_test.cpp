@@ -14,11 +14,11 @@ constexpr double smallest_probability = 1e-7;
 constexpr uint32_t mt19937 = 0x800000;
 
 template <class T>
-class Statistics : public testing::Test {};
+class LongStatistics : public testing::Test {};
 using Types = testing::Types<double, float, int32_t>;
-TYPED_TEST_SUITE(Statistics, Types);
+TYPED_TEST_SUITE(LongStatistics, Types);
 
-TYPED_TEST(Statistics, FollowTheirLaws) {
+TYPED_TEST(LongStatistics, FollowTheirLaws) {
   uint32_t seed = 1000;
   for (const Case &a_case : cases<TypeParam>()) {
     if (!a_case.has_law) continue;
@@ -29,7 +29,7 @@ TYPED_TEST(Statistics, FollowTheirLaws) {
 }
 
 // The instrument itself: a law that is off by 5 % of the probabilities' logarithms.
-TYPED_TEST(Statistics, NoticeAWrongLaw) {
+TYPED_TEST(LongStatistics, NoticeAWrongLaw) {
   for (const Case &a_case : cases<TypeParam>()) {
     const Law law = law_of<TypeParam>(a_case);
     const double below_middle = law.below(law.quantile(0.5, 0.5) + law.whole);
@@ -52,7 +52,7 @@ void expect_covariance(uint32_t seed) {
     }
 }
 
-TEST(Statistics, VectorsHaveTheirCovariance) {
+TEST(LongStatistics, VectorsHaveTheirCovariance) {
   expect_covariance<double>(2000);
   expect_covariance<float>(3000);
   const Stream stream = new_stream(mt19937, {4000});
