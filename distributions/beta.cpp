@@ -3,11 +3,18 @@
 
 extern "C" {
 extern const double _vxsdBETATab[7];
-const double _vxsdBETATab[7] = {
-    0.0, 1.0, 1.3862943611198906, 2.0, 0.8522552176537243, -0.9562409713408151, qkr::ln_floor};  // [2]: ln 4
+#if QKR_BASELINE
+const double _vxsdBETATab[7] = {0.0,
+                                1.0,
+                                1.3862943611198906,
+                                2.0,
+                                0.8522552176537243,
+                                -0.9562409713408151,
+                                qkr::sse2::ln_floor};  // [2]: ln 4
+#endif
 }
 
-namespace qkr {
+namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
 // Both shapes small: X / (X + Y) with X = u1^(1/p) and Y = u2^(1/q), where X + Y <= 1 (M. D. Johnk, Metrika 8
@@ -150,14 +157,18 @@ int32_t beta_over(int32_t method, StreamState *stream, int32_t n, T *out, T p, T
   return Precision<T>::uniform(VXS_METHOD_ACCURATE, stream, n, out, a, a + beta);  // a shape is NaN
 }
 
-}  // namespace
-}  // namespace qkr
+template <class T>
+int32_t beta_under_callback(int32_t method, StreamState *stream, int32_t n, T *out, T p, T q, T a, T beta) {
+  return with_finite_logarithms<T, _vxsdBETATab, ActsOn::singularities>(
+      [=] { return beta_over(method, stream, n, out, p, q, a, beta); });
+}
 
-#define ENTRY(letter, T)                                                                                     \
-  extern "C" int32_t _vxs##letter##RngBeta(int32_t method, StreamState *stream, int32_t n, T *out, T p, T q, \
-                                           T a, T beta) {                                                    \
-    return qkr::with_finite_logarithms<T, _vxsdBETATab, qkr::ActsOn::singularities>(                         \
-        [=] { return qkr::beta_over(method, stream, n, out, p, q, a, beta); });                              \
-  }
-ENTRY(d, double)
-ENTRY(s, float)
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL
+
+QKR_DISTRIBUTION(d, double, Beta, (double p, double q, double a, double beta), (p, q, a, beta)) {
+  return beta_under_callback(method, stream, n, out, p, q, a, beta);
+}
+QKR_DISTRIBUTION(s, float, Beta, (float p, float q, float a, float beta), (p, q, a, beta)) {
+  return beta_under_callback(method, stream, n, out, p, q, a, beta);
+}

@@ -6,10 +6,13 @@
 
 extern "C" {
 extern const double _vxsdGAMMATab[8];
-const double _vxsdGAMMATab[8] = {0.0, 1.0 / 3.0, 0.0331, 1.0, 0.5, 0.6, 6.283185307179586, qkr::ln_floor};
+#if QKR_BASELINE
+const double _vxsdGAMMATab[8] = {
+    0.0, 1.0 / 3.0, 0.0331, 1.0, 0.5, 0.6, 6.283185307179586, qkr::sse2::ln_floor};
+#endif
 }
 
-namespace qkr {
+namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
 // Two normal numbers of each of `count` pairs, at most 256, which are overwritten.
@@ -158,17 +161,11 @@ int32_t gamma(StreamState *stream, int32_t n, T *out, T alpha, T a, T beta) {
 }
 
 }  // namespace
-}  // namespace qkr
+}  // namespace qkr::QKR_SIMD_LEVEL
 
-extern "C" {
-
-int32_t _vxsdRngGamma(int32_t, StreamState *stream, int32_t n, double *out, double alpha, double a,
-                      double beta) {
-  return qkr::gamma(stream, n, out, alpha, a, beta);
+QKR_DISTRIBUTION(d, double, Gamma, (double alpha, double a, double beta), (alpha, a, beta)) {
+  return gamma(stream, n, out, alpha, a, beta);
 }
-
-int32_t _vxssRngGamma(int32_t, StreamState *stream, int32_t n, float *out, float alpha, float a, float beta) {
-  return qkr::gamma(stream, n, out, alpha, a, beta);
+QKR_DISTRIBUTION(s, float, Gamma, (float alpha, float a, float beta), (alpha, a, beta)) {
+  return gamma(stream, n, out, alpha, a, beta);
 }
-
-}  // extern "C"

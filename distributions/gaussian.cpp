@@ -6,10 +6,12 @@
 
 extern "C" {
 extern const double _vxsdGaussianTab[2];
-const double _vxsdGaussianTab[2] = {6.283185307179586, qkr::ln_floor};  // 2 pi
+#if QKR_BASELINE
+const double _vxsdGaussianTab[2] = {6.283185307179586, qkr::sse2::ln_floor};  // 2 pi
+#endif
 }
 
-namespace qkr {
+namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
 constexpr int32_t block_pairs = 512;
@@ -114,23 +116,27 @@ int32_t both_of_each_pair(StreamState *stream, int32_t n, T *out, T a, T sigma) 
   return status;
 }
 
-}  // namespace
-}  // namespace qkr
+template <class T>
+int32_t gaussian(int32_t method, StreamState *stream, int32_t n, T *out, T a, T sigma) {
+  static constexpr decltype(&one_of_each_pair<T>) kernels[] = {one_of_each_pair<T>, both_of_each_pair<T>};
+  return with_finite_logarithms<T, _vxsdGaussianTab, ActsOn::singularities>(
+      [=] { return kernels[method](stream, n, out, a, sigma); });
+}
 
-#define ENTRIES(letter, T)                                                                                  \
-  extern "C" {                                                                                              \
-  int32_t _v##letter##RngGaussianBoxMuller(StreamState *stream, int32_t n, T *out, T a, T sigma) {          \
-    return qkr::one_of_each_pair(stream, n, out, a, sigma);                                                 \
-  }                                                                                                         \
-  int32_t _v##letter##RngGaussianBoxMuller2(StreamState *stream, int32_t n, T *out, T a, T sigma) {         \
-    return qkr::both_of_each_pair(stream, n, out, a, sigma);                                                \
-  }                                                                                                         \
-  int32_t _vxs##letter##RngGaussian(int32_t method, StreamState *stream, int32_t n, T *out, T a, T sigma) { \
-    static constexpr decltype(&_v##letter##RngGaussianBoxMuller) kernels[] = {                              \
-        _v##letter##RngGaussianBoxMuller, _v##letter##RngGaussianBoxMuller2};                               \
-    return qkr::with_finite_logarithms<T, _vxsdGaussianTab, qkr::ActsOn::singularities>(                    \
-        [=] { return kernels[method](stream, n, out, a, sigma); });                                         \
-  }                                                                                                         \
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL
+
+#define ENTRIES(letter, T)                                                                             \
+  QKR_ENTRY_OF(int32_t, _v##letter##RngGaussianBoxMuller,                                              \
+               (StreamState * stream, int32_t n, T * out, T a, T sigma), (stream, n, out, a, sigma)) { \
+    return one_of_each_pair(stream, n, out, a, sigma);                                                 \
+  }                                                                                                    \
+  QKR_ENTRY_OF(int32_t, _v##letter##RngGaussianBoxMuller2,                                             \
+               (StreamState * stream, int32_t n, T * out, T a, T sigma), (stream, n, out, a, sigma)) { \
+    return both_of_each_pair(stream, n, out, a, sigma);                                                \
+  }                                                                                                    \
+  QKR_DISTRIBUTION(letter, T, Gaussian, (T a, T sigma), (a, sigma)) {                                  \
+    return gaussian(method, stream, n, out, a, sigma);                                                 \
   }
 ENTRIES(d, double)
 ENTRIES(s, float)

@@ -6,7 +6,10 @@
 #include <qkr/vecmath.h>
 #include <type_traits>
 
-namespace qkr {
+#include "simd/entry.h"
+
+namespace qkr::QKR_SIMD_LEVEL {
+namespace {
 
 // The functions that a distribution calls, for one source in both precisions.
 template <class T>
@@ -57,7 +60,7 @@ inline T power(T x, T exponent) {
 
 // What stands in for ln 0: the logarithm of the smallest positive number. In double precision it is the last
 // element of a distribution's table.
-constexpr double ln_floor = -744.4400719213812;
+[[maybe_unused]] constexpr double ln_floor = -744.4400719213812;
 constexpr double single_ln_floor = -103.2789306640625;
 
 enum class ActsOn { every_error, singularities };
@@ -163,4 +166,13 @@ inline void radii(int32_t n, T *u) {
   Precision<T>::sqrt(n, u, u);
 }
 
-}  // namespace qkr
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL
+
+// The entry of distribution D in one form, for all levels; its body follows.
+#define QKR_DISTRIBUTION(letter, T, D, parameters, arguments)                                             \
+  QKR_ENTRY_OF(                                                                                           \
+      int32_t, _vxs##letter##Rng##D,                                                                      \
+      ([[maybe_unused]] int32_t method, StreamState * stream, int32_t n, T * out, QKR_LISTED parameters), \
+      (method, stream, n, out, QKR_LISTED arguments))
+#define QKR_LISTED(...) __VA_ARGS__

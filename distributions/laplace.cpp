@@ -3,10 +3,12 @@
 
 extern "C" {
 extern const double _vxsdLaplaceTab[2];
-const double _vxsdLaplaceTab[2] = {0.5, qkr::ln_floor};
+#if QKR_BASELINE
+const double _vxsdLaplaceTab[2] = {0.5, qkr::sse2::ln_floor};
+#endif
 }
 
-namespace qkr {
+namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
 constexpr int32_t block = 1024;
@@ -29,16 +31,11 @@ int32_t laplace(StreamState *stream, int32_t n, T *out, T a, T beta) {
 }
 
 }  // namespace
-}  // namespace qkr
+}  // namespace qkr::QKR_SIMD_LEVEL
 
-extern "C" {
-
-int32_t _vxsdRngLaplace(int32_t, StreamState *stream, int32_t n, double *out, double a, double beta) {
-  return qkr::laplace(stream, n, out, a, beta);
+QKR_DISTRIBUTION(d, double, Laplace, (double a, double beta), (a, beta)) {
+  return laplace(stream, n, out, a, beta);
 }
-
-int32_t _vxssRngLaplace(int32_t, StreamState *stream, int32_t n, float *out, float a, float beta) {
-  return qkr::laplace(stream, n, out, a, beta);
+QKR_DISTRIBUTION(s, float, Laplace, (float a, float beta), (a, beta)) {
+  return laplace(stream, n, out, a, beta);
 }
-
-}  // extern "C"

@@ -3,7 +3,8 @@
 
 #include "distributions/internal.h"
 
-namespace qkr {
+namespace qkr::QKR_SIMD_LEVEL {
+namespace {
 
 constexpr int32_t most_candidates = 512;
 
@@ -26,4 +27,5 @@ inline int32_t by_rejection(StreamState *stream, int32_t n, T *out, Prepare prep
   return status;
 }
 
-}  // namespace qkr
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL
