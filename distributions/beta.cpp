@@ -34,7 +34,7 @@ int32_t _Johnk(StreamState *stream, int32_t n, T *out, T p, T q, T a, T beta) {
   const int32_t status = by_rejection(stream, n, out, prepare, [&](int32_t i, T &x) {
     const T sum = powers[2 * i] + powers[2 * i + 1];
     x = powers[2 * i] / sum;
-    return sum > T(0) && sum <= T(1);
+    return (sum > T(0)) & (sum <= T(1));
   });
   if (status >= 0) scale(n, out, beta, a);
   return status;
@@ -93,7 +93,7 @@ int32_t _Atkinson2(StreamState *stream, int32_t n, T *out, T p, T q) {
 // (1978) 317, algorithm BB).
 template <class T>
 int32_t _Cheng(StreamState *stream, int32_t n, T *out, T p, T q, T a, T beta) {
-  const T s = p + q, b = sqrt((s - T(2)) / (T(2) * p * q - s)), g = p + T(1) / b;
+  const T ln4 = T(_vxsdBETATab[2]), s = p + q, b = sqrt((s - T(2)) / (T(2) * p * q - s)), g = p + T(1) / b;
   T u1[most_candidates], v[most_candidates], w[most_candidates], ratio[most_candidates], *z;
   const auto prepare = [&](int32_t m, T *pairs) {
     part_pairs(m, pairs, u1);
@@ -111,9 +111,9 @@ int32_t _Cheng(StreamState *stream, int32_t n, T *out, T p, T q, T a, T beta) {
     Precision<T>::ln(m, z, z);
   };
   const int32_t status = by_rejection(stream, n, out, prepare, [&](int32_t i, T &x) {
-    if (u1[i] == T(1)) return false;  // after rounding: the odds are infinite
+    const bool odds_finite = u1[i] != T(1);  // it may be, after rounding
     x = w[i] / (q + w[i]);
-    return s * ratio[i] - T(_vxsdBETATab[2]) + g * v[i] >= z[i];
+    return odds_finite & (s * ratio[i] - ln4 + g * v[i] >= z[i]);
   });
   if (status >= 0) scale(n, out, beta, a);
   return status;

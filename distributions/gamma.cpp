@@ -46,11 +46,45 @@ struct Candidates {
     T words[2 * most_candidates], u1[most_candidates / 2], u2[most_candidates / 2];
     const int32_t status = uniforms(stream, 2 * m, words);
     if (status < 0) return status;
-    Precision<T>::pack(m / 2, words, 4, u1);
-    Precision<T>::pack(m / 2, words + 2, 4, u2);
     Precision<T>::pack(m, words + 1, 2, u + first);
+    Precision<T>::pack(m, words, 2, words);
+    Precision<T>::pack(m / 2, words, 2, u1);
+    Precision<T>::pack(m / 2, words + 1, 2, u2);
     _BoxMuller2(m / 2, u1, u2, x + first);
     return status;
+  }
+
+  // Tests the first m, and puts those that are accepted into `out`; returns how many they are. The undecided
+  // of a quick test are a few in a hundred, whose logarithms are taken together.
+  int32_t keep_accepted(int32_t m, T c, T d, T *out) const {
+    T cube[most_candidates + 1], product[most_candidates + 1];
+    Answer<T> accepted[most_candidates + 1], undecided[most_candidates + 1];
+    const T squeeze = T(_vxsdGAMMATab[2]);
+    for (int32_t i = 0; i < m; ++i) {
+      const T v = c * x[i] + T(1), s = x[i] * x[i];
+      const bool positive = v > T(0), inside = u[i] < T(1) - squeeze * s * s;
+      cube[i] = v * v * v;
+      product[i] = d * cube[i];
+      accepted[i] = positive & inside;
+      undecided[i] = positive & !inside;
+    }
+
+    int32_t place[most_candidates + 1], count = 0;
+    for (int32_t i = 0; i < m; ++i) {
+      place[count] = i;
+      count += static_cast<int32_t>(undecided[i]);
+    }
+    T logarithms[2 * (most_candidates + 1)], *ln_u = logarithms, *ln_w = logarithms + count;
+    for (int32_t k = 0; k < count; ++k) {
+      ln_u[k] = u[place[k]];
+      ln_w[k] = cube[place[k]];
+    }
+    Precision<T>::ln(2 * count, logarithms, logarithms);
+    for (int32_t k = 0; k < count; ++k) {
+      const int32_t i = place[k];
+      accepted[i] = ln_u[k] < T(0.5) * (x[i] * x[i]) + d * (ln_w[k] + T(1) - cube[i]);
+    }
+    return keep(m, product, accepted, out);
   }
 };
 
@@ -72,13 +106,6 @@ int32_t _Marsaglia(StreamState *stream, int32_t n, T *out, T alpha) {
     pending->u = none;
   }
 
-  const auto accept = [&](T x, T u, T w) {
-    const T s = x * x;
-    if (u < T(1) - T(_vxsdGAMMATab[2]) * s * s) return true;
-    T logarithms[2] = {u, w};
-    Precision<T>::ln(2, logarithms, logarithms);
-    return logarithms[0] < T(0.5) * s + d * (logarithms[1] + T(1) - w);
-  };
   for (int32_t done = 0; done < n;) {
     const int32_t missing = n - done, wanted = missing - held;
     const int32_t round = wanted < most_candidates ? missing : most_candidates;
@@ -87,12 +114,7 @@ int32_t _Marsaglia(StreamState *stream, int32_t n, T *out, T alpha) {
       status = candidates.draw(stream, drawn, held);
       if (status < 0) return status;
     }
-    for (int32_t i = 0; i < round; ++i) {
-      const T x = candidates.x[i], v = c * x + T(1);
-      if (!(v > T(0))) continue;
-      const T w = v * v * v;
-      if (accept(x, candidates.u[i], w)) out[done++] = d * w;
-    }
+    done += candidates.keep_accepted(round, c, d, out + done);
     held = held + drawn - round;
     if (held) {
       candidates.u[0] = candidates.u[round];

@@ -13,9 +13,15 @@ namespace {
 
 constexpr int32_t block = 1024;
 
+// The numbers x become a + beta x or a - beta x, as `choice` is above a half or not.
+template <class T>
+void sign_and_scale(int32_t m, T *x, const T *choice, T beta, T a) {
+  const T half = T(_vxsdLaplaceTab[0]), minus_beta = T(0) - beta;
+  for (int32_t i = 0; i < m; ++i) x[i] = x[i] * (choice[i] > half ? beta : minus_beta) + a;
+}
+
 template <class T>
 int32_t laplace(StreamState *stream, int32_t n, T *out, T a, T beta) {
-  const T half = T(_vxsdLaplaceTab[0]), minus_beta = T(0) - beta;
   return with_finite_logarithms<T, _vxsdLaplaceTab, ActsOn::every_error>([=] {
     T pairs[2 * block];
     return in_blocks<block>(n, [&, out](int32_t m, int32_t first) {
@@ -24,7 +30,7 @@ int32_t laplace(StreamState *stream, int32_t n, T *out, T a, T beta) {
       T *x = out + first;
       part_pairs(m, pairs, x);
       Precision<T>::ln(m, x, x);
-      for (int32_t i = 0; i < m; ++i) x[i] = x[i] * (pairs[i] > half ? beta : minus_beta) + a;
+      sign_and_scale(m, x, pairs, beta, a);
       return status;
     });
   });
