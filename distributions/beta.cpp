@@ -50,9 +50,9 @@ int32_t switching(StreamState *stream, int32_t n, T *out, T p, T q, T t, T r, Be
   Precision<T>::pow(2, powers, exponents, powers);
   const T lower = t * powers[0], upper = (T(1) - t) * powers[1];
   T u[most_candidates], candidate[most_candidates], exponent[most_candidates], excess[most_candidates];
-  T *logarithm;
+  T logarithm[most_candidates];
   const auto prepare = [&](int32_t m, T *pairs) {
-    part_pairs(m, pairs, u);
+    part_pairs(m, pairs, u, logarithm);
     for (int32_t i = 0; i < m; ++i) {
       candidate[i] = u[i] <= r ? u[i] : T(1) - u[i];
       exponent[i] = u[i] <= r ? exponents[0] : exponents[1];
@@ -64,8 +64,7 @@ int32_t switching(StreamState *stream, int32_t n, T *out, T p, T q, T t, T r, Be
     }
     Precision<T>::ln(m, excess, excess);
     for (int32_t i = 0; i < m; ++i) excess[i] *= u[i] <= r ? T(1) - q : T(1) - p;
-    Precision<T>::ln(m, pairs, pairs);
-    logarithm = pairs;
+    Precision<T>::ln(m, logarithm, logarithm);
   };
   return by_rejection(stream, n, out, prepare, [&](int32_t i, T &x) {
     x = candidate[i];
@@ -94,10 +93,9 @@ int32_t _Atkinson2(StreamState *stream, int32_t n, T *out, T p, T q) {
 template <class T>
 int32_t _Cheng(StreamState *stream, int32_t n, T *out, T p, T q, T a, T beta) {
   const T ln4 = T(_vxsdBETATab[2]), s = p + q, b = sqrt((s - T(2)) / (T(2) * p * q - s)), g = p + T(1) / b;
-  T u1[most_candidates], v[most_candidates], w[most_candidates], ratio[most_candidates], *z;
+  T u1[most_candidates], v[most_candidates], w[most_candidates], ratio[most_candidates], z[most_candidates];
   const auto prepare = [&](int32_t m, T *pairs) {
-    part_pairs(m, pairs, u1);
-    z = pairs;
+    part_pairs(m, pairs, u1, z);
     for (int32_t i = 0; i < m; ++i) v[i] = u1[i] / (T(1) - u1[i]);
     Precision<T>::ln(m, v, v);
     for (int32_t i = 0; i < m; ++i) v[i] *= b;

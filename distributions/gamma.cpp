@@ -1,6 +1,4 @@
 // Gamma numbers by rejection, the method chosen by the shape alpha; sources stand at each.
-#include <cstring>
-
 #include "distributions/chunks.h"
 #include "distributions/rejection.h"
 
@@ -15,16 +13,15 @@ const double _vxsdGAMMATab[8] = {
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
-// Two normal numbers of each of `count` pairs, at most 256, which are overwritten.
+// Two normal numbers of each of `count` pairs, at most 256: a uniform number and an angle, both overwritten.
 template <class T>
-void _BoxMuller2(int32_t count, T *u1, T *u2, T *out) {
+void _BoxMuller2(int32_t count, T *u, T *angle, T *__restrict out) {
   T sine[most_candidates / 2];
-  for (int32_t i = 0; i < count; ++i) u2[i] *= T(_vxsdGAMMATab[6]);
-  Precision<T>::sin_cos(count, u2, sine, u2);
-  radii(count, u1);
+  Precision<T>::sin_cos(count, angle, sine, angle);
+  radii(count, u);
   for (int32_t i = 0; i < count; ++i) {
-    out[2 * i] = u1[i] * sine[i];
-    out[2 * i + 1] = u1[i] * u2[i];
+    out[2 * i] = u[i] * sine[i];
+    out[2 * i + 1] = u[i] * angle[i];
   }
 }
 
@@ -43,13 +40,11 @@ struct Candidates {
   // m of them, an even number, from place `first` on. The words of the stream go two and two: part of a pair
   // for Box and Muller, acceptance uniform.
   int32_t draw(StreamState *stream, int32_t m, int32_t first) {
-    T words[2 * most_candidates], u1[most_candidates / 2], u2[most_candidates / 2];
+    T words[2 * most_candidates], halves[most_candidates], u1[most_candidates / 2], u2[most_candidates / 2];
     const int32_t status = uniforms(stream, 2 * m, words);
     if (status < 0) return status;
-    Precision<T>::pack(m, words + 1, 2, u + first);
-    Precision<T>::pack(m, words, 2, words);
-    Precision<T>::pack(m / 2, words, 2, u1);
-    Precision<T>::pack(m / 2, words + 1, 2, u2);
+    part_pairs(m, words, halves, u + first);
+    part_pairs(m / 2, halves, u1, u2, T(_vxsdGAMMATab[6]));
     _BoxMuller2(m / 2, u1, u2, x + first);
     return status;
   }
@@ -134,8 +129,7 @@ int32_t _Vaduva(StreamState *stream, int32_t n, T *out, T alpha) {
   const auto prepare = [&](int32_t m, T *pairs) {
     Precision<T>::ln(2 * m, pairs, pairs);
     negate(2 * m, pairs);
-    part_pairs(m, pairs, first);
-    memcpy(second, pairs, static_cast<size_t>(m) * sizeof(T));
+    part_pairs(m, pairs, first, second);
     Precision<T>::powx(m, first, c, root);
   };
   return by_rejection(stream, n, out, prepare, [&](int32_t i, T &x) {
@@ -149,15 +143,14 @@ int32_t _Vaduva(StreamState *stream, int32_t n, T *out, T alpha) {
 template <class T>
 int32_t _EPDTransform(StreamState *stream, int32_t n, T *out, T alpha) {
   const T r = T(1) / alpha, k = T(1) - alpha;
-  T u[most_candidates], y[most_candidates], power[most_candidates], *logarithm;
+  T u[most_candidates], y[most_candidates], power[most_candidates], logarithm[most_candidates];
   const auto prepare = [&](int32_t m, T *pairs) {
-    part_pairs(m, pairs, u);
+    part_pairs(m, pairs, u, logarithm);
     for (int32_t i = 0; i < m; ++i) y[i] = u[i] > k ? (T(1) - u[i]) * r : T(1);
     Precision<T>::ln(m, y, y);
     for (int32_t i = 0; i < m; ++i) power[i] = u[i] > k ? k - alpha * y[i] : u[i];
     Precision<T>::powx(m, power, r, power);
-    Precision<T>::ln(m, pairs, pairs);
-    logarithm = pairs;
+    Precision<T>::ln(m, logarithm, logarithm);
   };
   return by_rejection(stream, n, out, prepare, [&](int32_t i, T &x) {
     x = power[i];

@@ -122,11 +122,20 @@ inline int32_t uniforms(StreamState *stream, int32_t n, T *out) {
   return Precision<T>::uniform(0, stream, n, out, T(0), T(1));
 }
 
-// Parts m pairs: the first of each go to `firsts`, the second to the head of `pairs`.
+// The first of each of m pairs goes to `firsts`, and the second, times `factor`, to `seconds`.
 template <class T>
-inline void part_pairs(int32_t m, T *pairs, T *firsts) {
-  Precision<T>::pack(m, pairs, 2, firsts);
-  Precision<T>::pack(m, pairs + 1, 2, pairs);
+inline void part_pairs(int32_t m, const T *pairs, T *__restrict firsts, T *__restrict seconds, T factor) {
+  for (int32_t i = 0; i < m; ++i) {
+    firsts[i] = pairs[2 * i];
+    seconds[i] = pairs[2 * i + 1] * factor;
+  }
+}
+template <class T>
+inline void part_pairs(int32_t m, const T *pairs, T *__restrict firsts, T *__restrict seconds) {
+  for (int32_t i = 0; i < m; ++i) {
+    firsts[i] = pairs[2 * i];
+    seconds[i] = pairs[2 * i + 1];
+  }
 }
 
 template <class T>

@@ -23,14 +23,14 @@ void sign_and_scale(int32_t m, T *x, const T *choice, T beta, T a) {
 template <class T>
 int32_t laplace(StreamState *stream, int32_t n, T *out, T a, T beta) {
   return with_finite_logarithms<T, _vxsdLaplaceTab, ActsOn::every_error>([=] {
-    T pairs[2 * block];
+    T pairs[2 * block], choice[block];
     return in_blocks<block>(n, [&, out](int32_t m, int32_t first) {
       const int32_t status = uniforms(stream, 2 * m, pairs);
       if (status < 0) return status;
       T *x = out + first;
-      part_pairs(m, pairs, x);
+      part_pairs(m, pairs, x, choice);
       Precision<T>::ln(m, x, x);
-      sign_and_scale(m, x, pairs, beta, a);
+      sign_and_scale(m, x, choice, beta, a);
       return status;
     });
   });
