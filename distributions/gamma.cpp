@@ -1,5 +1,6 @@
 // Gamma numbers by rejection, the method chosen by the shape alpha; sources stand at each.
 #include "distributions/chunks.h"
+#include "distributions/radii.h"
 #include "distributions/rejection.h"
 
 extern "C" {

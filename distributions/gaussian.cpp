@@ -2,7 +2,7 @@
 // method, also the cosine of 2 pi u2 (G. E. P. Box and M. E. Muller, Annals of Mathematical Statistics 29
 // (1958) 610).
 #include "distributions/chunks.h"
-#include "distributions/internal.h"
+#include "distributions/radii.h"
 
 extern "C" {
 extern const double _vxsdGaussianTab[2];

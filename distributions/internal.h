@@ -167,14 +167,6 @@ inline void bound(int32_t n, T *x, T lower, T upper) {
   }
 }
 
-// u becomes sqrt(-2 ln u), the radius of two normal numbers.
-template <class T>
-inline void radii(int32_t n, T *u) {
-  Precision<T>::ln(n, u, u);
-  for (int32_t i = 0; i < n; ++i) u[i] = T(0) - (u[i] + u[i]);
-  Precision<T>::sqrt(n, u, u);
-}
-
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
