@@ -1,10 +1,11 @@
-// Random distributions beside those of other libraries, all from a Mersenne twister.
+// Random distributions beside those of other libraries, each from the generators that make it fast.
 //
 //   bench_distributions [--quick] [--filter REGEX] [--benchmark_out=FILE.json ...]
 //
-// A benchmark is named DISTRIBUTION.FORM/LEVEL/N/CONTENDER, for instance Gaussian1.f64/avx2/1000/gsl. The
-// peers are compiled for every processor, and stand beside each level of ours. bench/report.py makes tables
-// and plots of the file.
+// A benchmark is named DISTRIBUTION.FORM.GENERATOR/LEVEL/N/CONTENDER, for instance
+// Gaussian1.f64.MT19937/avx2/1000/qkr; the generator is ours. The peers are compiled for every processor, and
+// stand beside each level of ours with generators of their own: CONTENDER is library-generator, and LEVEL
+// any. bench/report.py makes tables and plots of the file.
 #include <benchmark/benchmark.h>
 #include <boost/random.hpp>
 #include <functional>
@@ -22,24 +23,26 @@ namespace qkr::bench {
 namespace {
 
 constexpr const char *level_names[] = {"sse2", "avx2", "avx512"};
-constexpr uint32_t mt19937 = 0x800000;
 
-StreamState *stream() {
-  static StreamState *const made = [] {
-    StreamState *s = nullptr;
+struct Generator {
+  const char *name;
+  uint32_t id;
+
+  StreamState *stream() const {
+    StreamState *made = nullptr;
     const uint32_t seed = 7;
-    if (__vxsNewStreamEx(&s, mt19937, 1, &seed) != VXS_STATUS_OK) std::abort();
-    return s;
-  }();
-  return made;
-}
-
-std::mt19937_64 standard;
-boost::random::mt19937 boosts;
-gsl_rng *const gsl = gsl_rng_alloc(gsl_rng_mt19937);
+    if (__vxsNewStreamEx(&made, id, 1, &seed) != VXS_STATUS_OK) std::abort();
+    return made;
+  }
+};
+constexpr Generator generators[] = {{"MT19937", 0x800000}, {"MCG59", 0x400000}};
 
 template <class T>
+using Ours = std::function<void(StreamState *stream, int n, T *out)>;
+template <class T>
 using Fill = std::function<void(int n, T *out)>;
+template <class T>
+using Contenders = std::vector<std::pair<const char *, Fill<T>>>;
 
 // Calls of a function of one number.
 template <class T, class Next>
@@ -48,110 +51,121 @@ Fill<T> one_by_one(Next next) {
     for (int i = 0; i < n; ++i) out[i] = static_cast<T>(next());
   };
 }
-template <class T, class Distribution>
-Fill<T> of_standard(Distribution d) {
-  return one_by_one<T>([d]() mutable { return d(standard); });
+template <class T, class Distribution, class Engine>
+Fill<T> drawn(Distribution d, Engine engine) {
+  return one_by_one<T>([d, engine]() mutable { return d(engine); });
 }
 template <class T, class Distribution>
-Fill<T> of_boost(Distribution d) {
-  return one_by_one<T>([d]() mutable { return d(boosts); });
+Contenders<T> of_standard(Distribution d) {
+  return {{"std-mt19937", drawn<T>(d, std::mt19937())}, {"std-mt19937_64", drawn<T>(d, std::mt19937_64())}};
 }
-
-template <class T>
-void add(const std::string &name, const std::vector<std::pair<const char *, Fill<T>>> &contenders, bool quick,
-         const std::regex &filter) {
-  static std::vector<T> out(1000000);
-  for (int level = 0; level <= static_cast<int>(supported_level()); ++level)
-    for (const int n : quick ? std::vector{1000} : std::vector{1, 10, 1000, 1000000})
-      for (const auto &[contender, fill] : contenders) {
-        const std::string full = name + '/' + level_names[level] + '/' + std::to_string(n) + '/' + contender;
-        if (!std::regex_search(full, filter)) continue;
-        benchmark::RegisterBenchmark(full.c_str(), [=, fill = fill](benchmark::State &state) {
-          force_level(static_cast<Level>(level));
-          for (auto _ : state) {
-            fill(n, out.data());
-            benchmark::ClobberMemory();
-          }
-          state.counters["elements"] = n;
-          if (std::string(contender) == "qkr") state.counters["aim"] = 1;
-        });
-      }
+template <class T, class Distribution>
+Contenders<T> of_boost(Distribution d) {
+  return {{"boost-mt19937", drawn<T>(d, boost::random::mt19937())},
+          {"boost-mt19937_64", drawn<T>(d, boost::random::mt19937_64())},
+          {"boost-taus88", drawn<T>(d, boost::random::taus88())},
+          {"boost-rand48", drawn<T>(d, boost::random::rand48())}};
 }
-
-#define QKR(D, method, ...)                                                             \
-  {                                                                                     \
-    "qkr", [](int n, T *out) {                                                          \
-      if constexpr (sizeof(T) == 8) _vxsdRng##D(method, stream(), n, out, __VA_ARGS__); \
-      else _vxssRng##D(method, stream(), n, out, __VA_ARGS__);                          \
-    }                                                                                   \
-  }
-#define STD(D, ...) \
-  { "std", of_standard<T>(std::D##_distribution<T>(__VA_ARGS__)) }
-#define BOOST(D, ...) \
-  { "boost", of_boost<T>(boost::random::D##_distribution<T>(__VA_ARGS__)) }
-#define GSL(D, ...)                                                    \
-  {                                                                    \
-    "gsl", one_by_one<T>([] { return gsl_ran_##D(gsl, __VA_ARGS__); }) \
-  }
-
-template <class T>
-void add_reals(bool quick, const std::regex &filter) {
-  const auto row = [&](const char *name, const std::vector<std::pair<const char *, Fill<T>>> &contenders) {
-    add<T>(std::string(name) + (sizeof(T) == 8 ? ".f64" : ".f32"), contenders, quick, filter);
+template <class T, class Draw>
+Contenders<T> of_gsl(Draw draw) {
+  const auto with = [=](const gsl_rng_type *type) {
+    return one_by_one<T>([draw, engine = gsl_rng_alloc(type)] { return draw(engine); });
   };
-  row("Uniform",
-      {QKR(Uniform, 0, 0, 1), STD(uniform_real, 0, 1), BOOST(uniform_real, 0, 1), GSL(flat, 0, 1)});
-  row("Exponential",
-      {QKR(Exponential, 0, 0, 1), STD(exponential, 1), BOOST(exponential, 1), GSL(exponential, 1)});
-  row("Laplace", {QKR(Laplace, 0, 0, 1), BOOST(laplace, 0, 1), GSL(laplace, 1)});
-  row("Weibull", {QKR(Weibull, 0, 2, 0, 1), STD(weibull, 2, 1), BOOST(weibull, 2, 1), GSL(weibull, 1, 2)});
-  row("Cauchy", {QKR(Cauchy, 0, 0, 1), STD(cauchy, 0, 1), BOOST(cauchy, 0, 1), GSL(cauchy, 1)});
-  row("Rayleigh", {QKR(Rayleigh, 0, 0, 1), GSL(rayleigh, 1)});
-  row("Gumbel",
-      {QKR(Gumbel, 0, 0, 1), STD(extreme_value, 0, 1), BOOST(extreme_value, 0, 1), GSL(gumbel1, 1, 1)});
-  row("Lognormal",
-      {QKR(Lognormal, 0, 0, 1, 0, 1), STD(lognormal, 0, 1), BOOST(lognormal, 0, 1), GSL(lognormal, 0, 1)});
-  row("Gaussian0",
-      {QKR(Gaussian, 0, 0, 1), STD(normal, 0, 1), BOOST(normal, 0, 1), GSL(gaussian_ziggurat, 1)});
-  row("Gaussian1",
-      {QKR(Gaussian, 1, 0, 1), STD(normal, 0, 1), BOOST(normal, 0, 1), GSL(gaussian_ziggurat, 1)});
-  row("Gamma_0.3",
-      {QKR(Gamma, 0, T(0.3), 0, 1), STD(gamma, T(0.3), 1), BOOST(gamma, T(0.3), 1), GSL(gamma, 0.3, 1)});
-  row("Gamma_0.8",
-      {QKR(Gamma, 0, T(0.8), 0, 1), STD(gamma, T(0.8), 1), BOOST(gamma, T(0.8), 1), GSL(gamma, 0.8, 1)});
-  row("Gamma_3", {QKR(Gamma, 0, 3, 0, 1), STD(gamma, 3, 1), BOOST(gamma, 3, 1), GSL(gamma, 3, 1)});
-  row("Beta_0.2_0.3", {QKR(Beta, 0, T(0.2), T(0.3), 0, 1), BOOST(beta, T(0.2), T(0.3)), GSL(beta, 0.2, 0.3)});
-  row("Beta_0.8_0.7", {QKR(Beta, 0, T(0.8), T(0.7), 0, 1), BOOST(beta, T(0.8), T(0.7)), GSL(beta, 0.8, 0.7)});
-  row("Beta_0.5_3", {QKR(Beta, 0, T(0.5), 3, 0, 1), BOOST(beta, T(0.5), 3), GSL(beta, 0.5, 3)});
-  row("Beta_2_3", {QKR(Beta, 0, 2, 3, 0, 1), BOOST(beta, 2, 3), GSL(beta, 2, 3)});
+  return {{"gsl-mt19937", with(gsl_rng_mt19937)}, {"gsl-gfsr4", with(gsl_rng_gfsr4)}};
+}
+
+struct Choice {
+  bool quick;
+  const std::regex &filter;
+
+  std::vector<int> sizes() const { return quick ? std::vector{1000} : std::vector{1, 10, 1000, 1000000}; }
+
+  template <class T>
+  void add(const std::string &name, Level level, int n, const char *contender, Fill<T> fill) const {
+    static std::vector<T> out(1000000);
+    if (!std::regex_search(name, filter)) return;
+    benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State &state) {
+      force_level(level);
+      for (auto _ : state) {
+        fill(n, out.data());
+        benchmark::ClobberMemory();
+      }
+      state.counters["elements"] = n;
+      if (std::string(contender) == "qkr") state.counters["aim"] = 1;
+    });
+  }
+
+  template <class T, class... Peers>
+  void row(const std::string &name, const Ours<T> &ours, const Peers &...peers) const {
+    for (const Generator &generator : generators)
+      for (const int n : sizes()) {
+        const std::string function = name + '.' + generator.name + '/', size = '/' + std::to_string(n) + '/';
+        const Level widest = supported_level();
+        for (int level = 0; level <= static_cast<int>(widest); ++level)
+          add<T>(function + level_names[level] + size + "qkr", static_cast<Level>(level), n, "qkr",
+                 [ours, stream = generator.stream()](int m, T *out) { ours(stream, m, out); });
+        const auto add_all = [&](const Contenders<T> &library) {
+          for (const auto &[contender, fill] : library)
+            add<T>(function + "any" + size + contender, widest, n, contender, fill);
+        };
+        (add_all(peers), ...);
+      }
+  }
+};
+
+#define QKR(D, method, ...)                                                         \
+  [](StreamState *stream, int n, T *out) {                                          \
+    if constexpr (sizeof(T) == 8) _vxsdRng##D(method, stream, n, out, __VA_ARGS__); \
+    else _vxssRng##D(method, stream, n, out, __VA_ARGS__);                          \
+  }
+#define STD(D, ...) of_standard<T>(std::D##_distribution<T>(__VA_ARGS__))
+#define BOOST(D, ...) of_boost<T>(boost::random::D##_distribution<T>(__VA_ARGS__))
+#define GSL(D, ...) of_gsl<T>([](gsl_rng *engine) { return gsl_ran_##D(engine, __VA_ARGS__); })
+
+template <class T>
+void add_reals(const Choice &choice) {
+  const auto row = [&](const char *name, const auto &...contenders) {
+    choice.row<T>(std::string(name) + (sizeof(T) == 8 ? ".f64" : ".f32"), contenders...);
+  };
+  row("Uniform", QKR(Uniform, 0, 0, 1), STD(uniform_real, 0, 1), BOOST(uniform_real, 0, 1), GSL(flat, 0, 1));
+  row("Exponential", QKR(Exponential, 0, 0, 1), STD(exponential, 1), BOOST(exponential, 1),
+      GSL(exponential, 1));
+  row("Laplace", QKR(Laplace, 0, 0, 1), BOOST(laplace, 0, 1), GSL(laplace, 1));
+  row("Weibull", QKR(Weibull, 0, 2, 0, 1), STD(weibull, 2, 1), BOOST(weibull, 2, 1), GSL(weibull, 1, 2));
+  row("Cauchy", QKR(Cauchy, 0, 0, 1), STD(cauchy, 0, 1), BOOST(cauchy, 0, 1), GSL(cauchy, 1));
+  row("Rayleigh", QKR(Rayleigh, 0, 0, 1), GSL(rayleigh, 1));
+  row("Gumbel", QKR(Gumbel, 0, 0, 1), STD(extreme_value, 0, 1), BOOST(extreme_value, 0, 1),
+      GSL(gumbel1, 1, 1));
+  row("Lognormal", QKR(Lognormal, 0, 0, 1, 0, 1), STD(lognormal, 0, 1), BOOST(lognormal, 0, 1),
+      GSL(lognormal, 0, 1));
+  row("Gaussian0", QKR(Gaussian, 0, 0, 1), STD(normal, 0, 1), BOOST(normal, 0, 1), GSL(gaussian_ziggurat, 1));
+  row("Gaussian1", QKR(Gaussian, 1, 0, 1), STD(normal, 0, 1), BOOST(normal, 0, 1), GSL(gaussian_ziggurat, 1));
+  row("Gamma_0.3", QKR(Gamma, 0, T(0.3), 0, 1), STD(gamma, T(0.3), 1), BOOST(gamma, T(0.3), 1),
+      GSL(gamma, 0.3, 1));
+  row("Gamma_0.8", QKR(Gamma, 0, T(0.8), 0, 1), STD(gamma, T(0.8), 1), BOOST(gamma, T(0.8), 1),
+      GSL(gamma, 0.8, 1));
+  row("Gamma_3", QKR(Gamma, 0, 3, 0, 1), STD(gamma, 3, 1), BOOST(gamma, 3, 1), GSL(gamma, 3, 1));
+  row("Beta_0.2_0.3", QKR(Beta, 0, T(0.2), T(0.3), 0, 1), BOOST(beta, T(0.2), T(0.3)), GSL(beta, 0.2, 0.3));
+  row("Beta_0.8_0.7", QKR(Beta, 0, T(0.8), T(0.7), 0, 1), BOOST(beta, T(0.8), T(0.7)), GSL(beta, 0.8, 0.7));
+  row("Beta_0.5_3", QKR(Beta, 0, T(0.5), 3, 0, 1), BOOST(beta, T(0.5), 3), GSL(beta, 0.5, 3));
+  row("Beta_2_3", QKR(Beta, 0, 2, 3, 0, 1), BOOST(beta, 2, 3), GSL(beta, 2, 3));
 }
 
 void add_all(bool quick, const std::regex &filter) {
+  const Choice choice = {quick, filter};
+  add_reals<double>(choice);
+  add_reals<float>(choice);
   using T = int32_t;
-#define QKR_INTEGERS(D, ...)                                                    \
-  {                                                                             \
-    "qkr", [](int n, T *out) { _vxsiRng##D(0, stream(), n, out, __VA_ARGS__); } \
-  }
-  add_reals<double>(quick, filter);
-  add_reals<float>(quick, filter);
-  add<T>("Uniform.i32",
-         {QKR_INTEGERS(Uniform, 0, 1000),
-          {"std", of_standard<T>(std::uniform_int_distribution<T>(0, 999))},
-          {"boost", of_boost<T>(boost::random::uniform_int_distribution<T>(0, 999))},
-          {"gsl", one_by_one<T>([] { return gsl_rng_uniform_int(gsl, 1000); })}},
-         quick, filter);
-  add<T>("Bernoulli.i32",
-         {QKR_INTEGERS(Bernoulli, 0.3),
-          {"std", of_standard<T>(std::bernoulli_distribution(0.3))},
-          {"boost", of_boost<T>(boost::random::bernoulli_distribution<double>(0.3))},
-          GSL(bernoulli, 0.3)},
-         quick, filter);
-  add<T>("Geometric.i32",
-         {QKR_INTEGERS(Geometric, 0.3),
-          {"std", of_standard<T>(std::geometric_distribution<T>(0.3))},
-          {"boost", of_boost<T>(boost::random::geometric_distribution<T, double>(0.3))},
-          GSL(geometric, 0.3)},
-         quick, filter);
+#define QKR_INTEGERS(D, ...) \
+  [](StreamState *stream, int n, T *out) { _vxsiRng##D(0, stream, n, out, __VA_ARGS__); }
+  choice.row<T>("Uniform.i32", QKR_INTEGERS(Uniform, 0, 1000), STD(uniform_int, 0, 999),
+                BOOST(uniform_int, 0, 999),
+                of_gsl<T>([](gsl_rng *engine) { return gsl_rng_uniform_int(engine, 1000); }));
+  choice.row<T>("Bernoulli.i32", QKR_INTEGERS(Bernoulli, 0.3),
+                of_standard<T>(std::bernoulli_distribution(0.3)),
+                of_boost<T>(boost::random::bernoulli_distribution<double>(0.3)), GSL(bernoulli, 0.3));
+  choice.row<T>("Geometric.i32", QKR_INTEGERS(Geometric, 0.3), STD(geometric, 0.3),
+                of_boost<T>(boost::random::geometric_distribution<T, double>(0.3)), GSL(geometric, 0.3));
 }
 
 }  // namespace

@@ -3,11 +3,18 @@
 
 extern "C" {
 extern const double _vxsdBETATab[7];
-const double _vxsdBETATab[7] = {
-    0.0, 1.0, 1.3862943611198906, 2.0, 0.8522552176537243, -0.9562409713408151, qkr::ln_floor};  // [2]: ln 4
+#if QKR_BASELINE
+const double _vxsdBETATab[7] = {0.0,
+                                1.0,
+                                1.3862943611198906,
+                                2.0,
+                                0.8522552176537243,
+                                -0.9562409713408151,
+                                qkr::sse2::ln_floor};  // [2]: ln 4
+#endif
 }
 
-namespace qkr {
+namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
 // Both shapes small: X / (X + Y) with X = u1^(1/p) and Y = u2^(1/q), where X + Y <= 1 (M. D. Johnk, Metrika 8
@@ -27,7 +34,7 @@ int32_t _Johnk(StreamState *stream, int32_t n, T *out, T p, T q, T a, T beta) {
   const int32_t status = by_rejection(stream, n, out, prepare, [&](int32_t i, T &x) {
     const T sum = powers[2 * i] + powers[2 * i + 1];
     x = powers[2 * i] / sum;
-    return sum > T(0) && sum <= T(1);
+    return (sum > T(0)) & (sum <= T(1));
   });
   if (status >= 0) scale(n, out, beta, a);
   return status;
@@ -43,9 +50,9 @@ int32_t switching(StreamState *stream, int32_t n, T *out, T p, T q, T t, T r, Be
   Precision<T>::pow(2, powers, exponents, powers);
   const T lower = t * powers[0], upper = (T(1) - t) * powers[1];
   T u[most_candidates], candidate[most_candidates], exponent[most_candidates], excess[most_candidates];
-  T *logarithm;
+  T logarithm[most_candidates];
   const auto prepare = [&](int32_t m, T *pairs) {
-    part_pairs(m, pairs, u);
+    part_pairs(m, pairs, u, logarithm);
     for (int32_t i = 0; i < m; ++i) {
       candidate[i] = u[i] <= r ? u[i] : T(1) - u[i];
       exponent[i] = u[i] <= r ? exponents[0] : exponents[1];
@@ -57,8 +64,7 @@ int32_t switching(StreamState *stream, int32_t n, T *out, T p, T q, T t, T r, Be
     }
     Precision<T>::ln(m, excess, excess);
     for (int32_t i = 0; i < m; ++i) excess[i] *= u[i] <= r ? T(1) - q : T(1) - p;
-    Precision<T>::ln(m, pairs, pairs);
-    logarithm = pairs;
+    Precision<T>::ln(m, logarithm, logarithm);
   };
   return by_rejection(stream, n, out, prepare, [&](int32_t i, T &x) {
     x = candidate[i];
@@ -86,11 +92,10 @@ int32_t _Atkinson2(StreamState *stream, int32_t n, T *out, T p, T q) {
 // (1978) 317, algorithm BB).
 template <class T>
 int32_t _Cheng(StreamState *stream, int32_t n, T *out, T p, T q, T a, T beta) {
-  const T s = p + q, b = sqrt((s - T(2)) / (T(2) * p * q - s)), g = p + T(1) / b;
-  T u1[most_candidates], v[most_candidates], w[most_candidates], ratio[most_candidates], *z;
+  const T ln4 = T(_vxsdBETATab[2]), s = p + q, b = sqrt((s - T(2)) / (T(2) * p * q - s)), g = p + T(1) / b;
+  T u1[most_candidates], v[most_candidates], w[most_candidates], ratio[most_candidates], z[most_candidates];
   const auto prepare = [&](int32_t m, T *pairs) {
-    part_pairs(m, pairs, u1);
-    z = pairs;
+    part_pairs(m, pairs, u1, z);
     for (int32_t i = 0; i < m; ++i) v[i] = u1[i] / (T(1) - u1[i]);
     Precision<T>::ln(m, v, v);
     for (int32_t i = 0; i < m; ++i) v[i] *= b;
@@ -104,9 +109,9 @@ int32_t _Cheng(StreamState *stream, int32_t n, T *out, T p, T q, T a, T beta) {
     Precision<T>::ln(m, z, z);
   };
   const int32_t status = by_rejection(stream, n, out, prepare, [&](int32_t i, T &x) {
-    if (u1[i] == T(1)) return false;  // after rounding: the odds are infinite
+    const bool odds_finite = u1[i] != T(1);  // it may be, after rounding
     x = w[i] / (q + w[i]);
-    return s * ratio[i] - T(_vxsdBETATab[2]) + g * v[i] >= z[i];
+    return odds_finite & (s * ratio[i] - ln4 + g * v[i] >= z[i]);
   });
   if (status >= 0) scale(n, out, beta, a);
   return status;
@@ -150,14 +155,18 @@ int32_t beta_over(int32_t method, StreamState *stream, int32_t n, T *out, T p, T
   return Precision<T>::uniform(VXS_METHOD_ACCURATE, stream, n, out, a, a + beta);  // a shape is NaN
 }
 
-}  // namespace
-}  // namespace qkr
+template <class T>
+int32_t beta_under_callback(int32_t method, StreamState *stream, int32_t n, T *out, T p, T q, T a, T beta) {
+  return with_finite_logarithms<T, _vxsdBETATab, ActsOn::singularities>(
+      [=] { return beta_over(method, stream, n, out, p, q, a, beta); });
+}
 
-#define ENTRY(letter, T)                                                                                     \
-  extern "C" int32_t _vxs##letter##RngBeta(int32_t method, StreamState *stream, int32_t n, T *out, T p, T q, \
-                                           T a, T beta) {                                                    \
-    return qkr::with_finite_logarithms<T, _vxsdBETATab, qkr::ActsOn::singularities>(                         \
-        [=] { return qkr::beta_over(method, stream, n, out, p, q, a, beta); });                              \
-  }
-ENTRY(d, double)
-ENTRY(s, float)
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL
+
+QKR_DISTRIBUTION(d, double, Beta, (double p, double q, double a, double beta), (p, q, a, beta)) {
+  return beta_under_callback(method, stream, n, out, p, q, a, beta);
+}
+QKR_DISTRIBUTION(s, float, Beta, (float p, float q, float a, float beta), (p, q, a, beta)) {
+  return beta_under_callback(method, stream, n, out, p, q, a, beta);
+}

@@ -4,7 +4,10 @@
 #include <cstdlib>
 #include <qkr/streams.h>
 
-namespace qkr {
+#include "simd/vectors.h"
+
+namespace qkr::QKR_SIMD_LEVEL {
+namespace {
 
 // Finds the record, or puts `initial` there. VXS_STATUS_NO_MEMORY, with nothing changed.
 template <class Record>
@@ -20,4 +23,5 @@ inline int32_t find_or_add_chunk(StreamState *stream, uint32_t id, Record initia
   return status;
 }
 
-}  // namespace qkr
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL

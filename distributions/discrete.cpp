@@ -3,7 +3,7 @@
 
 #include "distributions/internal.h"
 
-namespace qkr {
+namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
 // Numbers of another type that stand in an array of int32_t until they are replaced.
@@ -71,21 +71,13 @@ int32_t geometric(StreamState *stream, int32_t n, int32_t *out, double p) {
 }
 
 }  // namespace
-}  // namespace qkr
+}  // namespace qkr::QKR_SIMD_LEVEL
 
-extern "C" {
-
-int32_t _vxsiRngUniform(int32_t, StreamState *stream, int32_t n, int32_t *out, int32_t a, int32_t b) {
-  return qkr::uniform_integers(stream, n, out, a, b);
+QKR_DISTRIBUTION(i, int32_t, Uniform, (int32_t a, int32_t b), (a, b)) {
+  return uniform_integers(stream, n, out, a, b);
 }
-
-int32_t _vxsiRngBernoulli(int32_t, StreamState *stream, int32_t n, int32_t *out, double p) {
-  return qkr::from_singles(
+QKR_DISTRIBUTION(i, int32_t, Bernoulli, (double p), (p)) {
+  return from_singles(
       stream, n, out, [](int32_t, float *) {}, [=](double u) -> int32_t { return u >= p ? 0 : 1; });
 }
-
-int32_t _vxsiRngGeometric(int32_t, StreamState *stream, int32_t n, int32_t *out, double p) {
-  return qkr::geometric(stream, n, out, p);
-}
-
-}  // extern "C"
+QKR_DISTRIBUTION(i, int32_t, Geometric, (double p), (p)) { return geometric(stream, n, out, p); }

@@ -1,27 +1,28 @@
 // Gamma numbers by rejection, the method chosen by the shape alpha; sources stand at each.
-#include <cstring>
-
 #include "distributions/chunks.h"
+#include "distributions/radii.h"
 #include "distributions/rejection.h"
 
 extern "C" {
 extern const double _vxsdGAMMATab[8];
-const double _vxsdGAMMATab[8] = {0.0, 1.0 / 3.0, 0.0331, 1.0, 0.5, 0.6, 6.283185307179586, qkr::ln_floor};
+#if QKR_BASELINE
+const double _vxsdGAMMATab[8] = {
+    0.0, 1.0 / 3.0, 0.0331, 1.0, 0.5, 0.6, 6.283185307179586, qkr::sse2::ln_floor};
+#endif
 }
 
-namespace qkr {
+namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
-// Two normal numbers of each of `count` pairs, at most 256, which are overwritten.
+// Two normal numbers of each of `count` pairs, at most 256: a uniform number and an angle, both overwritten.
 template <class T>
-void _BoxMuller2(int32_t count, T *u1, T *u2, T *out) {
+void _BoxMuller2(int32_t count, T *u, T *angle, T *__restrict out) {
   T sine[most_candidates / 2];
-  for (int32_t i = 0; i < count; ++i) u2[i] *= T(_vxsdGAMMATab[6]);
-  Precision<T>::sin_cos(count, u2, sine, u2);
-  radii(count, u1);
+  Precision<T>::sin_cos(count, angle, sine, angle);
+  radii(count, u);
   for (int32_t i = 0; i < count; ++i) {
-    out[2 * i] = u1[i] * sine[i];
-    out[2 * i + 1] = u1[i] * u2[i];
+    out[2 * i] = u[i] * sine[i];
+    out[2 * i + 1] = u[i] * angle[i];
   }
 }
 
@@ -40,14 +41,46 @@ struct Candidates {
   // m of them, an even number, from place `first` on. The words of the stream go two and two: part of a pair
   // for Box and Muller, acceptance uniform.
   int32_t draw(StreamState *stream, int32_t m, int32_t first) {
-    T words[2 * most_candidates], u1[most_candidates / 2], u2[most_candidates / 2];
+    T words[2 * most_candidates], halves[most_candidates], u1[most_candidates / 2], u2[most_candidates / 2];
     const int32_t status = uniforms(stream, 2 * m, words);
     if (status < 0) return status;
-    Precision<T>::pack(m / 2, words, 4, u1);
-    Precision<T>::pack(m / 2, words + 2, 4, u2);
-    Precision<T>::pack(m, words + 1, 2, u + first);
+    part_pairs(m, words, halves, u + first);
+    part_pairs(m / 2, halves, u1, u2, T(_vxsdGAMMATab[6]));
     _BoxMuller2(m / 2, u1, u2, x + first);
     return status;
+  }
+
+  // Tests the first m, and puts those that are accepted into `out`; returns how many they are. The undecided
+  // of a quick test are a few in a hundred, whose logarithms are taken together.
+  int32_t keep_accepted(int32_t m, T c, T d, T *out) const {
+    T cube[most_candidates + 1], product[most_candidates + 1];
+    Answer<T> accepted[most_candidates + 1], undecided[most_candidates + 1];
+    const T squeeze = T(_vxsdGAMMATab[2]);
+    for (int32_t i = 0; i < m; ++i) {
+      const T v = c * x[i] + T(1), s = x[i] * x[i];
+      const bool positive = v > T(0), inside = u[i] < T(1) - squeeze * s * s;
+      cube[i] = v * v * v;
+      product[i] = d * cube[i];
+      accepted[i] = positive & inside;
+      undecided[i] = positive & !inside;
+    }
+
+    int32_t place[most_candidates + 1], count = 0;
+    for (int32_t i = 0; i < m; ++i) {
+      place[count] = i;
+      count += static_cast<int32_t>(undecided[i]);
+    }
+    T logarithms[2 * (most_candidates + 1)], *ln_u = logarithms, *ln_w = logarithms + count;
+    for (int32_t k = 0; k < count; ++k) {
+      ln_u[k] = u[place[k]];
+      ln_w[k] = cube[place[k]];
+    }
+    Precision<T>::ln(2 * count, logarithms, logarithms);
+    for (int32_t k = 0; k < count; ++k) {
+      const int32_t i = place[k];
+      accepted[i] = ln_u[k] < T(0.5) * (x[i] * x[i]) + d * (ln_w[k] + T(1) - cube[i]);
+    }
+    return keep(m, product, accepted, out);
   }
 };
 
@@ -69,13 +102,6 @@ int32_t _Marsaglia(StreamState *stream, int32_t n, T *out, T alpha) {
     pending->u = none;
   }
 
-  const auto accept = [&](T x, T u, T w) {
-    const T s = x * x;
-    if (u < T(1) - T(_vxsdGAMMATab[2]) * s * s) return true;
-    T logarithms[2] = {u, w};
-    Precision<T>::ln(2, logarithms, logarithms);
-    return logarithms[0] < T(0.5) * s + d * (logarithms[1] + T(1) - w);
-  };
   for (int32_t done = 0; done < n;) {
     const int32_t missing = n - done, wanted = missing - held;
     const int32_t round = wanted < most_candidates ? missing : most_candidates;
@@ -84,12 +110,7 @@ int32_t _Marsaglia(StreamState *stream, int32_t n, T *out, T alpha) {
       status = candidates.draw(stream, drawn, held);
       if (status < 0) return status;
     }
-    for (int32_t i = 0; i < round; ++i) {
-      const T x = candidates.x[i], v = c * x + T(1);
-      if (!(v > T(0))) continue;
-      const T w = v * v * v;
-      if (accept(x, candidates.u[i], w)) out[done++] = d * w;
-    }
+    done += candidates.keep_accepted(round, c, d, out + done);
     held = held + drawn - round;
     if (held) {
       candidates.u[0] = candidates.u[round];
@@ -109,8 +130,7 @@ int32_t _Vaduva(StreamState *stream, int32_t n, T *out, T alpha) {
   const auto prepare = [&](int32_t m, T *pairs) {
     Precision<T>::ln(2 * m, pairs, pairs);
     negate(2 * m, pairs);
-    part_pairs(m, pairs, first);
-    memcpy(second, pairs, static_cast<size_t>(m) * sizeof(T));
+    part_pairs(m, pairs, first, second);
     Precision<T>::powx(m, first, c, root);
   };
   return by_rejection(stream, n, out, prepare, [&](int32_t i, T &x) {
@@ -124,15 +144,14 @@ int32_t _Vaduva(StreamState *stream, int32_t n, T *out, T alpha) {
 template <class T>
 int32_t _EPDTransform(StreamState *stream, int32_t n, T *out, T alpha) {
   const T r = T(1) / alpha, k = T(1) - alpha;
-  T u[most_candidates], y[most_candidates], power[most_candidates], *logarithm;
+  T u[most_candidates], y[most_candidates], power[most_candidates], logarithm[most_candidates];
   const auto prepare = [&](int32_t m, T *pairs) {
-    part_pairs(m, pairs, u);
+    part_pairs(m, pairs, u, logarithm);
     for (int32_t i = 0; i < m; ++i) y[i] = u[i] > k ? (T(1) - u[i]) * r : T(1);
     Precision<T>::ln(m, y, y);
     for (int32_t i = 0; i < m; ++i) power[i] = u[i] > k ? k - alpha * y[i] : u[i];
     Precision<T>::powx(m, power, r, power);
-    Precision<T>::ln(m, pairs, pairs);
-    logarithm = pairs;
+    Precision<T>::ln(m, logarithm, logarithm);
   };
   return by_rejection(stream, n, out, prepare, [&](int32_t i, T &x) {
     x = power[i];
@@ -158,17 +177,11 @@ int32_t gamma(StreamState *stream, int32_t n, T *out, T alpha, T a, T beta) {
 }
 
 }  // namespace
-}  // namespace qkr
+}  // namespace qkr::QKR_SIMD_LEVEL
 
-extern "C" {
-
-int32_t _vxsdRngGamma(int32_t, StreamState *stream, int32_t n, double *out, double alpha, double a,
-                      double beta) {
-  return qkr::gamma(stream, n, out, alpha, a, beta);
+QKR_DISTRIBUTION(d, double, Gamma, (double alpha, double a, double beta), (alpha, a, beta)) {
+  return gamma(stream, n, out, alpha, a, beta);
 }
-
-int32_t _vxssRngGamma(int32_t, StreamState *stream, int32_t n, float *out, float alpha, float a, float beta) {
-  return qkr::gamma(stream, n, out, alpha, a, beta);
+QKR_DISTRIBUTION(s, float, Gamma, (float alpha, float a, float beta), (alpha, a, beta)) {
+  return gamma(stream, n, out, alpha, a, beta);
 }
-
-}  // extern "C"

@@ -2,36 +2,36 @@
 // method, also the cosine of 2 pi u2 (G. E. P. Box and M. E. Muller, Annals of Mathematical Statistics 29
 // (1958) 610).
 #include "distributions/chunks.h"
-#include "distributions/internal.h"
+#include "distributions/radii.h"
 
 extern "C" {
 extern const double _vxsdGaussianTab[2];
-const double _vxsdGaussianTab[2] = {6.283185307179586, qkr::ln_floor};  // 2 pi
+#if QKR_BASELINE
+const double _vxsdGaussianTab[2] = {6.283185307179586, qkr::sse2::ln_floor};  // 2 pi
+#endif
 }
 
-namespace qkr {
+namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
 constexpr int32_t block_pairs = 512;
 
-// u becomes 2 pi u.
 template <class T>
-void angles(int32_t n, T *u) {
-  for (int32_t i = 0; i < n; ++i) u[i] *= T(_vxsdGaussianTab[0]);
+T whole_turn() {
+  return T(_vxsdGaussianTab[0]);
 }
 
 template <class T>
 int32_t one_of_each_pair(StreamState *stream, int32_t n, T *out, T a, T sigma) {
-  T pairs[2 * block_pairs];
+  T pairs[2 * block_pairs], sine[block_pairs];
   const int32_t status = in_blocks<block_pairs>(n, [&, out](int32_t m, int32_t first) {
     const int32_t drawn = uniforms(stream, 2 * m, pairs);
     if (drawn < 0) return drawn;
     T *x = out + first;
-    part_pairs(m, pairs, x);
-    angles(m, pairs);
-    Precision<T>::sin(m, pairs, pairs);
+    part_pairs(m, pairs, x, sine, whole_turn<T>());
+    Precision<T>::sin(m, sine, sine);
     radii(m, x);
-    for (int32_t i = 0; i < m; ++i) x[i] *= pairs[i];
+    for (int32_t i = 0; i < m; ++i) x[i] *= sine[i];
     return drawn;
   });
   if (status >= 0) scale(n, out, sigma, a);
@@ -50,8 +50,7 @@ static_assert(sizeof(PendingPair) == 16, "in stream files too");
 // The cosine's half of the pending pair, which is used up in place.
 template <class T>
 T second_half(PendingPair &pending) {
-  T radius = T(pending.u1), cosine = T(pending.u2);
-  angles(1, &cosine);
+  T radius = T(pending.u1), cosine = T(pending.u2) * whole_turn<T>();
   Precision<T>::cos(1, &cosine, &cosine);
   radii(1, &radius);
   pending = {radius, cosine};
@@ -65,7 +64,7 @@ int32_t first_half(StreamState *stream, PendingPair &pending, T &out) {
   const int32_t status = uniforms(stream, 2, pair);
   if (status < 0) return status;
   pending = {pair[0], pair[1]};
-  angles(1, pair + 1);
+  pair[1] *= whole_turn<T>();
   Precision<T>::sin(1, pair + 1, pair + 1);
   radii(1, pair);
   out = pair[0] * pair[1];
@@ -74,18 +73,17 @@ int32_t first_half(StreamState *stream, PendingPair &pending, T &out) {
 
 template <class T>
 int32_t whole_pairs(StreamState *stream, int32_t pairs, T *out) {
-  T u[2 * block_pairs], radius[block_pairs], cosine[block_pairs];
+  T u[2 * block_pairs], radius[block_pairs], sine[block_pairs], cosine[block_pairs];
   int32_t status = VXS_STATUS_OK;
   for (; pairs > 0 && status >= 0; pairs -= block_pairs, out += 2 * block_pairs) {
     const int32_t m = pairs < block_pairs ? pairs : block_pairs;
     status = uniforms(stream, 2 * m, u);
     if (status < 0) break;
-    part_pairs(m, u, radius);
-    angles(m, u);
-    Precision<T>::sin_cos(m, u, u, cosine);
+    part_pairs(m, u, radius, sine, whole_turn<T>());
+    Precision<T>::sin_cos(m, sine, sine, cosine);
     radii(m, radius);
     for (int32_t i = 0; i < m; ++i) {
-      out[2 * i] = u[i] * radius[i];
+      out[2 * i] = sine[i] * radius[i];
       out[2 * i + 1] = cosine[i] * radius[i];
     }
   }
@@ -114,23 +112,27 @@ int32_t both_of_each_pair(StreamState *stream, int32_t n, T *out, T a, T sigma) 
   return status;
 }
 
-}  // namespace
-}  // namespace qkr
+template <class T>
+int32_t gaussian(int32_t method, StreamState *stream, int32_t n, T *out, T a, T sigma) {
+  static constexpr decltype(&one_of_each_pair<T>) kernels[] = {one_of_each_pair<T>, both_of_each_pair<T>};
+  return with_finite_logarithms<T, _vxsdGaussianTab, ActsOn::singularities>(
+      [=] { return kernels[method](stream, n, out, a, sigma); });
+}
 
-#define ENTRIES(letter, T)                                                                                  \
-  extern "C" {                                                                                              \
-  int32_t _v##letter##RngGaussianBoxMuller(StreamState *stream, int32_t n, T *out, T a, T sigma) {          \
-    return qkr::one_of_each_pair(stream, n, out, a, sigma);                                                 \
-  }                                                                                                         \
-  int32_t _v##letter##RngGaussianBoxMuller2(StreamState *stream, int32_t n, T *out, T a, T sigma) {         \
-    return qkr::both_of_each_pair(stream, n, out, a, sigma);                                                \
-  }                                                                                                         \
-  int32_t _vxs##letter##RngGaussian(int32_t method, StreamState *stream, int32_t n, T *out, T a, T sigma) { \
-    static constexpr decltype(&_v##letter##RngGaussianBoxMuller) kernels[] = {                              \
-        _v##letter##RngGaussianBoxMuller, _v##letter##RngGaussianBoxMuller2};                               \
-    return qkr::with_finite_logarithms<T, _vxsdGaussianTab, qkr::ActsOn::singularities>(                    \
-        [=] { return kernels[method](stream, n, out, a, sigma); });                                         \
-  }                                                                                                         \
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL
+
+#define ENTRIES(letter, T)                                                                             \
+  QKR_ENTRY_OF(int32_t, _v##letter##RngGaussianBoxMuller,                                              \
+               (StreamState * stream, int32_t n, T * out, T a, T sigma), (stream, n, out, a, sigma)) { \
+    return one_of_each_pair(stream, n, out, a, sigma);                                                 \
+  }                                                                                                    \
+  QKR_ENTRY_OF(int32_t, _v##letter##RngGaussianBoxMuller2,                                             \
+               (StreamState * stream, int32_t n, T * out, T a, T sigma), (stream, n, out, a, sigma)) { \
+    return both_of_each_pair(stream, n, out, a, sigma);                                                \
+  }                                                                                                    \
+  QKR_DISTRIBUTION(letter, T, Gaussian, (T a, T sigma), (a, sigma)) {                                  \
+    return gaussian(method, stream, n, out, a, sigma);                                                 \
   }
 ENTRIES(d, double)
 ENTRIES(s, float)

@@ -4,7 +4,7 @@
 
 #include "distributions/internal.h"
 
-namespace qkr {
+namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
 enum Storage : int32_t { full, packed, diagonal, storages };
@@ -52,18 +52,13 @@ int32_t vectors(int32_t method, StreamState *stream, int32_t n, T *out, int32_t 
 }
 
 }  // namespace
-}  // namespace qkr
+}  // namespace qkr::QKR_SIMD_LEVEL
 
-extern "C" {
-
-int32_t _vxsdRngGaussianMV(int32_t method, StreamState *stream, int32_t n, double *out, int32_t d,
-                           int32_t mstorage, const double *mean, const double *t) {
-  return qkr::vectors(method, stream, n, out, d, mstorage, mean, t);
+QKR_DISTRIBUTION(d, double, GaussianMV, (int32_t d, int32_t mstorage, const double *mean, const double *t),
+                 (d, mstorage, mean, t)) {
+  return vectors(method, stream, n, out, d, mstorage, mean, t);
 }
-
-int32_t _vxssRngGaussianMV(int32_t method, StreamState *stream, int32_t n, float *out, int32_t d,
-                           int32_t mstorage, const float *mean, const float *t) {
-  return qkr::vectors(method, stream, n, out, d, mstorage, mean, t);
+QKR_DISTRIBUTION(s, float, GaussianMV, (int32_t d, int32_t mstorage, const float *mean, const float *t),
+                 (d, mstorage, mean, t)) {
+  return vectors(method, stream, n, out, d, mstorage, mean, t);
 }
-
-}  // extern "C"

@@ -6,7 +6,10 @@
 #include <qkr/vecmath.h>
 #include <type_traits>
 
-namespace qkr {
+#include "simd/entry.h"
+
+namespace qkr::QKR_SIMD_LEVEL {
+namespace {
 
 // The functions that a distribution calls, for one source in both precisions.
 template <class T>
@@ -57,7 +60,7 @@ inline T power(T x, T exponent) {
 
 // What stands in for ln 0: the logarithm of the smallest positive number. In double precision it is the last
 // element of a distribution's table.
-constexpr double ln_floor = -744.4400719213812;
+[[maybe_unused]] constexpr double ln_floor = -744.4400719213812;
 constexpr double single_ln_floor = -103.2789306640625;
 
 enum class ActsOn { every_error, singularities };
@@ -119,11 +122,20 @@ inline int32_t uniforms(StreamState *stream, int32_t n, T *out) {
   return Precision<T>::uniform(0, stream, n, out, T(0), T(1));
 }
 
-// Parts m pairs: the first of each go to `firsts`, the second to the head of `pairs`.
+// The first of each of m pairs goes to `firsts`, and the second, times `factor`, to `seconds`.
 template <class T>
-inline void part_pairs(int32_t m, T *pairs, T *firsts) {
-  Precision<T>::pack(m, pairs, 2, firsts);
-  Precision<T>::pack(m, pairs + 1, 2, pairs);
+inline void part_pairs(int32_t m, const T *pairs, T *__restrict firsts, T *__restrict seconds, T factor) {
+  for (int32_t i = 0; i < m; ++i) {
+    firsts[i] = pairs[2 * i];
+    seconds[i] = pairs[2 * i + 1] * factor;
+  }
+}
+template <class T>
+inline void part_pairs(int32_t m, const T *pairs, T *__restrict firsts, T *__restrict seconds) {
+  for (int32_t i = 0; i < m; ++i) {
+    firsts[i] = pairs[2 * i];
+    seconds[i] = pairs[2 * i + 1];
+  }
 }
 
 template <class T>
@@ -155,12 +167,13 @@ inline void bound(int32_t n, T *x, T lower, T upper) {
   }
 }
 
-// u becomes sqrt(-2 ln u), the radius of two normal numbers.
-template <class T>
-inline void radii(int32_t n, T *u) {
-  Precision<T>::ln(n, u, u);
-  for (int32_t i = 0; i < n; ++i) u[i] = T(0) - (u[i] + u[i]);
-  Precision<T>::sqrt(n, u, u);
-}
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL
 
-}  // namespace qkr
+// The entry of distribution D in one form, for all levels; its body follows.
+#define QKR_DISTRIBUTION(letter, T, D, parameters, arguments)                                             \
+  QKR_ENTRY_OF(                                                                                           \
+      int32_t, _vxs##letter##Rng##D,                                                                      \
+      ([[maybe_unused]] int32_t method, StreamState * stream, int32_t n, T * out, QKR_LISTED parameters), \
+      (method, stream, n, out, QKR_LISTED arguments))
+#define QKR_LISTED(...) __VA_ARGS__

@@ -5,14 +5,16 @@
 extern "C" {
 extern const double _vxsdExponentialTab[1], _vxsdGumbelTab[1], _vxsdRayleighTab[1], _vxsdWeibullTab[1];
 extern const double _vxsdCauchyTab[2];
-const double _vxsdExponentialTab[1] = {qkr::ln_floor};
-const double _vxsdGumbelTab[1] = {qkr::ln_floor};
-const double _vxsdRayleighTab[1] = {qkr::ln_floor};
-const double _vxsdWeibullTab[1] = {qkr::ln_floor};
+#if QKR_BASELINE
+const double _vxsdExponentialTab[1] = {qkr::sse2::ln_floor};
+const double _vxsdGumbelTab[1] = {qkr::sse2::ln_floor};
+const double _vxsdRayleighTab[1] = {qkr::sse2::ln_floor};
+const double _vxsdWeibullTab[1] = {qkr::sse2::ln_floor};
 const double _vxsdCauchyTab[2] = {1.5707963267948966, -1.5707963267948966};  // pi / 2, -pi / 2
+#endif
 }
 
-namespace qkr {
+namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
 template <class T>
@@ -94,29 +96,22 @@ int32_t lognormal(StreamState *stream, int32_t n, T *out, T a, T sigma, T b, T b
 }
 
 }  // namespace
-}  // namespace qkr
+}  // namespace qkr::QKR_SIMD_LEVEL
 
 #define ENTRIES(letter, T)                                                                                  \
-  extern "C" {                                                                                              \
-  int32_t _vxs##letter##RngExponential(int32_t, StreamState *stream, int32_t n, T *out, T a, T beta) {      \
-    return qkr::exponential(stream, n, out, a, beta);                                                       \
+  QKR_DISTRIBUTION(letter, T, Exponential, (T a, T beta), (a, beta)) {                                      \
+    return exponential(stream, n, out, a, beta);                                                            \
   }                                                                                                         \
-  int32_t _vxs##letter##RngGumbel(int32_t, StreamState *stream, int32_t n, T *out, T a, T beta) {           \
-    return qkr::gumbel(stream, n, out, a, beta);                                                            \
+  QKR_DISTRIBUTION(letter, T, Gumbel, (T a, T beta), (a, beta)) { return gumbel(stream, n, out, a, beta); } \
+  QKR_DISTRIBUTION(letter, T, Rayleigh, (T a, T beta), (a, beta)) {                                         \
+    return rayleigh(stream, n, out, a, beta);                                                               \
   }                                                                                                         \
-  int32_t _vxs##letter##RngRayleigh(int32_t, StreamState *stream, int32_t n, T *out, T a, T beta) {         \
-    return qkr::rayleigh(stream, n, out, a, beta);                                                          \
+  QKR_DISTRIBUTION(letter, T, Weibull, (T alpha, T a, T beta), (alpha, a, beta)) {                          \
+    return weibull(stream, n, out, alpha, a, beta);                                                         \
   }                                                                                                         \
-  int32_t _vxs##letter##RngWeibull(int32_t, StreamState *stream, int32_t n, T *out, T alpha, T a, T beta) { \
-    return qkr::weibull(stream, n, out, alpha, a, beta);                                                    \
-  }                                                                                                         \
-  int32_t _vxs##letter##RngCauchy(int32_t, StreamState *stream, int32_t n, T *out, T a, T beta) {           \
-    return qkr::cauchy(stream, n, out, a, beta);                                                            \
-  }                                                                                                         \
-  int32_t _vxs##letter##RngLognormal(int32_t, StreamState *stream, int32_t n, T *out, T a, T sigma, T b,    \
-                                     T beta) {                                                              \
-    return qkr::lognormal(stream, n, out, a, sigma, b, beta);                                               \
-  }                                                                                                         \
+  QKR_DISTRIBUTION(letter, T, Cauchy, (T a, T beta), (a, beta)) { return cauchy(stream, n, out, a, beta); } \
+  QKR_DISTRIBUTION(letter, T, Lognormal, (T a, T sigma, T b, T beta), (a, sigma, b, beta)) {                \
+    return lognormal(stream, n, out, a, sigma, b, beta);                                                    \
   }
 ENTRIES(d, double)
 ENTRIES(s, float)

@@ -3,42 +3,45 @@
 
 extern "C" {
 extern const double _vxsdLaplaceTab[2];
-const double _vxsdLaplaceTab[2] = {0.5, qkr::ln_floor};
+#if QKR_BASELINE
+const double _vxsdLaplaceTab[2] = {0.5, qkr::sse2::ln_floor};
+#endif
 }
 
-namespace qkr {
+namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
 constexpr int32_t block = 1024;
 
+// The numbers x become a + beta x or a - beta x, as `choice` is above a half or not.
+template <class T>
+void sign_and_scale(int32_t m, T *x, const T *choice, T beta, T a) {
+  const T half = T(_vxsdLaplaceTab[0]), minus_beta = T(0) - beta;
+  for (int32_t i = 0; i < m; ++i) x[i] = x[i] * (choice[i] > half ? beta : minus_beta) + a;
+}
+
 template <class T>
 int32_t laplace(StreamState *stream, int32_t n, T *out, T a, T beta) {
-  const T half = T(_vxsdLaplaceTab[0]), minus_beta = T(0) - beta;
   return with_finite_logarithms<T, _vxsdLaplaceTab, ActsOn::every_error>([=] {
-    T pairs[2 * block];
+    T pairs[2 * block], choice[block];
     return in_blocks<block>(n, [&, out](int32_t m, int32_t first) {
       const int32_t status = uniforms(stream, 2 * m, pairs);
       if (status < 0) return status;
       T *x = out + first;
-      part_pairs(m, pairs, x);
+      part_pairs(m, pairs, x, choice);
       Precision<T>::ln(m, x, x);
-      for (int32_t i = 0; i < m; ++i) x[i] = x[i] * (pairs[i] > half ? beta : minus_beta) + a;
+      sign_and_scale(m, x, choice, beta, a);
       return status;
     });
   });
 }
 
 }  // namespace
-}  // namespace qkr
+}  // namespace qkr::QKR_SIMD_LEVEL
 
-extern "C" {
-
-int32_t _vxsdRngLaplace(int32_t, StreamState *stream, int32_t n, double *out, double a, double beta) {
-  return qkr::laplace(stream, n, out, a, beta);
+QKR_DISTRIBUTION(d, double, Laplace, (double a, double beta), (a, beta)) {
+  return laplace(stream, n, out, a, beta);
 }
-
-int32_t _vxssRngLaplace(int32_t, StreamState *stream, int32_t n, float *out, float a, float beta) {
-  return qkr::laplace(stream, n, out, a, beta);
+QKR_DISTRIBUTION(s, float, Laplace, (float a, float beta), (a, beta)) {
+  return laplace(stream, n, out, a, beta);
 }
-
-}  // extern "C"

@@ -1,6 +1,7 @@
 // Uniform numbers: the stream's own, over an interval. All other distributions draw through here.
 #include "distributions/internal.h"
 
+namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
 const BrngRecord &generator_of(const StreamState *stream) {
@@ -11,24 +12,22 @@ const BrngRecord &generator_of(const StreamState *stream) {
 
 template <class T>
 int32_t bounded_if_accurate(int32_t method, int32_t status, int32_t n, T *out, T a, T b) {
-  if (status >= 0 && method & VXS_METHOD_ACCURATE) qkr::bound(n, out, a, b);
+  if (status >= 0 && method & VXS_METHOD_ACCURATE) bound(n, out, a, b);
   return status;
 }
 
 }  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL
 
-extern "C" {
-
-int32_t _vxsdRngUniform(int32_t method, StreamState *stream, int32_t n, double *out, double a, double b) {
+QKR_DISTRIBUTION(d, double, Uniform, (double a, double b), (a, b)) {
   return bounded_if_accurate(method, generator_of(stream).dBrng(stream, n, out, a, b), n, out, a, b);
 }
-
-int32_t _vxssRngUniform(int32_t method, StreamState *stream, int32_t n, float *out, float a, float b) {
+QKR_DISTRIBUTION(s, float, Uniform, (float a, float b), (a, b)) {
   return bounded_if_accurate(method, generator_of(stream).sBrng(stream, n, out, a, b), n, out, a, b);
 }
 
-int32_t _vxsiRngUniformBits(int32_t, StreamState *stream, int32_t n, uint32_t *out) {
-  return generator_of(stream).iBrng(stream, n, out);
+#if QKR_BASELINE
+extern "C" int32_t _vxsiRngUniformBits(int32_t, StreamState *stream, int32_t n, uint32_t *out) {
+  return qkr::sse2::generator_of(stream).iBrng(stream, n, out);
 }
-
-}  // extern "C"
+#endif
