@@ -1,7 +1,6 @@
 // Conversions between integers and floating point.
 #include "sigfft/convert.h"
 
-#include "sigfft/byte_values.h"
 #include "sigfft/checked.h"
 #include "simd/entry.h"
 
@@ -14,14 +13,6 @@ QKR_INLINE void to_singles(const Source *src, float *dst, size_t len) {
                         [](const Source *s, float *d) QKR_LAMBDA { store(d, singles(load_lanes(s))); });
 }
 
-// Bytes that do not fill a vector are looked up.
-template <class Byte>
-QKR_INLINE void bytes_to_singles(const Byte *src, float *dst, size_t len) {
-  const size_t whole = len & ~(lanes - 1);
-  to_singles(src, dst, whole);
-  for (size_t i = whole; i < len; ++i) dst[i] = owntablIntToFloat[src[i]];
-}
-
 template <class T>
 struct Loaded {
   using type = f32;
@@ -31,19 +22,34 @@ struct Loaded<double> {
   using type = Two<f64>;
 };
 
-// In the precision of T.
-template <bool nearest, class T, class Source, class Target>
-QKR_NOINLINE void scaled(const Source *src, Target *dst, size_t len, T factor) {
+template <bool nearest, class Source, class Target>
+QKR_NOINLINE void scaled(const Source *src, Target *dst, size_t len, Source factor) {
   constexpr size_t vectors = sizeof(int32_t) / sizeof(Target);
   for_each_group<vectors * lanes>(src, dst, len, [=](const Source *s, Target *d) QKR_LAMBDA {
     i32 v[vectors];
     for (size_t k = 0; k < vectors; ++k) {
       typename Loaded<Source>::type x;
       load(s + k * lanes, x);
-      if constexpr (sizeof(T) > sizeof(Source)) v[k] = to_integers<nearest, Source, Target>(widen(x), factor);
-      else v[k] = to_integers<nearest, Source, Target>(x, factor);
+      v[k] = to_integers<nearest, Source, Target>(x, factor);
     }
     store_lanes(d, v);
+  });
+}
+
+// The power of two is one of double precision; the product of two of single precision takes numbers of that
+// to the same integers. Nothing between the lanes' range and 2^31 is a number of single precision.
+template <bool nearest>
+QKR_NOINLINE void scaled(const float *src, int32_t *dst, size_t len, double factor) {
+  const auto within = [](double x) { return x < 0x1p-126 ? 0x1p-126 : x > 0x1p127 ? 0x1p127 : x; };
+  const bool has_inverse = factor != 0 && factor <= 0x1.fffffffffffffp1023;
+  const auto first = (float)(has_inverse ? within(factor) : factor);
+  const auto second = (float)(has_inverse ? within(factor / first) : 1);
+  for_each_group<lanes>(src, dst, len, [=](const float *s, int32_t *d) QKR_LAMBDA {
+    f32 v;
+    load(s, v);
+    v = v * number(first) * number(second);
+    const i32 lowest_if_beyond = integers<nearest>(v) ^ (i32)(v >= 0x1p31f);
+    store_lanes(d, &lowest_if_beyond);
   });
 }
 
@@ -51,10 +57,10 @@ QKR_NOINLINE void scaled(const Source *src, Target *dst, size_t len, T factor) {
 }  // namespace qkr::QKR_SIMD_LEVEL
 
 QKR_ENTRY(ownsConvert_8s32f, (const int8_t *src, float *dst, size_t len), (src, dst, len)) {
-  bytes_to_singles(src, dst, len);
+  to_singles(src, dst, len);
 }
 QKR_ENTRY(ownsConvert_8u32f, (const uint8_t *src, float *dst, size_t len), (src, dst, len)) {
-  bytes_to_singles(src, dst, len);
+  to_singles(src, dst, len);
 }
 QKR_ENTRY(ownsConvert_16s32f, (const int16_t *src, float *dst, size_t len), (src, dst, len)) {
   to_singles(src, dst, len);
@@ -70,11 +76,12 @@ QKR_ENTRY(ownsConvert_32s64f, (const int32_t *src, double *dst, size_t len), (sr
                         [](const int32_t *s, double *d) QKR_LAMBDA { store(d, doubles(load_lanes(s))); });
 }
 
-#define QKR_SCALED(suffix, Source, Target, T)                                             \
-  QKR_ENTRY(ownsConvert_##suffix##_Sfs,                                                   \
-            (const Source *src, Target *dst, size_t len, bool nearest, T factor),         \
-            (src, dst, len, nearest, factor)) {                                           \
-    nearest ? scaled<true>(src, dst, len, factor) : scaled<false>(src, dst, len, factor); \
+#define QKR_SCALED(suffix, Source, Target, T)                                     \
+  QKR_ENTRY(ownsConvert_##suffix##_Sfs,                                           \
+            (const Source *src, Target *dst, size_t len, bool nearest, T factor), \
+            (src, dst, len, nearest, factor)) {                                   \
+    if (nearest) in_nearest_mode([=] { scaled<true>(src, dst, len, factor); });   \
+    else scaled<false>(src, dst, len, factor);                                    \
   }
 QKR_SCALED(32f8s, float, int8_t, float)
 QKR_SCALED(32f8u, float, uint8_t, float)

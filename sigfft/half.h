@@ -30,13 +30,14 @@ QKR_INLINE f32 load_halves(const uint16_t *p) {
 }
 
 QKR_INLINE f32 load_numbers(const uint16_t *p) { return load_halves(p); }
+QKR_INLINE bool any_nan(f32, f32) { return false; }  // load_numbers() serves them too
 
 // Without sign, in units of the least subnormal number.
 template <bool nearest>
 QKR_INLINE i32 subnormal_half(f32 magnitude) {
   const f32 units = magnitude * 0x1p24f;
   if constexpr (!nearest) return truncated(units);
-  else return rounded(real(choose((units >= 0.5f) & (units < 1.0f), bits(number(1.0f)), bits(units))));
+  else return rounded(units) + ((i32)(units == 0.5f) & 1);
 }
 
 template <bool nearest>
@@ -87,6 +88,13 @@ QKR_INLINE f32 load_numbers(const uint16_t *p) {
   memcpy(&h, p, sizeof h);
   return convert_halves(h);
 }
+#if QKR_SIMD_BYTES == 64
+QKR_INLINE bool any_nan(f32 a, f32 b) { return _mm512_cmp_ps_mask((__m512)a, (__m512)b, _CMP_UNORD_Q); }
+#else
+QKR_INLINE bool any_nan(f32 a, f32 b) {
+  return _mm256_movemask_ps(_mm256_cmp_ps((__m256)a, (__m256)b, _CMP_UNORD_Q));
+}
+#endif
 // The processor makes quiet NaNs of signalling ones; here a NaN keeps its fraction.
 QKR_INLINE f32 load_halves(const uint16_t *p) {
   const f32 v = load_numbers(p);

@@ -37,20 +37,28 @@ QKR_NOINLINE void scaled(const uint16_t *src, int16_t *dst, size_t len, float fa
 }  // namespace qkr::QKR_SIMD_LEVEL
 
 QKR_ENTRY(ownsConvert_16f32f, (const uint16_t *src, float *dst, size_t len), (src, dst, len)) {
-  for_each_group<lanes>(src, dst, len,
-                        [](const uint16_t *s, float *d) QKR_LAMBDA { store(d, load_halves(s)); });
+  for_each_group<2 * lanes>(src, dst, len, [](const uint16_t *s, float *d) QKR_LAMBDA {
+    f32 low = load_numbers(s), high = load_numbers(s + lanes);
+    if (any_nan(low, high)) [[unlikely]]
+      low = load_halves(s), high = load_halves(s + lanes);
+    store(d, low);
+    store(d + lanes, high);
+  });
 }
 QKR_ENTRY(ownsConvert_32f16f, (const float *src, uint16_t *dst, size_t len, bool nearest),
           (src, dst, len, nearest)) {
-  nearest ? singles_to_halves<true>(src, dst, len) : singles_to_halves<false>(src, dst, len);
+  if (nearest) in_nearest_mode([=] { singles_to_halves<true>(src, dst, len); });
+  else singles_to_halves<false>(src, dst, len);
 }
 QKR_ENTRY(ownsConvert_16s16f, (const int16_t *src, uint16_t *dst, size_t len, bool nearest),
           (src, dst, len, nearest)) {
-  nearest ? integers_to_halves<true>(src, dst, len) : integers_to_halves<false>(src, dst, len);
+  if (nearest) in_nearest_mode([=] { integers_to_halves<true>(src, dst, len); });
+  else integers_to_halves<false>(src, dst, len);
 }
 QKR_ENTRY(ownsConvert_16f16s_Sfs, (const uint16_t *src, int16_t *dst, size_t len, bool nearest, float factor),
           (src, dst, len, nearest, factor)) {
-  nearest ? scaled<true>(src, dst, len, factor) : scaled<false>(src, dst, len, factor);
+  if (nearest) in_nearest_mode([=] { scaled<true>(src, dst, len, factor); });
+  else scaled<false>(src, dst, len, factor);
 }
 
 #if QKR_BASELINE
