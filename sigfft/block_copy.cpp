@@ -7,18 +7,6 @@
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
-struct Copied {
-  const uint8_t *src;
-  template <class V>
-  QKR_INLINE void get(size_t i, V &v) const {
-    memcpy(&v, src + i, sizeof v);
-  }
-  template <class V>
-  QKR_INLINE void get(size_t i, Two<V> &v) const {
-    get(i, v.a);
-    get(i + sizeof(V), v.b);
-  }
-};
 // The C library's copy knows the processor, but a short block is done before it has looked at it.
 constexpr size_t from_library_copy = width == 16 ? 8 * width : 0x1000;
 

@@ -16,6 +16,18 @@ struct Narrow {
   typedef uint64_t Vector __attribute__((vector_size(size < width ? size : width)));
 };
 
+struct Copied {
+  const uint8_t *src;
+  template <class V>
+  QKR_INLINE void get(size_t i, V &v) const {
+    memcpy(&v, src + i, sizeof v);
+  }
+  template <class V>
+  QKR_INLINE void get(size_t i, Two<V> &v) const {
+    get(i, v.a);
+    get(i + sizeof(V), v.b);
+  }
+};
 template <class V>
 QKR_INLINE void put(uint8_t *p, V v) {
   memcpy(p, &v, sizeof v);

@@ -1,40 +1,45 @@
 // What the conversions share: the walk over an array by groups, and floating point to integers.
 #pragma once
 
+#include "sigfft/block_writing.h"
 #include "sigfft/lanes.h"
 #include "sigfft/registers.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
+// Part of an array, from or to one of full size. What is put together from pieces has to reach memory before
+// it can be loaded as a whole; masked loads do without that.
 #if QKR_SIMD_BYTES == 64
-// A bit for each byte of a vector at byte i that is among the first `bytes`.
-QKR_INLINE uint64_t bytes_set(size_t bytes, size_t i) {
-  const size_t n = bytes > i ? bytes - i : 0;
+QKR_INLINE uint64_t first_bytes(size_t bytes, size_t from) {
+  const size_t n = bytes > from ? bytes - from : 0;
   return n < 64 ? (uint64_t{1} << n) - 1 : ~uint64_t{0};
 }
-#endif
-
-// `bytes` of them, which do not fill the array.
 template <class T, size_t count>
-QKR_INLINE void load_start(T (&to)[count], const T *from, size_t bytes) {
-#if QKR_SIMD_BYTES == 64
-  for (size_t i = 0; i < sizeof to; i += 64)
-    _mm512_storeu_si512((char *)to + i, _mm512_maskz_loadu_epi8(bytes_set(bytes, i), (const char *)from + i));
-#else
-  memset(to, 0, sizeof to);
-  memcpy(to, from, bytes);
-#endif
+QKR_INLINE void load_start(T (&all)[count], const T *src, size_t len) {
+  for (size_t i = 0; i < sizeof all; i += 64) {
+    const char *const p = (const char *)src + i;
+    _mm512_storeu_si512((char *)all + i, _mm512_maskz_loadu_epi8(first_bytes(len * sizeof(T), i), p));
+  }
 }
 template <class T, size_t count>
-QKR_INLINE void store_start(T *to, const T (&from)[count], size_t bytes) {
-#if QKR_SIMD_BYTES == 64
-  for (size_t i = 0; i < sizeof from; i += 64)
-    _mm512_mask_storeu_epi8((char *)to + i, bytes_set(bytes, i), _mm512_loadu_si512((const char *)from + i));
-#else
-  memcpy(to, from, bytes);
-#endif
+QKR_INLINE void store_start(T *dst, const T (&all)[count], size_t len) {
+  for (size_t i = 0; i < sizeof all; i += 64) {
+    const __m512i v = _mm512_loadu_si512((const char *)all + i);
+    _mm512_mask_storeu_epi8((char *)dst + i, first_bytes(len * sizeof(T), i), v);
+  }
 }
+#else
+template <class T, size_t count>
+QKR_INLINE void load_start(T (&all)[count], const T *src, size_t len) {
+  memset(all, 0, sizeof all);
+  write_short((uint8_t *)all, len * sizeof(T), Copied{(const uint8_t *)src});
+}
+template <class T, size_t count>
+QKR_INLINE void store_start(T *dst, const T (&all)[count], size_t len) {
+  write_short((uint8_t *)dst, len * sizeof(T), Copied{(const uint8_t *)all});
+}
+#endif
 
 // group(src, dst) converts `count` elements, loading all before it stores one. The last group overlaps the
 // one before it; it is converted first, since dst may be src.
@@ -43,10 +48,9 @@ QKR_INLINE void for_each_group(const Source *src, Target *dst, size_t len, Group
   Target last[count];
   if (len < count) {
     Source all[count];
-    load_start(all, src, len * sizeof(Source));
+    load_start(all, src, len);
     group(all, last);
-    store_start(dst, last, len * sizeof(Target));
-    return;
+    return store_start(dst, last, len);
   }
   const size_t end = len - count;
   group(src + end, last);
