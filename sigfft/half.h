@@ -109,28 +109,35 @@ QKR_INLINE void store_ordinary_half(uint16_t *p, f32 v) {
   memcpy(p, &h, sizeof h);
 }
 // Half of the least number goes up, also from the tie; what is too large becomes infinity, also in
-// truncation.
-template <bool nearest>
+// truncation; all NaNs become the same.
+template <bool nearest, bool all_numbers>
 QKR_INLINE void store_half(uint16_t *p, f32 x) {
-  const u32 pattern = bits(x);
+  u32 pattern = bits(x);
   const i32 magnitude = (i32)(pattern & 0x7FFFFFFFu);
-  Halves converted;
-  if constexpr (nearest) {
-    const u32 raised = pattern - (u32)(magnitude == half_of_least);
-    converted = convert_singles<_MM_FROUND_TO_NEAREST_INT>(real(raised));
-  } else {
+  if constexpr (nearest) pattern -= (u32)(magnitude == half_of_least);
+  else if constexpr (all_numbers) {
     const i32 too_large = (magnitude >= beyond_halves) & (magnitude <= infinity);
-    const u32 infinite = (pattern & 0x80000000u) | (uint32_t)infinity;
-    converted = convert_singles<_MM_FROUND_TO_ZERO>(real(choose(too_large, infinite, pattern)));
+    pattern = choose(too_large, (pattern & 0x80000000u) | (uint32_t)infinity, pattern);
   }
-  const i16 half = (i16)converted, nan = (i16)((half & 0x7FFF) > 0x7C00);
-  const i16 result = (half | (nan & 0x7FFF)) & ~(nan & 0x200);
-  memcpy(p, &result, sizeof result);
+  constexpr int direction = nearest ? _MM_FROUND_TO_NEAREST_INT : _MM_FROUND_TO_ZERO;
+  i16 half = (i16)convert_singles<direction>(real(pattern));
+  if constexpr (all_numbers) {
+    const i16 nan = (i16)((half & 0x7FFF) > 0x7C00);
+    half = (half | (nan & 0x7FFF)) & ~(nan & 0x200);
+  }
+  memcpy(p, &half, sizeof half);
 }
 template <bool nearest>
 QKR_INLINE void store_halves(uint16_t *p, f32 low, f32 high) {
-  store_half<nearest>(p, low);
-  store_half<nearest>(p + lanes, high);
+  constexpr float limit = 65536;
+  const bool ordinary = nearest ? !any_nan(low, high) : !any(beyond(low, limit) | beyond(high, limit), limit);
+  if (ordinary) [[likely]] {
+    store_half<nearest, false>(p, low);
+    store_half<nearest, false>(p + lanes, high);
+  } else {
+    store_half<nearest, true>(p, low);
+    store_half<nearest, true>(p + lanes, high);
+  }
 }
 template <bool nearest>
 QKR_INLINE void store_ordinary_halves(uint16_t *p, f32 low, f32 high) {
