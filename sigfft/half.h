@@ -40,27 +40,40 @@ QKR_INLINE i32 subnormal_half(f32 magnitude) {
   else return rounded(units) + ((i32)(units == 0.5f) & 1);
 }
 
+// Of what is not below the normal numbers; infinities and NaNs come out above that of binary16.
+template <bool nearest>
+QKR_INLINE u32 normal_half(u32 magnitude) {
+  constexpr uint32_t excess = 112 << 23;
+  if constexpr (nearest) magnitude += 0xFFFu + ((magnitude >> 13) & 1u);
+  return (magnitude - excess) >> 13;
+}
+// With the sign in all upper bits, as packing likes it.
+QKR_INLINE i32 with_sign(u32 half, f32 x) { return (i32)half | (((i32)bits(x) >> 16) & ~0x7FFF); }
+
 template <bool nearest>
 QKR_INLINE i32 to_half(f32 x) {
-  constexpr uint32_t excess = 112 << 23;
-  const u32 sign = (bits(x) >> 16) & 0x8000u;
-  const u32 magnitude = bits(x) & 0x7FFFFFFFu;
-  u32 sum = magnitude;
-  if constexpr (nearest) sum += 0xFFFu + ((magnitude >> 13) & 1u);
-  const u32 shifted = (sum - excess) >> 13;
+  const u32 magnitude = bits(x) & 0x7FFFFFFFu, shifted = normal_half<nearest>(magnitude);
   u32 normal = choose((i32)shifted > 0x7C00, u32{} + 0x7C00u, shifted);
   normal |= (u32)((i32)magnitude > infinity) & 0x1FFu;
   const u32 subnormal = (u32)subnormal_half<nearest>(real(magnitude));
-  return (i32)(choose((i32)magnitude < least_half_normal, subnormal, normal) | sign);
+  return with_sign(choose((i32)magnitude < least_half_normal, subnormal, normal), x);
 }
 template <bool nearest>
 QKR_INLINE void store_halves(uint16_t *p, f32 low, f32 high) {
   const i32 v[] = {to_half<nearest>(low), to_half<nearest>(high)};
-  store_lanes(p, v);
+  store_lanes((int16_t *)p, v);
+}
+
+// Of numbers that binary16 has among its normal ones, or 0.
+template <bool nearest>
+QKR_INLINE i32 to_ordinary_half(f32 x) {
+  const u32 magnitude = bits(x) & 0x7FFFFFFFu;
+  return with_sign(normal_half<nearest>(magnitude) & (u32)(magnitude != 0), x);
 }
 template <bool nearest>
 QKR_INLINE void store_ordinary_halves(uint16_t *p, f32 low, f32 high) {
-  store_halves<nearest>(p, low, high);
+  const i32 v[] = {to_ordinary_half<nearest>(low), to_ordinary_half<nearest>(high)};
+  store_lanes((int16_t *)p, v);
 }
 
 #else
