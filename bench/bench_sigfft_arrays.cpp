@@ -2,7 +2,8 @@
 //
 //   bench_arrays [--quick] [--filter REGEX] [--benchmark_out=FILE.json ...]
 //
-// A benchmark is named FUNCTION/LEVEL/SIZE/CONTENDER, for instance Set_64f/avx2/4096/memset. The size is in
+// A benchmark is named FUNCTION/LEVEL/SIZE/CONTENDER, for instance Set_64f/avx2/4096/memset;
+// those of the set without prefix begin with Plain. The size is in
 // bytes: of the destination for copies and fills, of both arrays together for conversions, which stand beside
 // a copy that reads and writes as many. bench/report.py makes tables and plots of the file.
 #include <cstring>
@@ -30,21 +31,21 @@ struct Row {
 void copied(char *src, char *dst, size_t size) { memcpy(dst, src, size); }
 void zeroed(char *dst, size_t size) { memset(dst, 0, size); }
 
-#define QKR_COPY(suffix, T)                                              \
+#define QKR_COPY(set, label, suffix, T)                                  \
   {                                                                      \
-    "Copy_" #suffix, "memcpy", block_aim, [](size_t size) -> Run {       \
+    label "Copy_" #suffix, "memcpy", block_aim, [](size_t size) -> Run { \
       return [len = (int32_t)(size / sizeof(T))](char *src, char *dst) { \
-        w6_zprsCopy_##suffix((const T *)src, (T *)dst, len);             \
+        set##zprsCopy_##suffix((const T *)src, (T *)dst, len);           \
       };                                                                 \
     }                                                                    \
   }
-#define QKR_FILL(name, suffix, T, ...)                                                      \
-  {                                                                                         \
-#name "_" #suffix, "memset", block_aim, [](size_t size) -> Run {                          \
-     return [len = (int32_t)(size / sizeof(T))](char *, char *dst) {                         \
-       w6_zprs##name##_##suffix(__VA_ARGS__ (T *)dst, len);                                  \
-     };                                                                                      \
-   } \
+#define QKR_FILL(set, label, name, suffix, T, ...)                         \
+  {                                                                        \
+    label #name "_" #suffix, "memset", block_aim, [](size_t size) -> Run { \
+      return [len = (int32_t)(size / sizeof(T))](char *, char *dst) {      \
+        set##zprs##name##_##suffix(__VA_ARGS__(T *) dst, len);             \
+      };                                                                   \
+    }                                                                      \
   }
 #define QKR_CONVERT(suffix, S, T, ...)                                                  \
   {                                                                                     \
@@ -56,14 +57,17 @@ void zeroed(char *dst, size_t size) { memset(dst, 0, size); }
   }
 #define QKR_COMMA ,
 
-const Row rows[] = {QKR_COPY(8u, uint8_t),
-                    QKR_COPY(64fc, zpr64fc),
-                    QKR_FILL(Zero, 64f, double),
-                    QKR_FILL(Set, 8u, uint8_t, 7 QKR_COMMA),
-                    QKR_FILL(Set, 16s, int16_t, 7 QKR_COMMA),
-                    QKR_FILL(Set, 32f, float, 7 QKR_COMMA),
-                    QKR_FILL(Set, 64f, double, 7 QKR_COMMA),
-                    QKR_FILL(Set, 64fc, zpr64fc, zpr64fc{7 QKR_COMMA 8} QKR_COMMA),
+const Row rows[] = {QKR_COPY(w6_, "", 8u, uint8_t),
+                    QKR_COPY(w6_, "", 64fc, zpr64fc),
+                    QKR_FILL(w6_, "", Zero, 64f, double),
+                    QKR_FILL(w6_, "", Set, 8u, uint8_t, 7 QKR_COMMA),
+                    QKR_FILL(w6_, "", Set, 16s, int16_t, 7 QKR_COMMA),
+                    QKR_FILL(w6_, "", Set, 32f, float, 7 QKR_COMMA),
+                    QKR_FILL(w6_, "", Set, 64f, double, 7 QKR_COMMA),
+                    QKR_FILL(w6_, "", Set, 64fc, zpr64fc, zpr64fc{7 QKR_COMMA 8} QKR_COMMA),
+                    QKR_COPY(, "Plain", 64f, double),
+                    QKR_FILL(, "Plain", Zero, 64f, double),
+                    QKR_FILL(, "Plain", Set, 64f, double, 7 QKR_COMMA),
                     QKR_CONVERT(8s32f, int8_t, float),
                     QKR_CONVERT(16s32f, int16_t, float),
                     QKR_CONVERT(32s32f, int32_t, float),
@@ -102,9 +106,14 @@ void add_benchmark(const std::string &name, const std::regex &filter, Run run, s
   });
 }
 
+// Short ones step by step: there the way into a function counts.
+const size_t sizes[] = {64,      96,      128,     200,     256,     400,     512,     1000,   4096,
+                        1 << 14, 1 << 16, 1 << 18, 1 << 20, 1 << 22, 1 << 24, 1 << 26, largest};
+
 void add_benchmarks(bool quick, const std::regex &filter) {
   for (const Row &row : rows)
-    for (size_t size = 64; size <= (quick ? 1 << 20 : largest); size *= 4) {
+    for (const size_t size : sizes) {
+      if (quick && size > 1 << 20) break;
       const std::string function = row.name, of_size = '/' + std::to_string(size) + '/';
       Run reference;
       if (row.reference == std::string("memset")) reference = [=](char *, char *dst) { zeroed(dst, size); };

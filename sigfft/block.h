@@ -6,8 +6,7 @@
 
 namespace qkr::sigfft {
 typedef uint64_t Pattern __attribute__((vector_size(16)));
-constexpr size_t shortest_pattern_fill = 129;
-}  // namespace qkr::sigfft
+}
 
 extern "C" {
 uint8_t *ownsCopy_8u(const uint8_t *src, uint8_t *dst, int32_t bytes);
@@ -26,9 +25,12 @@ QKR_DECLARE_SET(64s, int64_t)
 QKR_DECLARE_SET(64sc, zpr64sc)
 #undef QKR_DECLARE_SET
 
-// The kernel of the wider fills, from shortest_pattern_fill bytes on: `pattern` again and again, which
-// repeats a value of `size` bytes. The number of bytes is a multiple of that.
-void ownsFillPattern(uint8_t *dst, size_t bytes, qkr::sigfft::Pattern pattern, size_t size);
+// The kernels, for blocks within the cache. They return success, so that an array function can end by a jump
+// to them. A word repeats a value of `size` bytes, whose multiple the number of bytes is; a pair of words is
+// a value of 16 bytes.
+zprStatus ownsCopyBlock(const uint8_t *src, uint8_t *dst, size_t bytes);
+zprStatus ownsFillWords(uint8_t *dst, size_t bytes, uint64_t word, size_t size);
+zprStatus ownsFillPairs(uint8_t *dst, size_t bytes, uint64_t low, uint64_t high);
 }
 
 namespace qkr::sigfft {
@@ -38,16 +40,6 @@ void copy_past_cache(const uint8_t *src, uint8_t *dst, size_t bytes);
 void fill_past_cache(uint8_t *dst, size_t bytes, Pattern pattern);
 
 // Below this no block is tested for that: half a MiB.
-constexpr int32_t streaming_boundary = 0x80000;
-
-// The workers count bytes in 32 bits: a longer array goes in pieces of whole elements. work(start, bytes)
-constexpr size_t longest_piece = size_t{1} << 30;
-template <class Work>
-__attribute__((noinline, cold)) void by_pieces(size_t bytes, Work work) {
-  for (size_t start = 0; start < bytes; start += longest_piece) {
-    const size_t rest = bytes - start;
-    work(start, (int32_t)(rest < longest_piece ? rest : longest_piece));
-  }
-}
+constexpr size_t streaming_boundary = 0x80000;
 
 }  // namespace qkr::sigfft

@@ -30,36 +30,50 @@ QKR_INLINE f32 load_halves(const uint16_t *p) {
 }
 
 QKR_INLINE f32 load_numbers(const uint16_t *p) { return load_halves(p); }
+QKR_INLINE bool any_nan(f32, f32) { return false; }  // load_numbers() serves them too
 
 // Without sign, in units of the least subnormal number.
 template <bool nearest>
 QKR_INLINE i32 subnormal_half(f32 magnitude) {
   const f32 units = magnitude * 0x1p24f;
   if constexpr (!nearest) return truncated(units);
-  else return rounded(real(choose((units >= 0.5f) & (units < 1.0f), bits(number(1.0f)), bits(units))));
+  else return rounded(units) + ((i32)(units == 0.5f) & 1);
 }
+
+// Of what is not below the normal numbers; infinities and NaNs come out above that of binary16.
+template <bool nearest>
+QKR_INLINE u32 normal_half(u32 magnitude) {
+  constexpr uint32_t excess = 112 << 23;
+  if constexpr (nearest) magnitude += 0xFFFu + ((magnitude >> 13) & 1u);
+  return (magnitude - excess) >> 13;
+}
+// With the sign in all upper bits, as packing likes it.
+QKR_INLINE i32 with_sign(u32 half, f32 x) { return (i32)half | (((i32)bits(x) >> 16) & ~0x7FFF); }
 
 template <bool nearest>
 QKR_INLINE i32 to_half(f32 x) {
-  constexpr uint32_t excess = 112 << 23;
-  const u32 sign = (bits(x) >> 16) & 0x8000u;
-  const u32 magnitude = bits(x) & 0x7FFFFFFFu;
-  u32 sum = magnitude;
-  if constexpr (nearest) sum += 0xFFFu + ((magnitude >> 13) & 1u);
-  const u32 shifted = (sum - excess) >> 13;
+  const u32 magnitude = bits(x) & 0x7FFFFFFFu, shifted = normal_half<nearest>(magnitude);
   u32 normal = choose((i32)shifted > 0x7C00, u32{} + 0x7C00u, shifted);
   normal |= (u32)((i32)magnitude > infinity) & 0x1FFu;
   const u32 subnormal = (u32)subnormal_half<nearest>(real(magnitude));
-  return (i32)(choose((i32)magnitude < least_half_normal, subnormal, normal) | sign);
+  return with_sign(choose((i32)magnitude < least_half_normal, subnormal, normal), x);
 }
 template <bool nearest>
 QKR_INLINE void store_halves(uint16_t *p, f32 low, f32 high) {
   const i32 v[] = {to_half<nearest>(low), to_half<nearest>(high)};
-  store_lanes(p, v);
+  store_lanes((int16_t *)p, v);
+}
+
+// Of numbers that binary16 has among its normal ones, or 0.
+template <bool nearest>
+QKR_INLINE i32 to_ordinary_half(f32 x) {
+  const u32 magnitude = bits(x) & 0x7FFFFFFFu;
+  return with_sign(normal_half<nearest>(magnitude) & (u32)(magnitude != 0), x);
 }
 template <bool nearest>
 QKR_INLINE void store_ordinary_halves(uint16_t *p, f32 low, f32 high) {
-  store_halves<nearest>(p, low, high);
+  const i32 v[] = {to_ordinary_half<nearest>(low), to_ordinary_half<nearest>(high)};
+  store_lanes((int16_t *)p, v);
 }
 
 #else
@@ -87,6 +101,13 @@ QKR_INLINE f32 load_numbers(const uint16_t *p) {
   memcpy(&h, p, sizeof h);
   return convert_halves(h);
 }
+#if QKR_SIMD_BYTES == 64
+QKR_INLINE bool any_nan(f32 a, f32 b) { return _mm512_cmp_ps_mask((__m512)a, (__m512)b, _CMP_UNORD_Q); }
+#else
+QKR_INLINE bool any_nan(f32 a, f32 b) {
+  return _mm256_movemask_ps(_mm256_cmp_ps((__m256)a, (__m256)b, _CMP_UNORD_Q));
+}
+#endif
 // The processor makes quiet NaNs of signalling ones; here a NaN keeps its fraction.
 QKR_INLINE f32 load_halves(const uint16_t *p) {
   const f32 v = load_numbers(p);
@@ -101,28 +122,35 @@ QKR_INLINE void store_ordinary_half(uint16_t *p, f32 v) {
   memcpy(p, &h, sizeof h);
 }
 // Half of the least number goes up, also from the tie; what is too large becomes infinity, also in
-// truncation.
-template <bool nearest>
+// truncation; all NaNs become the same.
+template <bool nearest, bool all_numbers>
 QKR_INLINE void store_half(uint16_t *p, f32 x) {
-  const u32 pattern = bits(x);
+  u32 pattern = bits(x);
   const i32 magnitude = (i32)(pattern & 0x7FFFFFFFu);
-  Halves converted;
-  if constexpr (nearest) {
-    const u32 raised = pattern - (u32)(magnitude == half_of_least);
-    converted = convert_singles<_MM_FROUND_TO_NEAREST_INT>(real(raised));
-  } else {
+  if constexpr (nearest) pattern -= (u32)(magnitude == half_of_least);
+  else if constexpr (all_numbers) {
     const i32 too_large = (magnitude >= beyond_halves) & (magnitude <= infinity);
-    const u32 infinite = (pattern & 0x80000000u) | (uint32_t)infinity;
-    converted = convert_singles<_MM_FROUND_TO_ZERO>(real(choose(too_large, infinite, pattern)));
+    pattern = choose(too_large, (pattern & 0x80000000u) | (uint32_t)infinity, pattern);
   }
-  const i16 half = (i16)converted, nan = (i16)((half & 0x7FFF) > 0x7C00);
-  const i16 result = (half | (nan & 0x7FFF)) & ~(nan & 0x200);
-  memcpy(p, &result, sizeof result);
+  constexpr int direction = nearest ? _MM_FROUND_TO_NEAREST_INT : _MM_FROUND_TO_ZERO;
+  i16 half = (i16)convert_singles<direction>(real(pattern));
+  if constexpr (all_numbers) {
+    const i16 nan = (i16)((half & 0x7FFF) > 0x7C00);
+    half = (half | (nan & 0x7FFF)) & ~(nan & 0x200);
+  }
+  memcpy(p, &half, sizeof half);
 }
 template <bool nearest>
 QKR_INLINE void store_halves(uint16_t *p, f32 low, f32 high) {
-  store_half<nearest>(p, low);
-  store_half<nearest>(p + lanes, high);
+  constexpr float limit = 65536;
+  const bool ordinary = nearest ? !any_nan(low, high) : !any(beyond(low, limit) | beyond(high, limit), limit);
+  if (ordinary) [[likely]] {
+    store_half<nearest, false>(p, low);
+    store_half<nearest, false>(p + lanes, high);
+  } else {
+    store_half<nearest, true>(p, low);
+    store_half<nearest, true>(p + lanes, high);
+  }
 }
 template <bool nearest>
 QKR_INLINE void store_ordinary_halves(uint16_t *p, f32 low, f32 high) {

@@ -36,34 +36,47 @@ QKR_NOINLINE void scaled(const uint16_t *src, int16_t *dst, size_t len, float fa
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_ENTRY(ownsConvert_16f32f, (const uint16_t *src, float *dst, size_t len), (src, dst, len)) {
-  for_each_group<lanes>(src, dst, len,
-                        [](const uint16_t *s, float *d) QKR_LAMBDA { store(d, load_halves(s)); });
+QKR_ENTRY_OF(zprStatus, ownsConvert_16f32f, (const uint16_t *src, float *dst, size_t len), (src, dst, len)) {
+  for_each_group<2 * lanes>(src, dst, len, [](const uint16_t *s, float *d) QKR_LAMBDA {
+    f32 low = load_numbers(s), high = load_numbers(s + lanes);
+    if (any_nan(low, high)) [[unlikely]]
+      low = load_halves(s), high = load_halves(s + lanes);
+    store(d, low);
+    store(d + lanes, high);
+  });
+  return zprStsNoErr;
 }
-QKR_ENTRY(ownsConvert_32f16f, (const float *src, uint16_t *dst, size_t len, bool nearest),
-          (src, dst, len, nearest)) {
-  nearest ? singles_to_halves<true>(src, dst, len) : singles_to_halves<false>(src, dst, len);
+QKR_ENTRY_OF(zprStatus, ownsConvert_32f16f, (const float *src, uint16_t *dst, size_t len, bool nearest),
+             (src, dst, len, nearest)) {
+  if (nearest) in_nearest_mode([=] { singles_to_halves<true>(src, dst, len); });
+  else singles_to_halves<false>(src, dst, len);
+  return zprStsNoErr;
 }
-QKR_ENTRY(ownsConvert_16s16f, (const int16_t *src, uint16_t *dst, size_t len, bool nearest),
-          (src, dst, len, nearest)) {
-  nearest ? integers_to_halves<true>(src, dst, len) : integers_to_halves<false>(src, dst, len);
+QKR_ENTRY_OF(zprStatus, ownsConvert_16s16f, (const int16_t *src, uint16_t *dst, size_t len, bool nearest),
+             (src, dst, len, nearest)) {
+  if (nearest) in_nearest_mode([=] { integers_to_halves<true>(src, dst, len); });
+  else integers_to_halves<false>(src, dst, len);
+  return zprStsNoErr;
 }
-QKR_ENTRY(ownsConvert_16f16s_Sfs, (const uint16_t *src, int16_t *dst, size_t len, bool nearest, float factor),
-          (src, dst, len, nearest, factor)) {
-  nearest ? scaled<true>(src, dst, len, factor) : scaled<false>(src, dst, len, factor);
+QKR_ENTRY_OF(zprStatus, ownsConvert_16f16s_Sfs,
+             (const uint16_t *src, int16_t *dst, size_t len, bool nearest, float factor),
+             (src, dst, len, nearest, factor)) {
+  if (nearest) in_nearest_mode([=] { scaled<true>(src, dst, len, factor); });
+  else scaled<false>(src, dst, len, factor);
+  return zprStsNoErr;
 }
 
 #if QKR_BASELINE
 using qkr::sigfft::checked;
 
 zprStatus zprsConvert_16f32f(const uint16_t *src, float *dst, int32_t len) {
-  return checked(src, dst, len, [=] { ownsConvert_16f32f(src, dst, (size_t)len); });
+  return checked(src, dst, len, [=] { return ownsConvert_16f32f(src, dst, (size_t)len); });
 }
 zprStatus zprsConvert_32f16f(const float *src, uint16_t *dst, int32_t len, uint32_t mode) {
-  return checked(src, dst, len, [=] { ownsConvert_32f16f(src, dst, (size_t)len, mode == 1); });
+  return checked(src, dst, len, [=] { return ownsConvert_32f16f(src, dst, (size_t)len, mode == 1); });
 }
 zprStatus zprsConvert_16s16f(const int16_t *src, uint16_t *dst, int32_t len, uint32_t mode) {
-  return checked(src, dst, len, [=] { ownsConvert_16s16f(src, dst, (size_t)len, mode == 1); });
+  return checked(src, dst, len, [=] { return ownsConvert_16s16f(src, dst, (size_t)len, mode == 1); });
 }
 zprStatus zprsConvert_16f16s_Sfs(const uint16_t *src, int16_t *dst, int32_t len, uint32_t mode,
                                  int32_t scale) {
@@ -71,7 +84,8 @@ zprStatus zprsConvert_16f16s_Sfs(const uint16_t *src, int16_t *dst, int32_t len,
   // products are exact.
   const int32_t exponent = scale > 40 ? -40 : scale < -40 ? 40 : -scale;
   return checked(src, dst, len, [=] {
-    ownsConvert_16f16s_Sfs(src, dst, (size_t)len, mode == 1, qkr::sigfft::power_of_two<float>(exponent));
+    return ownsConvert_16f16s_Sfs(src, dst, (size_t)len, mode == 1,
+                                  qkr::sigfft::power_of_two<float>(exponent));
   });
 }
 #endif

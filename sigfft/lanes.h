@@ -16,9 +16,9 @@ QKR_INLINE i32 load_lanes(const int32_t *p) {
 }
 QKR_INLINE void store_lanes(int32_t *p, const i32 *v) { memcpy(p, v, sizeof *v); }
 
-// The level's part: load_lanes and store_lanes of narrower integers; to lanes truncated() and rounded(), to
-// nearest with ties to even, whatever the processor's rounding mode, and INT32_MIN for what is not within
-// their range; from lanes singles() and doubles().
+// The level's part: load_lanes and store_lanes of narrower integers; to lanes truncated() and rounded(), the
+// latter in the processor's rounding mode, and INT32_MIN for what is not within their range; from lanes
+// singles() and doubles().
 
 #if QKR_SIMD_BYTES == 64
 
@@ -66,11 +66,9 @@ QKR_INLINE i32 truncated(Two<f64> v) {
   const __m256i low = _mm512_cvttpd_epi32((__m512d)v.a), high = _mm512_cvttpd_epi32((__m512d)v.b);
   return (i32)_mm512_inserti64x4(_mm512_castsi256_si512(low), high, 1);
 }
-constexpr int to_nearest = _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC;
-QKR_INLINE i32 rounded(f32 v) { return (i32)_mm512_cvt_roundps_epi32((__m512)v, to_nearest); }
+QKR_INLINE i32 rounded(f32 v) { return (i32)_mm512_cvtps_epi32((__m512)v); }
 QKR_INLINE i32 rounded(Two<f64> v) {
-  const __m256i low = _mm512_cvt_roundpd_epi32((__m512d)v.a, to_nearest);
-  const __m256i high = _mm512_cvt_roundpd_epi32((__m512d)v.b, to_nearest);
+  const __m256i low = _mm512_cvtpd_epi32((__m512d)v.a), high = _mm512_cvtpd_epi32((__m512d)v.b);
   return (i32)_mm512_inserti64x4(_mm512_castsi256_si512(low), high, 1);
 }
 QKR_INLINE f32 singles(i32 v) { return (f32)_mm512_cvtepi32_ps((__m512i)v); }
@@ -124,10 +122,10 @@ QKR_INLINE i32 truncated(Two<f64> v) {
   const __m128i low = _mm256_cvttpd_epi32((__m256d)v.a), high = _mm256_cvttpd_epi32((__m256d)v.b);
   return (i32)_mm256_inserti128_si256(_mm256_castsi128_si256(low), high, 1);
 }
-QKR_INLINE i32 rounded(f32 v) { return truncated(round_by_hardware<_MM_FROUND_TO_NEAREST_INT>(v)); }
+QKR_INLINE i32 rounded(f32 v) { return (i32)_mm256_cvtps_epi32((__m256)v); }
 QKR_INLINE i32 rounded(Two<f64> v) {
-  constexpr int to_nearest = _MM_FROUND_TO_NEAREST_INT;
-  return truncated(Two<f64>{round_by_hardware<to_nearest>(v.a), round_by_hardware<to_nearest>(v.b)});
+  const __m128i low = _mm256_cvtpd_epi32((__m256d)v.a), high = _mm256_cvtpd_epi32((__m256d)v.b);
+  return (i32)_mm256_inserti128_si256(_mm256_castsi128_si256(low), high, 1);
 }
 QKR_INLINE f32 singles(i32 v) { return (f32)_mm256_cvtepi32_ps((__m256i)v); }
 QKR_INLINE Two<f64> doubles(i32 v) {
@@ -183,22 +181,9 @@ QKR_INLINE i32 truncated(Two<f64> v) {
   return (i32)_mm_unpacklo_epi64(_mm_cvttpd_epi32((__m128d)v.a), _mm_cvttpd_epi32((__m128d)v.b));
 }
 
-// |v| + 0.5 with the sign of v, whose truncation is v rounded to the nearest integer; an odd integer that the
-// sum hits comes from a tie and is led below. Of numbers up to 2^22 (single) or 2^51. Odd is what has a last
-// bit of 1 when `unit`, whose last bit is worth 1, is added, provided that this leaves the sum as it is.
-template <class V, class T, class Bits>
-QKR_INLINE V half_added(V v, T unit, Bits sign_bit) {
-  const auto sign = bits(v) & sign_bit;
-  const V sum = real(bits(v) ^ sign) + (T)0.5;
-  const V shifted = sum + unit;
-  const auto odd = 0 - (bits(shifted) & 1);
-  const auto integer = (decltype(odd))(shifted - unit == sum);
-  return real(bits(sum - real(bits((T)0.5) & integer & odd)) | sign);
-}
-QKR_INLINE i32 rounded(f32 v) { return truncated(half_added(v, 0x1p23f, 0x80000000u)); }
+QKR_INLINE i32 rounded(f32 v) { return (i32)_mm_cvtps_epi32((__m128)v); }
 QKR_INLINE i32 rounded(Two<f64> v) {
-  const auto half = [](f64 x) { return half_added(x, 0x1p52, 0x8000000000000000u); };
-  return truncated(Two<f64>{half(v.a), half(v.b)});
+  return (i32)_mm_unpacklo_epi64(_mm_cvtpd_epi32((__m128d)v.a), _mm_cvtpd_epi32((__m128d)v.b));
 }
 QKR_INLINE f32 singles(i32 v) { return (f32)_mm_cvtepi32_ps((__m128i)v); }
 QKR_INLINE Two<f64> doubles(i32 v) {
@@ -207,6 +192,12 @@ QKR_INLINE Two<f64> doubles(i32 v) {
 }
 
 #endif
+
+template <bool nearest, class V>
+QKR_INLINE i32 integers(V v) {
+  if constexpr (nearest) return rounded(v);
+  else return truncated(v);
+}
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL

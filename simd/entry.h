@@ -15,7 +15,7 @@
   extern "C" result name parameters {                                                            \
     static constexpr result(*const bodies[])                                                     \
         parameters = {qkr::sse2::name##_body, qkr::avx2::name##_body, qkr::avx512::name##_body}; \
-    return bodies[static_cast<int>(qkr::level())] arguments;                                     \
+    return bodies[static_cast<unsigned>(qkr::level())] arguments;                                \
   }
 #else
 #define QKR_DISPATCHER(result, name, parameters, arguments)

@@ -5,7 +5,7 @@ namespace qkr {
 
 enum class Level { sse2, avx2, avx512 };
 
-extern int chosen_level;  // a Level, or -1 until the first use
+extern __attribute__((visibility("hidden"))) int chosen_level;  // a Level, or -1 until the first use
 
 // Looks at the processor and at the environment variable QKR_LEVEL (sse2, avx2 or avx512: that level at the
 // most; anything else is ignored), and stores the outcome. Racing first calls store the same value.

@@ -138,8 +138,12 @@ TEST(Convert, TiesGoToEven) {
   const uint8_t without_sign[] = {2, 4, 0, 0, 0, 0, 0};
   int8_t dst[7];
   uint8_t dst_u[7];
-  zprsConvert_32f8s_Sfs(src, dst, 7, 1, 0);
-  EXPECT_EQ(memcmp(dst, nearest, 7), 0);
+  for (const int direction : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO, FE_TONEAREST}) {
+    fesetround(direction);
+    zprsConvert_32f8s_Sfs(src, dst, 7, 1, 0);
+    EXPECT_EQ(memcmp(dst, nearest, 7), 0);
+    EXPECT_EQ(fegetround(), direction);
+  }
   zprsConvert_32f8s_Sfs(src, dst, 7, 3, 0);
   EXPECT_EQ(memcmp(dst, truncated, 7), 0);
   zprsConvert_32f8u_Sfs(src, dst_u, 7, 1, 0);
