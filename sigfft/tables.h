@@ -12,19 +12,23 @@ namespace qkr::sigfft {
 template <class T>
 T *fill_base_table(int order, T *table);
 
-// A circle of 2^bits points as the base table of a finer or equal one shows it.
+// The points exp(-2 pi i a / 2^bits) as the base table of an equally fine or finer circle shows them.
 template <class T>
 struct Circle {
   const T *base;
   int base_order, bits;
 
-  T sin(size_t a) const {
-    const size_t quarter = size_t{1} << (bits - 2), in_quarter = a & (quarter - 1);
-    const size_t mirrored = a & quarter ? quarter - in_quarter : in_quarter;
-    const T value = base[mirrored << (base_order - bits)];
-    return a & (2 * quarter) ? -value : value;
+  struct Point {
+    T re, im;
+  };
+  // Without branches: quadrants change too often to be foretold.
+  Point operator[](size_t a) const {
+    static constexpr T cos_signs[] = {1, -1, -1, 1}, negated_sin_signs[] = {-1, -1, 1, 1};
+    const size_t quarter = size_t{1} << (base_order - 2), angle = a << (base_order - bits);
+    const size_t quadrant = angle >> (base_order - 2) & 3, in_quadrant = angle & (quarter - 1);
+    const size_t mirrored = quadrant & 1 ? quarter - in_quadrant : in_quadrant;
+    return {base[quarter - mirrored] * cos_signs[quadrant], base[mirrored] * negated_sin_signs[quadrant]};
   }
-  T cos(size_t a) const { return sin(a + (size_t{1} << (bits - 2))); }
 };
 
 // Twiddles of one sequence of passes.

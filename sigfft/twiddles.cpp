@@ -8,18 +8,19 @@ namespace {
 // the cosines of m k, and then the negated sines.
 template <class T>
 T *append_group(T *table, const Circle<T> &circle, int bits, size_t k) {
-  for (size_t m = 1; m < size_t{1} << bits; ++m) {
-    for (int g = 0; g < group<T>; ++g) *table++ = circle.cos(m * (k + g));
-    for (int g = 0; g < group<T>; ++g) *table++ = -circle.sin(m * (k + g));
-  }
+  for (size_t m = 1; m < size_t{1} << bits; ++m, table += 2 * group<T>)
+    for (int g = 0; g < group<T>; ++g) {
+      const auto w = circle[m * (k + g)];
+      table[g] = w.re, table[g + group<T>] = w.im;
+    }
   return table;
 }
 
 // exp(-2 pi i k / n) as a number of the plain set's tables.
 template <class T>
 T *append_pair(T *table, const Circle<T> &circle, size_t k) {
-  *table++ = circle.cos(k);
-  *table++ = -circle.sin(k);
+  const auto w = circle[k];
+  *table++ = w.re, *table++ = w.im;
   return table;
 }
 

@@ -1,13 +1,11 @@
 // Every distribution beside its definition: one number at a time, from the same uniform numbers, in long
-// double arithmetic but for what decides between branches. A distribution joins the tests with one row.
+// double arithmetic but for what decides between branches.
 #pragma once
 
 #include <functional>
-#include <qkr/distributions.h>
-#include <string>
-#include <vector>
 
 #include "tests/distributions/recorded_stream.h"
+#include "tests/support/distribution_cases.h"
 
 namespace qkr::tests {
 
@@ -16,15 +14,10 @@ struct Number {
   long double magnitude;  // of what was rounded on the way
 };
 
+// The next number of a case.
 template <class T>
-struct Row {
-  std::string name;
-  std::function<int32_t(StreamState *stream, int32_t n, T *out)> draw;
-  std::function<std::function<Number(Cursor<T> &u)>()> definition;
-};
-
-// T: double, float, int32_t
+using Definition = std::function<Number(Cursor<T> &u)>;
 template <class T>
-const std::vector<Row<T>> &all_rows();
+Definition<T> definition_of(const Case &a_case);
 
 }  // namespace qkr::tests

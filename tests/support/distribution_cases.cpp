@@ -1,0 +1,251 @@
+#define BOOST_MATH_PROMOTE_DOUBLE_POLICY false
+#include "tests/support/distribution_cases.h"
+
+#include <boost/math/distributions.hpp>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <stdexcept>
+
+namespace qkr::tests {
+namespace {
+
+namespace math = boost::math;
+
+// Of `factor` times a number that follows d, plus `displacement`.
+template <class Distribution>
+Law continuous(Distribution d, double displacement = 0, double factor = 1) {
+  std::pair<double, double> support = math::support(d);
+  if (support.first == std::numeric_limits<double>::min()) support.first = 0;  // says Boost of (0, infinity)
+  const double ends[] = {support.first * factor + displacement, support.second * factor + displacement};
+  const auto below = [=](double x) {
+    const double y = (x - displacement) / factor;
+    if (y <= support.first || y >= support.second) return (y <= support.first) == (factor > 0) ? 0.0 : 1.0;
+    return factor > 0 ? math::cdf(d, y) : math::cdf(math::complement(d, y));
+  };
+  const auto quantile = [=](double p, double q) {
+    if (factor < 0) std::swap(p, q);
+    return (p < q ? math::quantile(d, p) : math::quantile(math::complement(d, q))) * factor + displacement;
+  };
+  return {below, quantile, std::min(ends[0], ends[1]), std::max(ends[0], ends[1])};
+}
+
+// Whole numbers from `lowest` to `highest`.
+template <class Below>
+Law whole(Below below, double lowest, double highest) {
+  const auto quantile = [=](double p, double) {
+    double low = lowest, high = highest;
+    while (low < high) {
+      const double middle = std::floor((low + high) / 2);
+      if (below(middle + 1) >= p) high = middle;
+      else low = middle + 1;
+    }
+    return low;
+  };
+  return {[=](double x) { return x <= lowest   ? 0.0
+                                 : x > highest ? 1.0
+                                               : below(x); }, quantile, lowest,
+          highest, true};
+}
+
+Law whole_uniform(double a, double b) {
+  return whole([=](double x) { return (x - a) / (b - a); }, a, b - 1);
+}
+
+// A uniform number is below p if it is less than the float f from p on: if, before rounding, it was nearer to
+// the float below f.
+Law bernoulli(double p) {
+  float f = static_cast<float>(p);
+  if (f < p) f = std::nextafter(f, 2.0f);
+  const double success = p > 0 ? (double(std::nextafter(f, -1.0f)) + f) / 2 : 0;
+  return whole([=](double) { return 1 - success; }, 0, 1);
+}
+
+Law geometric(double p) {
+  return whole([=](double x) { return -std::expm1(x * std::log1p(-p)); }, 0, INT32_MAX);
+}
+
+template <class T>
+struct Family {
+  const char *name;
+  int32_t (*draw)(int32_t method, StreamState *stream, int32_t n, T *out, const double *p);
+  Law (*law)(const double *p);
+};
+
+#define REAL(D, law, ...)                                                             \
+  {                                                                                   \
+#D,                                                                                 \
+   [](int32_t method, StreamState *stream, int32_t n, T *out, const double *p) {       \
+     if constexpr (sizeof(T) == 8) return _vxsdRng##D(method, stream, n, out, __VA_ARGS__); \
+     else return _vxssRng##D(method, stream, n, out, __VA_ARGS__);                     \
+   },                                                                                  \
+   [](const double *p) -> Law { return law; } \
+  }
+
+template <class T>
+const std::vector<Family<T>> &families() {
+  static const std::vector<Family<T>> all = {
+      REAL(Uniform, continuous(math::uniform(p[0], p[1])), p[0], p[1]),
+      REAL(Exponential, continuous(math::exponential(1 / p[1]), p[0]), p[0], p[1]),
+      REAL(Laplace, continuous(math::laplace(p[0], p[1])), p[0], p[1]),
+      REAL(Weibull, continuous(math::weibull(p[0], p[2]), p[1]), p[0], p[1], p[2]),
+      REAL(Cauchy, continuous(math::cauchy(p[0], p[1])), p[0], p[1]),
+      REAL(Rayleigh, continuous(math::rayleigh(p[1] / std::sqrt(2.0)), p[0]), p[0], p[1]),
+      REAL(Lognormal, continuous(math::lognormal(p[0], p[1]), p[2], p[3]), p[0], p[1], p[2], p[3]),
+      REAL(Gumbel, continuous(math::extreme_value(-p[0], p[1]), 0, -1), p[0], p[1]),
+      REAL(Gaussian, continuous(math::normal(p[0], p[1])), p[0], p[1]),
+      REAL(Gamma, continuous(math::gamma_distribution(p[0], p[2]), p[1]), p[0], p[1], p[2]),
+      REAL(Beta, continuous(math::beta_distribution(p[0], p[1]), p[2], p[3]), p[0], p[1], p[2], p[3])};
+  return all;
+}
+
+#define WHOLE(D, law, ...)                                                                                   \
+  {                                                                                                          \
+#D, [](int32_t method, StreamState * stream, int32_t n, int32_t * out,                                   \
+           [[maybe_unused]] const double                                                                     \
+               *p) { return _vxsiRng##D(method, stream, n, __VA_ARGS__); }, []([[maybe_unused]] const double \
+                                                                                   *p) { return law; }       \
+  }
+
+template <>
+const std::vector<Family<int32_t>> &families() {
+  static const std::vector<Family<int32_t>> all = {
+      WHOLE(Uniform, whole_uniform(p[0], p[1]), out, int32_t(p[0]), int32_t(p[1])),
+      WHOLE(UniformBits, whole_uniform(-0x1p31, 0x1p31), reinterpret_cast<uint32_t *>(out)),
+      WHOLE(Bernoulli, bernoulli(p[0]), out, p[0]), WHOLE(Geometric, geometric(p[0]), out, p[0])};
+  return all;
+}
+
+template <class T>
+const Family<T> &family_of(const Case &a_case) {
+  for (const Family<T> &family : families<T>())
+    if (strcmp(family.name, a_case.family) == 0) return family;
+  throw std::logic_error(a_case.family);
+}
+
+template <class T>
+std::vector<Case> real_cases() {
+  std::vector<Case> all = {{"Uniform", {-1, 3}},
+                           {"Uniform", {-1, 3}, VXS_METHOD_ACCURATE},
+                           {"Exponential", {0, 1}},
+                           {"Exponential", {3, 2}},
+                           {"Laplace", {1, 2}},
+                           {"Weibull", {0.75, 1, 2}},
+                           {"Weibull", {1, 0, 2}},
+                           {"Weibull", {5, 0, 2}},
+                           {"Cauchy", {1, 2}},
+                           {"Rayleigh", {1, 2}},
+                           {"Lognormal", {1, 0.5, 3, 2}},
+                           {"Gumbel", {-3, 2}},
+                           {"Gaussian", {1, 2}, 0},
+                           {"Gaussian", {1, 2}, 1},
+                           {"Gamma", {0.3, 1, 2}},
+                           {"Gamma", {3, 1, 2}}};
+  const double border = T(0.6), next_to_border = std::nextafter(T(0.6), T(0));
+  for (const double alpha :
+       {0.05, 0.3, 0.59, next_to_border, border, 0.61, 0.9, 0.999, 1.0, 1.001, 1.5, 2.5, 30.0, 1000.0})
+    all.push_back({"Gamma", {alpha, 0, 2}});
+  const double shapes[][2] = {{0.1, 0.2},  {0.5, 0.5},   {0.5, 0.74}, {0.5, 0.75}, {0.95, 0.15},
+                              {0.95, 0.2}, {0.9, 0.9},   {0.25, 3},   {0.9, 9},    {3, 0.25},
+                              {9, 0.9},    {1.01, 1.01}, {1.01, 8},   {2, 3},      {40, 3},
+                              {1, 1},      {1, 0.4},     {1, 5},      {0.4, 1},    {5, 1}};
+  for (const auto &[p, q] : shapes) all.push_back({"Beta", {p, q, 0, 2}});
+  for (const auto &[p, q] : {std::pair{0.5, 0.5}, {0.95, 0.2}, {0.25, 3.0}, {2.0, 3.0}})
+    all.push_back({"Beta", {p, q, 1, 2}, VXS_METHOD_ACCURATE});
+  for (Case &a_case : all)
+    for (double &p : a_case.parameters) p = T(p);
+  return all;
+}
+
+}  // namespace
+
+template <>
+const std::vector<Case> &cases<double>() {
+  static const std::vector<Case> all = real_cases<double>();
+  return all;
+}
+template <>
+const std::vector<Case> &cases<float>() {
+  static const std::vector<Case> all = real_cases<float>();
+  return all;
+}
+template <>
+const std::vector<Case> &cases<int32_t>() {
+  static const std::vector<Case> all = {{"Uniform", {-3, 4}},       {"Uniform", {6, 7}},
+                                        {"Uniform", {-1000, 1000}}, {"Uniform", {INT32_MIN, INT32_MAX}},
+                                        {"UniformBits", {}},        {"Bernoulli", {0.0}},
+                                        {"Bernoulli", {0.001}},     {"Bernoulli", {0.3}},
+                                        {"Bernoulli", {0.5}},       {"Bernoulli", {0.999}},
+                                        {"Bernoulli", {1.0}},       {"Geometric", {0x1p-30}, 0, false},
+                                        {"Geometric", {0.001}},     {"Geometric", {0.3}},
+                                        {"Geometric", {0.5}},       {"Geometric", {0.9}},
+                                        {"Geometric", {0.999}}};
+  return all;
+}
+
+template <class T>
+int32_t draw(const Case &a_case, StreamState *stream, int32_t n, T *out) {
+  return family_of<T>(a_case).draw(a_case.method, stream, n, out, a_case.parameters.data());
+}
+
+template <class T>
+std::string name_of(const Case &a_case) {
+  std::string name = a_case.family, separator = "(";
+  for (const double p : a_case.parameters) {
+    char text[32];
+    if (std::is_same_v<T, float>) *std::to_chars(text, text + 31, static_cast<float>(p)).ptr = 0;
+    else *std::to_chars(text, text + 31, p).ptr = 0;
+    name += separator + text;
+    separator = ", ";
+  }
+  if (!a_case.parameters.empty()) name += ")";
+  if (a_case.method == VXS_METHOD_ACCURATE) name += " accurate";
+  else if (a_case.method) name += " method " + std::to_string(a_case.method);
+  return name;
+}
+
+template <class T>
+Law law_of(const Case &a_case) {
+  return family_of<T>(a_case).law(a_case.parameters.data());
+}
+
+double Factor::element(int32_t j, int32_t i) const {
+  if (i == j) return 1 + 0.25 * (j % 4);
+  return diagonal ? 0 : 0.125 * ((7 * j + 3 * i) % 5 - 2);
+}
+
+template <class T>
+std::vector<T> Factor::means() const {
+  std::vector<T> all;
+  for (int32_t j = 0; j < size; ++j) all.push_back(T(mean(j)));
+  return all;
+}
+
+template <class T>
+std::vector<T> Factor::stored(int32_t storage, T mark) const {
+  std::vector<T> t;
+  if (storage == 2)
+    for (int32_t j = 0; j < size; ++j) t.push_back(T(element(j, j)));
+  else if (storage == 1)
+    for (int32_t i = 0; i < size; ++i)
+      for (int32_t j = i; j < size; ++j) t.push_back(T(element(j, i)));
+  else
+    for (int32_t j = 0; j < size; ++j)
+      for (int32_t i = 0; i < size; ++i) t.push_back(i <= j ? T(element(j, i)) : mark);
+  return t;
+}
+
+#define INSTANTIATE(T)                                              \
+  template int32_t draw(const Case &, StreamState *, int32_t, T *); \
+  template std::string name_of<T>(const Case &);                    \
+  template Law law_of<T>(const Case &);
+INSTANTIATE(double)
+INSTANTIATE(float)
+INSTANTIATE(int32_t)
+template std::vector<double> Factor::means() const;
+template std::vector<float> Factor::means() const;
+template std::vector<double> Factor::stored(int32_t, double) const;
+template std::vector<float> Factor::stored(int32_t, float) const;
+
+}  // namespace qkr::tests
