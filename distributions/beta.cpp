@@ -120,21 +120,20 @@ int32_t _Cheng(StreamState *stream, int32_t n, T *out, T p, T q, T a, T beta) {
 // u^(1/p)
 template <class T>
 int32_t power_of_uniform(StreamState *stream, int32_t n, T *out, T p) {
-  const int32_t status = uniforms(stream, n, out);
-  if (status >= 0)
-    in_stretches(
-        n, [=](int32_t m, int32_t first) { Precision<T>::powx(m, out + first, T(1) / p, out + first); });
-  return status;
+  return from_uniforms(stream, n, out, [=](int32_t m, T *x) { Precision<T>::powx(m, x, T(1) / p, x); });
 }
 
 template <class T>
 int32_t beta_over(int32_t method, StreamState *stream, int32_t n, T *out, T p, T q, T a, T beta) {
   const auto stretched = [=](int32_t status, bool mirrored) {
     if (status < 0) return status;
-    if (mirrored)
-      for (int32_t i = 0; i < n; ++i) out[i] = T(1) - out[i];
-    scale(n, out, beta, a);
-    bound(n, out, a, a + beta);
+    in_stretches(n, [=](int32_t m, int32_t first) {
+      T *x = out + first;
+      if (mirrored)
+        for (int32_t i = 0; i < m; ++i) x[i] = T(1) - x[i];
+      scale(m, x, beta, a);
+      bound(m, x, a, a + beta);
+    });
     return status;
   };
   const auto bounded_if_accurate = [=](int32_t status) {

@@ -48,13 +48,12 @@ int32_t uniform_integers(StreamState *stream, int32_t n, int32_t *out, double a,
 template <class Prepare, class Element>
 int32_t from_singles(StreamState *stream, int32_t n, int32_t *out, Prepare prepare, Element element) {
   SingleInPlace *in_place = reinterpret_cast<SingleInPlace *>(out);
-  const int32_t status = uniforms<float>(stream, n, in_place);
-  if (status < 0) return status;
-  in_stretches(n, [=](int32_t m, int32_t first) {
-    prepare(m, in_place + first);
-    for (int32_t i = first; i < first + m; ++i) out[i] = element(double(in_place[i]));
-  });
-  return status;
+  return draw_in_stretches(
+      stream, n, [=](int32_t m, int32_t first) { return uniforms<float>(stream, m, in_place + first); },
+      [=](int32_t m, int32_t first) {
+        prepare(m, in_place + first);
+        for (int32_t i = first; i < first + m; ++i) out[i] = element(double(in_place[i]));
+      });
 }
 
 int32_t geometric(StreamState *stream, int32_t n, int32_t *out, double p) {

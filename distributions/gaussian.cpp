@@ -1,6 +1,6 @@
 // Normal numbers from pairs of uniform numbers, (u1, u2): sqrt(-2 ln u1) times the sine and, by the second
 // method, also the cosine of 2 pi u2 (G. E. P. Box and M. E. Muller, Annals of Mathematical Statistics 29
-// (1958) 610).
+// (1958) 610). And lognormal ones, which are made of those of the second method.
 #include "distributions/chunks.h"
 #include "distributions/radii.h"
 
@@ -22,9 +22,9 @@ T whole_turn() {
 }
 
 template <class T>
-int32_t one_of_each_pair(StreamState *stream, int32_t n, T *out, T a, T sigma) {
+int32_t one_of_each_pair(StreamState *stream, int32_t n, T *out) {
   T pairs[2 * block_pairs], sine[block_pairs];
-  const int32_t status = in_blocks<block_pairs>(n, [&, out](int32_t m, int32_t first) {
+  return in_blocks<block_pairs>(n, [&, out](int32_t m, int32_t first) {
     const int32_t drawn = uniforms(stream, 2 * m, pairs);
     if (drawn < 0) return drawn;
     T *x = out + first;
@@ -34,8 +34,6 @@ int32_t one_of_each_pair(StreamState *stream, int32_t n, T *out, T a, T sigma) {
     for (int32_t i = 0; i < m; ++i) x[i] *= sine[i];
     return drawn;
   });
-  if (status >= 0) scale(n, out, sigma, a);
-  return status;
 }
 
 // The pair whose sine was the last output of the second method, untransformed, so that it serves any mean,
@@ -91,7 +89,7 @@ int32_t whole_pairs(StreamState *stream, int32_t pairs, T *out) {
 }
 
 template <class T>
-int32_t both_of_each_pair(StreamState *stream, int32_t n, T *out, T a, T sigma) {
+int32_t both_of_each_pair(StreamState *stream, int32_t n, T *out) {
   PendingPair *pending;
   int32_t status = find_or_add_chunk(stream, pending_pair, PendingPair{none, none}, &pending);
   if (status < 0) return status;
@@ -108,15 +106,46 @@ int32_t both_of_each_pair(StreamState *stream, int32_t n, T *out, T a, T sigma) 
   } else {
     *pending = {none, none};
   }
-  scale(n, out, sigma, a);
   return status;
+}
+
+// How much shorter the first stretch has to be, so that the second method never parts a pair between two.
+int32_t lead(const StreamState *stream) {
+  const auto *pending = static_cast<const PendingPair *>(__vxsSearchChunk(stream, pending_pair));
+  return pending && pending->u1 != none;
+}
+
+template <class T>
+int32_t gaussian_by_one(StreamState *stream, int32_t n, T *out, T a, T sigma) {
+  return draw_in_stretches(
+      stream, n, [=](int32_t m, int32_t first) { return one_of_each_pair(stream, m, out + first); },
+      [=](int32_t m, int32_t first) { scale(m, out + first, sigma, a); });
+}
+
+template <class T>
+int32_t gaussian_by_both(StreamState *stream, int32_t n, T *out, T a, T sigma) {
+  return draw_in_stretches(
+      stream, n, [=](int32_t m, int32_t first) { return both_of_each_pair(stream, m, out + first); },
+      [=](int32_t m, int32_t first) { scale(m, out + first, sigma, a); }, lead(stream));
 }
 
 template <class T>
 int32_t gaussian(int32_t method, StreamState *stream, int32_t n, T *out, T a, T sigma) {
-  static constexpr decltype(&one_of_each_pair<T>) kernels[] = {one_of_each_pair<T>, both_of_each_pair<T>};
+  static constexpr decltype(&gaussian_by_one<T>) kernels[] = {gaussian_by_one<T>, gaussian_by_both<T>};
   return with_finite_logarithms<T, _vxsdGaussianTab, ActsOn::singularities>(
       [=] { return kernels[method](stream, n, out, a, sigma); });
+}
+
+// The exponential function reports its errors by the caller's policy.
+template <class T>
+int32_t lognormal(StreamState *stream, int32_t n, T *out, T a, T sigma, T b, T beta) {
+  return draw_in_stretches(
+      stream, n, [=](int32_t m, int32_t first) { return gaussian(1, stream, m, out + first, a, sigma); },
+      [=](int32_t m, int32_t first) {
+        Precision<T>::exp(m, out + first, out + first);
+        scale_at_least(m, out + first, beta, b);
+      },
+      lead(stream));
 }
 
 }  // namespace
@@ -125,14 +154,17 @@ int32_t gaussian(int32_t method, StreamState *stream, int32_t n, T *out, T a, T 
 #define ENTRIES(letter, T)                                                                             \
   QKR_ENTRY_OF(int32_t, _v##letter##RngGaussianBoxMuller,                                              \
                (StreamState * stream, int32_t n, T * out, T a, T sigma), (stream, n, out, a, sigma)) { \
-    return one_of_each_pair(stream, n, out, a, sigma);                                                 \
+    return gaussian_by_one(stream, n, out, a, sigma);                                                  \
   }                                                                                                    \
   QKR_ENTRY_OF(int32_t, _v##letter##RngGaussianBoxMuller2,                                             \
                (StreamState * stream, int32_t n, T * out, T a, T sigma), (stream, n, out, a, sigma)) { \
-    return both_of_each_pair(stream, n, out, a, sigma);                                                \
+    return gaussian_by_both(stream, n, out, a, sigma);                                                 \
   }                                                                                                    \
   QKR_DISTRIBUTION(letter, T, Gaussian, (T a, T sigma), (a, sigma)) {                                  \
     return gaussian(method, stream, n, out, a, sigma);                                                 \
+  }                                                                                                    \
+  QKR_DISTRIBUTION(letter, T, Lognormal, (T a, T sigma, T b, T beta), (a, sigma, b, beta)) {           \
+    return lognormal(stream, n, out, a, sigma, b, beta);                                               \
   }
 ENTRIES(d, double)
 ENTRIES(s, float)

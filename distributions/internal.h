@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "simd/entry.h"
+#include "streams/internal.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -99,10 +100,31 @@ inline int32_t with_finite_logarithms(Work work) {
 
 // `work(m, first)` for the elements first to first + m - 1 in turn, few enough to stay in the first-level
 // cache from one vector function to the next.
+constexpr int32_t longest_stretch = 1024;
 template <class Work>
 inline void in_stretches(int32_t n, Work work) {
-  constexpr int32_t longest = 1024;
+  constexpr int32_t longest = longest_stretch;
   for (int32_t first = 0; first < n; first += longest) work(n - first < longest ? n - first : longest, first);
+}
+
+// The same after `draw(m, first)`, which returns a status and ends all if that is negative. Generators of the
+// library do not fail, nor do they mind how draws are split: their numbers are drawn a stretch at a time and
+// worked on while they are in the cache. Those of users are asked for all numbers at once, and nothing is
+// worked on if they fail. The first stretch is shorter by `lead`.
+template <class Draw, class Work>
+inline int32_t draw_in_stretches(const StreamState *stream, int32_t n, Draw draw, Work work,
+                                 int32_t lead = 0) {
+  const bool at_once = stream->brng >= abstract_integers;
+  int32_t status, first = 0;
+  do {
+    const int32_t longest = longest_stretch - (first ? 0 : lead);
+    const int32_t m = at_once || n - first < longest ? n - first : longest;
+    status = draw(m, first);
+    if (status < 0) return status;
+    in_stretches(m, [=](int32_t count, int32_t start) { work(count, first + start); });
+    first += m;
+  } while (first < n);
+  return status;
 }
 
 // `work(m, first)` for blocks of `size`, then for the rest, even if that is 0. Ends with the first negative
@@ -120,6 +142,14 @@ inline int32_t in_blocks(int32_t n, Work work) {
 template <class T>
 inline int32_t uniforms(StreamState *stream, int32_t n, T *out) {
   return Precision<T>::uniform(0, stream, n, out, T(0), T(1));
+}
+
+// Uniform numbers to `out`, which work(m, x) replaces by others.
+template <class T, class Work>
+inline int32_t from_uniforms(StreamState *stream, int32_t n, T *out, Work work) {
+  return draw_in_stretches(
+      stream, n, [=](int32_t m, int32_t first) { return uniforms(stream, m, out + first); },
+      [=](int32_t m, int32_t first) { work(m, out + first); });
 }
 
 // The first of each of m pairs goes to `firsts`, and the second, times `factor`, to `seconds`.

@@ -1,5 +1,5 @@
 // Distributions whose quantile function is elementary: each number is that function of one uniform number
-// (L. Devroye, Non-Uniform Random Variate Generation, 1986, chapter 2); Lognormal, of one normal number.
+// (L. Devroye, Non-Uniform Random Variate Generation, 1986, chapter 2).
 #include "distributions/internal.h"
 
 extern "C" {
@@ -20,27 +20,25 @@ namespace {
 template <class T>
 int32_t exponential(StreamState *stream, int32_t n, T *out, T a, T beta) {
   return with_finite_logarithms<T, _vxsdExponentialTab, ActsOn::every_error>([=] {
-    const int32_t status = uniforms(stream, n, out);
-    if (status < 0) return status;
-    in_stretches(n, [=](int32_t m, int32_t first) {
-      T *x = out + first;
+    return from_uniforms(stream, n, out, [=](int32_t m, T *x) {
       Precision<T>::ln(m, x, x);
       for (int32_t i = 0; i < m; ++i) x[i] = at_least(a - x[i] * beta, a);
     });
-    return status;
   });
 }
 
 template <class T>
 int32_t gumbel(StreamState *stream, int32_t n, T *out, T a, T beta) {
   return with_finite_logarithms<T, _vxsdGumbelTab, ActsOn::every_error>([=] {
-    const int32_t status = Precision<T>::exponential(0, stream, n, out, T(0), T(1));
-    if (status < 0) return status;
-    in_stretches(n, [=](int32_t m, int32_t first) {
-      Precision<T>::ln(m, out + first, out + first);
-      scale(m, out + first, beta, a);
-    });
-    return status;
+    return draw_in_stretches(
+        stream, n,
+        [=](int32_t m, int32_t first) {
+          return Precision<T>::exponential(0, stream, m, out + first, T(0), T(1));
+        },
+        [=](int32_t m, int32_t first) {
+          Precision<T>::ln(m, out + first, out + first);
+          scale(m, out + first, beta, a);
+        });
   });
 }
 
@@ -48,16 +46,12 @@ int32_t gumbel(StreamState *stream, int32_t n, T *out, T a, T beta) {
 template <class T, const auto &table, class Root>
 int32_t root_of_exponential(StreamState *stream, int32_t n, T *out, T a, T beta, Root root) {
   return with_finite_logarithms<T, table, ActsOn::singularities>([=] {
-    const int32_t status = uniforms(stream, n, out);
-    if (status < 0) return status;
-    in_stretches(n, [=](int32_t m, int32_t first) {
-      T *x = out + first;
+    return from_uniforms(stream, n, out, [=](int32_t m, T *x) {
       Precision<T>::ln(m, x, x);
       negate(m, x);
       root(m, x);
       scale_at_least(m, x, beta, a);
     });
-    return status;
   });
 }
 
@@ -75,24 +69,16 @@ int32_t weibull(StreamState *stream, int32_t n, T *out, T alpha, T a, T beta) {
 
 template <class T>
 int32_t cauchy(StreamState *stream, int32_t n, T *out, T a, T beta) {
-  const int32_t status = Precision<T>::uniform(0, stream, n, out, T(_vxsdCauchyTab[1]), T(_vxsdCauchyTab[0]));
-  if (status < 0) return status;
-  in_stretches(n, [=](int32_t m, int32_t first) {
-    Precision<T>::tan(m, out + first, out + first);
-    scale(m, out + first, beta, a);
-  });
-  return status;
-}
-
-template <class T>
-int32_t lognormal(StreamState *stream, int32_t n, T *out, T a, T sigma, T b, T beta) {
-  const int32_t status = Precision<T>::gaussian(1, stream, n, out, a, sigma);
-  if (status < 0) return status;
-  in_stretches(n, [=](int32_t m, int32_t first) {
-    Precision<T>::exp(m, out + first, out + first);
-    scale_at_least(m, out + first, beta, b);
-  });
-  return status;
+  const T lower = T(_vxsdCauchyTab[1]), upper = T(_vxsdCauchyTab[0]);
+  return draw_in_stretches(
+      stream, n,
+      [=](int32_t m, int32_t first) {
+        return Precision<T>::uniform(0, stream, m, out + first, lower, upper);
+      },
+      [=](int32_t m, int32_t first) {
+        Precision<T>::tan(m, out + first, out + first);
+        scale(m, out + first, beta, a);
+      });
 }
 
 }  // namespace
@@ -109,9 +95,6 @@ int32_t lognormal(StreamState *stream, int32_t n, T *out, T a, T sigma, T b, T b
   QKR_DISTRIBUTION(letter, T, Weibull, (T alpha, T a, T beta), (alpha, a, beta)) {                          \
     return weibull(stream, n, out, alpha, a, beta);                                                         \
   }                                                                                                         \
-  QKR_DISTRIBUTION(letter, T, Cauchy, (T a, T beta), (a, beta)) { return cauchy(stream, n, out, a, beta); } \
-  QKR_DISTRIBUTION(letter, T, Lognormal, (T a, T sigma, T b, T beta), (a, sigma, b, beta)) {                \
-    return lognormal(stream, n, out, a, sigma, b, beta);                                                    \
-  }
+  QKR_DISTRIBUTION(letter, T, Cauchy, (T a, T beta), (a, beta)) { return cauchy(stream, n, out, a, beta); }
 ENTRIES(d, double)
 ENTRIES(s, float)
