@@ -3,6 +3,8 @@
 // callers' order.
 #pragma once
 
+#include <type_traits>
+
 #include "sigfft/butterfly.h"
 #include "sigfft/transpose.h"
 #include "sigfft/views.h"
@@ -17,32 +19,41 @@ QKR_INLINE void first_butterflies(Source source, size_t column, size_t spacing, 
                                   const size_t *block) {
   using T = typename Source::Element;
   Paired<T, bytes> y[radix];
-  const auto input = [&](int m) QKR_LAMBDA { return source.template pairs<bytes>(column + m * spacing); };
+  const Source from = source + column;
+  const auto input = [&](int m) QKR_LAMBDA { return from.template pairs<bytes>(m * spacing); };
   const auto output = [&](int k, auto value) QKR_LAMBDA { y[k] = value; };
   butterfly<radix, forward>(input, output);
   transpose<radix>(y, [&](int c, int k, auto value) QKR_LAMBDA { area.put(block[c] + k, value); });
 }
 
-// A twiddle of each column that a register holds: of one group, or of two whose table entries lie `stride`
-// numbers apart.
+// Cosine and sine of twiddle m of each column that a register holds: of one group, or of two whose table
+// entries lie `stride` numbers apart.
+template <class V>
+struct Twiddle {
+  V c, s;
+};
 #if QKR_BASELINE
-template <class T, int bytes>
-using Twiddle = Vector<T, 16>;
-template <class T, int bytes>
-QKR_INLINE Twiddle<T, bytes> twiddle(const T *p, int) {
-  return load_vector<Vector<T, 16>>(p);
+template <int radix, int bytes, class T>
+QKR_INLINE auto twiddle(const T *table, int m, int) {
+  using V = Vector<T, 16>;
+  const T *c = table + (m - 1) * 2 * group<T>;
+  return Twiddle<V>{load_vector<V>(c), load_vector<V>(c + group<T>)};
 }
 #else
-template <class T, int bytes>
-using Twiddle = Vector<T, bytes>;
-template <class T, int bytes>
-QKR_INLINE Twiddle<T, bytes> twiddle(const T *p, [[maybe_unused]] int stride) {
-  const auto twice = [](const T *q) { return _mm256_broadcast_pd((const __m128d *)q); };
+template <int radix, int bytes, class T>
+QKR_INLINE auto twiddle(const T *table, int m, [[maybe_unused]] int stride) {
+  using V = Vector<T, bytes>;
+  const auto place = [=](int i) QKR_LAMBDA { return table + (i - 1) * 2 * group<T>; };
   if constexpr (bytes == 32) {
-    return (Vector<T, 32>)twice(p);
+    const auto twice = [](const T *p) QKR_LAMBDA { return (V)_mm256_broadcast_pd((const __m128d *)p); };
+    return Twiddle<V>{twice(place(m)), twice(place(m) + group<T>)};
   } else {
 #ifdef __AVX512F__
-    return (Vector<T, 64>)_mm512_insertf64x4(_mm512_castpd256_pd512(twice(p)), twice(p + stride), 1);
+    const auto both = [=](const T *p) QKR_LAMBDA {
+      const __m512d first = _mm512_broadcast_f64x2(_mm_loadu_pd((const double *)p));
+      return (V)_mm512_mask_broadcast_f64x2(first, 0xF0, _mm_loadu_pd((const double *)(p + stride)));
+    };
+    return Twiddle<V>{both(place(m)), both(place(m) + group<T>)};
 #endif
   }
 }
@@ -64,9 +75,8 @@ QKR_INLINE void block_of_butterflies(In in, size_t in_spacing, Out out, size_t o
         [&](int m) QKR_LAMBDA {
           const auto x = from.template grouped<bytes>(reversed_place<radix>(m) * in_spacing);
           if (!m) return x;
-          const T *c = table + (m - 1) * 2 * group<T>;
-          return times<forward>(x, twiddle<T, bytes>(c, table_stride<T, radix>),
-                                twiddle<T, bytes>(c + group<T>, table_stride<T, radix>));
+          const auto w = twiddle<radix, bytes>(table, m, table_stride<T, radix>);
+          return times<forward>(x, w.c, w.s);
         },
         [&](int q, auto value) QKR_LAMBDA {
           if constexpr (last) to.natural(q * out_spacing, value);
@@ -93,18 +103,15 @@ QKR_INLINE void blocks_of_butterflies(Area area, size_t columns, size_t blocks, 
   constexpr size_t together = bytes / 2 / sizeof(T);
   const size_t step = radix * columns;
   for (size_t k = 0; k < columns; k += together, table += table_stride<T, radix> * (together / group<T>)) {
-    Twiddle<T, bytes> c[radix], s[radix];
+    decltype(twiddle<radix, bytes>(table, 1, stride)) w[radix];
 #pragma GCC unroll 8
-    for (int m = 1; m < radix; ++m) {
-      c[m] = twiddle<T, bytes>(table + (m - 1) * 2 * group<T>, stride);
-      s[m] = twiddle<T, bytes>(table + (m - 1) * 2 * group<T> + group<T>, stride);
-    }
+    for (int m = 1; m < radix; ++m) w[m] = twiddle<radix, bytes>(table, m, stride);
     Area block = area + k;
     for (size_t b = 0; b < blocks; ++b, block = block + step)
       butterfly<radix, forward>(
           [&](int m) QKR_LAMBDA {
             const auto x = block.template grouped<bytes>(reversed_place<radix>(m) * columns);
-            return m ? times<forward>(x, c[m], s[m]) : x;
+            return m ? times<forward>(x, w[m].c, w[m].s) : x;
           },
           [&](int q, auto value) QKR_LAMBDA { block.put(q * columns, value); });
   }
@@ -112,20 +119,20 @@ QKR_INLINE void blocks_of_butterflies(Area area, size_t columns, size_t blocks, 
 
 #if QKR_SIMD_BYTES == 64
 // Two blocks, `distance` apart, in the halves of registers.
-template <class Area>
+template <class T>
 struct TwoBlocks {
-  using Element = typename Area::Element;
-  Area area;
+  using Element = T;
+  Interleaved<T> area;
   size_t distance;
 
   QKR_INLINE TwoBlocks operator+(size_t k) const { return {area + 2 * k, distance}; }
   template <int bytes>
   QKR_INLINE Grouped<Element, bytes> grouped(size_t k) const {
-    return {join<Element, 32>(area.template grouped<32>(k).v, area.template grouped<32>(k + distance).v)};
+    return {load_halves(area.p + 2 * k, area.p + 2 * (k + distance))};
   }
   QKR_INLINE void put(size_t k, Grouped<Element, 64> x) const {
-    area.put(k, Grouped<Element, 32>{half_of<Element, 64, 0>(x.v)});
-    area.put(k + distance, Grouped<Element, 32>{half_of<Element, 64, 1>(x.v)});
+    area.put(k, Grouped<Element, 32>{lower_half(x.v)});
+    area.put(k + distance, Grouped<Element, 32>{upper_half(x.v)});
   }
 };
 #endif
@@ -138,11 +145,15 @@ template <int radix, bool forward, class Area, class T>
 QKR_INLINE void middle_pass(Area area, size_t columns, size_t blocks, const T *table) {
   const size_t block_bytes = radix * columns * 2 * sizeof(T);
 #if QKR_SIMD_BYTES == 64
-  if (columns == group<T>)
-    return blocks_of_butterflies<radix, forward, 64>(TwoBlocks<Area>{area, radix * columns}, columns,
-                                                     blocks / 2, table, 0);
+  if constexpr (std::is_same_v<Area, Interleaved<T>>)
+    if (columns == group<T>)
+      return blocks_of_butterflies<radix, forward, 64>(TwoBlocks<T>{area, radix * columns}, columns, blocks / 2,
+                                                       table, 0);
 #endif
-  size_t together = first_cache / block_bytes;
+#ifndef MAXBLK
+#define MAXBLK 4096
+#endif
+  size_t together = block_bytes < MAXBLK ? first_cache / block_bytes : 1;
   if (together > blocks) together = blocks;
   if (together > 1) {
     for (size_t b = 0; b < blocks; b += together)

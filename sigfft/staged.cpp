@@ -83,6 +83,12 @@ QKR_NOINLINE void short_transform(Source source, Area area, Target target, const
 }
 
 template <bool forward, class Source, class Area, class Target, class T>
+QKR_NOINLINE void long_transform(Source source, Area area, Target target, size_t n, const T *table,
+                                 const uint32_t *reversal) {
+  run_passes<forward>(Apart(), source, area, target, __builtin_ctzll(n), table, reversal);
+}
+
+template <bool forward, class Source, class Area, class Target, class T>
 QKR_INLINE void transform(Source source, Area area, Target target, size_t n, const T *table,
                           const uint32_t *reversal) {
   switch (n) {
@@ -101,7 +107,7 @@ QKR_INLINE void transform(Source source, Area area, Target target, size_t n, con
     case 1 << 10:
       return short_transform<forward, 10>(source, area, target, table, reversal);
     default:
-      run_passes<forward>(Apart(), source, area, target, __builtin_ctzll(n), table, reversal);
+      return long_transform<forward>(source, area, target, n, table, reversal);
   }
 }
 
