@@ -12,6 +12,18 @@
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
+// body(0), body(1), ... body(count - 1); a few that the compiler can count stand one behind the other where there
+// are registers enough, so that what one pass stores the next finds in a register.
+template <class Body>
+QKR_INLINE void repeat(size_t count, Body body) {
+  if (QKR_SIMD_BYTES == 64 && __builtin_constant_p(count) && count <= 4) {
+#pragma GCC unroll 4
+    for (size_t i = 0; i < count; ++i) body(i);
+  } else {
+    for (size_t i = 0; i < count; ++i) body(i);
+  }
+}
+
 // As many neighbouring columns as a register holds: inputs m at column + m spacing, outputs of column c at
 // block[c].
 template <int radix, bool forward, int bytes, class Source, class Area>
@@ -25,6 +37,33 @@ QKR_INLINE void first_butterflies(Source source, size_t column, size_t spacing, 
   butterfly<radix, forward>(input, output);
   transpose<radix>(y, [&](int c, int k, auto value) QKR_LAMBDA { area.put(block[c] + k, value); });
 }
+
+// How many columns of an array fill a register.
+template <class Array, int bytes>
+constexpr size_t columns_together = bytes / 2 / sizeof(typename Array::Element);
+
+#if QKR_SIMD_BYTES == 64
+// Two blocks, `distance` apart, in the halves of registers.
+template <class T>
+struct TwoBlocks {
+  using Element = T;
+  Interleaved<T> area;
+  size_t distance;
+
+  QKR_INLINE TwoBlocks operator+(size_t k) const { return {area + k, distance}; }
+  template <int bytes>
+  QKR_INLINE Grouped<Element, bytes> grouped(size_t k) const {
+    return {load_halves(area.p + 2 * k, area.p + 2 * (k + distance))};
+  }
+  QKR_INLINE void put(size_t k, Grouped<Element, 64> x) const {
+    area.put(k, Grouped<Element, 32>{lower_half(x.v)});
+    area.put(k + distance, Grouped<Element, 32>{upper_half(x.v)});
+  }
+};
+
+template <class T, int bytes>
+constexpr size_t columns_together<TwoBlocks<T>, bytes> = group<T>;
+#endif
 
 // Cosine and sine of twiddle m of each column that a register holds: of one group, or of two whose table
 // entries lie `stride` numbers apart.
@@ -51,6 +90,7 @@ QKR_INLINE auto twiddle(const T *table, int m, [[maybe_unused]] int stride) {
 #ifdef __AVX512F__
     const auto both = [=](const T *p) QKR_LAMBDA {
       const __m512d first = _mm512_broadcast_f64x2(_mm_loadu_pd((const double *)p));
+      if (stride == 0) return (V)first;
       return (V)_mm512_mask_broadcast_f64x2(first, 0xF0, _mm_loadu_pd((const double *)(p + stride)));
     };
     return Twiddle<V>{both(place(m)), both(place(m) + group<T>)};
@@ -67,22 +107,24 @@ constexpr int table_stride = (radix - 1) * 2 * group<T>;
 template <int radix, bool forward, int bytes, bool last, class In, class Out, class T>
 QKR_INLINE void block_of_butterflies(In in, size_t in_spacing, Out out, size_t out_spacing, size_t columns,
                                      const T *table) {
-  constexpr size_t together = bytes / 2 / sizeof(T);
-  for (size_t k = 0; k < columns; k += together, table += table_stride<T, radix> * (together / group<T>)) {
-    const In from = in + k;
-    const Out to = out + k;
+  constexpr size_t together = columns_together<In, bytes>;
+  constexpr int stride = together == group<T> ? 0 : table_stride<T, radix>;
+  repeat(columns / together, [=](size_t i) QKR_LAMBDA {
+    const In from = in + i * together;
+    const Out to = out + i * together;
+    const T *const twiddles = table + i * (table_stride<T, radix> * (together / group<T>));
     butterfly<radix, forward>(
         [&](int m) QKR_LAMBDA {
           const auto x = from.template grouped<bytes>(reversed_place<radix>(m) * in_spacing);
           if (!m) return x;
-          const auto w = twiddle<radix, bytes>(table, m, table_stride<T, radix>);
+          const auto w = twiddle<radix, bytes>(twiddles, m, stride);
           return times<forward>(x, w.c, w.s);
         },
         [&](int q, auto value) QKR_LAMBDA {
           if constexpr (last) to.natural(q * out_spacing, value);
           else to.put(q * out_spacing, value);
         });
-  }
+  });
 }
 
 // The same in registers of 32 bytes where the columns do not fill more.
@@ -97,74 +139,54 @@ QKR_INLINE void butterflies(In in, size_t in_spacing, Out out, size_t out_spacin
 }
 
 // The same on `blocks` blocks side by side, in place: column by column, so that the twiddles are loaded once
-// for all blocks.
+// for all blocks. The blocks are `step` apart.
 template <int radix, bool forward, int bytes, class Area, class T>
-QKR_INLINE void blocks_of_butterflies(Area area, size_t columns, size_t blocks, const T *table, int stride) {
-  constexpr size_t together = bytes / 2 / sizeof(T);
-  const size_t step = radix * columns;
-  for (size_t k = 0; k < columns; k += together, table += table_stride<T, radix> * (together / group<T>)) {
+QKR_INLINE void blocks_of_butterflies(Area area, size_t columns, size_t blocks, size_t step, const T *table) {
+  constexpr size_t together = columns_together<Area, bytes>;
+  constexpr int stride = together == group<T> ? 0 : table_stride<T, radix>;
+  for (size_t i = 0; i < columns / together; ++i) {
+    const T *const twiddles = table + i * (table_stride<T, radix> * (together / group<T>));
     decltype(twiddle<radix, bytes>(table, 1, stride)) w[radix];
 #pragma GCC unroll 8
-    for (int m = 1; m < radix; ++m) w[m] = twiddle<radix, bytes>(table, m, stride);
-    Area block = area + k;
-    for (size_t b = 0; b < blocks; ++b, block = block + step)
+    for (int m = 1; m < radix; ++m) w[m] = twiddle<radix, bytes>(twiddles, m, stride);
+    const Area first = area + i * together;
+    repeat(blocks, [=](size_t b) QKR_LAMBDA {
+      const Area block = first + b * step;
       butterfly<radix, forward>(
           [&](int m) QKR_LAMBDA {
             const auto x = block.template grouped<bytes>(reversed_place<radix>(m) * columns);
             return m ? times<forward>(x, w[m].c, w[m].s) : x;
           },
           [&](int q, auto value) QKR_LAMBDA { block.put(q * columns, value); });
+    });
   }
 }
 
-#if QKR_SIMD_BYTES == 64
-// Two blocks, `distance` apart, in the halves of registers.
-template <class T>
-struct TwoBlocks {
-  using Element = T;
-  Interleaved<T> area;
-  size_t distance;
+constexpr size_t first_cache = 32768, alias_distance = 4096;
 
-  QKR_INLINE TwoBlocks operator+(size_t k) const { return {area + 2 * k, distance}; }
-  template <int bytes>
-  QKR_INLINE Grouped<Element, bytes> grouped(size_t k) const {
-    return {load_halves(area.p + 2 * k, area.p + 2 * (k + distance))};
-  }
-  QKR_INLINE void put(size_t k, Grouped<Element, 64> x) const {
-    area.put(k, Grouped<Element, 32>{lower_half(x.v)});
-    area.put(k + distance, Grouped<Element, 32>{upper_half(x.v)});
-  }
-};
-#endif
-
-constexpr size_t first_cache = 32768;
-
-// A pass in place over `blocks` blocks of radix times `columns` numbers, all with the same twiddles. Blocks
-// are taken together as long as they stay in the first cache.
+// A pass in place over `blocks` blocks of radix times `columns` numbers, all with the same twiddles. Short blocks
+// are taken together; long ones are not, for a load waits for stores under way whose addresses agree in the
+// last 12 bits.
 template <int radix, bool forward, class Area, class T>
 QKR_INLINE void middle_pass(Area area, size_t columns, size_t blocks, const T *table) {
-  const size_t block_bytes = radix * columns * 2 * sizeof(T);
+  const size_t step = radix * columns, block_bytes = step * 2 * sizeof(T);
 #if QKR_SIMD_BYTES == 64
   if constexpr (std::is_same_v<Area, Interleaved<T>>)
     if (columns == group<T>)
-      return blocks_of_butterflies<radix, forward, 64>(TwoBlocks<T>{area, radix * columns}, columns, blocks / 2,
-                                                       table, 0);
+      return blocks_of_butterflies<radix, forward, 64>(TwoBlocks<T>{area, step}, columns, blocks / 2, 2 * step,
+                                                       table);
 #endif
-#ifndef MAXBLK
-#define MAXBLK 4096
-#endif
-  size_t together = block_bytes < MAXBLK ? first_cache / block_bytes : 1;
-  if (together > blocks) together = blocks;
-  if (together > 1) {
-    for (size_t b = 0; b < blocks; b += together)
-      blocks_of_butterflies<radix, forward, widest_group>(area + b * radix * columns, columns, together,
-                                                          table, table_stride<T, radix>);
+  if (block_bytes >= alias_distance) {
+    for (size_t b = 0; b < blocks; ++b) {
+      const Area block = area + b * step;
+      block_of_butterflies<radix, forward, widest_group, false>(block, columns, block, columns, columns, table);
+    }
     return;
   }
-  for (size_t b = 0; b < blocks; ++b) {
-    const Area block = area + b * radix * columns;
-    block_of_butterflies<radix, forward, widest_group, false>(block, columns, block, columns, columns, table);
-  }
+  size_t together = first_cache / block_bytes;
+  if (together > blocks) together = blocks;
+  for (size_t b = 0; b < blocks; b += together)
+    blocks_of_butterflies<radix, forward, widest_group>(area + b * step, columns, together, step, table);
 }
 
 template <int radix, bool forward, class Area, class Target, class T>

@@ -21,11 +21,10 @@ QKR_INLINE void first_tiles(Source source, Area area, size_t n, const uint32_t *
 #pragma GCC unroll 8
   for (size_t c = 0; c < columns; ++c, reversed_column.next())
     block[c] = reversed_column.value() * tiles * radix;
-  for (size_t j = 0; j < tiles; ++j) {
-    first_butterflies<radix, forward, bytes>(source, reversal[j * (radix / 4)] / 2, spacing, area, block);
-#pragma GCC unroll 8
-    for (size_t c = 0; c < columns; ++c) block[c] += radix;
-  }
+  repeat(tiles, [=](size_t j) QKR_LAMBDA {
+    first_butterflies<radix, forward, bytes>(source, reversal[j * (radix / 4)] / 2, spacing, area + j * radix,
+                                             block);
+  });
 }
 
 template <int radix, bool forward, class Source, class Area>

@@ -31,20 +31,15 @@ QKR_INLINE void transpose(const Paired<float, 16> *y, Store store) {
 
 #else
 
-// Of two vectors the even runs of `run` numbers of 8 bytes, and the odd ones: one shuffle and two blends, where
-// two shuffles would wait for the one port that has them.
-template <int run>
-struct Runs {
-  Vector<double, 32> even, odd;
+// The lower halves of two vectors, and the upper ones: one shuffle and two blends, where two shuffles would wait
+// for the one port that has them.
+struct Halves {
+  Vector<double, 32> lower, upper;
 };
-template <int run>
-QKR_INLINE Runs<run> runs_of(Vector<double, 32> a, Vector<double, 32> b) {
-  constexpr int from_second = run == 1 ? 0b1010 : 0b1100;
-  const auto blend = [](auto x, auto y) QKR_LAMBDA {
-    return (Vector<double, 32>)_mm256_blend_pd((__m256d)x, (__m256d)y, from_second);
-  };
-  const auto middle = run == 1 ? shuffle<1, 4, 3, 6>(a, b) : shuffle<2, 3, 4, 5>(a, b);
-  return {blend(a, middle), blend(middle, b)};
+QKR_INLINE Halves halves_of(Vector<double, 32> a, Vector<double, 32> b) {
+  const auto middle = (__m256d)shuffle<2, 3, 4, 5>(a, b);
+  return {(Vector<double, 32>)_mm256_blend_pd((__m256d)a, middle, 0b1100),
+          (Vector<double, 32>)_mm256_blend_pd(middle, (__m256d)b, 0b1100)};
 }
 
 template <int radix, class Store>
@@ -52,9 +47,9 @@ QKR_INLINE void transpose(const Paired<double, 32> *y, Store store) {
 #pragma GCC unroll 4
   for (int k = 0; k < radix; k += 2) {
     const auto re = shuffle<0, 4, 2, 6>(y[k].v, y[k + 1].v), im = shuffle<1, 5, 3, 7>(y[k].v, y[k + 1].v);
-    const auto columns = runs_of<2>(re, im);
-    store(0, k, Grouped<double, 32>{columns.even});
-    store(1, k, Grouped<double, 32>{columns.odd});
+    const auto columns = halves_of(re, im);
+    store(0, k, Grouped<double, 32>{columns.lower});
+    store(1, k, Grouped<double, 32>{columns.upper});
   }
 }
 
@@ -70,14 +65,13 @@ QKR_INLINE void transpose(const Paired<float, 32> *y, Store store) {
   // Columns 0 and 2, and 1 and 3.
   const auto ab02 = low(y[0].v, y[1].v), ab13 = high(y[0].v, y[1].v);
   const auto cd02 = low(y[2].v, y[3].v), cd13 = high(y[2].v, y[3].v);
-  const auto parts02 = runs_of<1>(ab02, cd02), parts13 = runs_of<1>(ab13, cd13);
-  const auto columns02 = runs_of<2>(parts02.even, parts02.odd);
-  const auto columns13 = runs_of<2>(parts13.even, parts13.odd);
+  const auto re02 = shuffle<0, 4, 2, 6>(ab02, cd02), im02 = shuffle<1, 5, 3, 7>(ab02, cd02);
+  const auto re13 = shuffle<0, 4, 2, 6>(ab13, cd13), im13 = shuffle<1, 5, 3, 7>(ab13, cd13);
   using V = Vector<float, 32>;
-  store(0, 0, Grouped<float, 32>{(V)columns02.even});
-  store(1, 0, Grouped<float, 32>{(V)columns13.even});
-  store(2, 0, Grouped<float, 32>{(V)columns02.odd});
-  store(3, 0, Grouped<float, 32>{(V)columns13.odd});
+  store(0, 0, Grouped<float, 32>{(V)shuffle<0, 1, 4, 5>(re02, im02)});
+  store(1, 0, Grouped<float, 32>{(V)shuffle<0, 1, 4, 5>(re13, im13)});
+  store(2, 0, Grouped<float, 32>{(V)shuffle<2, 3, 6, 7>(re02, im02)});
+  store(3, 0, Grouped<float, 32>{(V)shuffle<2, 3, 6, 7>(re13, im13)});
 }
 
 #ifdef __AVX512F__
