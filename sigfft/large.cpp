@@ -112,25 +112,12 @@ QKR_INLINE void first_pass(Source source, Data data, bool in_place, int order, T
                                   reversed);
 }
 
-template <int radix, bool forward, class Data, class T>
-QKR_NOINLINE void pass(Data block, size_t columns, size_t blocks, const T *table) {
-  middle_pass<radix, forward>(block, columns, blocks, table);
-}
-
 // All passes of a block but the first.
 template <bool forward, class Data, class T>
 void finish_block(const qkr::sigfft::Plan<T> *plan, Data block, int order) {
   const Passes passes = staged_passes<T>(order);
-  const T *table = plan->twiddleL1;
-  int done = passes.bits[0];
-  for (int p = 1; p < passes.count; ++p) {
-    const int bits = passes.bits[p];
-    const size_t columns = size_t{1} << done, blocks = size_t{1} << (order - done - bits);
-    if (bits == 2) pass<4, forward>(block, columns, blocks, table);
-    else pass<8, forward>(block, columns, blocks, table);
-    table += 2 * columns * ((1 << bits) - 1);
-    done += bits;
-  }
+  passes_by_parts<forward>(Apart(), block, order, passes, passes.count,
+                           Progress<T>{1, passes.bits[0], plan->twiddleL1});
   if (forward ? plan->fwdNorm : plan->invNorm) normalise(block, size_t{1} << order, plan->normFactor);
 }
 

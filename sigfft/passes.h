@@ -26,16 +26,37 @@ QKR_INLINE void repeat(size_t count, Body body) {
 
 // As many neighbouring columns as a register holds: inputs m at column + m spacing, outputs of column c at
 // block[c].
-template <int radix, bool forward, int bytes, class Source, class Area>
-QKR_INLINE void first_butterflies(Source source, size_t column, size_t spacing, Area area,
-                                  const size_t *block) {
+template <int radix, bool forward, int bytes, class Source, class Store>
+QKR_INLINE void first_tile(Source source, size_t column, size_t spacing, Store store) {
   using T = typename Source::Element;
   Paired<T, bytes> y[radix];
   const Source from = source + column;
   const auto input = [&](int m) QKR_LAMBDA { return from.template pairs<bytes>(m * spacing); };
   const auto output = [&](int k, auto value) QKR_LAMBDA { y[k] = value; };
   butterfly<radix, forward>(input, output);
-  transpose<radix>(y, [&](int c, int k, auto value) QKR_LAMBDA { area.put(block[c] + k, value); });
+  transpose<radix>(y, store);
+}
+template <int radix, bool forward, int bytes, class Source, class Area>
+QKR_INLINE void first_butterflies(Source source, size_t column, size_t spacing, Area area,
+                                  const size_t *block) {
+  first_tile<radix, forward, bytes>(
+      source, column, spacing,
+      [&](int c, int k, auto value) QKR_LAMBDA { area.put(block[c] + k, value); });
+}
+// Two such tiles, whose outputs lie side by side, where one writes only half lines of cache.
+template <int radix, bool forward, int bytes, class Source, class Area>
+QKR_INLINE void first_butterflies(Source source, size_t column, size_t column2, size_t spacing, Area area,
+                                  const size_t *block) {
+  using T = typename Source::Element;
+  constexpr int columns = bytes / 2 / sizeof(T);
+  Grouped<T, 32> kept[2][columns];
+  const auto keep = [&](int tile) QKR_LAMBDA {
+    return [&, tile](int c, int, auto value) QKR_LAMBDA { kept[tile][c] = value; };
+  };
+  first_tile<radix, forward, bytes>(source, column, spacing, keep(0));
+  first_tile<radix, forward, bytes>(source, column2, spacing, keep(1));
+#pragma GCC unroll 8
+  for (int c = 0; c < columns; ++c) area.put(block[c], kept[0][c]), area.put(block[c] + radix, kept[1][c]);
 }
 
 // How many columns of an array fill a register.
@@ -44,16 +65,19 @@ constexpr size_t columns_together = bytes / 2 / sizeof(typename Array::Element);
 
 #if QKR_SIMD_BYTES == 64
 // Two blocks, `distance` apart, in the halves of registers.
-template <class T>
+template <class Area>
 struct TwoBlocks {
-  using Element = T;
-  Interleaved<T> area;
+  using Element = typename Area::Element;
+  Area area;
   size_t distance;
 
   QKR_INLINE TwoBlocks operator+(size_t k) const { return {area + k, distance}; }
   template <int bytes>
   QKR_INLINE Grouped<Element, bytes> grouped(size_t k) const {
-    return {load_halves(area.p + 2 * k, area.p + 2 * (k + distance))};
+    if constexpr (std::is_same_v<Area, Interleaved<Element>>)
+      return {load_halves(area.p + 2 * k, area.p + 2 * (k + distance))};
+    else
+      return {join<Element, 32>(area.template grouped<32>(k).v, area.template grouped<32>(k + distance).v)};
   }
   QKR_INLINE void put(size_t k, Grouped<Element, 64> x) const {
     area.put(k, Grouped<Element, 32>{lower_half(x.v)});
@@ -61,8 +85,8 @@ struct TwoBlocks {
   }
 };
 
-template <class T, int bytes>
-constexpr size_t columns_together<TwoBlocks<T>, bytes> = group<T>;
+template <class Area, int bytes>
+constexpr size_t columns_together<TwoBlocks<Area>, bytes> = group<typename Area::Element>;
 #endif
 
 // Cosine and sine of twiddle m of each column that a register holds: of one group, or of two whose table
@@ -171,10 +195,9 @@ template <int radix, bool forward, class Area, class T>
 QKR_INLINE void middle_pass(Area area, size_t columns, size_t blocks, const T *table) {
   const size_t step = radix * columns, block_bytes = step * 2 * sizeof(T);
 #if QKR_SIMD_BYTES == 64
-  if constexpr (std::is_same_v<Area, Interleaved<T>>)
-    if (columns == group<T>)
-      return blocks_of_butterflies<radix, forward, 64>(TwoBlocks<T>{area, step}, columns, blocks / 2, 2 * step,
-                                                       table);
+  if (columns == group<T>)
+    return blocks_of_butterflies<radix, forward, 64>(TwoBlocks<Area>{area, step}, columns, blocks / 2, 2 * step,
+                                                     table);
 #endif
   if (block_bytes >= alias_distance) {
     for (size_t b = 0; b < blocks; ++b) {
@@ -192,6 +215,60 @@ QKR_INLINE void middle_pass(Area area, size_t columns, size_t blocks, const T *t
 template <int radix, bool forward, class Area, class Target, class T>
 QKR_INLINE void last_pass(Area area, Target target, size_t columns, const T *table) {
   butterflies<radix, forward, true>(area, columns, target, columns, columns, table);
+}
+
+// How passes are called: each loop by itself where there is much to do, and all in one for a length that the
+// compiler knows, so that short transforms stay in registers.
+struct Apart {
+  static constexpr bool in_one = false;
+  template <class Pass>
+  QKR_NOINLINE void operator()(Pass pass) const {
+    pass();
+  }
+};
+struct InOne {
+  static constexpr bool in_one = true;
+  template <class Pass>
+  QKR_INLINE void operator()(Pass pass) const {
+    pass();
+  }
+};
+
+// Where a sequence of passes stands: the next pass, the binary logarithm of the columns, the twiddles.
+template <class T>
+struct Progress {
+  int pass, done;
+  const T *table;
+};
+
+// Passes before number `end` on 2^order numbers, as far as their blocks are no longer than that.
+template <bool forward, class Call, class Area, class T>
+QKR_INLINE Progress<T> middle_passes(Call call, Area area, int order, const qkr::sigfft::Passes &passes, int end,
+                                     Progress<T> at) {
+#pragma GCC unroll 4
+  for (int pass = at.pass; pass < end; ++pass) {
+    const int bits = passes.bits[pass];
+    if (at.done + bits > order) break;
+    const size_t columns = size_t{1} << at.done, blocks = size_t{1} << (order - at.done - bits);
+    const T *const table = at.table;
+    if (bits == 2) call([=]() QKR_LAMBDA { middle_pass<4, forward>(area, columns, blocks, table); });
+    else call([=]() QKR_LAMBDA { middle_pass<8, forward>(area, columns, blocks, table); });
+    at = {pass + 1, at.done + bits, table + 2 * columns * ((1 << bits) - 1)};
+  }
+  return at;
+}
+
+// The same of a long array: first on one part after the other that stays in the first cache.
+template <bool forward, class Call, class Area, class T>
+QKR_INLINE Progress<T> passes_by_parts(Call call, Area area, int order, const qkr::sigfft::Passes &passes, int end,
+                                       Progress<T> at) {
+  constexpr int part_order = sigfft::is_double<T> ? 10 : 11;
+  if (!Call::in_one && order > part_order) {
+    const Progress<T> start = at;
+    for (size_t place = 0; place >> order == 0; place += size_t{1} << part_order)
+      at = middle_passes<forward>(call, area + place, part_order, passes, end, start);
+  }
+  return middle_passes<forward>(call, area, order, passes, end, at);
 }
 
 }  // namespace
