@@ -55,10 +55,11 @@ QKR_NOINLINE void first_pass_to(Source source, Data data, size_t n, size_t colum
   ReversedCounter reversed_step(__builtin_ctzll(steps));
   for (size_t i = 0; i < steps; ++i, reversed_step.next())
     step_place[i] = reversed_step.value() * tiles * radix;
+  const Rows<radix> rows(spacing);
   for (size_t tile = 0; tile < tiles; ++tile) {
     const size_t column = (reversed(tile) >> extra_bits) * columns;
     for (size_t i = 0; i < steps; ++i)
-      first_butterflies<radix, forward, widest_pairs>(source, column + i * together, spacing,
+      first_butterflies<radix, forward, widest_pairs>(source, column + i * together, rows,
                                                       data + (step_place[i] + tile * radix), block);
   }
 }
@@ -69,14 +70,14 @@ QKR_INLINE void first_pass_of_tile(Source from, size_t spacing, Data to, size_t 
   using T = typename Source::Element;
   constexpr size_t together = widest_pairs / 2 / sizeof(T);
   size_t block[together];
+  const Rows<radix> rows(tile_side / radix * spacing);
 #pragma GCC unroll 8
   for (size_t c0 = 0; c0 < tile_side; c0 += together)
 #pragma GCC unroll 2
     for (size_t u = 0; u < tile_side / radix; ++u) {
 #pragma GCC unroll 8
       for (size_t c = 0; c < together; ++c) block[c] = reversed3[c0 + c] * to_spacing + u * radix;
-      first_butterflies<radix, forward, widest_pairs>(from, u * spacing + c0, tile_side / radix * spacing, to,
-                                                      block);
+      first_butterflies<radix, forward, widest_pairs>(from, u * spacing + c0, rows, to, block);
     }
 }
 

@@ -24,28 +24,41 @@ QKR_INLINE void repeat(size_t count, Body body) {
   }
 }
 
-// As many neighbouring columns as a register holds: inputs m at column + m spacing, outputs of column c at
-// block[c].
+// Where the inputs of a first butterfly stand behind its column: rows of `spacing` numbers.
+template <int radix>
+struct Rows {
+  size_t start[radix];
+  QKR_INLINE explicit Rows(size_t spacing) {
+#pragma GCC unroll 8
+    for (size_t m = 0; m < radix; ++m) {
+      start[m] = m * spacing;
+      // Where they are no constants g++ would compute each address from the one before.
+      if (!__builtin_constant_p(spacing)) asm("" : "+r"(start[m]));
+    }
+  }
+};
+
+// As many neighbouring columns as a register holds: input m in row m, outputs of column c at block[c].
 template <int radix, bool forward, int bytes, class Source, class Store>
-QKR_INLINE void first_tile(Source source, size_t column, size_t spacing, Store store) {
+QKR_INLINE void first_tile(Source source, size_t column, const Rows<radix> &rows, Store store) {
   using T = typename Source::Element;
   Paired<T, bytes> y[radix];
   const Source from = source + column;
-  const auto input = [&](int m) QKR_LAMBDA { return from.template pairs<bytes>(m * spacing); };
+  const auto input = [&](int m) QKR_LAMBDA { return from.template pairs<bytes>(rows.start[m]); };
   const auto output = [&](int k, auto value) QKR_LAMBDA { y[k] = value; };
   butterfly<radix, forward>(input, output);
   transpose<radix>(y, store);
 }
 template <int radix, bool forward, int bytes, class Source, class Area>
-QKR_INLINE void first_butterflies(Source source, size_t column, size_t spacing, Area area,
+QKR_INLINE void first_butterflies(Source source, size_t column, const Rows<radix> &rows, Area area,
                                   const size_t *block) {
   first_tile<radix, forward, bytes>(
-      source, column, spacing,
+      source, column, rows,
       [&](int c, int k, auto value) QKR_LAMBDA { area.put(block[c] + k, value); });
 }
 // Two such tiles, whose outputs lie side by side, where one writes only half lines of cache.
 template <int radix, bool forward, int bytes, class Source, class Area>
-QKR_INLINE void first_butterflies(Source source, size_t column, size_t column2, size_t spacing, Area area,
+QKR_INLINE void first_butterflies(Source source, size_t column, size_t column2, const Rows<radix> &rows, Area area,
                                   const size_t *block) {
   using T = typename Source::Element;
   constexpr int columns = bytes / 2 / sizeof(T);
@@ -53,8 +66,8 @@ QKR_INLINE void first_butterflies(Source source, size_t column, size_t column2, 
   const auto keep = [&](int tile) QKR_LAMBDA {
     return [&, tile](int c, int, auto value) QKR_LAMBDA { kept[tile][c] = value; };
   };
-  first_tile<radix, forward, bytes>(source, column, spacing, keep(0));
-  first_tile<radix, forward, bytes>(source, column2, spacing, keep(1));
+  first_tile<radix, forward, bytes>(source, column, rows, keep(0));
+  first_tile<radix, forward, bytes>(source, column2, rows, keep(1));
 #pragma GCC unroll 8
   for (int c = 0; c < columns; ++c) area.put(block[c], kept[0][c]), area.put(block[c] + radix, kept[1][c]);
 }

@@ -21,15 +21,16 @@ QKR_INLINE void first_tiles(Source source, Area area, size_t n, const uint32_t *
 #pragma GCC unroll 8
   for (size_t c = 0; c < columns; ++c, reversed_column.next())
     block[c] = reversed_column.value() * tiles * radix;
+  const Rows<radix> rows(spacing);
   const auto column = [=](size_t tile) QKR_LAMBDA { return (size_t)reversal[tile * (radix / 4)] / 2; };
   if constexpr (radix * 2 * sizeof(T) == 32 && bytes >= 32)
     if (tiles > 1)
       return repeat(tiles / 2, [=](size_t i) QKR_LAMBDA {
-        first_butterflies<radix, forward, bytes>(source, column(2 * i), column(2 * i + 1), spacing,
+        first_butterflies<radix, forward, bytes>(source, column(2 * i), column(2 * i + 1), rows,
                                                  area + 2 * i * radix, block);
       });
   repeat(tiles, [=](size_t i) QKR_LAMBDA {
-    first_butterflies<radix, forward, bytes>(source, column(i), spacing, area + i * radix, block);
+    first_butterflies<radix, forward, bytes>(source, column(i), rows, area + i * radix, block);
   });
 }
 
