@@ -39,7 +39,7 @@ struct Rows {
 };
 
 // As many neighbouring columns as a register holds: input m in row m, outputs of column c at block[c].
-template <int radix, bool forward, int bytes, class Source, class Store>
+template <int radix, bool forward, int bytes, int stored, class Source, class Store>
 QKR_INLINE void first_tile(Source source, size_t column, const Rows<radix> &rows, Store store) {
   using T = typename Source::Element;
   Paired<T, bytes> y[radix];
@@ -47,12 +47,12 @@ QKR_INLINE void first_tile(Source source, size_t column, const Rows<radix> &rows
   const auto input = [&](int m) QKR_LAMBDA { return from.template pairs<bytes>(rows.start[m]); };
   const auto output = [&](int k, auto value) QKR_LAMBDA { y[k] = value; };
   butterfly<radix, forward>(input, output);
-  transpose<radix>(y, store);
+  transpose<radix, stored>(y, store);
 }
-template <int radix, bool forward, int bytes, class Source, class Area>
+template <int radix, bool forward, int bytes, int stored = bytes, class Source, class Area>
 QKR_INLINE void first_butterflies(Source source, size_t column, const Rows<radix> &rows, Area area,
                                   const size_t *block) {
-  first_tile<radix, forward, bytes>(
+  first_tile<radix, forward, bytes, stored>(
       source, column, rows,
       [&](int c, int k, auto value) QKR_LAMBDA { area.put(block[c] + k, value); });
 }
@@ -66,8 +66,8 @@ QKR_INLINE void first_butterflies(Source source, size_t column, size_t column2, 
   const auto keep = [&](int tile) QKR_LAMBDA {
     return [&, tile](int c, int, auto value) QKR_LAMBDA { kept[tile][c] = value; };
   };
-  first_tile<radix, forward, bytes>(source, column, rows, keep(0));
-  first_tile<radix, forward, bytes>(source, column2, rows, keep(1));
+  first_tile<radix, forward, bytes, 32>(source, column, rows, keep(0));
+  first_tile<radix, forward, bytes, 32>(source, column2, rows, keep(1));
 #pragma GCC unroll 8
   for (int c = 0; c < columns; ++c) area.put(block[c], kept[0][c]), area.put(block[c] + radix, kept[1][c]);
 }

@@ -11,7 +11,7 @@ using namespace sigfft;
 
 // The first pass in tiles: neighbouring columns are read together, so that every line of cache is used whole,
 // and each column's outputs go to the block that the bit reversal gives it.
-template <int radix, bool forward, int bytes, class Source, class Area>
+template <int radix, bool forward, int bytes, int stored = bytes, class Source, class Area>
 QKR_INLINE void first_tiles(Source source, Area area, size_t n, const uint32_t *reversal) {
   using T = typename Source::Element;
   constexpr size_t columns = bytes / 2 / sizeof(T);
@@ -23,14 +23,15 @@ QKR_INLINE void first_tiles(Source source, Area area, size_t n, const uint32_t *
     block[c] = reversed_column.value() * tiles * radix;
   const Rows<radix> rows(spacing);
   const auto column = [=](size_t tile) QKR_LAMBDA { return (size_t)reversal[tile * (radix / 4)] / 2; };
+  // A column of 32 bytes is half a line of cache, which the other half should find there.
   if constexpr (radix * 2 * sizeof(T) == 32 && bytes >= 32)
-    if (tiles > 1)
+    if (tiles > 1 && (bytes == 64 || n * 2 * sizeof(T) >= first_cache))
       return repeat(tiles / 2, [=](size_t i) QKR_LAMBDA {
         first_butterflies<radix, forward, bytes>(source, column(2 * i), column(2 * i + 1), rows,
                                                  area + 2 * i * radix, block);
       });
   repeat(tiles, [=](size_t i) QKR_LAMBDA {
-    first_butterflies<radix, forward, bytes>(source, column(i), rows, area + i * radix, block);
+    first_butterflies<radix, forward, bytes, stored>(source, column(i), rows, area + i * radix, block);
   });
 }
 
@@ -40,6 +41,9 @@ QKR_INLINE void first_pass(Source source, Area area, size_t n, const uint32_t *r
   if constexpr (widest_pairs == 64)
     if (n * 2 * sizeof(T) < (size_t)radix * 64)
       return first_tiles<radix, forward, 32>(source, area, n, reversal);
+  if constexpr (widest_pairs == 64 && is_double<T>)
+    if (n >= 128 && n <= 512)  // shorter: the next pass wants whole registers; longer: stores set the pace
+      return first_tiles<radix, forward, 64, 32>(source, area, n, reversal);
   first_tiles<radix, forward, widest_pairs>(source, area, n, reversal);
 }
 
