@@ -12,8 +12,8 @@
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
-// body(0), body(1), ... body(count - 1); a few that the compiler can count stand one behind the other where there
-// are registers enough, so that what one pass stores the next finds in a register.
+// body(0), body(1), ... body(count - 1); a few that the compiler can count stand one behind the other where
+// there are registers enough, so that what one pass stores the next finds in a register.
 template <class Body>
 QKR_INLINE void repeat(size_t count, Body body) {
   if (QKR_SIMD_BYTES == 64 && __builtin_constant_p(count) && count <= 4) {
@@ -53,13 +53,12 @@ template <int radix, bool forward, int bytes, int stored = bytes, class Source, 
 QKR_INLINE void first_butterflies(Source source, size_t column, const Rows<radix> &rows, Area area,
                                   const size_t *block) {
   first_tile<radix, forward, bytes, stored>(
-      source, column, rows,
-      [&](int c, int k, auto value) QKR_LAMBDA { area.put(block[c] + k, value); });
+      source, column, rows, [&](int c, int k, auto value) QKR_LAMBDA { area.put(block[c] + k, value); });
 }
 // Two such tiles, whose outputs lie side by side, where one writes only half lines of cache.
 template <int radix, bool forward, int bytes, class Source, class Area>
-QKR_INLINE void first_butterflies(Source source, size_t column, size_t column2, const Rows<radix> &rows, Area area,
-                                  const size_t *block) {
+QKR_INLINE void first_butterflies(Source source, size_t column, size_t column2, const Rows<radix> &rows,
+                                  Area area, const size_t *block) {
   using T = typename Source::Element;
   constexpr int columns = bytes / 2 / sizeof(T);
   Grouped<T, 32> kept[2][columns];
@@ -201,21 +200,22 @@ QKR_INLINE void blocks_of_butterflies(Area area, size_t columns, size_t blocks, 
 
 constexpr size_t first_cache = 32768, alias_distance = 4096;
 
-// A pass in place over `blocks` blocks of radix times `columns` numbers, all with the same twiddles. Short blocks
-// are taken together; long ones are not, for a load waits for stores under way whose addresses agree in the
-// last 12 bits.
+// A pass in place over `blocks` blocks of radix times `columns` numbers, all with the same twiddles. Short
+// blocks are taken together; long ones are not, for a load waits for stores under way whose addresses agree
+// in the last 12 bits.
 template <int radix, bool forward, class Area, class T>
 QKR_INLINE void middle_pass(Area area, size_t columns, size_t blocks, const T *table) {
   const size_t step = radix * columns, block_bytes = step * 2 * sizeof(T);
 #if QKR_SIMD_BYTES == 64
   if (columns == group<T>)
-    return blocks_of_butterflies<radix, forward, 64>(TwoBlocks<Area>{area, step}, columns, blocks / 2, 2 * step,
-                                                     table);
+    return blocks_of_butterflies<radix, forward, 64>(TwoBlocks<Area>{area, step}, columns, blocks / 2,
+                                                     2 * step, table);
 #endif
   if (block_bytes >= alias_distance) {
     for (size_t b = 0; b < blocks; ++b) {
       const Area block = area + b * step;
-      block_of_butterflies<radix, forward, widest_group, false>(block, columns, block, columns, columns, table);
+      block_of_butterflies<radix, forward, widest_group, false>(block, columns, block, columns, columns,
+                                                                table);
     }
     return;
   }
@@ -256,8 +256,8 @@ struct Progress {
 
 // Passes before number `end` on 2^order numbers, as far as their blocks are no longer than that.
 template <bool forward, class Call, class Area, class T>
-QKR_INLINE Progress<T> middle_passes(Call call, Area area, int order, const qkr::sigfft::Passes &passes, int end,
-                                     Progress<T> at) {
+QKR_INLINE Progress<T> middle_passes(Call call, Area area, int order, const qkr::sigfft::Passes &passes,
+                                     int end, Progress<T> at) {
 #pragma GCC unroll 4
   for (int pass = at.pass; pass < end; ++pass) {
     const int bits = passes.bits[pass];
@@ -273,8 +273,8 @@ QKR_INLINE Progress<T> middle_passes(Call call, Area area, int order, const qkr:
 
 // The same of a long array: first on one part after the other that stays in the first cache.
 template <bool forward, class Call, class Area, class T>
-QKR_INLINE Progress<T> passes_by_parts(Call call, Area area, int order, const qkr::sigfft::Passes &passes, int end,
-                                       Progress<T> at) {
+QKR_INLINE Progress<T> passes_by_parts(Call call, Area area, int order, const qkr::sigfft::Passes &passes,
+                                       int end, Progress<T> at) {
   constexpr int part_order = sigfft::is_double<T> ? 10 : 11;
   if (!Call::in_one && order > part_order) {
     const Progress<T> start = at;

@@ -31,8 +31,8 @@ QKR_INLINE void transpose(const Paired<float, 16> *y, Store store) {
 
 #else
 
-// The lower halves of two vectors, and the upper ones: one shuffle and two blends, where two shuffles would wait
-// for the one port that has them.
+// The lower halves of two vectors, and the upper ones: one shuffle and two blends, where two shuffles would
+// wait for the one port that has them.
 struct Halves {
   Vector<double, 32> lower, upper;
 };
