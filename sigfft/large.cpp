@@ -55,10 +55,11 @@ QKR_NOINLINE void first_pass_to(Source source, Data data, size_t n, size_t colum
   ReversedCounter reversed_step(__builtin_ctzll(steps));
   for (size_t i = 0; i < steps; ++i, reversed_step.next())
     step_place[i] = reversed_step.value() * tiles * radix;
+  const Rows<radix> rows(spacing);
   for (size_t tile = 0; tile < tiles; ++tile) {
     const size_t column = (reversed(tile) >> extra_bits) * columns;
     for (size_t i = 0; i < steps; ++i)
-      first_butterflies<radix, forward, widest_pairs>(source, column + i * together, spacing,
+      first_butterflies<radix, forward, widest_pairs>(source, column + i * together, rows,
                                                       data + (step_place[i] + tile * radix), block);
   }
 }
@@ -69,14 +70,14 @@ QKR_INLINE void first_pass_of_tile(Source from, size_t spacing, Data to, size_t 
   using T = typename Source::Element;
   constexpr size_t together = widest_pairs / 2 / sizeof(T);
   size_t block[together];
+  const Rows<radix> rows(tile_side / radix * spacing);
 #pragma GCC unroll 8
   for (size_t c0 = 0; c0 < tile_side; c0 += together)
 #pragma GCC unroll 2
     for (size_t u = 0; u < tile_side / radix; ++u) {
 #pragma GCC unroll 8
       for (size_t c = 0; c < together; ++c) block[c] = reversed3[c0 + c] * to_spacing + u * radix;
-      first_butterflies<radix, forward, widest_pairs>(from, u * spacing + c0, tile_side / radix * spacing, to,
-                                                      block);
+      first_butterflies<radix, forward, widest_pairs>(from, u * spacing + c0, rows, to, block);
     }
 }
 
@@ -112,25 +113,12 @@ QKR_INLINE void first_pass(Source source, Data data, bool in_place, int order, T
                                   reversed);
 }
 
-template <int radix, bool forward, class Data, class T>
-QKR_NOINLINE void pass(Data block, size_t columns, size_t blocks, const T *table) {
-  middle_pass<radix, forward>(block, columns, blocks, table);
-}
-
 // All passes of a block but the first.
 template <bool forward, class Data, class T>
 void finish_block(const qkr::sigfft::Plan<T> *plan, Data block, int order) {
   const Passes passes = staged_passes<T>(order);
-  const T *table = plan->twiddleL1;
-  int done = passes.bits[0];
-  for (int p = 1; p < passes.count; ++p) {
-    const int bits = passes.bits[p];
-    const size_t columns = size_t{1} << done, blocks = size_t{1} << (order - done - bits);
-    if (bits == 2) pass<4, forward>(block, columns, blocks, table);
-    else pass<8, forward>(block, columns, blocks, table);
-    table += 2 * columns * ((1 << bits) - 1);
-    done += bits;
-  }
+  passes_by_parts<forward>(Apart(), block, order, passes, passes.count,
+                           Progress<T>{1, passes.bits[0], plan->twiddleL1});
   if (forward ? plan->fwdNorm : plan->invNorm) normalise(block, size_t{1} << order, plan->normFactor);
 }
 

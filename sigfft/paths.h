@@ -78,7 +78,9 @@ struct WorkBuffer {
       failed = !own;
     }
   }
-  ~WorkBuffer() { release_block(own); }
+  ~WorkBuffer() {
+    if (own) release_block(own);
+  }
 };
 
 }  // namespace qkr::sigfft

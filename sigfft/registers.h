@@ -50,6 +50,25 @@ QKR_INLINE void store_vector(void *p, V v) {
   __builtin_memcpy(p, &v, sizeof v);
 }
 
+#ifdef __AVX512F__
+// Halves of 64 bytes. Taken from memory or stored they cost no shuffle, if g++ is told by name.
+template <class T>
+QKR_INLINE Vector<T, 64> load_halves(const T *lower, const T *upper) {
+  return (Vector<T, 64>)_mm512_insertf64x4(_mm512_castpd256_pd512(_mm256_loadu_pd((const double *)lower)),
+                                           _mm256_loadu_pd((const double *)upper), 1);
+}
+template <class V>
+QKR_INLINE auto lower_half(V v) {
+  using T = std::remove_reference_t<decltype(v[0])>;
+  return (Vector<T, 32>)_mm512_castpd512_pd256((__m512d)v);
+}
+template <class V>
+QKR_INLINE auto upper_half(V v) {
+  using T = std::remove_reference_t<decltype(v[0])>;
+  return (Vector<T, 32>)_mm512_extractf64x4_pd((__m512d)v, 1);
+}
+#endif
+
 // c + a * sign and c - a * sign, where the lanes of sign are 1 or -1.
 #ifdef __FMA__
 #define QKR_SIGNED_SUM(T, bytes, type, prefix, suffix)                                                    \

@@ -11,7 +11,7 @@ using namespace sigfft;
 
 // The first pass in tiles: neighbouring columns are read together, so that every line of cache is used whole,
 // and each column's outputs go to the block that the bit reversal gives it.
-template <int radix, bool forward, int bytes, class Source, class Area>
+template <int radix, bool forward, int bytes, int stored = bytes, class Source, class Area>
 QKR_INLINE void first_tiles(Source source, Area area, size_t n, const uint32_t *reversal) {
   using T = typename Source::Element;
   constexpr size_t columns = bytes / 2 / sizeof(T);
@@ -21,11 +21,18 @@ QKR_INLINE void first_tiles(Source source, Area area, size_t n, const uint32_t *
 #pragma GCC unroll 8
   for (size_t c = 0; c < columns; ++c, reversed_column.next())
     block[c] = reversed_column.value() * tiles * radix;
-  for (size_t j = 0; j < tiles; ++j) {
-    first_butterflies<radix, forward, bytes>(source, reversal[j * (radix / 4)] / 2, spacing, area, block);
-#pragma GCC unroll 8
-    for (size_t c = 0; c < columns; ++c) block[c] += radix;
-  }
+  const Rows<radix> rows(spacing);
+  const auto column = [=](size_t tile) QKR_LAMBDA { return (size_t)reversal[tile * (radix / 4)] / 2; };
+  // A column of 32 bytes is half a line of cache, which the other half should find there.
+  if constexpr (radix * 2 * sizeof(T) == 32 && bytes >= 32)
+    if (tiles > 1 && (bytes == 64 || n * 2 * sizeof(T) >= first_cache))
+      return repeat(tiles / 2, [=](size_t i) QKR_LAMBDA {
+        first_butterflies<radix, forward, bytes>(source, column(2 * i), column(2 * i + 1), rows,
+                                                 area + 2 * i * radix, block);
+      });
+  repeat(tiles, [=](size_t i) QKR_LAMBDA {
+    first_butterflies<radix, forward, bytes, stored>(source, column(i), rows, area + i * radix, block);
+  });
 }
 
 template <int radix, bool forward, class Source, class Area>
@@ -34,52 +41,39 @@ QKR_INLINE void first_pass(Source source, Area area, size_t n, const uint32_t *r
   if constexpr (widest_pairs == 64)
     if (n * 2 * sizeof(T) < (size_t)radix * 64)
       return first_tiles<radix, forward, 32>(source, area, n, reversal);
+  if constexpr (widest_pairs == 64 && is_double<T>)
+    if (n >= 128 && n <= 512)  // shorter: the next pass wants whole registers; longer: stores set the pace
+      return first_tiles<radix, forward, 64, 32>(source, area, n, reversal);
   first_tiles<radix, forward, widest_pairs>(source, area, n, reversal);
 }
-
-// How passes are called: each loop by itself where there is much to do, and all in one for a length that the
-// compiler knows, so that short transforms stay in registers.
-struct Apart {
-  template <class Pass>
-  QKR_NOINLINE void operator()(Pass pass) const {
-    pass();
-  }
-};
-struct InOne {
-  template <class Pass>
-  QKR_INLINE void operator()(Pass pass) const {
-    pass();
-  }
-};
 
 template <bool forward, class Call, class Source, class Area, class Target, class T>
 QKR_INLINE void run_passes(Call call, Source source, Area area, Target target, int order, const T *table,
                            const uint32_t *reversal) {
   const size_t n = size_t{1} << order;
   const Passes &passes = passes_by_order<T>.of[order];
-  int done = passes.bits[0];
-  if (done == 2) call([=]() QKR_LAMBDA { first_pass<4, forward>(source, area, n, reversal); });
+  if (passes.bits[0] == 2) call([=]() QKR_LAMBDA { first_pass<4, forward>(source, area, n, reversal); });
   else if constexpr (is_double<T>)
     call([=]() QKR_LAMBDA { first_pass<8, forward>(source, area, n, reversal); });
-#pragma GCC unroll 4
-  for (int p = 1; p < passes.count - 1; ++p) {
-    const int bits = passes.bits[p];
-    const size_t columns = size_t{1} << done, blocks = n >> done >> bits;
-    if (bits == 2) call([=]() QKR_LAMBDA { middle_pass<4, forward>(area, columns, blocks, table); });
-    else call([=]() QKR_LAMBDA { middle_pass<8, forward>(area, columns, blocks, table); });
-    table += 2 * columns * ((1 << bits) - 1);
-    done += bits;
-  }
-  const size_t columns = size_t{1} << done;
-  if (passes.bits[passes.count - 1] == 2)
-    call([=]() QKR_LAMBDA { last_pass<4, forward>(area, target, columns, table); });
-  else call([=]() QKR_LAMBDA { last_pass<8, forward>(area, target, columns, table); });
+  const Progress<T> last = passes_by_parts<forward>(call, area, order, passes, passes.count - 1,
+                                                    Progress<T>{1, passes.bits[0], table});
+  const size_t columns = size_t{1} << last.done;
+  const T *const last_table = last.table;
+  if (passes.bits[last.pass] == 2)
+    call([=]() QKR_LAMBDA { last_pass<4, forward>(area, target, columns, last_table); });
+  else call([=]() QKR_LAMBDA { last_pass<8, forward>(area, target, columns, last_table); });
 }
 
 template <bool forward, int order, class Source, class Area, class Target, class T>
 QKR_NOINLINE void short_transform(Source source, Area area, Target target, const T *table,
                                   const uint32_t *reversal) {
   run_passes<forward>(InOne(), source, area, target, order, table, reversal);
+}
+
+template <bool forward, class Source, class Area, class Target, class T>
+QKR_NOINLINE void long_transform(Source source, Area area, Target target, size_t n, const T *table,
+                                 const uint32_t *reversal) {
+  run_passes<forward>(Apart(), source, area, target, __builtin_ctzll(n), table, reversal);
 }
 
 template <bool forward, class Source, class Area, class Target, class T>
@@ -101,7 +95,7 @@ QKR_INLINE void transform(Source source, Area area, Target target, size_t n, con
     case 1 << 10:
       return short_transform<forward, 10>(source, area, target, table, reversal);
     default:
-      run_passes<forward>(Apart(), source, area, target, __builtin_ctzll(n), table, reversal);
+      return long_transform<forward>(source, area, target, n, table, reversal);
   }
 }
 
