@@ -17,7 +17,10 @@
   void w6_zprs_crFft##direction##_Large_##suffix(const qkr::sigfft::Plan<T> *plan, const T *src_re,         \
                                                  const T *src_im, T *dst_re, T *dst_im, int32_t order,      \
                                                  T *work);                                                  \
-  /* The same of the plain set, of any order from 3 on. */                                                  \
+  /* The plain set's: numbers in bit-reversed order, in place, up to 2^9 (single: 2^10); and whole          \
+   * transforms of any order from 4 on. */                                                                  \
+  void zprs_cRadix4##direction##_##suffix##c(T *data, int32_t n, const T *rows);                            \
+  void zprs_crRadix4##direction##_##suffix(T *re, T *im, int32_t n, const T *rows);                         \
   void zprs_cFft##direction##_##suffix##c(const qkr::sigfft::Plan<T> *plan, const T *src, T *dst,           \
                                           int32_t order, T *work);                                          \
   void zprs_crFft##direction##_##suffix(const qkr::sigfft::Plan<T> *plan, const T *src_re, const T *src_im, \
@@ -30,17 +33,34 @@ QKR_DECLARE_KERNELS(Inv, float, 32f)
 
 // Between the transform of H complex numbers, that are 2 H real ones, and the spectrum in Perm format, number
 // 0 left out. The forward one works in place; the inverse one may.
-#define QKR_DECLARE_RECOMBINATION(prefix, T, suffix)                                \
-  void prefix##zprs_cRealRecombine_##suffix(T *data, int32_t half, const T *table); \
-  void prefix##zprs_cCcsRecombine_##suffix(const T *src, T *dst, int32_t half, const T *table);
-QKR_DECLARE_RECOMBINATION(w6_, double, 64f)
-QKR_DECLARE_RECOMBINATION(w6_, float, 32f)
-QKR_DECLARE_RECOMBINATION(, double, 64f)
-QKR_DECLARE_RECOMBINATION(, float, 32f)
-#undef QKR_DECLARE_RECOMBINATION
+// Then whole real transforms of 16 numbers to or from a spectrum in any format, which the place of the last
+// real number, R8, tells.
+#define QKR_DECLARE_REAL(prefix, T, suffix)                                                            \
+  void prefix##zprs_cRealRecombine_##suffix(T *data, int32_t half, int32_t direction, const T *table); \
+  void prefix##zprs_cCcsRecombine_##suffix(const T *src, T *dst, int32_t half, int32_t direction,      \
+                                           const T *table);                                            \
+  void prefix##zprs_rFFTFwd_16_##suffix(const qkr::sigfft::Plan<T> *plan, const T *src, T *dst,        \
+                                        int32_t last);                                                 \
+  void prefix##zprs_rFFTInv_16_##suffix(const qkr::sigfft::Plan<T> *plan, const T *src, T *dst, int32_t last);
+QKR_DECLARE_REAL(w6_, double, 64f)
+QKR_DECLARE_REAL(w6_, float, 32f)
+QKR_DECLARE_REAL(, double, 64f)
+QKR_DECLARE_REAL(, float, 32f)
+#undef QKR_DECLARE_REAL
+
+// Bit reversal of n elements of 4, 8 or 16 bytes, in place and out of place, by the table of pairs.
+#define QKR_DECLARE_REVERSAL(prefix, size)                                        \
+  void prefix##zprs_BitRev1_##size(void *data, int32_t n, const uint32_t *table); \
+  void prefix##zprs_BitRev2_##size(const void *src, void *dst, int32_t n, const uint32_t *table);
+QKR_DECLARE_REVERSAL(, 4)
+QKR_DECLARE_REVERSAL(, 8)
+QKR_DECLARE_REVERSAL(, 16)
+QKR_DECLARE_REVERSAL(w6_, 4)
+QKR_DECLARE_REVERSAL(w6_, 8)
+#undef QKR_DECLARE_REVERSAL
 
 // data[i] *= factor for i below count.
-void zprs_rbMpy1_64f(double *data, ptrdiff_t count, double factor);
-void zprs_rbMpy1_32f(float *data, ptrdiff_t count, float factor);
+void w6_zprs_rbMpy1_64f(double *data, ptrdiff_t count, double factor);
+void w6_zprs_rbMpy1_32f(float *data, ptrdiff_t count, float factor);
 }
 #undef QKR_DECLARE_KERNELS

@@ -71,6 +71,15 @@ struct PassesByOrder {
 template <class T>
 constexpr PassesByOrder<T> passes_by_order;
 
+// The same of the plain set, whose radix is 4 but for a first pass of 8 where the order is odd.
+constexpr Passes plain_set_passes(int order) {
+  Passes passes;
+  int done = order & 1 ? 3 : 2;
+  passes.add(done);
+  for (; done < order; done += 2) passes.add(2);
+  return passes;
+}
+
 // The passes over columns across 2^block_bits blocks.
 constexpr Passes column_passes(int block_bits) {
   Passes passes;

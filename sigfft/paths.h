@@ -29,8 +29,10 @@ constexpr Kernels<float> kernels<forward, float> = forward ? Kernels<float> QKR_
                                                            : Kernels<float> QKR_KERNELS(Inv, 32f);
 #undef QKR_KERNELS
 
-inline void multiply(double *data, ptrdiff_t count, double factor) { zprs_rbMpy1_64f(data, count, factor); }
-inline void multiply(float *data, ptrdiff_t count, float factor) { zprs_rbMpy1_32f(data, count, factor); }
+inline void multiply(double *data, ptrdiff_t count, double factor) {
+  w6_zprs_rbMpy1_64f(data, count, factor);
+}
+inline void multiply(float *data, ptrdiff_t count, float factor) { w6_zprs_rbMpy1_32f(data, count, factor); }
 
 // `order` is above largest_fixed_order, or that order as half of a real transform; normalised where the plan
 // says so.

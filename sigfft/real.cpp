@@ -1,8 +1,9 @@
 // From the transform of pairs of real numbers, taken as complex ones, to the spectrum of the real signal, and
 // back (J. W. Cooley, P. A. W. Lewis and P. D. Welch, Journal of Sound and Vibration 12 (1970) 315). The
 // numbers k and H - k are worked on together, from both ends of the array toward its middle.
+#include "sigfft/butterfly.h"
 #include "sigfft/kernels.h"
-#include "sigfft/plain_passes.h"
+#include "sigfft/parts_registers.h"
 #include "simd/entry.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
@@ -23,6 +24,15 @@ QKR_INLINE Paired<T, bytes> in_reverse(Paired<T, bytes> x) {
 template <class T, int bytes>
 QKR_INLINE Paired<T, bytes> conjugate(Paired<T, bytes> x) {
   return {x.v * x.signs()};
+}
+// a + or - the conjugate of b, by an operation whose product with 1 or -1 is exact.
+template <class T, int bytes>
+QKR_INLINE Paired<T, bytes> plus_conjugate(Paired<T, bytes> a, Paired<T, bytes> b) {
+  return {add_signed(a.v, b.v, b.signs())};
+}
+template <class T, int bytes>
+QKR_INLINE Paired<T, bytes> minus_conjugate(Paired<T, bytes> a, Paired<T, bytes> b) {
+  return {subtract_signed(a.v, b.v, b.signs())};
 }
 
 // The table's first and second value of each successive k, twice: for the real and the imaginary part.
@@ -49,8 +59,22 @@ QKR_INLINE Values<Vector<T, bytes>> table_values(const T *table, size_t k, std::
   }
 }
 
-// Numbers k and their counterparts H - k. In both directions the difference to the counterpart's conjugate is
+// A number and its counterpart: in both directions the difference to the counterpart's conjugate is
 // multiplied by a complex number of the table.
+template <class C>
+struct Both {
+  C lower, upper;
+};
+template <bool forward, class T, int bytes>
+QKR_INLINE Both<Paired<T, bytes>> recombined(Paired<T, bytes> lower, Paired<T, bytes> upper,
+                                             Vector<T, bytes> first, Vector<T, bytes> second) {
+  const auto product = times<!forward>(minus_conjugate(lower, upper), second, first);
+  if constexpr (forward) return {plus_conjugate(product, upper), conjugate(lower - product)};
+  const auto sum = plus_conjugate(lower, upper);
+  return {sum + product, conjugate(sum - product)};
+}
+
+// Numbers k and their counterparts H - k.
 template <EntrySet set, bool forward, int bytes, class T>
 QKR_INLINE void pairs_of_numbers(const T *src, T *dst, size_t half, size_t k, const T *table,
                                  size_t table_k) {
@@ -59,18 +83,12 @@ QKR_INLINE void pairs_of_numbers(const T *src, T *dst, size_t half, size_t k, co
   const Interleaved<const T> from = {src};
   const Interleaved<T> to = {dst};
   const auto lower = from.template pairs<bytes>(k);
-  const auto upper = conjugate(in_reverse(from.template pairs<bytes>(counterpart)));
+  const auto upper = in_reverse(from.template pairs<bytes>(counterpart));
   const auto [first, second] =
       table_values<set, T, bytes>(table, table_k, std::make_integer_sequence<int, lanes>());
-  const auto product = times<!forward>(lower - upper, second, first);
-  if constexpr (forward) {
-    to.template set_pairs<bytes>(k, upper + product);
-    to.template set_pairs<bytes>(counterpart, in_reverse(conjugate(lower - product)));
-  } else {
-    const auto sum = lower + upper;
-    to.template set_pairs<bytes>(k, sum + product);
-    to.template set_pairs<bytes>(counterpart, in_reverse(conjugate(sum - product)));
-  }
+  const auto [new_lower, new_upper] = recombined<forward>(lower, upper, first, second);
+  to.template set_pairs<bytes>(k, new_lower);
+  to.template set_pairs<bytes>(counterpart, in_reverse(new_upper));
 }
 
 // All numbers but number 0, for which there are sums of their own. The last step takes in the middle, which
@@ -94,25 +112,113 @@ QKR_NOINLINE void recombine_by(const T *src, T *dst, size_t half, const T *table
   dst[2 * middle + 1] = forward ? -im : -2 * im;
 }
 
+constexpr int narrow_pairs = QKR_SIMD_BYTES == 16 ? 16 : 32;
+
 template <EntrySet set, bool forward, class T>
 QKR_INLINE void recombine(const T *src, T *dst, size_t half, const T *table) {
   if (half * sizeof(T) < widest_pairs) recombine_by<set, forward, narrow_pairs>(src, dst, half, table);
   else recombine_by<set, forward, widest_pairs>(src, dst, half, table);
 }
 
+// 16 real numbers: few enough for 8 complex ones to stay in registers, one in each.
+constexpr int sixteen = 16;
+
+template <class T>
+QKR_INLINE Paired<T, 16> number(const T *p) {
+  if constexpr (is_double<T>) {
+    return {load_vector<Vector<T, 16>>(p)};
+  } else {
+    double both;
+    __builtin_memcpy(&both, p, sizeof both);
+    return {(Vector<T, 16>)Vector<double, 16>{both, 0}};
+  }
+}
+template <class T>
+QKR_INLINE void set_number(T *p, Paired<T, 16> x) {
+  __builtin_memcpy(p, &x.v, 2 * sizeof(T));
+}
+
+// The table's values of k, in all lanes.
+template <EntrySet set, class T>
+QKR_INLINE Values<Vector<T, 16>> values_of(const T *table, size_t k) {
+  constexpr size_t g = set == EntrySet::plain ? 1 : group<T>;
+  const size_t from = set == EntrySet::plain ? k : k - 1;
+  const T *p = table + from / g * 2 * g + from % g;
+  return {all_lanes<T, 16>(p[0]), all_lanes<T, 16>(p[g])};
+}
+
+template <EntrySet set, bool forward, class T>
+QKR_INLINE void recombine_eight(Paired<T, 16> *z, const T *table) {
+#pragma GCC unroll 3
+  for (int k = 1; k < 4; ++k) {
+    const auto [first, second] = values_of<set>(table, k);
+    const auto both = recombined<forward>(z[k], z[8 - k], first, second);
+    z[k] = both.lower, z[8 - k] = both.upper;
+  }
+  z[4] = conjugate(z[4]);
+  if (!forward) z[4] = z[4] * T(2);
+}
+
+// `last` is the place of R8; where that is behind all others, these have moved up by one.
+template <EntrySet set, bool forward, class T>
+QKR_INLINE void transform_sixteen(const Plan<T> *plan, const T *src, T *dst, int last) {
+  Paired<T, 16> z[8], y[8];
+  const int moved = last == sixteen - 1;
+  const auto put = [&](int k, auto value) QKR_LAMBDA { y[k] = value; };
+  const auto normalise = [&](bool wanted) QKR_LAMBDA {
+    if (wanted)
+#pragma GCC unroll 8
+      for (auto &number : y) number = number * plan->normFactor;
+  };
+  if constexpr (forward) {
+    butterfly<8, true>([&](int m) QKR_LAMBDA { return number(src + 2 * m); }, put);
+    normalise(plan->fwdNorm);
+    recombine_eight<set, true>(y, plan->realRecTable);
+#pragma GCC unroll 8
+    for (int k = 1; k < 8; ++k) set_number(dst + 2 * k - moved, y[k]);
+    dst[0] = y[0].v[0] + y[0].v[1];
+    dst[last] = y[0].v[0] - y[0].v[1];
+    if (last == sixteen) dst[1] = dst[sixteen + 1] = 0;
+  } else {
+    const T first = src[0], r8 = src[last];
+    z[0] = {Vector<T, 16>{first + r8, first - r8}};
+#pragma GCC unroll 8
+    for (int k = 1; k < 8; ++k) z[k] = number(src + 2 * k - moved);
+    recombine_eight<set, false>(z, plan->ccsRecTable);
+    butterfly<8, false>([&](int m) QKR_LAMBDA { return z[m]; }, put);
+    normalise(plan->invNorm);
+#pragma GCC unroll 8
+    for (int k = 0; k < 8; ++k) set_number(dst + 2 * k, y[k]);
+  }
+}
+
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-#define QKR_RECOMBINE(prefix, set, T, suffix)                                                          \
-  QKR_ENTRY(prefix##zprs_cRealRecombine_##suffix, (T * data, int32_t half, const T *table),            \
-            (data, half, table)) {                                                                     \
-    recombine<EntrySet::set, true>(data, data, (size_t)half, table);                                   \
-  }                                                                                                    \
-  QKR_ENTRY(prefix##zprs_cCcsRecombine_##suffix, (const T *src, T *dst, int32_t half, const T *table), \
-            (src, dst, half, table)) {                                                                 \
-    recombine<EntrySet::set, false>(src, dst, (size_t)half, table);                                    \
+// The direction, 1 or -1, is that of the function.
+#define QKR_REAL(prefix, set, T, suffix)                                                                   \
+  QKR_ENTRY(prefix##zprs_cRealRecombine_##suffix,                                                          \
+            (T * data, int32_t half, int32_t direction, const T *table), (data, half, direction, table)) { \
+    (void)direction;                                                                                       \
+    recombine<EntrySet::set, true>(data, data, (size_t)half, table);                                       \
+  }                                                                                                        \
+  QKR_ENTRY(prefix##zprs_cCcsRecombine_##suffix,                                                           \
+            (const T *src, T *dst, int32_t half, int32_t direction, const T *table),                       \
+            (src, dst, half, direction, table)) {                                                          \
+    (void)direction;                                                                                       \
+    recombine<EntrySet::set, false>(src, dst, (size_t)half, table);                                        \
+  }                                                                                                        \
+  QKR_ENTRY(prefix##zprs_rFFTFwd_16_##suffix,                                                              \
+            (const qkr::sigfft::Plan<T> *plan, const T *src, T *dst, int32_t last),                        \
+            (plan, src, dst, last)) {                                                                      \
+    transform_sixteen<EntrySet::set, true>(plan, src, dst, last);                                          \
+  }                                                                                                        \
+  QKR_ENTRY(prefix##zprs_rFFTInv_16_##suffix,                                                              \
+            (const qkr::sigfft::Plan<T> *plan, const T *src, T *dst, int32_t last),                        \
+            (plan, src, dst, last)) {                                                                      \
+    transform_sixteen<EntrySet::set, false>(plan, src, dst, last);                                         \
   }
-QKR_RECOMBINE(w6_, w6, double, 64f)
-QKR_RECOMBINE(w6_, w6, float, 32f)
-QKR_RECOMBINE(, plain, double, 64f)
-QKR_RECOMBINE(, plain, float, 32f)
+QKR_REAL(w6_, w6, double, 64f)
+QKR_REAL(w6_, w6, float, 32f)
+QKR_REAL(, plain, double, 64f)
+QKR_REAL(, plain, float, 32f)

@@ -9,24 +9,32 @@ namespace {
 enum class Format { Perm, Pack, CCS };
 
 template <class T>
-struct Recombination {
-  void (*forward)(T *data, int32_t half, const T *table);
-  void (*inverse)(const T *src, T *dst, int32_t half, const T *table);
+struct RealKernels {
+  void (*recombine)(T *data, int32_t half, int32_t direction, const T *table);
+  void (*recombine_inverse)(const T *src, T *dst, int32_t half, int32_t direction, const T *table);
+  void (*sixteen[2])(const Plan<T> *plan, const T *src, T *dst, int32_t last);  // inverse, forward
 };
+#define QKR_REAL_KERNELS(prefix, suffix)                                         \
+  {                                                                              \
+    prefix##zprs_cRealRecombine_##suffix, prefix##zprs_cCcsRecombine_##suffix, { \
+      prefix##zprs_rFFTInv_16_##suffix, prefix##zprs_rFFTFwd_16_##suffix         \
+    }                                                                            \
+  }
 template <EntrySet set, class T>
-constexpr Recombination<T> recombination;
+constexpr RealKernels<T> real_kernels;
 template <>
-constexpr Recombination<double> recombination<EntrySet::w6, double> = {w6_zprs_cRealRecombine_64f,
-                                                                       w6_zprs_cCcsRecombine_64f};
+constexpr RealKernels<double> real_kernels<EntrySet::w6, double> = QKR_REAL_KERNELS(w6_, 64f);
 template <>
-constexpr Recombination<float> recombination<EntrySet::w6, float> = {w6_zprs_cRealRecombine_32f,
-                                                                     w6_zprs_cCcsRecombine_32f};
+constexpr RealKernels<float> real_kernels<EntrySet::w6, float> = QKR_REAL_KERNELS(w6_, 32f);
 template <>
-constexpr Recombination<double> recombination<EntrySet::plain, double> = {zprs_cRealRecombine_64f,
-                                                                          zprs_cCcsRecombine_64f};
+constexpr RealKernels<double> real_kernels<EntrySet::plain, double> = QKR_REAL_KERNELS(, 64f);
 template <>
-constexpr Recombination<float> recombination<EntrySet::plain, float> = {zprs_cRealRecombine_32f,
-                                                                        zprs_cCcsRecombine_32f};
+constexpr RealKernels<float> real_kernels<EntrySet::plain, float> = QKR_REAL_KERNELS(, 32f);
+
+// Where the spectrum of n numbers has its last one.
+constexpr size_t last_place(Format format, size_t n) {
+  return format == Format::Perm ? 1 : format == Format::Pack ? n - 1 : n;
+}
 
 // Sum and difference of two numbers; dst may hold them.
 template <class T>
@@ -51,7 +59,7 @@ template <Format format, class T>
 void to_perm(const T *src, T *dst, size_t n) {
   const T first = src[0];
   if (n > 1) {
-    const T last = src[format == Format::Perm ? 1 : format == Format::Pack ? n - 1 : n];
+    const T last = src[last_place(format, n)];
     memmove(dst + 2, src + (format == Format::Pack ? 1 : 2), (n - 2) * sizeof(T));
     dst[1] = last;
   }
@@ -68,7 +76,7 @@ void forward_transform(const Plan<T> *plan, const T *src, T *dst, T *work) {
   } else {
     transform<set, true>(plan, src, dst, plan->order - 1, work);
     butterfly(dst[0], dst[1], dst);
-    recombination<set, T>.forward(dst, (int32_t)(n / 2), plan->realRecTable);
+    real_kernels<set, T>.recombine(dst, (int32_t)(n / 2), 1, plan->realRecTable);
   }
   from_perm<format>(dst, n);
 }
@@ -77,17 +85,18 @@ template <EntrySet set, Format format, class T>
 void inverse_transform(const Plan<T> *plan, const T *src, T *dst, T *work) {
   const FixedCode<T> &code = fixed_code<T>;
   const size_t n = size_t{1} << plan->order;
-  if (plan->order <= largest_fixed_order || format == Format::Pack) {
+  const bool fixed = plan->order <= largest_fixed_order;
+  if (format == Format::Pack || (fixed && format == Format::CCS)) {
     to_perm<format>(src, dst, n);
     src = dst;
   }
-  if (plan->order <= largest_fixed_order) {
-    (plan->invNorm ? code.tbl_rFFTinv_norm_small : code.tbl_rFFTinv_small)[plan->order](dst, dst,
+  if (fixed) {
+    (plan->invNorm ? code.tbl_rFFTinv_norm_small : code.tbl_rFFTinv_small)[plan->order](src, dst,
                                                                                         plan->normFactor);
     return;
   }
   butterfly(src[0], src[format == Format::CCS ? n : 1], dst);
-  recombination<set, T>.inverse(src, dst, (int32_t)(n / 2), plan->ccsRecTable);
+  real_kernels<set, T>.recombine_inverse(src, dst, (int32_t)(n / 2), -1, plan->ccsRecTable);
   transform<set, false>(plan, dst, dst, plan->order - 1, work);
 }
 
@@ -97,6 +106,10 @@ zprStatus run(int32_t id, const void *opaque, const T *src, T *dst, uint8_t *wor
   if (!plan) return zprStsNullPtrErr;
   if (plan->id != id) return zprStsContextMatchErr;
   if (!src || !dst) return zprStsNullPtrErr;
+  if (plan->order == 4) {
+    real_kernels<set, T>.sixteen[forward](plan, src, dst, (int32_t)last_place(format, 16));
+    return zprStsNoErr;
+  }
   const WorkBuffer<T> buffer(plan, work);
   if (buffer.failed) return zprStsMemAllocErr;
   if constexpr (forward) forward_transform<set, format>(plan, src, dst, buffer.start);

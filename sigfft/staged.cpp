@@ -103,19 +103,12 @@ QKR_INLINE void transform(Source source, Area area, Target target, size_t n, con
 }  // namespace qkr::QKR_SIMD_LEVEL
 
 // The result's own memory serves as the work area where it is not also the source.
-#define QKR_STAGED(direction, forward, T, suffix)                                                            \
-  QKR_ENTRY(w6_zprs_cRadix4##direction##Norm_##suffix##c,                                                    \
-            (const T *src, T *dst, int32_t n, const T *twiddles, const uint32_t *reversal, T *work),         \
-            (src, dst, n, twiddles, reversal, work)) {                                                       \
-    const Interleaved<T> area = {src != dst && (size_t)dst % 16 == 0 ? dst : work};                          \
-    transform<forward>(Interleaved<const T>{src}, area, Interleaved<T>{dst}, n, twiddles, reversal);         \
-  }                                                                                                          \
-  QKR_ENTRY(w6_zprs_crRadix4##direction##Norm_##suffix,                                                      \
-            (const T *src_re, const T *src_im, T *dst_re, T *dst_im, int32_t n, const T *twiddles,           \
-             const uint32_t *reversal, T *work),                                                             \
-            (src_re, src_im, dst_re, dst_im, n, twiddles, reversal, work)) {                                 \
-    transform<forward>(Separate<const T>{src_re, src_im}, Interleaved<T>{work}, Separate<T>{dst_re, dst_im}, \
-                       n, twiddles, reversal);                                                               \
+#define QKR_STAGED(direction, forward, T, suffix)                                                    \
+  QKR_ENTRY(w6_zprs_cRadix4##direction##Norm_##suffix##c,                                            \
+            (const T *src, T *dst, int32_t n, const T *twiddles, const uint32_t *reversal, T *work), \
+            (src, dst, n, twiddles, reversal, work)) {                                               \
+    const Interleaved<T> area = {src != dst && (size_t)dst % 16 == 0 ? dst : work};                  \
+    transform<forward>(Interleaved<const T>{src}, area, Interleaved<T>{dst}, n, twiddles, reversal); \
   }
 QKR_STAGED(Fwd, true, double, 64f)
 QKR_STAGED(Inv, false, double, 64f)

@@ -4,6 +4,8 @@
 //   put(k, grouped)        back
 //   natural(k, grouped)    the same, into the order in which callers expect numbers
 //   set_pairs(k, paired)   back
+//   parts<bytes>(k)        the numbers from place k on, as PartVectors of `bytes` each
+//   set_parts(k, parts)    back
 //   at(k), set(k, x)       one number, as Parts
 //   + k                    the array from place k on
 #pragma once
@@ -26,6 +28,10 @@ template <class T>
 using Number = typename NonConst<T>::type;
 
 using sigfft::group;
+
+// Real and imaginary parts of as many numbers as `bytes` hold of each.
+template <class T, int bytes>
+using PartVectors = Parts<T, Vector<T, bytes>>;
 
 // Interleaved re, im; between passes the same memory holds groups.
 template <class T>
@@ -65,7 +71,36 @@ struct Interleaved {
   QKR_INLINE void natural(size_t k, C x) const {
     put(k, interleaved(x));
   }
+  template <int bytes>
+  QKR_INLINE PartVectors<Element, bytes> parts(size_t k) const;
+  template <class V>
+  QKR_INLINE void set_parts(size_t k, Parts<Element, V> x) const;
 };
+
+// Lanes 0, 2, 4, ... of a and b, and the others.
+template <class T, class V, int... i>
+QKR_INLINE Parts<T, V> deinterleaved(V a, V b, std::integer_sequence<int, i...>) {
+  return {shuffle<2 * i...>(a, b), shuffle<(2 * i + 1)...>(a, b)};
+}
+template <class T>
+template <int bytes>
+QKR_INLINE PartVectors<Number<T>, bytes> Interleaved<T>::parts(size_t k) const {
+  constexpr int lanes = bytes / sizeof(Element);
+  const auto a = load_vector<Vector<Element, bytes>>(p + 2 * k);
+  const auto b = load_vector<Vector<Element, bytes>>(p + 2 * k + lanes);
+  return deinterleaved<Element>(a, b, std::make_integer_sequence<int, lanes>());
+}
+template <class T>
+template <class V>
+QKR_INLINE void Interleaved<T>::set_parts(size_t k, Parts<Number<T>, V> x) const {
+  constexpr int lanes = sizeof(V) / sizeof(Element);
+  const auto half = [&]<int... i>(std::integer_sequence<int, i...>, auto first) QKR_LAMBDA {
+    return shuffle<(first() + i / 2 + i % 2 * lanes)...>(x.re, x.im);
+  };
+  using Lanes = std::make_integer_sequence<int, lanes>;
+  store_vector(p + 2 * k, half(Lanes(), std::integral_constant<int, 0>()));
+  store_vector(p + 2 * k + lanes, half(Lanes(), std::integral_constant<int, lanes / 2>()));
+}
 
 QKR_INLINE TwoRegisters<double> interleaved(TwoRegisters<double> x) {
   return {shuffle<0, 2>(x.re, x.im), shuffle<1, 3>(x.re, x.im)};
@@ -133,6 +168,15 @@ struct Separate {
   QKR_INLINE Separate operator+(size_t k) const { return {re + k, im + k}; }
   QKR_INLINE Parts<Element, Element> at(size_t k) const { return {re[k], im[k]}; }
   QKR_INLINE void set(size_t k, Parts<Element, Element> x) const { re[k] = x.re, im[k] = x.im; }
+  template <int bytes>
+  QKR_INLINE PartVectors<Element, bytes> parts(size_t k) const {
+    return {load_vector<Vector<Element, bytes>>(re + k), load_vector<Vector<Element, bytes>>(im + k)};
+  }
+  template <class V>
+  QKR_INLINE void set_parts(size_t k, Parts<Element, V> x) const {
+    store_vector(re + k, x.re);
+    store_vector(im + k, x.im);
+  }
   template <int bytes>
   QKR_INLINE Paired<Element, bytes> pairs(size_t k) const;
   template <int bytes>

@@ -1,12 +1,15 @@
 // What all forms of a transform agree on: the same bits at every vector width, in place or not, interleaved
 // or not, at any alignment, whoever owns the work buffer; normalisation; formats; checks before anything is
 // written.
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <thread>
 
 #include "engines.h"
+#include "sigfft/kernels.h"
+#include "sigfft/tables.h"
 #include "tests/support/levels.h"
 
 namespace qkr::tests {
@@ -234,6 +237,31 @@ TYPED_TEST(Transforms, ChecksComeFirst) {
     EXPECT_TRUE(a == std::vector<T>(66, T(1)) && b == std::vector<T>(66, T(2)) &&
                 c == std::vector<T>(66, T(3)));
   }
+}
+
+template <class Element>
+void reversal_reverses(void (*in_place)(void *, int32_t, const uint32_t *),
+                       void (*into)(const void *, void *, int32_t, const uint32_t *)) {
+  for (int order = 0; order <= 11; ++order) {
+    const size_t n = size_t{1} << order;
+    std::vector<uint32_t> table(n / 4 + 4);
+    if (order > 1) sigfft::fill_reversal_pairs(order, table.data());
+    std::vector<Element> x(n), y(n), expected(n);
+    for (size_t k = 0; k < n; ++k) {
+      size_t place = 0;
+      for (int bit = 0; bit < order; ++bit) place |= (k >> bit & 1) << (order - 1 - bit);
+      x[k] = expected[place] = Element{uint32_t(k)};
+    }
+    into(x.data(), y.data(), int32_t(n), table.data());
+    EXPECT_TRUE(y == expected) << order;
+    in_place(x.data(), int32_t(n), table.data());
+    EXPECT_TRUE(x == expected) << order << ", in place";
+  }
+}
+TEST(BitReversal, ReversesElementsOfEachSize) {
+  reversal_reverses<uint32_t>(zprs_BitRev1_4, zprs_BitRev2_4);
+  reversal_reverses<uint64_t>(w6_zprs_BitRev1_8, w6_zprs_BitRev2_8);
+  reversal_reverses<std::array<uint32_t, 4>>(zprs_BitRev1_16, zprs_BitRev2_16);
 }
 
 TYPED_TEST(Transforms, ThreadsShareAPlan) {
