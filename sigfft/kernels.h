@@ -48,15 +48,14 @@ QKR_DECLARE_REAL(, double, 64f)
 QKR_DECLARE_REAL(, float, 32f)
 #undef QKR_DECLARE_REAL
 
-// Bit reversal of n elements of 4, 8 or 16 bytes, in place and out of place, by the table of pairs.
+// Bit reversal of n elements of 4, 8 or 16 bytes, in place and out of place, by the table of pairs. Those of
+// the w6_ set are public.
 #define QKR_DECLARE_REVERSAL(prefix, size)                                        \
   void prefix##zprs_BitRev1_##size(void *data, int32_t n, const uint32_t *table); \
   void prefix##zprs_BitRev2_##size(const void *src, void *dst, int32_t n, const uint32_t *table);
 QKR_DECLARE_REVERSAL(, 4)
 QKR_DECLARE_REVERSAL(, 8)
 QKR_DECLARE_REVERSAL(, 16)
-QKR_DECLARE_REVERSAL(w6_, 4)
-QKR_DECLARE_REVERSAL(w6_, 8)
 #undef QKR_DECLARE_REVERSAL
 
 // data[i] *= factor for i below count.
