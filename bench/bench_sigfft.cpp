@@ -17,12 +17,10 @@
 namespace qkr::bench {
 namespace {
 
-constexpr Form forms[] = {{"Complex", tests::interleaved, false},
-                          {"ComplexInPlace", tests::interleaved, true},
-                          {"Parts", tests::separate, false},
-                          {"Real", tests::real, false},
-                          {"RealInPlace", tests::real, true},
-                          {"PlainSetComplex", tests::interleaved, false, 1}};
+constexpr Form forms[] = {
+    {"Complex", tests::interleaved, false}, {"ComplexInPlace", tests::interleaved, true},
+    {"Parts", tests::separate, false},      {"Real", tests::real, false},
+    {"RealInPlace", tests::real, true},     {"PlainSetComplex", tests::interleaved, false, 1}};
 constexpr int plan_kinds[] = {0, 3};  // of the forms
 constexpr int largest_order = 24;
 constexpr const char *level_names[] = {"sse2", "avx2", "avx512"};
@@ -42,8 +40,8 @@ Arrays<T> arrays(const Form &form, int order) {
   return {start[0], start[form.in_place ? 0 : 1]};
 }
 
-// Made at the first repetition and kept, since FFTW takes long to measure; but not plans that fill the memory,
-// of which FFTW remembers what it has measured.
+// Made at the first repetition and kept, since FFTW takes long to measure; but not plans that fill the
+// memory, of which FFTW remembers what it has measured.
 template <class T, class Make>
 auto run_kept(const Form &form, int order, Make make) {
   return [=, kept = std::make_shared<Transform>(), &form](benchmark::State &state) {

@@ -2,10 +2,10 @@
 //
 //   bench_arrays [--quick] [--filter REGEX] [--benchmark_out=FILE.json ...]
 //
-// A benchmark is named FUNCTION/LEVEL/SIZE/CONTENDER, for instance Set_64f/avx2/4096/memset;
-// those of the set without prefix begin with Plain. The size is in
-// bytes: of the destination for copies and fills, of both arrays together for conversions, which stand beside
-// a copy that reads and writes as many. bench/report.py makes tables and plots of the file.
+// A benchmark is named FUNCTION/LEVEL/SIZE/CONTENDER, for instance Set_64f/avx2/4096/memset; those of the set
+// without prefix begin with Plain. The size is in bytes: of the destination for copies and fills, of both
+// arrays together for conversions, which stand beside a copy that reads and writes as many. bench/report.py
+// makes tables and plots of the file.
 #include <cstring>
 #include <functional>
 #include <memory>

@@ -42,12 +42,10 @@ Transform ours(const Form &form, int order, Arrays<T> a) {
   const auto with = [=](auto call) -> Transform { return [=] { call((const void *)*plan, work.get()); }; };
   switch (form.kind) {
     case tests::interleaved:
-      if (form.in_place)
-        return with([=, run = f.complex_in_place[1]](auto p, auto w) { run(a.dst, p, w); });
+      if (form.in_place) return with([=, run = f.complex_in_place[1]](auto p, auto w) { run(a.dst, p, w); });
       return with([=, run = f.complex[1]](auto p, auto w) { run(a.src, a.dst, p, w); });
     case tests::separate:
-      return with(
-          [=, run = f.parts[1]](auto p, auto w) { run(a.src, a.src + n, a.dst, a.dst + n, p, w); });
+      return with([=, run = f.parts[1]](auto p, auto w) { run(a.src, a.src + n, a.dst, a.dst + n, p, w); });
     default:
       if (form.in_place)
         return with([=, run = f.real_in_place[1][tests::ccs]](auto p, auto w) { run(a.dst, p, w); });
@@ -60,9 +58,9 @@ Transform ours(const Form &form, int order, Arrays<T> a) {
     const int n = 1 << order;                                                                            \
     const auto src = (prefix##_complex *)a.src, dst = (prefix##_complex *)a.dst;                         \
     prefix##_plan plan;                                                                                  \
-    if (form.kind == tests::interleaved) {                                                            \
+    if (form.kind == tests::interleaved) {                                                               \
       plan = prefix##_plan_dft_1d(n, src, dst, FFTW_FORWARD, effort);                                    \
-    } else if (form.kind == tests::separate) {                                                               \
+    } else if (form.kind == tests::separate) {                                                           \
       const fftw_iodim dimension = {n, 1, 1};                                                            \
       plan = prefix##_plan_guru_split_dft(1, &dimension, 0, nullptr, a.src, a.src + n, a.dst, a.dst + n, \
                                           effort);                                                       \

@@ -7,8 +7,9 @@
 #include "sigfft/layout.h"
 
 // The linker sends the library's requests here: the one that `requests_until_failure` counts down to fails.
+// Each thread counts its own.
 namespace {
-int requests_until_failure = -1, blocks_in_use = 0;
+thread_local int requests_until_failure = -1, blocks_in_use = 0;
 }
 extern "C" {
 void *__real_malloc(size_t size);

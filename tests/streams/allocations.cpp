@@ -4,7 +4,7 @@
 #include <qkr/streams.h>
 
 namespace qkr::tests {
-thread_local Allocations allocations;
+constinit thread_local Allocations allocations;
 }
 
 using qkr::tests::allocations;

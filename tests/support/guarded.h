@@ -19,8 +19,8 @@ class Guarded {
 
  public:
   Guarded(size_t count, Edge edge) : bytes_((count * sizeof(T) + page - 1) / page * page) {
-    map_ = static_cast<char *>(
-        mmap(nullptr, bytes_ + 2 * page, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    map_ =
+        static_cast<char *>(mmap(nullptr, bytes_ + 2 * page, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
     if (map_ == MAP_FAILED || (bytes_ && mprotect(map_ + page, bytes_, PROT_READ | PROT_WRITE))) abort();
     data_ = reinterpret_cast<T *>(map_ + page + (edge == Edge::end ? bytes_ - count * sizeof(T) : 0));
   }

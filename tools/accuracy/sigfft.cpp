@@ -75,7 +75,8 @@ template <class T>
 bool add_table(std::string &text, int last_order) {
   char line[200];
   text += sizeof(T) == 8 ? "Double precision, times 1e-16:\n\n" : "Single precision, times 1e-8:\n\n";
-  text += "| log2 N | w6 complex | plain complex | w6 real | FFTW complex | w6 / FFTW | plain / FFTW | growth |\n";
+  text +=
+      "| log2 N | w6 complex | plain complex | w6 real | FFTW complex | w6 / FFTW | plain / FFTW | growth |\n";
   text += "|---:|---:|---:|---:|---:|---:|---:|---:|\n";
   const double unit = sizeof(T) == 8 ? 1e-16 : 1e-8;
   bool good = true;
@@ -106,8 +107,8 @@ bool self_tests(int order) {
     for (uint64_t k = 0; k < n; k += 509) {
       const long double turns = (long double)(place * k % n) / n;
       const long double angle = 2 * 3.14159265358979323846264338327950288L * turns;
-      impulse = std::max({impulse, (double)fabsl(x[2 * k] - cosl(angle)),
-                          (double)fabsl(x[2 * k + 1] + sinl(angle))});
+      impulse = std::max(
+          {impulse, (double)fabsl(x[2 * k] - cosl(angle)), (double)fabsl(x[2 * k + 1] + sinl(angle))});
     }
     const auto number = [](uint64_t i) { return T((i * 0x9E3779B97F4A7C15 >> 40) * 0x1p-23 - 1); };
     for (uint64_t i = 0; i < 2 * n; ++i) x[i] = number(i);
@@ -117,8 +118,9 @@ bool self_tests(int order) {
     for (uint64_t i = 0; i < 2 * n; ++i)
       error += std::pow(x[i] - number(i), 2.0), norm += std::pow(number(i), 2.0);
     const double back = std::sqrt(error / norm), bound = order * unit_roundoff<T>;
-    printf("%s, 2^%d points: largest error of an impulse's transform %.3g, there and back %.3g (bounds %.3g)\n",
-           f.name, order, impulse, back, bound);
+    printf(
+        "%s, 2^%d points: largest error of an impulse's transform %.3g, there and back %.3g (bounds %.3g)\n",
+        f.name, order, impulse, back, bound);
     good &= impulse <= bound && back <= bound;
   }
   return good;
@@ -141,7 +143,8 @@ int main(int count, char **words) {
     return of_doubles && of_singles ? 0 : 1;
   }
   std::string text = introduction;
-  const bool of_doubles = add_table<double>(text, last_order), of_singles = add_table<float>(text, last_order);
+  const bool of_doubles = add_table<double>(text, last_order),
+             of_singles = add_table<float>(text, last_order);
   const bool good = of_doubles && of_singles;
   fputs(text.c_str(), stdout);
   puts(good ? "All within 1.2 times the error of FFTW." : "Above 1.2 times the error of FFTW.");
