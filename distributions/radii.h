@@ -4,7 +4,7 @@
 
 #include "distributions/internal.h"
 #include "simd/simd.h"
-#include "vecmath/environment.h"
+#include "vecmath/frame/environment.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {

@@ -2,6 +2,9 @@
 #include <qkr/streams_generators.h>
 
 #include "streams/tables/tables.h"
+#include "vecmath/real/root_by_table.h"
+
+using namespace qkr::stream_scalars;
 
 namespace {
 
@@ -30,11 +33,11 @@ double ln_by_table(double x, int n) {
   constexpr double ln2_head = 0x1.62e42fefa38p-1, ln2_tail = 0x1.ef35793c7673p-45;
   const uint64_t pattern = pattern_of(x);
   const uint32_t k = pattern >> (mantissa_bits - 8) & 0xFF;
-  const double r = __libm_rcp_table_256[k], m = mantissa_of(x);
+  const double r = reciprocals[k], m = mantissa_of(x);
   const double m_head = double_of(pattern_of(m) & ~0xFFFFFFFFull);
   const double z = (m_head * r - 1.0) + (m - m_head) * r;
-  const double head = n * ln2_head + __libm_log_table_256[k][0];
-  const double tail = n * ln2_tail + __libm_log_table_256[k][1];
+  const double head = n * ln2_head + minus_logarithms[k][0];
+  const double tail = n * ln2_tail + minus_logarithms[k][1];
   return head + (z + (ln1p_less_z<7>(z) + tail));
 }
 
@@ -66,14 +69,6 @@ double __vxsdFloor(double x) {
   return truncated > x ? truncated - 1.0 : truncated;
 }
 
-// An approximation y of 1 / sqrt(x), then one step of Newton's method.
-double __vxsdSqrt(double x) {
-  const uint32_t high = (uint32_t)(pattern_of(x) >> 32);
-  const uint32_t k = high >> 13 & 127, parity = high >> 20 & 1;
-  const double m = mantissa_of(x);
-  const double half_power = double_of((uint64_t)(0x5FE00000 - (high >> 1 & 0x7FF00000)) << 32);
-  const double y = ((dwA2[k] * m + dwA1[k]) * m + dwA0[k]) * half_power * dbSqrt[parity];
-  return y * (1.5 - 0.5 * x * y * y) * x;
-}
+double __vxsdSqrt(double x) { return qkr::root_by_table<double>(x); }
 
 }  // extern "C"

@@ -27,15 +27,13 @@ extern const uint32_t uSobolMInit[39][8];
 // Niederreiter: irreducible polynomials of dimensions 1 to 318 in numerical order, and two zeros.
 extern const uint32_t uNiederrIrredPoly[320];
 extern const int32_t iNiederrIrredPolyDeg[320];
+}
 
+namespace qkr::stream_scalars {
 // Row k: r about 1 / (1 + (k + 1/2)/256), a multiple of 2^-16; and -ln(r), as a multiple of 2^-42 and the
 // rest.
-extern const double __libm_rcp_table_256[256];
-extern const double __libm_log_table_256[256][2];
-// Row k: A2 * m^2 + A1 * m + A0 is about 1 / sqrt(m) for 1 + k/128 <= m <= 1 + (k + 1)/128.
-extern const double dwA0[128], dwA1[128], dwA2[128];
-// 1 / sqrt of what the halved exponent leaves over, times sqrt(2): by the parity of the exponent field.
-extern const double dbSqrt[2];
-}
+alignas(64) extern const double reciprocals[256];
+alignas(64) extern const double minus_logarithms[256][2];
+}  // namespace qkr::stream_scalars
 
 #pragma GCC visibility pop

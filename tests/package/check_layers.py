@@ -8,10 +8,20 @@ STANDS_ON = {
     "service": {"simd"},
     "vecmath": {"simd"},
     "sigfft": {"simd"},
-    "streams": {"simd"},
+    "streams": {"simd", "vecmath"},
     "distributions": {"simd", "vecmath", "streams"},
     "dft": {"simd", "service", "sigfft"},
     "convcorr": {"simd", "sigfft", "dft"},
+}
+# Rooms whose folders are layers of their own, none of them above 20 files.
+FOLDERS = {
+    "vecmath": {
+        "tables": set(),
+        "errors": set(),
+        "frame": {"errors"},
+        "exact": {"errors", "frame"},
+        "real": {"errors", "frame", "tables"},
+    },
 }
 root = pathlib.Path(sys.argv[1])
 faults, checked = [], 0
@@ -27,6 +37,29 @@ def check(file, room, included):
         faults.append(f"{file.relative_to(root)} ({room}) includes a file of {included}")
 
 
+def folder_of(path):
+    """The layer within its room: frame of vecmath/frame/contract.h, nothing for a file beside the folders."""
+    parts = pathlib.PurePath(path).parts
+    return parts[1] if len(parts) > 2 else None
+
+
+def check_folders(file, included):
+    room, path = included.partition("/")[0], file.relative_to(root)
+    if room not in FOLDERS or path.parts[0] != room:
+        return
+    own, other = folder_of(path), folder_of(included)
+    if other != own and other not in FOLDERS[room][own]:
+        faults.append(f"{path} ({room}/{own}) includes a file of {room}/{other}")
+
+
+for room in FOLDERS:
+    for folder in [(root / room), *(path for path in (root / room).rglob("*") if path.is_dir())]:
+        files = [file for file in folder.iterdir() if file.suffix in {".h", ".cpp"}]
+        if len(files) > 20:
+            faults.append(f"{folder.relative_to(root)} holds {len(files)} files")
+        if files and folder == root / room:
+            faults.append(f"{room} holds files beside its folders")
+
 for room in STANDS_ON:
     public = [file for file in (root / "include" / "qkr").glob("*.h") if room_of_header(file) == room]
     own = [file for file in (root / room).rglob("*") if file.suffix in {".h", ".cpp"}]
@@ -38,5 +71,6 @@ for room in STANDS_ON:
                 check(file, room, room_of_header(rest))  # also refuses qkr.h, which includes all rooms
             elif first in STANDS_ON or first in {"tests", "tools", "bench", "examples"}:
                 check(file, room, first)
+                check_folders(file, name)
 print(f"{checked} files")
 sys.exit("\n".join(faults) or (0 if checked else "no files found"))

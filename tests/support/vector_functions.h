@@ -9,7 +9,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "vecmath/contract.h"
+#include "vecmath/frame/contract.h"
 
 namespace qkr::tests {
 

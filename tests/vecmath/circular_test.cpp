@@ -1,7 +1,5 @@
 // Circular functions where arguments are hardest, next to the multiples of pi/2, and their per-element
 // routines.
-#include "vecmath/circular.h"
-
 #include <cmath>
 #include <gtest/gtest.h>
 #include <qkr/vecmath.h>
@@ -9,6 +7,9 @@
 #include "tests/support/oracle.h"
 #include "tests/support/samples.h"
 #include "tests/vecmath/fresh_thread.h"
+#include "vecmath/real/circular/cores.h"
+
+using namespace qkr;
 
 namespace {
 
@@ -177,15 +178,15 @@ TYPED_TEST(Circular, RoutinesTreatOneElementAndReportAnInfinityOnce) {
 
 TEST(ScalarCores, TreatAnyDouble) {
   constexpr double inf = std::numeric_limits<double>::infinity();
-  for (double (*core)(double) : {_dSin, _dCos, _dTan})
+  for (double (*core)(double) : {sine_of_any, cosine_of_any, tangent_of_any})
     EXPECT_TRUE(std::isnan(core(-inf)) && std::isnan(core(NAN)));
   for (double x : {0.0, -0.0, 5e-324, -0x1p-1023, 0x1p-253, -0x1.fffffffffffffp-253, 0x1p-252}) {
     double sine, cosine;
-    _dSinCos(x, &sine, &cosine);
-    EXPECT_EQ(pattern_of(_dSin(x)), pattern_of(x));
-    EXPECT_EQ(pattern_of(_dTan(x)), pattern_of(x));
+    sine_and_cosine_of_any(x, &sine, &cosine);
+    EXPECT_EQ(pattern_of(sine_of_any(x)), pattern_of(x));
+    EXPECT_EQ(pattern_of(tangent_of_any(x)), pattern_of(x));
     EXPECT_EQ(pattern_of(sine), pattern_of(x));
-    EXPECT_EQ(_dCos(x), 1);
+    EXPECT_EQ(cosine_of_any(x), 1);
     EXPECT_EQ(cosine, 1);
   }
 }

@@ -1,6 +1,4 @@
 // What the dispatchers and the standard handlers do with a bad element.
-#include "vecmath/errors.h"
-
 #include <errno.h>
 #include <fenv.h>
 #include <gtest/gtest.h>
@@ -8,6 +6,9 @@
 #include <string>
 
 #include "tests/vecmath/fresh_thread.h"
+#include "vecmath/errors/gate.h"
+
+using namespace qkr;
 
 namespace {
 
@@ -38,9 +39,9 @@ using Report = void (*)(int32_t, int32_t, const Real *, const Real *, Real *, Re
 template <typename Real>
 constexpr Report<Real> reports[2] = {};
 template <>
-constexpr Report<double> reports<double>[2] = {_vxmdError, _vxmdErrorGate};
+constexpr Report<double> reports<double>[2] = {_vxmdError, report_error};
 template <>
-constexpr Report<float> reports<float>[2] = {_vxmsError, _vxmsErrorGate};
+constexpr Report<float> reports<float>[2] = {_vxmsError, report_error};
 
 template <typename Real>
 struct Dispatch : testing::Test {};
@@ -221,7 +222,7 @@ TEST(Handlers, SecondValuesArePrintedWhereTheyDiffer) {
   for (const auto &row : rows) {
     VxmErrorContext record = {VXM_STATUS_ERRDOM, 9, row.a, row.b, row.y, row.z, "f", 1};
     testing::internal::CaptureStderr();
-    _vxmStdErrorHandlerStderr(&record);
+    print_error(&record);
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               std::string("Error (VXM_STATUS_ERRDOM) in f: argument is out of domain\n") + row.values);
   }
@@ -229,9 +230,9 @@ TEST(Handlers, SecondValuesArePrintedWhereTheyDiffer) {
 
 TEST(Names, PartsAreCutAndJoined) {
   char out[81];
-  EXPECT_EQ(_vxmCreateFuncNameStr("prefix__9", "name", "suffix__9", out), 20);
+  EXPECT_EQ(join_name("prefix__9", "name", "suffix__9", out), 20);
   EXPECT_STREQ(out, "prefix__namesuffix__");
-  EXPECT_EQ(_vxmCreateFuncNameStr("prefix__9", std::string(70, 'n').c_str(), "suffix__9", out), 80);
+  EXPECT_EQ(join_name("prefix__9", std::string(70, 'n').c_str(), "suffix__9", out), 80);
   EXPECT_EQ(out, "prefix__" + std::string(64, 'n') + "suffix__");
   EXPECT_EQ(qkr_vxm_service_strcat1("one ", "two", out), 7);
   EXPECT_EQ(qkr_vxm_service_strcat1(out, "!", out), 8);

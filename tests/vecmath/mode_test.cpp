@@ -3,7 +3,9 @@
 #include <malloc.h>
 
 #include "tests/vecmath/fresh_thread.h"
-#include "vecmath/errors.h"
+#include "vecmath/errors/gate.h"
+
+using namespace qkr;
 
 namespace {
 
@@ -65,7 +67,7 @@ TEST(Mode, SettersReturnWhatWasThere) {
     EXPECT_EQ(_vxmGetErrStatus(), VXM_STATUS_OK);
     const double whole = 0;
     EXPECT_EQ(_vxmSetInterfInputVectorPointer(&whole), &whole);
-    EXPECT_EQ(*_GetInputVectorPointer(), &whole);
+    EXPECT_EQ(*thread_input_vector(), &whole);
     EXPECT_EQ(_vxmSetInterfInputVectorPointer(nullptr), nullptr);
   });
 }
@@ -91,7 +93,7 @@ TEST(Mode, ThreadsDoNotSeeEachOther) {
 // The address sanitizer's allocator reports no sizes; its leak check takes over there.
 TEST(Mode, CellsAreFreedWhenTheirThreadEnds) {
   const auto use_cells = [] {
-    *_GetMode() = *_GetErrStatus() = !*_GetCallBack() && !*_GetInputVectorPointer();
+    *thread_mode() = *thread_status() = !*thread_callback() && !*thread_input_vector();
   };
   const auto in_use_after = [&](int threads) {
     for (int i = 0; i < threads; ++i) in_fresh_thread(use_cells);

@@ -24,65 +24,65 @@ bool is_multiple(double x, int exponent) {
 }
 
 TEST(Tables, KnownRows) {
-  EXPECT_EQ(exp_double::s_dwExp2[0][0], 1.0);
-  EXPECT_EQ(exp_double::s_dwExp2[0][1], 0.0);
-  EXPECT_EQ(exp_single::exp2f_table[0][0], 1.0f);
-  EXPECT_EQ(exp_single::exp2f_table[0][1], 0.0f);
-  EXPECT_EQ(std::bit_cast<std::uint64_t>(exp_double::s_dwExp2[1][0]), 0x3FF02C9A3E778000u);
-  EXPECT_EQ(std::bit_cast<std::uint64_t>(exp_double::s_dwExp2[1][1]), 0x3D183B9BDF2B293Eu);
-  EXPECT_EQ(std::bit_cast<std::uint32_t>(exp_single::exp2f_table[1][0]), 0x3F80B1EDu);
-  EXPECT_EQ(std::bit_cast<std::uint32_t>(exp_single::exp2f_table[1][1]), 0x331ED669u);
+  EXPECT_EQ(exp_double::powers[0][0], 1.0);
+  EXPECT_EQ(exp_double::powers[0][1], 0.0);
+  EXPECT_EQ(exp_single::powers[0][0], 1.0f);
+  EXPECT_EQ(exp_single::powers[0][1], 0.0f);
+  EXPECT_EQ(std::bit_cast<std::uint64_t>(exp_double::powers[1][0]), 0x3FF02C9A3E778000u);
+  EXPECT_EQ(std::bit_cast<std::uint64_t>(exp_double::powers[1][1]), 0x3D183B9BDF2B293Eu);
+  EXPECT_EQ(std::bit_cast<std::uint32_t>(exp_single::powers[1][0]), 0x3F80B1EDu);
+  EXPECT_EQ(std::bit_cast<std::uint32_t>(exp_single::powers[1][1]), 0x331ED669u);
 
   const struct {
     const double *row;
     double column[4];
   } double_rows[] = {
-      {ln_double::BT_Tbl[0], {1.0, 1.0, 0.0, 0.0}},
-      {ln_double::BT_Tbl[1],
+      {ln_double::rows[0], {1.0, 1.0, 0.0, 0.0}},
+      {ln_double::rows[1],
        {0.9980506896972656, 0.9980506896972656, 0.001951212645508349, 3.5172831329618426e-11}},
-      {ln_double::BT_Tbl[512], {0.5, 0.5, 0.0, 0.0}},
-      {ln_double::BT_Tbl[513], {0.0, 0.0, 0.0, 0.0}},
-      {log10_double::BT_Tbl[0], {0.43359375, 0.43359375, 0.0, 0.0}},
-      {log10_double::BT_Tbl[512], {0.216796875, 0.216796875, 0.30102999566395283, 2.8363394551044964e-14}},
+      {ln_double::rows[512], {0.5, 0.5, 0.0, 0.0}},
+      {ln_double::rows[513], {0.0, 0.0, 0.0, 0.0}},
+      {log10_double::rows[0], {0.43359375, 0.43359375, 0.0, 0.0}},
+      {log10_double::rows[512], {0.216796875, 0.216796875, 0.30102999566395283, 2.8363394551044964e-14}},
   };
   for (const auto &known : double_rows)
     for (int i = 0; i < 4; ++i) EXPECT_EQ(known.row[i], known.column[i]) << &known - double_rows << ' ' << i;
-  EXPECT_EQ(ln_double::BT_Tbl[255][0], 0.6675359010696411);
-  EXPECT_EQ(ln_double::BT_Tbl[255][2], 0.40416209399700165);
-  EXPECT_EQ(ln_double::BT_Tbl[256][0], 0.6666666269302368);
-  EXPECT_EQ(ln_double::BT_Tbl[256][2], -0.28768201172351837);
+  EXPECT_EQ(ln_double::rows[255][0], 0.6675359010696411);
+  EXPECT_EQ(ln_double::rows[255][2], 0.40416209399700165);
+  EXPECT_EQ(ln_double::rows[256][0], 0.6666666269302368);
+  EXPECT_EQ(ln_double::rows[256][2], -0.28768201172351837);
 
   const struct {
     const float *row;
     float column[4];
   } single_rows[] = {
-      {ln_single::Table[0], {0.0f, 0.0f, 1.0f, 0.0f}},
-      {ln_single::Table[1], {0.0157470703125f, 1.2866556744484114e-06f, 0.984375f, 0.0f}},
-      {ln_single::Table[32], {0.40350341796875f, 1.0470008419360965e-05f, 0.66796875f, 0.0f}},
-      {ln_single::Table[64], {0.693115234375f, 3.194618329871446e-05f, 0.5f, 0.0f}},
-      {log10_single::BT_Tbl[0], {0.43359375f, 0.43359375f, 0.0f, 0.0f}},
-      {log10_single::BT_Tbl[128], {0.216796875f, 0.216796875f, 0.0f, 0.0f}},
+      {ln_single::rows[0], {0.0f, 0.0f, 1.0f, 0.0f}},
+      {ln_single::rows[1], {0.0157470703125f, 1.2866556744484114e-06f, 0.984375f, 0.0f}},
+      {ln_single::rows[32], {0.40350341796875f, 1.0470008419360965e-05f, 0.66796875f, 0.0f}},
+      {ln_single::rows[64], {0.693115234375f, 3.194618329871446e-05f, 0.5f, 0.0f}},
+      {log10_single::rows[0], {0.43359375f, 0.43359375f, 0.0f, 0.0f}},
+      {log10_single::rows[128], {0.216796875f, 0.216796875f, 0.0f, 0.0f}},
   };
   for (const auto &known : single_rows)
     for (int i = 0; i < 4; ++i) EXPECT_EQ(known.row[i], known.column[i]) << &known - single_rows << ' ' << i;
-  EXPECT_EQ(log10_single::BT_Tbl[63][2], 0.17578125f);
-  EXPECT_EQ(log10_single::BT_Tbl[64][2], -0.124755859375f);
+  EXPECT_EQ(log10_single::rows[63][2], 0.17578125f);
+  EXPECT_EQ(log10_single::rows[64][2], -0.124755859375f);
 }
 
 TEST(Tables, PowersOfTwo) {
   for (int j = 0; j < 64; ++j) {
-    const auto [hi, lo] = exp_double::s_dwExp2[j];
+    const auto [hi, lo] = exp_double::powers[j];
     EXPECT_EQ(std::bit_cast<std::uint64_t>(hi) & 0x7FFF, 0u) << j;
     EXPECT_NEAR(static_cast<double>((hi + static_cast<long double>(lo)) - std::exp2(j / 64.0L)), 0, 0x1p-62)
         << j;
   }
   for (int j = 0; j < 128; ++j) {
-    const auto [hi, lo] = exp_single::exp2f_table[j];
+    const auto [hi, lo] = exp_single::powers[j];
     EXPECT_NEAR(static_cast<double>(hi * (1 + static_cast<long double>(lo)) - std::exp2(j / 128.0L)), 0,
                 0x1p-48)
         << j;
-    EXPECT_EQ(exp_single::exp2f_columns[0][j], hi);
-    EXPECT_EQ(exp_single::exp2f_columns[1][j], lo);
+    EXPECT_EQ(exp_single::powers_columns[0][j], hi);
+    EXPECT_EQ(exp_single::powers_columns[1][j], lo);
   }
 }
 
@@ -104,17 +104,17 @@ struct LogarithmTable {
 
 const LogarithmTable kLogarithms[] = {
     {"Ln double", 512, 256, 53, 21, -23, -35, 10, 1, 0x1.62e42fefa38p-1, kLn2, std::log, 0x1.01p-10, 0x1p-63,
-     [](int k) { return ln_double::BT_Tbl[k][0]; }, [](int k) { return ln_double::BT_Tbl[k][2]; },
-     [](int k) { return ln_double::BT_Tbl[k][3]; }},
+     [](int k) { return ln_double::rows[k][0]; }, [](int k) { return ln_double::rows[k][2]; },
+     [](int k) { return ln_double::rows[k][3]; }},
     {"Log10 double", 512, 1000, 53, 22, -23, -43, 9, kShortLog10e, 0x1.34413509f78p-2, kLog10Of2, std::log10,
-     0x1.01p-10, 0x1p-64, [](int k) { return log10_double::BT_Tbl[k][0]; },
-     [](int k) { return log10_double::BT_Tbl[k][2]; }, [](int k) { return log10_double::BT_Tbl[k][3]; }},
+     0x1.01p-10, 0x1p-64, [](int k) { return log10_double::rows[k][0]; },
+     [](int k) { return log10_double::rows[k][2]; }, [](int k) { return log10_double::rows[k][3]; }},
     {"Ln single", 64, 1000, 24, 10, -8, -14, 7, 1, 0.693115234375, kLn2, std::log, 0x1.8p-7, 0x1p-38,
-     [](int k) { return ln_single::Table[k][2]; }, [](int k) { return ln_single::Table[k][0]; },
-     [](int k) { return ln_single::Table[k][1]; }},
+     [](int k) { return ln_single::rows[k][2]; }, [](int k) { return ln_single::rows[k][0]; },
+     [](int k) { return ln_single::rows[k][1]; }},
     {"Log10 single", 128, 64, 24, 9, -9, -18, 6, kShortLog10e, 0.3125, kLog10Of2, std::log10, 0x1.9p-7,
-     0x1p-36, [](int k) { return log10_single::BT_Tbl[k][0]; },
-     [](int k) { return log10_single::BT_Tbl[k][2]; }, [](int k) { return log10_single::BT_Tbl[k][3]; }},
+     0x1p-36, [](int k) { return log10_single::rows[k][0]; }, [](int k) { return log10_single::rows[k][2]; },
+     [](int k) { return log10_single::rows[k][3]; }},
 };
 
 TEST(Tables, Logarithms) {
@@ -154,7 +154,7 @@ TEST(Tables, Log10SingleDeviationIsExact) {
     for (int step = -64; step <= 63; ++step) {
       const float y = 1 + k / 128.0f + step * 0x1p-14f + 0x1p-23f;
       if (y < 1 || y >= 2) continue;
-      const double z = double(y) * log10_single::BT_Tbl[k][0] - 0.43359375;
+      const double z = double(y) * log10_single::rows[k][0] - 0.43359375;
       EXPECT_EQ(z, static_cast<float>(z)) << k << ' ' << step;
     }
 }
@@ -173,12 +173,11 @@ long double quadratic_error(const double *a2, const double *a1, const double *a0
 }
 
 TEST(Tables, SquareRoots) {
-  using namespace sqrt_double;
-  using namespace sqrt_single;
-  EXPECT_LT(quadratic_error(dsqrt_dwA2, dsqrt_dwA1, dsqrt_dwA0, 128, [](auto m) { return 1 / std::sqrt(m); }),
-            5.7e-9L);
-  EXPECT_LT(quadratic_error(dwA2, dwA1, dwA0, 64, [](auto m) { return std::sqrt(m); }), 7.3e-9L);
-  EXPECT_EQ(dsqrt_dwA2[0] + dsqrt_dwA1[0] + dsqrt_dwA0[0], 1.0);
+  namespace d = sqrt_double;
+  namespace s = sqrt_single;
+  EXPECT_LT(quadratic_error(d::A2, d::A1, d::A0, 128, [](auto m) { return 1 / std::sqrt(m); }), 5.7e-9L);
+  EXPECT_LT(quadratic_error(s::A2, s::A1, s::A0, 64, [](auto m) { return std::sqrt(m); }), 7.3e-9L);
+  EXPECT_EQ(d::A2[0] + d::A1[0] + d::A0[0], 1.0);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Tables of the circular functions and of their argument reduction.
 
-SinCosTbl, node a: the sine there as T1 + T2, its derivative as T3 + T0. T3 is the power of two nearest to the
+sine_rows, node a: the sine there as T1 + T2, its derivative as T3 + T0. T3 is the power of two nearest to the
 derivative, so that T3 * r is exact; T2 is a float, as no more of it can matter. The cosine needs no table of its
 own: its rows are those a quarter turn further on.
 
@@ -9,7 +9,7 @@ The columns, for look-ups in tables held in registers, hold half a turn only: th
 the finer grid hold the quarter around 0 and that around pi/2: sine and cosine of the angle less the nearest multiple
 of pi/2, up to their signs.
 
-_vxmReductionTab: the bits of 4/pi in chunks of 25, scaled by 2**200, so that a product with half of a 53-bit number
+four_over_pi_chunks: the bits of 4/pi in chunks of 25, scaled by 2**200, so that a product with half of a 53-bit number
 is exact. The first chunk is 0.
 """
 import gmpy2
@@ -60,10 +60,10 @@ def chunks_of_four_over_pi(count):
 
 rows, fine_rows = sine_rows(64), sine_rows(128)
 main("circular", [
-    Table("circular", "double", "SinCosTbl", rows),
-    Table("circular", "double", "SinCosTblFine", fine_rows),
-    Table("circular", "double", "SinCosTbl_columns", some_columns(rows, 0, 32)),
-    Table("circular", "double", "SinCosTblFine_sine_columns", some_columns(fine_rows, -16, 32)),
-    Table("circular", "double", "SinCosTblFine_cosine_columns", some_columns(fine_rows, 16, 32)),
-    Table("circular", "double", "_vxmReductionTab", chunks_of_four_over_pi(52)),
+    Table("circular", "double", "sine_rows", rows),
+    Table("circular", "double", "fine_sine_rows", fine_rows),
+    Table("circular", "double", "sine_columns", some_columns(rows, 0, 32)),
+    Table("circular", "double", "fine_sine_columns", some_columns(fine_rows, -16, 32)),
+    Table("circular", "double", "fine_cosine_columns", some_columns(fine_rows, 16, 32)),
+    Table("circular", "double", "four_over_pi_chunks", chunks_of_four_over_pi(52)),
 ])

@@ -27,7 +27,7 @@ def single_row(j):
 
 single_rows = [single_row(j) for j in range(128)]
 main("exponential", [
-    Table("exp_double", "double", "s_dwExp2", [double_row(j) for j in range(64)]),
-    Table("exp_single", "float", "exp2f_table", single_rows),
-    Table("exp_single", "float", "exp2f_columns", by_columns(single_rows, "float")),
+    Table("exp_double", "double", "powers", [double_row(j) for j in range(64)]),
+    Table("exp_single", "float", "powers", single_rows),
+    Table("exp_single", "float", "powers_columns", by_columns(single_rows, "float")),
 ])

@@ -51,5 +51,5 @@ main("inverse", [
     Table("arc_tangent", "double", "polynomial_for_single", odd_function(atan, sqrt(mpfr(2)) - 1, 5)),
     Table("arc_sine", "double", "polynomial_for_double", odd_function(asin, mpfr(1) / 2, 13)),
     Table("arc_sine", "double", "polynomial_for_single", odd_function(asin, mpfr(1) / 2, 6)),
-    Table("area", "double", "short_logarithms", [short_logarithm_row(k) for k in range(16)]),
+    Table("inverse_hyperbolic", "double", "short_logarithms", [short_logarithm_row(k) for k in range(16)]),
 ])

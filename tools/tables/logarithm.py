@@ -67,10 +67,10 @@ def log10_single_row(k):
 ln_single_rows = [ln_single_row(k) for k in range(65)]
 log10_single_rows = [log10_single_row(k) for k in range(129)]
 main("logarithm", [
-    Table("ln_double", "double", "BT_Tbl", [ln_double_row(k) for k in range(513)], declared=520),
-    Table("log10_double", "double", "BT_Tbl", [log10_double_row(k) for k in range(513)], declared=520),
-    Table("ln_single", "float", "Table", ln_single_rows),
-    Table("ln_single", "float", "Table_columns", by_columns(ln_single_rows, "float")),
-    Table("log10_single", "float", "BT_Tbl", log10_single_rows),
-    Table("log10_single", "float", "BT_Tbl_columns", by_columns(log10_single_rows, "float")),
+    Table("ln_double", "double", "rows", [ln_double_row(k) for k in range(513)], declared=520),
+    Table("log10_double", "double", "rows", [log10_double_row(k) for k in range(513)], declared=520),
+    Table("ln_single", "float", "rows", ln_single_rows),
+    Table("ln_single", "float", "columns", by_columns(ln_single_rows, "float")),
+    Table("log10_single", "float", "rows", log10_single_rows),
+    Table("log10_single", "float", "columns", by_columns(log10_single_rows, "float")),
 ])

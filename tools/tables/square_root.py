@@ -49,19 +49,15 @@ def quadratics(s, parts, exact_at_one=False):
         coefficients, error = minimax_quadratic(s, 1 + mpfr(k) / parts, 1 + mpfr(k + 1) / parts, exact)
         a0, a1, a2 = [multiple(coefficient, -52) for coefficient in coefficients]
         rows.append((1 - a1 - a2 if exact else a0, a1, a2))
-    return zip(*rows)
+    return list(zip(*rows))
 
 
 half = mpfr(1) / 2
 
-if __name__ == "__main__":
-    dsqrt_dwA0, dsqrt_dwA1, dsqrt_dwA2 = quadratics(half, 128, exact_at_one=True)
-    dwA0, dwA1, dwA2 = quadratics(-half, 64)
-    main("square_root", [
-        Table("sqrt_double", "double", "dsqrt_dwA2", dsqrt_dwA2),
-        Table("sqrt_double", "double", "dsqrt_dwA1", dsqrt_dwA1),
-        Table("sqrt_double", "double", "dsqrt_dwA0", dsqrt_dwA0),
-        Table("sqrt_single", "double", "dwA2", dwA2),
-        Table("sqrt_single", "double", "dwA1", dwA1),
-        Table("sqrt_single", "double", "dwA0", dwA0),
-    ])
+
+def tables(namespace, columns):
+    return [Table(namespace, "double", f"A{k}", columns[k]) for k in (2, 1, 0)]
+
+
+main("square_root", tables("sqrt_double", quadratics(half, 128, exact_at_one=True))
+     + tables("sqrt_single", quadratics(-half, 64)))

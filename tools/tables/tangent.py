@@ -44,6 +44,6 @@ def row(j):
 
 rows = [row(j) for j in range(32)]
 main("tangent", [
-    Table("circular", "double", "_dTanTab", [tuple(r[k:k + 4]) for k in (0, 4, 8) for r in rows]),
-    Table("circular", "double", "_dTanTab_columns", by_columns(rows, "double")),
+    Table("circular", "double", "tangent_rows", [tuple(r[k:k + 4]) for k in (0, 4, 8) for r in rows]),
+    Table("circular", "double", "tangent_columns", by_columns(rows, "double")),
 ])

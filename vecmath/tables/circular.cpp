@@ -3,7 +3,7 @@
 
 namespace qkr::circular {
 
-alignas(64) const double SinCosTbl[64][4] = {
+alignas(64) const double sine_rows[64][4] = {
     {0.0, 0.0, 0.0, 0x1p+0},
     {-0x1.3b92e176d6d31p-8, 0x1.917a6bc29b42cp-4, -0x1.e2718ep-60, 0x1p+0},
     {-0x1.3ad06011469fbp-6, 0x1.8f8b83c69a60bp-3, -0x1.26d19cp-57, 0x1p+0},
@@ -70,7 +70,7 @@ alignas(64) const double SinCosTbl[64][4] = {
     {-0x1.3b92e176d6d31p-8, -0x1.917a6bc29b42cp-4, 0x1.e2718ep-60, 0x1p+0},
 };
 
-alignas(64) const double SinCosTblFine[128][4] = {
+alignas(64) const double fine_sine_rows[128][4] = {
     {0.0, 0.0, 0.0, 0x1p+0},
     {-0x1.3bc390d250439p-10, 0x1.91f65f10dd814p-5, -0x1.912bdp-61, 0x1p+0},
     {-0x1.3b92e176d6d31p-8, 0x1.917a6bc29b42cp-4, -0x1.e2718ep-60, 0x1p+0},
@@ -201,7 +201,7 @@ alignas(64) const double SinCosTblFine[128][4] = {
     {-0x1.3bc390d250439p-10, -0x1.91f65f10dd814p-5, 0x1.912bdp-61, 0x1p+0},
 };
 
-alignas(64) const double SinCosTbl_columns[4][32] = {
+alignas(64) const double sine_columns[4][32] = {
     {
     0.0, -0x1.3b92e176d6d31p-8, -0x1.3ad06011469fbp-6, -0x1.60bea939d225ap-5,
     -0x1.37ca1866b95cfp-4, -0x1.e3a6873fa1279p-4, -0x1.592675bc57974p-3, -0x1.d0dfe53aba2fdp-3,
@@ -244,7 +244,7 @@ alignas(64) const double SinCosTbl_columns[4][32] = {
     },
 };
 
-alignas(64) const double SinCosTblFine_sine_columns[4][32] = {
+alignas(64) const double fine_sine_columns[4][32] = {
     {
     0x1.a827999fcef32p-3, 0x1.ed77c89aabebbp-3, -0x1.d0dfe53aba2fdp-3, -0x1.9307ee031e2fdp-3,
     -0x1.592675bc57974p-3, -0x1.235f2eb9a470ap-3, -0x1.e3a6873fa1279p-4, -0x1.894285e19c468p-4,
@@ -287,7 +287,7 @@ alignas(64) const double SinCosTblFine_sine_columns[4][32] = {
     },
 };
 
-alignas(64) const double SinCosTblFine_cosine_columns[4][32] = {
+alignas(64) const double fine_cosine_columns[4][32] = {
     {
     0x1.a827999fcef32p-3, 0x1.5f5a4d233b27fp-3, 0x1.133cc94247758p-3, 0x1.87fbfe70b81a7p-4,
     0x1.c73b39ae68c87p-5, 0x1.ce1e648bffb66p-7, -0x1.d4a2c7f909c4ep-6, -0x1.28bbfd87a8cffp-4,
@@ -330,7 +330,7 @@ alignas(64) const double SinCosTblFine_cosine_columns[4][32] = {
     },
 };
 
-alignas(64) const double _vxmReductionTab[52] = {
+alignas(64) const double four_over_pi_chunks[52] = {
     0.0, 0x1.45f306p+200, 0x1.b9391p+175, 0x1.529fc2p+149,
     0x1.d5f47cp+123, 0x1.4d377p+99, 0x1.b6c528p+72, 0x1.993c42p+49,
     0x1.9041fep+25, 0x1.458eaep-1, 0x1.7aef15p-25, 0x1.0db923p-50,

@@ -3,7 +3,7 @@
 
 namespace qkr::exp_double {
 
-alignas(64) const double s_dwExp2[64][2] = {
+alignas(64) const double powers[64][2] = {
     {0x1p+0, 0.0},
     {0x1.02c9a3e778p+0, 0x1.83b9bdf2b293ep-46},
     {0x1.059b0d3158p+0, 0x1.5d0eb9f1523aep-42},
@@ -74,7 +74,7 @@ alignas(64) const double s_dwExp2[64][2] = {
 
 namespace qkr::exp_single {
 
-alignas(64) const float exp2f_table[128][2] = {
+alignas(64) const float powers[128][2] = {
     {0x1p+0f, 0.0f},
     {0x1.0163dap+0f, 0x1.3dacd2p-25f},
     {0x1.02c9a4p+0f, -0x1.844542p-28f},
@@ -205,7 +205,7 @@ alignas(64) const float exp2f_table[128][2] = {
     {0x1.fd3c22p+0f, 0x1.73f078p-26f},
 };
 
-alignas(64) const float exp2f_columns[2][128] = {
+alignas(64) const float powers_columns[2][128] = {
     {
     0x1p+0f, 0x1.0163dap+0f, 0x1.02c9a4p+0f, 0x1.04315ep+0f,
     0x1.059b0ep+0f, 0x1.0706b2p+0f, 0x1.087452p+0f, 0x1.09e3ecp+0f,

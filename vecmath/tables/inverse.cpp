@@ -197,7 +197,7 @@ alignas(64) const double polynomial_for_single[6] = {
 
 }  // namespace qkr::arc_sine
 
-namespace qkr::area {
+namespace qkr::inverse_hyperbolic {
 
 alignas(64) const double short_logarithms[16][2] = {
     {0x1p+0, -0.0},
@@ -218,4 +218,4 @@ alignas(64) const double short_logarithms[16][2] = {
     {0x1.0842108421084p-1, 0x1.52a2d265bc5abp-1},
 };
 
-}  // namespace qkr::area
+}  // namespace qkr::inverse_hyperbolic

@@ -3,7 +3,7 @@
 
 namespace qkr::ln_double {
 
-alignas(64) const double BT_Tbl[520][4] = {
+alignas(64) const double rows[520][4] = {
     {0x1p+0, 0x1p+0, 0.0, 0.0},
     {0x1.ff008p-1, 0x1.ff008p-1, 0x1.ff7faap-10, 0x1.35622ccf14f08p-35},
     {0x1.fe02p-1, 0x1.fe02p-1, 0x1.fefeaap-9, 0x1.588de024fee05p-36},
@@ -523,7 +523,7 @@ alignas(64) const double BT_Tbl[520][4] = {
 
 namespace qkr::log10_double {
 
-alignas(64) const double BT_Tbl[520][4] = {
+alignas(64) const double rows[520][4] = {
     {0x1.bcp-2, 0x1.bcp-2, 0.0, 0.0},
     {0x1.bb227p-2, 0x1.bb227p-2, 0x1.bc463765p-11, 0x1.7e0af2080bfdep-45},
     {0x1.ba45b8p-2, 0x1.ba45b8p-2, 0x1.bbdc323ap-10, -0x1.b3739ab4dd55bp-45},
@@ -1043,7 +1043,7 @@ alignas(64) const double BT_Tbl[520][4] = {
 
 namespace qkr::ln_single {
 
-alignas(64) const float Table[65][4] = {
+alignas(64) const float rows[65][4] = {
     {0.0f, 0.0f, 0x1p+0f, 0.0f},
     {0x1.02p-6f, 0x1.59624ep-20f, 0x1.f8p-1f, 0.0f},
     {0x1.04p-5f, 0x1.5d89e8p-17f, 0x1.fp-1f, 0.0f},
@@ -1111,7 +1111,7 @@ alignas(64) const float Table[65][4] = {
     {0x1.62ep-1f, 0x1.0bfbe8p-15f, 0x1p-1f, 0.0f},
 };
 
-alignas(64) const float Table_columns[4][80] = {
+alignas(64) const float columns[4][80] = {
     {
     0.0f, 0x1.02p-6f, 0x1.04p-5f, 0x1.678p-5f,
     0x1.ee8p-5f, 0x1.3bcp-4f, 0x1.7p-4f, 0x1.a4cp-4f,
@@ -1206,7 +1206,7 @@ alignas(64) const float Table_columns[4][80] = {
 
 namespace qkr::log10_single {
 
-alignas(64) const float BT_Tbl[129][4] = {
+alignas(64) const float rows[129][4] = {
     {0x1.bcp-2f, 0x1.bcp-2f, 0.0f, 0.0f},
     {0x1.b8p-2f, 0x1.b8p-2f, 0x1.01p-8f, 0x1.26c532p-17f},
     {0x1.b4p-2f, 0x1.b4p-2f, 0x1.02p-7f, 0x1.80f6fcp-16f},
@@ -1338,7 +1338,7 @@ alignas(64) const float BT_Tbl[129][4] = {
     {0x1.bcp-3f, 0x1.bcp-3f, 0.0f, 0.0f},
 };
 
-alignas(64) const float BT_Tbl_columns[4][144] = {
+alignas(64) const float columns[4][144] = {
     {
     0x1.bcp-2f, 0x1.b8p-2f, 0x1.b4p-2f, 0x1.bp-2f,
     0x1.bp-2f, 0x1.acp-2f, 0x1.a8p-2f, 0x1.a4p-2f,

@@ -3,7 +3,7 @@
 
 namespace qkr::sqrt_double {
 
-alignas(64) const double dsqrt_dwA2[128] = {
+alignas(64) const double A2[128] = {
     0x1.7c8bab4b47dd8p-2, 0x1.74fb0aa62b3a8p-2, 0x1.6de059407a53p-2, 0x1.66f5c95017f0cp-2,
     0x1.6039babbe2e64p-2, 0x1.59aa9e7695a1cp-2, 0x1.5346f5ad0eecp-2, 0x1.4d0d510025ce4p-2,
     0x1.46fc4fc95199p-2, 0x1.41129f697bap-2, 0x1.3b4efaa15bdep-2, 0x1.35b028f2cc714p-2,
@@ -38,7 +38,7 @@ alignas(64) const double dsqrt_dwA2[128] = {
     0x1.190988f53039p-4, 0x1.16461bf48c04p-4, 0x1.138c62341d03p-4, 0x1.10dc30183dafp-4,
 };
 
-alignas(64) const double dsqrt_dwA1[128] = {
+alignas(64) const double A1[128] = {
     -0x1.3e454d2e0447ep+0, -0x1.3a758a57dc61dp+0, -0x1.36d9ffcae8c9dp+0, -0x1.334ffb8cec56dp+0,
     -0x1.2fd707551f559p+0, -0x1.2c6eb0d588356p+0, -0x1.2916899165e6cp+0, -0x1.25ce26b597f95p+0,
     -0x1.229520f2e8824p+0, -0x1.1f6b145a1d914p+0, -0x1.1c4fa039b9934p+0, -0x1.194266fd5382ap+0,
@@ -73,7 +73,7 @@ alignas(64) const double dsqrt_dwA1[128] = {
     -0x1.cdfdcc2dbab5cp-2, -0x1.cb42aa28e9d2p-2, -0x1.c88e648d9e9c8p-2, -0x1.c5e0e3526112cp-2,
 };
 
-alignas(64) const double dsqrt_dwA0[128] = {
+alignas(64) const double A0[128] = {
     0x1.df22625b32508p+0, 0x1.dd36c02e6ba96p+0, 0x1.db61c5785d573p+0, 0x1.d99226e702c57p+0,
     0x1.d7c7ca89d35a8p+0, 0x1.d602971eb54a5p+0, 0x1.d442740c24adp+0, 0x1.d287495b97766p+0,
     0x1.d0d0ffb41b667p+0, 0x1.cf1f80552b344p+0, 0x1.cd72b511b859ap+0, 0x1.cbca884b670bcp+0,
@@ -112,7 +112,7 @@ alignas(64) const double dsqrt_dwA0[128] = {
 
 namespace qkr::sqrt_single {
 
-alignas(64) const double dwA2[64] = {
+alignas(64) const double A2[64] = {
     -0x1.fa12e0f924a2p-4, -0x1.ee8735157b97p-4, -0x1.e36a3cd4ccdap-4, -0x1.d8b640229137p-4,
     -0x1.ce65e6bfb732p-4, -0x1.c47430b40698p-4, -0x1.badc6f7142fdp-4, -0x1.b19a3f95787ep-4,
     -0x1.a8a9833c09edp-4, -0x1.a0065ccefbc7p-4, -0x1.97ad2a4b9df5p-4, -0x1.8f9a80ef27f2p-4,
@@ -131,7 +131,7 @@ alignas(64) const double dwA2[64] = {
     -0x1.796a511d8288p-5, -0x1.74e9ce9f4ea8p-5, -0x1.7080078ae4e2p-5, -0x1.6c2c5c7059c2p-5,
 };
 
-alignas(64) const double dwA1[64] = {
+alignas(64) const double A1[64] = {
     0x1.7e839d5a0fc12p-1, 0x1.7b9530898844ep-1, 0x1.78b7c1da2f4ccp-1, 0x1.75eaaf8e8d71ap-1,
     0x1.732d6034f17a6p-1, 0x1.707f421d6645cp-1, 0x1.6ddfcada78256p-1, 0x1.6b4e76cbcd1acp-1,
     0x1.68cac8b1ada68p-1, 0x1.66544948b3056p-1, 0x1.63ea86ece43dp-1, 0x1.618d15439d916p-1,
@@ -150,7 +150,7 @@ alignas(64) const double dwA1[64] = {
     0x1.1351fcd2d1a18p-1, 0x1.12389df619ddp-1, 0x1.112296f02798cp-1, 0x1.100fd6f060bcep-1,
 };
 
-alignas(64) const double dwA0[64] = {
+alignas(64) const double A0[64] = {
     0x1.817d7e073746cp-2, 0x1.84779b85c7944p-2, 0x1.876becfbe02ap-2, 0x1.8a5a93c6589ecp-2,
     0x1.8d43b006b2744p-2, 0x1.902760b329aacp-2, 0x1.9305c3a5bbc84p-2, 0x1.95def5aa39fccp-2,
     0x1.98b3128b792dcp-2, 0x1.9b82351fb103p-2, 0x1.9e4c775419928p-2, 0x1.a111f237d5e4p-2,

@@ -21,36 +21,36 @@ alignas(64) extern const double polynomial_for_double[13];
 alignas(64) extern const double polynomial_for_single[6];
 }  // namespace qkr::arc_sine
 
-namespace qkr::area {
+namespace qkr::inverse_hyperbolic {
 // Row k: r, about 1/(1 + k/16), and -ln r.
 alignas(64) extern const double short_logarithms[16][2];
-}  // namespace qkr::area
+}  // namespace qkr::inverse_hyperbolic
 
 namespace qkr::circular {
 // Row j: T0, T1, T2, T3 for the sine around the node a = 2 pi j / rows: sin(a) = T1 + T2, cos(a) = T3 + T0.
-alignas(64) extern const double SinCosTbl[64][4];
-alignas(64) extern const double SinCosTblFine[128][4];
+alignas(64) extern const double sine_rows[64][4];
+alignas(64) extern const double fine_sine_rows[128][4];
 // 32 rows from node 0 on; and from nodes -16 and 16 on, where the second holds the cosines of the first.
-alignas(64) extern const double SinCosTbl_columns[4][32];
-alignas(64) extern const double SinCosTblFine_sine_columns[4][32];
-alignas(64) extern const double SinCosTblFine_cosine_columns[4][32];
+alignas(64) extern const double sine_columns[4][32];
+alignas(64) extern const double fine_sine_columns[4][32];
+alignas(64) extern const double fine_cosine_columns[4][32];
 // Row j, in groups of columns 32 rows apart: the tangent around the node pi j / 32 less its pole, T + T_lo +
 // r (slope + D + A2 r + ... + A9 r^8): T, T_lo, slope, D; A2 to A5; A6 to A9.
-alignas(64) extern const double _dTanTab[96][4];
-alignas(64) extern const double _dTanTab_columns[12][32];
+alignas(64) extern const double tangent_rows[96][4];
+alignas(64) extern const double tangent_columns[12][32];
 // Bits of 4/pi: chunk k of 25 bits times 2^200, from chunk 1 on.
-alignas(64) extern const double _vxmReductionTab[52];
+alignas(64) extern const double four_over_pi_chunks[52];
 }  // namespace qkr::circular
 
 namespace qkr::exp_double {
 // Row j: hi, lo with hi + lo = 2^(j/64); the 15 low bits of hi are zero.
-alignas(64) extern const double s_dwExp2[64][2];
+alignas(64) extern const double powers[64][2];
 }  // namespace qkr::exp_double
 
 namespace qkr::exp_single {
 // Row j: hi, lo with hi * (1 + lo) = 2^(j/128).
-alignas(64) extern const float exp2f_table[128][2];
-alignas(64) extern const float exp2f_columns[2][128];
+alignas(64) extern const float powers[128][2];
+alignas(64) extern const float powers_columns[2][128];
 }  // namespace qkr::exp_single
 
 // Polynomials for the error functions, a row for each node; the columns stand in the generator.
@@ -82,26 +82,26 @@ alignas(64) extern const double tangents[321][2];
 namespace qkr::ln_double {
 // Row k of 0 to 512: r, r, T.hi, T.lo with r about 1 / (1 + k/512), a multiple of 2^-23, and T = -ln(r), less
 // ln 2 from row 256 on.
-alignas(64) extern const double BT_Tbl[520][4];
+alignas(64) extern const double rows[520][4];
 }  // namespace qkr::ln_double
 
 namespace qkr::log10_double {
 // Row k of 0 to 512: r * C, r * C, T.hi, T.lo with r about 1 / (1 + k/512), C = 0.43359375, r * C a multiple
 // of 2^-23, and T = -log10(r).
-alignas(64) extern const double BT_Tbl[520][4];
+alignas(64) extern const double rows[520][4];
 }  // namespace qkr::log10_double
 
 namespace qkr::ln_single {
 // Row k: T.hi, T.lo, r, 0 with r about 1 / (1 + k/64), a multiple of 2^-8, and T = -ln(r).
-alignas(64) extern const float Table[65][4];
-alignas(64) extern const float Table_columns[4][80];
+alignas(64) extern const float rows[65][4];
+alignas(64) extern const float columns[4][80];
 }  // namespace qkr::ln_single
 
 namespace qkr::log10_single {
 // Row k: r * C, r * C, T.hi, T.lo with r about 1 / (1 + k/128), C = 0.43359375, r * C of seven significant
 // bits, and T = -log10(r), less log10(2) from row 64 on.
-alignas(64) extern const float BT_Tbl[129][4];
-alignas(64) extern const float BT_Tbl_columns[4][144];
+alignas(64) extern const float rows[129][4];
+alignas(64) extern const float columns[4][144];
 }  // namespace qkr::log10_single
 
 namespace qkr::pow_single {
@@ -118,16 +118,16 @@ alignas(64) extern const double power_polynomial[5];
 
 namespace qkr::sqrt_double {
 // Row k: A2 * m^2 + A1 * m + A0 is about 1 / sqrt(m) for 1 + k/128 <= m <= 1 + (k + 1)/128.
-alignas(64) extern const double dsqrt_dwA2[128];
-alignas(64) extern const double dsqrt_dwA1[128];
-alignas(64) extern const double dsqrt_dwA0[128];
+alignas(64) extern const double A2[128];
+alignas(64) extern const double A1[128];
+alignas(64) extern const double A0[128];
 }  // namespace qkr::sqrt_double
 
 namespace qkr::sqrt_single {
 // Row k: A2 * m^2 + A1 * m + A0 is about sqrt(m) for 1 + k/64 <= m <= 1 + (k + 1)/64.
-alignas(64) extern const double dwA2[64];
-alignas(64) extern const double dwA1[64];
-alignas(64) extern const double dwA0[64];
+alignas(64) extern const double A2[64];
+alignas(64) extern const double A1[64];
+alignas(64) extern const double A0[64];
 }  // namespace qkr::sqrt_single
 
 #pragma GCC visibility pop

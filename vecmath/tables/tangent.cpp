@@ -3,7 +3,7 @@
 
 namespace qkr::circular {
 
-alignas(64) const double _dTanTab[96][4] = {
+alignas(64) const double tangent_rows[96][4] = {
     {-0.0, -0.0, 0x1p+0, 0.0},
     {-0x1.29406e16df8b5p-1, 0x1.222df6p-57, 0x1p-1, 0x1.8df07f2dce88ap-5},
     {-0x1.0eab9e0d14fadp-1, -0x1.30b7cap-59, 0x1p-1, 0x1.4eb69c0a8f0b8p-7},
@@ -102,7 +102,7 @@ alignas(64) const double _dTanTab[96][4] = {
     {0x1.c62313562b024p-6, 0x1.104d54f9e0fd6p-6, 0x1.46d720d6a2666p-7, 0x1.87b475ee8d679p-8},
 };
 
-alignas(64) const double _dTanTab_columns[12][32] = {
+alignas(64) const double tangent_columns[12][32] = {
     {
     -0.0, -0x1.29406e16df8b5p-1, -0x1.0eab9e0d14fadp-1, -0x1.ebb5b4f0a7603p-2,
     -0x1.bd0b235727cd5p-2, -0x1.90e076a692348p-2, -0x1.66d2aa37c281bp-2, -0x1.3e8e4becc3f6ap-2,

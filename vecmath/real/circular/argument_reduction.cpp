@@ -1,0 +1,92 @@
+// Reduction of an argument modulo pi/2, for any double, to a sum of two doubles (M. H. Payne and R. N. Hanek,
+// ACM SIGNUM Newsletter 18 (1983) 19, in floating-point chunks). The unit is pi/4: x = (2 n + f) pi/4, f in
+// [-1, 1].
+#include "vecmath/frame/numbers.h"
+#include "vecmath/real/circular/cores.h"
+#include "vecmath/tables/tables.h"
+
+using namespace qkr;
+
+namespace {
+
+// An unevaluated sum; what additions to hi lose is gathered in lo.
+struct Sum {
+  double hi, lo;
+  void add(double term) {
+    const double sum = hi + term, old = sum - term;
+    lo += (hi - old) + (term - (sum - old));
+    hi = sum;
+  }
+};
+
+uint64_t pattern_of(double x) { return __builtin_bit_cast(uint64_t, x); }
+double number_of(uint64_t pattern) { return __builtin_bit_cast(double, pattern); }
+double clear_low_bits(double x, int bits) { return number_of(pattern_of(x) & ~(uint64_t)0 << bits); }
+
+constexpr double four_over_pi = 0x1.45f306dc9c883p0;
+
+// Up to 2^30 the count of quarter turns times each part of pi/4 is exact: parts of 27, 28, 27 bits for counts
+// of up to 24 bits, of 20, 21, 20, 20 bits beyond.
+constexpr double few_parts[] = {0.7853981629014015, 4.960467904491228e-10, -6.088525906594782e-19,
+                                1.7607799325916e-27};
+constexpr double many_parts[] = {0.7853975296020508, 6.337954800983425e-07, -8.256991011063031e-14,
+                                 -6.675151087907452e-20, 8.223128468162129e-27};
+
+template <int count>
+Sum subtract(double x, double quarters, const double (&parts)[count]) {
+  Sum rest = {x, 0};
+  for (double part : parts) rest.add(-(quarters * part));
+  return rest;
+}
+
+// The fraction f of x * 4/pi for x >= 2^30, and n in *count. Of the product only what lies below whole turns
+// is formed: chunk k of 4/pi reaches from 2^(24 - 25 k) down, and those before chunk i only give multiples
+// of 8.
+Sum fraction_of_quarters(double x, int32_t *count) {
+  const int exponent = (int)(pattern_of(x) >> 52) - 0x41C;  // x < 2^(30 + exponent)
+  const double *chunk = circular::four_over_pi_chunks + exponent / 25;
+  const double scaled = x * 0x1p-200;
+  const double x_hi = clear_low_bits(scaled, 27), x_lo = scaled - x_hi;
+  constexpr int products = 8;
+  double a[products], b[products];
+  const auto below_turns = [](double v) { return v - ((v + 0x1.8p55) - 0x1.8p55); };
+  for (int k = 0; k < products; ++k) {  // all exact
+    a[k] = below_turns(x_hi * chunk[k + 1]);
+    b[k] = below_turns(x_lo * chunk[k]);
+  }
+  const double head = (a[0] + b[0]) + (a[1] + b[1]);
+  const double even = (head + (a[2] + b[2]) + 0x1.8p53) - 0x1.8p53;  // the nearest multiple of 2
+  *count = (int32_t)even / 2;
+  Sum f = {head - even, 0};
+  for (int k = 2; k < products; ++k) f.add(a[k]), f.add(b[k]);
+  return f;
+}
+
+// f pi/4, as precise as f.
+Sum times_quarter_pi(Sum f) {
+  constexpr double pi_hi = 0x1.921fb4p-1, pi_lo = 0x1.4442d18469899p-25;
+  const double hi = f.hi + f.lo, lo = (f.hi - hi) + f.lo;
+  const double head = clear_low_bits(hi, 29), tail = hi - head;
+  return {head * pi_hi, tail * pi_hi + (hi * pi_lo + lo * (pi_hi + pi_lo))};
+}
+
+}  // namespace
+
+extern "C" int32_t _vxmreduce_pio2d(double x, double *out) {
+  const double magnitude = __builtin_fabs(x), sign = x < 0 ? -1.0 : 1.0;
+  int32_t n;
+  Sum rest;
+  if (magnitude < 0x1p30) {
+    const int32_t floor = (int32_t)(magnitude * four_over_pi);
+    const double quarters = floor + (floor & 1);
+    n = (floor + 1) >> 1;
+    rest = magnitude < 0x1p23 ? subtract(magnitude, quarters, few_parts)
+                              : subtract(magnitude, quarters, many_parts);
+  } else {
+    rest = times_quarter_pi(fraction_of_quarters(magnitude, &n));
+  }
+  const double hi = sign * rest.hi, lo = sign * rest.lo;
+  out[0] = hi + lo;
+  out[1] = (hi - out[0]) + lo;
+  return (n * (int32_t)sign) & 3;
+}

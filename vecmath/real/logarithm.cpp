@@ -1,0 +1,167 @@
+// Logarithms by table and short polynomial (P. T. P. Tang, ACM TOMS 16 (1990) 378): x = 2^n y, r about 1/y
+// from the table, log x = n log 2 - log r + log(1 + (r y - 1)). y is split so that its head times r is exact.
+// This file: natural logarithm in double, common logarithm in double and single, one kernel; ln_single.cpp
+// has the fourth.
+#include "vecmath/frame/contract.h"
+#include "vecmath/frame/function.h"
+#include "vecmath/frame/numbers.h"
+#include "vecmath/tables/tables.h"
+
+extern "C" {
+void _dLn_Scalar(ptrdiff_t i, qkr::Arrays<double> v);
+void _dLg_Scalar(ptrdiff_t i, qkr::Arrays<double> v);
+void _sLg_Scalar(ptrdiff_t i, qkr::Arrays<float> v);
+}
+
+namespace qkr::QKR_SIMD_LEVEL {
+namespace {
+
+// The layout of the number format: fraction field, one, and the table index in the fraction of y.
+struct DoubleFormat {
+  using Element = double;
+  static constexpr uint64_t fraction = 0x000FFFFFFFFFFFFF, one = 0x3FF0000000000000;
+  static constexpr uint64_t infinity = infinity_pattern_double, indefinite_pattern = 0xFFF8000000000000;
+  static constexpr int group_width = QKR_BASELINE ? 2 : 4;
+  static constexpr int index_shift = 43;  // the upper nine bits, rounded
+  static constexpr uint64_t half_row = 0x0000040000000000;
+};
+struct SingleFormat {
+  using Element = float;
+  static constexpr uint32_t fraction = 0x007FFFFF, one = 0x3F800000;
+  static constexpr uint32_t infinity = infinity_pattern_single, indefinite_pattern = 0xFFC00000;
+  static constexpr int group_width = QKR_SIMD_BYTES == 32 ? 4 : 2;
+  static constexpr int index_shift = 16;  // the upper seven bits, rounded
+  static constexpr uint32_t half_row = 0x00008000;
+};
+
+// A logarithm of the kernel below: how n is extracted, the table, log 2 = hi + lo, C (the table's first
+// column holds r * C), the polynomial, and for subnormal inputs the scaling and its logarithm.
+struct NaturalDouble : DoubleFormat {
+  static constexpr auto table = ln_double::rows;
+  static constexpr uint64_t next_binade =
+      0x0008040000000000;  // from 1.499 on n is one more, with the table's jump
+  static constexpr uint64_t head_mask = 0x7FFFFFFF00000000;
+  static constexpr double log2_hi = 0x1.62e42fefa3800p-1, log2_lo = 5.497923018708371e-14;
+  static constexpr double C = 1.0;
+  static constexpr double subnormal_scale = 0x1p52, subnormal_log = 36.04365338911715;
+  static constexpr double P1 = -0.49999999999995254, P2 = 0.3333333333332741;
+  static constexpr double P3 = -0.2500001988694339, P4 = 0.2000001934420511;
+  template <class V>
+  QKR_INLINE static V polynomial(V z) {
+    return (z * z) * (P1 + z * (P2 + z * (P3 + z * P4)));
+  }
+};
+struct CommonDouble : DoubleFormat {
+  static constexpr auto table = log10_double::rows;
+  static constexpr uint64_t next_binade = 0;
+  static constexpr uint64_t head_mask = 0x7FFFFFFF80000000;
+  static constexpr double log2_hi = 0.30102999566395283, log2_lo = 2.8363394551044964e-14;
+  static constexpr double C = 0.43359375;
+  static constexpr double subnormal_scale = 0x1p52, subnormal_log = 15.653559774527022;
+  static constexpr double P0 = 0.0016161024074997105, P1 = -1.1550167667400704, P2 = 1.7758816353479039;
+  static constexpr double P3 = -3.0717977023883023, P4 = 5.667606256268926;
+  template <class V>
+  QKR_INLINE static V polynomial(V z) {
+    return z * (P0 + z * (P1 + z * (P2 + z * (P3 + z * P4))));
+  }
+};
+struct CommonSingle : SingleFormat {
+  static constexpr RowsAndColumns<129, 4, 144> table = {log10_single::rows, log10_single::columns};
+  static constexpr uint32_t next_binade = 0x00408000;
+  static constexpr uint32_t head_mask = 0xFFFF8000;
+  static constexpr float log2_hi = 0.3125f, log2_lo = -0.011470003984868526f;
+  static constexpr float C = 0.43359375f;
+  static constexpr float subnormal_scale = 0x1p23f, subnormal_log = 6.923689842224121f;
+  static constexpr float P0 = 0.00161610241048038f, P1 = -1.1550167798995972f;
+  static constexpr float P2 = 1.7758978605270386f, P3 = -3.0718326568603516f;
+  template <class V>
+  QKR_INLINE static V polynomial(V z) {
+    return z * (P0 + z * (P1 + z * (P2 + z * P3)));
+  }
+};
+
+template <class Log, void (*scalar_routine)(ptrdiff_t, Arrays<typename Log::Element>)>
+struct Logarithm : UnaryKernel<typename Log::Element, Log::group_width> {
+  template <class V>
+  QKR_INLINE static Flags special(V x) {
+    return not_positive_normal(x);
+  }
+
+  // The logarithm as head + tail, for positive normal x.
+  template <class V>
+  QKR_INLINE static Pair<V> sum(V x) {
+    const V y = real((bits(x) & Log::fraction) | Log::one);
+    const V n = exponent(bits(x) + Log::next_binade);
+    const auto k = ((bits(y) + Log::half_row) >> Log::index_shift) - (Log::one >> Log::index_shift);
+    V r, again, t_hi, t_lo;
+    look_up(Log::table, k, r, again, t_hi, t_lo);
+    const V y_hi = real(bits(y) & Log::head_mask), y_lo = y - y_hi;
+    const V a = exact_mad(y_hi, r, -Log::C), b = y_lo * r, z = b + a;
+    const V s = a + exact_mad(n, Log::log2_hi, t_hi);
+    const V c = n * Log::log2_lo + t_lo;
+    // c is 0 around x = 1 only: there b belongs to the head, which keeps all its bits.
+    return {add_if_zero(s, b, c), (Log::polynomial(z) + c) + zero_unless(b, c)};
+  }
+
+  template <class V>
+  QKR_INLINE static V core(V x) {
+    const Pair<V> log = sum(x);
+    return log.second + log.first;
+  }
+
+  QKR_INLINE static void scalar(ptrdiff_t i, Arrays<typename Log::Element> v) { scalar_routine(i, v); }
+};
+
+using LnDouble = Logarithm<NaturalDouble, _dLn_Scalar>;
+using Log10Double = Logarithm<CommonDouble, _dLg_Scalar>;
+using Log10Single = Logarithm<CommonSingle, _sLg_Scalar>;
+
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL
+
+#if QKR_BASELINE
+using namespace qkr;
+
+// Stores the logarithm of element i; returns the status.
+template <class Kernel, class Log, class T = typename Log::Element>
+static int32_t special_logarithm(ptrdiff_t i, Arrays<T> v) {
+  const T x = v.a[i];
+  const auto pattern = sse2::bits(x);
+  if (magnitude(pattern) > Log::infinity) {
+    v.r[i] = x;
+    at_run_time(x * at_run_time((T)1));  // a signalling NaN stays in the result but raises its exception
+    return 0;
+  }
+  if (magnitude(pattern) == 0) return v.r[i] = -__builtin_inf(), 2;
+  if (pattern != magnitude(pattern)) return v.r[i] = sse2::real(Log::indefinite_pattern), 1;
+  if (pattern == Log::infinity) return v.r[i] = x, 0;
+  const bool subnormal = pattern <= Log::fraction;
+  const auto log = Kernel::sum(subnormal ? x * Log::subnormal_scale : x);
+  v.r[i] = (log.second - (subnormal ? Log::subnormal_log : 0)) + log.first;
+  return 0;
+}
+
+extern "C" void _dLn_Scalar(ptrdiff_t i, Arrays<double> v) {
+  const int32_t status = special_logarithm<sse2::LnDouble, sse2::NaturalDouble>(i, v);
+  if (status) sse2::report(status, i, v, "_vxmdLn_HA");
+}
+extern "C" void _dLg_Scalar(ptrdiff_t i, Arrays<double> v) {
+  const int32_t status = special_logarithm<sse2::Log10Double, sse2::CommonDouble>(i, v);
+  if (status) sse2::report(status, i, v, "_vxmdLog10_HA");
+}
+extern "C" void _sLg_Scalar(ptrdiff_t i, Arrays<float> v) {
+  const int32_t status = special_logarithm<sse2::Log10Single, sse2::CommonSingle>(i, v);
+  if (status) sse2::report(status, i, v, "_vxmsLog10_HA");
+}
+#endif
+
+QKR_CONTRACT(_vxmdLn_HA, 0.59, 0x1.003ffeed01983p+0);
+QKR_CONTRACT(_vxmdLog10_HA, 0.59, 0x1.ffdb60b21b953p-1);
+QKR_CONTRACT(_vxmsLog10_HA, 0.75, 0x1.01d8bep+0);
+
+QKR_UNARY(_vxmdLn_HA, double, LnDouble)
+QKR_UNARY(_vxmdLog10_HA, double, Log10Double)
+QKR_UNARY(_vxmsLog10_HA, float, Log10Single)
+QKR_UNARY_FORWARD(_vxmdLn_HA, _vxmdLn_50, double)
+QKR_UNARY_FORWARD(_vxmdLog10_HA, _vxmdLog10_50, double)
+QKR_UNARY_FORWARD(_vxmsLog10_HA, _vxmsLog10_21, float)

@@ -1,0 +1,78 @@
+// Natural logarithm in single precision, by the method of logarithm.cpp with a table of 65 rows and a cubic.
+// The table has no jump; around x = 1 the low product joins the head instead.
+#include "vecmath/frame/contract.h"
+#include "vecmath/frame/function.h"
+#include "vecmath/frame/numbers.h"
+#include "vecmath/tables/tables.h"
+
+extern "C" void _sLn_Scalar(ptrdiff_t i, qkr::Arrays<float> v);
+
+namespace qkr::QKR_SIMD_LEVEL {
+namespace {
+
+struct LnSingle : UnaryKernel<float, QKR_SIMD_BYTES == 32 ? 4 : 2> {
+  static constexpr float ln2_high = 0.693115234375f, ln2_low = 3.194618329871446e-05f;  // n * hi is exact
+  static constexpr float P[3] = {-0.5f, 0.3333333432674408f, -0.25f};
+  static constexpr uint32_t fraction_mask = 0x7FFFFF, one = 0x3F800000, head_mask = 0x7FFFC000;
+  static constexpr RowsAndColumns<65, 4, 80> table = {ln_single::rows, ln_single::columns};
+  static constexpr uint32_t near_one_first = 0x3F7E0001, near_one_last = 0x3F81FFFF;
+
+  template <class V>
+  QKR_INLINE static Flags special(V x) {
+    return not_positive_normal(x);
+  }
+
+  template <class V, class N>
+  QKR_INLINE static V logarithm(V x, N adj_n) {
+    const V y = real((bits(x) & fraction_mask) | one);
+    V t_hi, t_lo, r, unused;
+    look_up(table, ((bits(y) + 0x10000u) >> 17) - (one >> 17), t_hi, t_lo, r, unused);
+    const V y_hi = real(bits(y) & head_mask), y_lo = y - y_hi;
+    const V a = exact_mad(y_hi, r, -1.0f), b = y_lo * r, z = b + a;
+    const V q = (z * z) * (P[0] + z * (P[1] + z * P[2]));
+    const V n = exponent(bits(x)) + adj_n;
+    const V head = exact_mad(n, ln2_high, t_hi + a), tail = n * ln2_low + t_lo;
+    const V b_head = zero_unless_within(b, bits(x), near_one_first, near_one_last);
+    return ((q + tail) + (b - b_head)) + (head + b_head);
+  }
+
+  template <class V>
+  QKR_INLINE static V core(V x) {
+    return logarithm(x, 0.0f);
+  }
+
+  QKR_INLINE static void scalar(ptrdiff_t i, Arrays<float> v) { _sLn_Scalar(i, v); }
+};
+
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL
+
+#if QKR_BASELINE
+using namespace qkr;
+
+extern "C" void _sLn_Scalar(ptrdiff_t i, Arrays<float> v) {
+  constexpr uint32_t minus_infinity = 0xFF800000, domain_nan = 0x7FFC0000;
+  const float x = v.a[i];
+  const uint32_t pattern = sse2::bits(x);
+  int32_t status = 0;
+  if (magnitude(pattern) >= infinity_pattern_single && pattern != minus_infinity) {
+    v.r[i] = x;  // NaNs and +inf
+  } else if (magnitude(pattern) == 0) {
+    v.r[i] = sse2::real(minus_infinity), status = 2;
+  } else if (pattern >> 31) {
+    v.r[i] = sse2::real(domain_nan), status = 1;
+  } else if (pattern < 0x00800000) {
+    const int top = 31 - __builtin_clz(pattern);  // normalise: the top bit becomes the implicit one
+    const uint32_t fraction = (pattern << (23 - top)) & sse2::LnSingle::fraction_mask;
+    v.r[i] = sse2::LnSingle::logarithm(sse2::real(fraction | (uint32_t)(top + 1) << 23), -23.0f);
+  } else {
+    v.r[i] = sse2::LnSingle::core(x);
+  }
+  if (status) sse2::report(status, i, v, "_vxmsLn_HA");
+}
+#endif
+
+QKR_CONTRACT(_vxmsLn_HA, 0.567, 0x1.f9ffd2p-1);
+
+QKR_UNARY(_vxmsLn_HA, float, LnSingle)
+QKR_UNARY_FORWARD(_vxmsLn_HA, _vxmsLn_21, float)
