@@ -1,8 +1,8 @@
 // Bit reversal of elements of 4, 8 and 16 bytes: in place by the pairs of the table, and from one array to
 // another.
-#include "sigfft/bit_reversal.h"
+#include "sigfft/passes/bit_reversal.h"
 
-#include "sigfft/kernels.h"
+#include "sigfft/routes/kernels.h"
 
 namespace {
 template <int words>

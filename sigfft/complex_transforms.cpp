@@ -1,6 +1,6 @@
 // The complex transforms: checks, work buffer, choice of the path.
-#include "sigfft/fixed.h"
-#include "sigfft/paths.h"
+#include "sigfft/arrays/memory.h"
+#include "sigfft/dispatch.h"
 
 namespace qkr::sigfft {
 namespace {
@@ -14,20 +14,13 @@ zprStatus run(int32_t id, const void *opaque, uint8_t *work, Arrays... arrays) {
   if (plan->id != id) return zprStsContextMatchErr;
   if ((!arrays || ...)) return zprStsNullPtrErr;
   if (plan->order <= largest_fixed_order) {
-    const FixedCode<T> &code = fixed_code<T>;
-    const auto call = [&](auto plain, auto normalised) {
-      const bool norm = forward ? plan->fwdNorm : plan->invNorm;
-      (norm ? normalised : plain)[plan->order](arrays..., plan->normFactor);
-    };
+    const bool norm = forward ? plan->forward_norm : plan->inverse_norm;
     if constexpr (sizeof...(arrays) == 2)
-      forward ? call(code.tbl_cFFTfwd_small, code.tbl_cFFTfwd_norm_small)
-              : call(code.tbl_cFFTinv_small, code.tbl_cFFTinv_norm_small);
-    else
-      forward ? call(code.tbl_crFFTfwd_small, code.tbl_crFFTfwd_norm_small)
-              : call(code.tbl_crFFTinv_small, code.tbl_crFFTinv_norm_small);
+      fixed_code<T>.complex[forward][norm][plan->order](arrays..., plan->norm_factor);
+    else fixed_code<T>.split[forward][norm][plan->order](arrays..., plan->norm_factor);
     return zprStsNoErr;
   }
-  const WorkBuffer<T> buffer(plan, work);
+  const WorkBuffer<T> buffer(plan->work_bytes, work);
   if (buffer.failed) return zprStsMemAllocErr;
   transform<set, forward>(plan, arrays..., plan->order, buffer.start);
   return zprStsNoErr;

@@ -1,7 +1,8 @@
 // The real transforms: checks, the complex transform of half the length, recombination, formats.
 #include <string.h>
 
-#include "sigfft/paths.h"
+#include "sigfft/arrays/memory.h"
+#include "sigfft/dispatch.h"
 
 namespace qkr::sigfft {
 namespace {
@@ -14,11 +15,11 @@ struct RealKernels {
   void (*recombine_inverse)(const T *src, T *dst, int32_t half, int32_t direction, const T *table);
   void (*sixteen[2])(const Plan<T> *plan, const T *src, T *dst, int32_t last);  // inverse, forward
 };
-#define QKR_REAL_KERNELS(prefix, suffix)                                         \
-  {                                                                              \
-    prefix##zprs_cRealRecombine_##suffix, prefix##zprs_cCcsRecombine_##suffix, { \
-      prefix##zprs_rFFTInv_16_##suffix, prefix##zprs_rFFTFwd_16_##suffix         \
-    }                                                                            \
+#define QKR_REAL_KERNELS(prefix, suffix)                                      \
+  {                                                                           \
+    prefix##zprs_recombineFwd_##suffix, prefix##zprs_recombineInv_##suffix, { \
+      prefix##zprs_sixteenInv_##suffix, prefix##zprs_sixteenFwd_##suffix      \
+    }                                                                         \
   }
 template <EntrySet set, class T>
 constexpr RealKernels<T> real_kernels;
@@ -68,22 +69,19 @@ void to_perm(const T *src, T *dst, size_t n) {
 
 template <EntrySet set, Format format, class T>
 void forward_transform(const Plan<T> *plan, const T *src, T *dst, T *work) {
-  const FixedCode<T> &code = fixed_code<T>;
   const size_t n = size_t{1} << plan->order;
   if (plan->order <= largest_fixed_order) {
-    (plan->fwdNorm ? code.tbl_rFFTfwd_norm_small : code.tbl_rFFTfwd_small)[plan->order](src, dst,
-                                                                                        plan->normFactor);
+    fixed_code<T>.real[true][plan->forward_norm][plan->order](src, dst, plan->norm_factor);
   } else {
     transform<set, true>(plan, src, dst, plan->order - 1, work);
     butterfly(dst[0], dst[1], dst);
-    real_kernels<set, T>.recombine(dst, (int32_t)(n / 2), 1, plan->realRecTable);
+    real_kernels<set, T>.recombine(dst, (int32_t)(n / 2), 1, plan->forward_real);
   }
   from_perm<format>(dst, n);
 }
 
 template <EntrySet set, Format format, class T>
 void inverse_transform(const Plan<T> *plan, const T *src, T *dst, T *work) {
-  const FixedCode<T> &code = fixed_code<T>;
   const size_t n = size_t{1} << plan->order;
   const bool fixed = plan->order <= largest_fixed_order;
   if (format == Format::Pack || (fixed && format == Format::CCS)) {
@@ -91,12 +89,10 @@ void inverse_transform(const Plan<T> *plan, const T *src, T *dst, T *work) {
     src = dst;
   }
   if (fixed) {
-    (plan->invNorm ? code.tbl_rFFTinv_norm_small : code.tbl_rFFTinv_small)[plan->order](src, dst,
-                                                                                        plan->normFactor);
-    return;
+    return fixed_code<T>.real[false][plan->inverse_norm][plan->order](src, dst, plan->norm_factor);
   }
   butterfly(src[0], src[format == Format::CCS ? n : 1], dst);
-  real_kernels<set, T>.recombine_inverse(src, dst, (int32_t)(n / 2), -1, plan->ccsRecTable);
+  real_kernels<set, T>.recombine_inverse(src, dst, (int32_t)(n / 2), -1, plan->inverse_real);
   transform<set, false>(plan, dst, dst, plan->order - 1, work);
 }
 
@@ -110,7 +106,7 @@ zprStatus run(int32_t id, const void *opaque, const T *src, T *dst, uint8_t *wor
     real_kernels<set, T>.sixteen[forward](plan, src, dst, (int32_t)last_place(format, 16));
     return zprStsNoErr;
   }
-  const WorkBuffer<T> buffer(plan, work);
+  const WorkBuffer<T> buffer(plan->work_bytes, work);
   if (buffer.failed) return zprStsMemAllocErr;
   if constexpr (forward) forward_transform<set, format>(plan, src, dst, buffer.start);
   else inverse_transform<set, format>(plan, src, dst, buffer.start);

@@ -1,5 +1,5 @@
-// A hash of the results of every transform: one line for each set, precision, form and order, which must be the
-// same at all levels, with every compiler, on every processor and with every C library.
+// A hash of the results of every transform: one line for each set, precision, form and order, which must be
+// the same at all levels, with every compiler, on every processor and with every C library.
 //   transforms_digest [LARGEST_ORDER]
 #include <stdio.h>
 #include <stdlib.h>
@@ -37,10 +37,10 @@ uint64_t hash_of(const Functions<T> &f, Kind kind, Format format, int order, con
       std::vector<T> y(x.size());
       f.complex[forward](x.data(), y.data(), plan, nullptr);
       hash.add(y);
-    } else if (kind == separate) {
-      const PartArrays<T> parts = apart(x);
-      PartArrays<T> y = parts;
-      f.parts[forward](parts.re.data(), parts.im.data(), y.re.data(), y.im.data(), plan, nullptr);
+    } else if (kind == split) {
+      const SplitArrays<T> parts = apart(x);
+      SplitArrays<T> y = parts;
+      f.split[forward](parts.re.data(), parts.im.data(), y.re.data(), y.im.data(), plan, nullptr);
       hash.add(y.re);
       hash.add(y.im);
     } else {
@@ -58,7 +58,7 @@ int differences;
 template <class T>
 void print_digests(int largest_order) {
   for (const auto &f : functions<T>)
-    for (const Kind kind : {interleaved, separate, real})
+    for (const Kind kind : {interleaved, split, real})
       for (const Format format : {perm, pack, ccs}) {
         if (kind != real && format != perm) continue;
         constexpr const char *format_names[] = {"", " Pack", " CCS"};
