@@ -60,7 +60,7 @@ Transform ours(const Form &form, int order, Arrays<T> a) {
     prefix##_plan plan;                                                                                  \
     if (form.kind == tests::interleaved) {                                                               \
       plan = prefix##_plan_dft_1d(n, src, dst, FFTW_FORWARD, effort);                                    \
-    } else if (form.kind == tests::split) {                                                           \
+    } else if (form.kind == tests::split) {                                                              \
       const fftw_iodim dimension = {n, 1, 1};                                                            \
       plan = prefix##_plan_guru_split_dft(1, &dimension, 0, nullptr, a.src, a.src + n, a.dst, a.dst + n, \
                                           effort);                                                       \
