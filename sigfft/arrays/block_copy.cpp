@@ -59,28 +59,28 @@ __attribute__((flatten)) inline zprStatus copy_array(const T *src, T *dst, int32
 
 using namespace qkr::sigfft;
 
-#define QKR_COPY(set, past_cache, suffix, T)                            \
-  zprStatus set##zprsCopy_##suffix(const T *src, T *dst, int32_t len) { \
-    return copy_array<past_cache>(src, dst, len);                       \
-  }
-#define QKR_COPIES(set, past_cache)                                            \
-  uint8_t *set##ownsCopy_8u(const uint8_t *src, uint8_t *dst, int32_t bytes) { \
-    copy<past_cache>(src, dst, (size_t)bytes);                                 \
-    return dst;                                                                \
-  }                                                                            \
-  QKR_COPY(set, past_cache, 8u, uint8_t)                                       \
-  QKR_COPY(set, past_cache, 16s, int16_t)                                      \
-  QKR_COPY(set, past_cache, 16sc, zpr16sc)                                     \
-  QKR_COPY(set, past_cache, 32s, int32_t)                                      \
-  QKR_COPY(set, past_cache, 32sc, zpr32sc)                                     \
-  QKR_COPY(set, past_cache, 32f, float)                                        \
-  QKR_COPY(set, past_cache, 32fc, zpr32fc)                                     \
-  QKR_COPY(set, past_cache, 64s, int64_t)                                      \
-  QKR_COPY(set, past_cache, 64sc, zpr64sc)                                     \
-  QKR_COPY(set, past_cache, 64f, double)                                       \
-  QKR_COPY(set, past_cache, 64fc, zpr64fc)
+uint8_t *w6_ownsCopy_8u(const uint8_t *src, uint8_t *dst, int32_t bytes) {
+  copy<true>(src, dst, (size_t)bytes);
+  return dst;
+}
+uint8_t *ownsCopy_8u(const uint8_t *src, uint8_t *dst, int32_t bytes) {
+  copy<false>(src, dst, (size_t)bytes);
+  return dst;
+}
 
-QKR_COPIES(w6_, true)
-QKR_COPIES(, false)
+#define QKR_COPY(T, past_cache, within_cache)                                                         \
+  zprStatus past_cache(const T *src, T *dst, int32_t len) { return copy_array<true>(src, dst, len); } \
+  zprStatus within_cache(const T *src, T *dst, int32_t len) { return copy_array<false>(src, dst, len); }
+QKR_COPY(uint8_t, w6_zprsCopy_8u, zprsCopy_8u)
+QKR_COPY(int16_t, w6_zprsCopy_16s, zprsCopy_16s)
+QKR_COPY(zpr16sc, w6_zprsCopy_16sc, zprsCopy_16sc)
+QKR_COPY(int32_t, w6_zprsCopy_32s, zprsCopy_32s)
+QKR_COPY(zpr32sc, w6_zprsCopy_32sc, zprsCopy_32sc)
+QKR_COPY(float, w6_zprsCopy_32f, zprsCopy_32f)
+QKR_COPY(zpr32fc, w6_zprsCopy_32fc, zprsCopy_32fc)
+QKR_COPY(int64_t, w6_zprsCopy_64s, zprsCopy_64s)
+QKR_COPY(zpr64sc, w6_zprsCopy_64sc, zprsCopy_64sc)
+QKR_COPY(double, w6_zprsCopy_64f, zprsCopy_64f)
+QKR_COPY(zpr64fc, w6_zprsCopy_64fc, zprsCopy_64fc)
 
 #endif

@@ -161,28 +161,33 @@ QKR_WORKERS(32s, int32_t)
 QKR_WORKERS(64s, int64_t)
 QKR_WORKERS(64sc, zpr64sc)
 
-#define QKR_FILL(set, past_cache, suffix, T)                      \
-  zprStatus set##zprsZero_##suffix(T *dst, int32_t len) {         \
-    return fill_array<past_cache>(uint8_t{0}, dst, len);          \
-  }                                                               \
-  zprStatus set##zprsSet_##suffix(T value, T *dst, int32_t len) { \
-    return fill_array<past_cache>(word_of(value), dst, len);      \
-  }
-#define QKR_FILLS(set, past_cache)                                                                         \
-  void set##ownsZero_8u(uint8_t *dst, int32_t bytes) { fill<past_cache>(uint8_t{0}, dst, (size_t)bytes); } \
-  QKR_FILL(set, past_cache, 8u, uint8_t)                                                                   \
-  QKR_FILL(set, past_cache, 16s, int16_t)                                                                  \
-  QKR_FILL(set, past_cache, 16sc, zpr16sc)                                                                 \
-  QKR_FILL(set, past_cache, 32s, int32_t)                                                                  \
-  QKR_FILL(set, past_cache, 32sc, zpr32sc)                                                                 \
-  QKR_FILL(set, past_cache, 32f, float)                                                                    \
-  QKR_FILL(set, past_cache, 32fc, zpr32fc)                                                                 \
-  QKR_FILL(set, past_cache, 64s, int64_t)                                                                  \
-  QKR_FILL(set, past_cache, 64sc, zpr64sc)                                                                 \
-  QKR_FILL(set, past_cache, 64f, double)                                                                   \
-  QKR_FILL(set, past_cache, 64fc, zpr64fc)
+void w6_ownsZero_8u(uint8_t *dst, int32_t bytes) { fill<true>(uint8_t{0}, dst, (size_t)bytes); }
+void ownsZero_8u(uint8_t *dst, int32_t bytes) { fill<false>(uint8_t{0}, dst, (size_t)bytes); }
 
-QKR_FILLS(w6_, true)
-QKR_FILLS(, false)
+#define QKR_FILL(T, past_cache, zero, set)                                                     \
+  zprStatus zero(T *dst, int32_t len) { return fill_array<past_cache>(uint8_t{0}, dst, len); } \
+  zprStatus set(T value, T *dst, int32_t len) { return fill_array<past_cache>(word_of(value), dst, len); }
+QKR_FILL(uint8_t, true, w6_zprsZero_8u, w6_zprsSet_8u)
+QKR_FILL(int16_t, true, w6_zprsZero_16s, w6_zprsSet_16s)
+QKR_FILL(zpr16sc, true, w6_zprsZero_16sc, w6_zprsSet_16sc)
+QKR_FILL(int32_t, true, w6_zprsZero_32s, w6_zprsSet_32s)
+QKR_FILL(zpr32sc, true, w6_zprsZero_32sc, w6_zprsSet_32sc)
+QKR_FILL(float, true, w6_zprsZero_32f, w6_zprsSet_32f)
+QKR_FILL(zpr32fc, true, w6_zprsZero_32fc, w6_zprsSet_32fc)
+QKR_FILL(int64_t, true, w6_zprsZero_64s, w6_zprsSet_64s)
+QKR_FILL(zpr64sc, true, w6_zprsZero_64sc, w6_zprsSet_64sc)
+QKR_FILL(double, true, w6_zprsZero_64f, w6_zprsSet_64f)
+QKR_FILL(zpr64fc, true, w6_zprsZero_64fc, w6_zprsSet_64fc)
+QKR_FILL(uint8_t, false, zprsZero_8u, zprsSet_8u)
+QKR_FILL(int16_t, false, zprsZero_16s, zprsSet_16s)
+QKR_FILL(zpr16sc, false, zprsZero_16sc, zprsSet_16sc)
+QKR_FILL(int32_t, false, zprsZero_32s, zprsSet_32s)
+QKR_FILL(zpr32sc, false, zprsZero_32sc, zprsSet_32sc)
+QKR_FILL(float, false, zprsZero_32f, zprsSet_32f)
+QKR_FILL(zpr32fc, false, zprsZero_32fc, zprsSet_32fc)
+QKR_FILL(int64_t, false, zprsZero_64s, zprsSet_64s)
+QKR_FILL(zpr64sc, false, zprsZero_64sc, zprsSet_64sc)
+QKR_FILL(double, false, zprsZero_64f, zprsSet_64f)
+QKR_FILL(zpr64fc, false, zprsZero_64fc, zprsSet_64fc)
 
 #endif

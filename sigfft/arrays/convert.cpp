@@ -106,28 +106,27 @@ QKR_SCALED(64f32s, double, int32_t, double)
 using qkr::sigfft::checked;
 using qkr::sigfft::power_of_two;
 
-#define QKR_EXPORT(suffix, Source, Target)                                                      \
-  zprStatus zprsConvert_##suffix(const Source *src, Target *dst, int32_t len) {                 \
-    return checked(src, dst, len, [=] { return ownsConvert_##suffix(src, dst, (size_t)len); }); \
+#define QKR_EXPORT(name, kernel, Source, Target)                                  \
+  zprStatus name(const Source *src, Target *dst, int32_t len) {                   \
+    return checked(src, dst, len, [=] { return kernel(src, dst, (size_t)len); }); \
   }
-QKR_EXPORT(8s32f, int8_t, float)
-QKR_EXPORT(8u32f, uint8_t, float)
-QKR_EXPORT(16s32f, int16_t, float)
-QKR_EXPORT(16u32f, uint16_t, float)
-QKR_EXPORT(32s32f, int32_t, float)
-QKR_EXPORT(32s64f, int32_t, double)
+QKR_EXPORT(zprsConvert_8s32f, ownsConvert_8s32f, int8_t, float)
+QKR_EXPORT(zprsConvert_8u32f, ownsConvert_8u32f, uint8_t, float)
+QKR_EXPORT(zprsConvert_16s32f, ownsConvert_16s32f, int16_t, float)
+QKR_EXPORT(zprsConvert_16u32f, ownsConvert_16u32f, uint16_t, float)
+QKR_EXPORT(zprsConvert_32s32f, ownsConvert_32s32f, int32_t, float)
+QKR_EXPORT(zprsConvert_32s64f, ownsConvert_32s64f, int32_t, double)
 
-#define QKR_EXPORT_SCALED(suffix, Source, Target, T)                                                         \
-  zprStatus zprsConvert_##suffix##_Sfs(const Source *src, Target *dst, int32_t len, uint32_t mode,           \
-                                       int32_t scale) {                                                      \
-    return checked(src, dst, len, [=] {                                                                      \
-      return ownsConvert_##suffix##_Sfs(src, dst, (size_t)len, mode == 1, power_of_two<T>(-(int64_t)scale)); \
-    });                                                                                                      \
+#define QKR_EXPORT_SCALED(name, kernel, Source, Target, T)                                    \
+  zprStatus name(const Source *src, Target *dst, int32_t len, uint32_t mode, int32_t scale) { \
+    return checked(src, dst, len, [=] {                                                       \
+      return kernel(src, dst, (size_t)len, mode == 1, power_of_two<T>(-(int64_t)scale));      \
+    });                                                                                       \
   }
-QKR_EXPORT_SCALED(32f8s, float, int8_t, float)
-QKR_EXPORT_SCALED(32f8u, float, uint8_t, float)
-QKR_EXPORT_SCALED(32f16s, float, int16_t, float)
-QKR_EXPORT_SCALED(32f16u, float, uint16_t, float)
-QKR_EXPORT_SCALED(32f32s, float, int32_t, qkr::sigfft::WideFactor)
-QKR_EXPORT_SCALED(64f32s, double, int32_t, double)
+QKR_EXPORT_SCALED(zprsConvert_32f8s_Sfs, ownsConvert_32f8s_Sfs, float, int8_t, float)
+QKR_EXPORT_SCALED(zprsConvert_32f8u_Sfs, ownsConvert_32f8u_Sfs, float, uint8_t, float)
+QKR_EXPORT_SCALED(zprsConvert_32f16s_Sfs, ownsConvert_32f16s_Sfs, float, int16_t, float)
+QKR_EXPORT_SCALED(zprsConvert_32f16u_Sfs, ownsConvert_32f16u_Sfs, float, uint16_t, float)
+QKR_EXPORT_SCALED(zprsConvert_32f32s_Sfs, ownsConvert_32f32s_Sfs, float, int32_t, qkr::sigfft::WideFactor)
+QKR_EXPORT_SCALED(zprsConvert_64f32s_Sfs, ownsConvert_64f32s_Sfs, double, int32_t, double)
 #endif

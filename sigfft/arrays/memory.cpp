@@ -20,29 +20,34 @@ void release_block(void *block) {
   if (block) free(((void **)block)[-1]);
 }
 
+namespace {
+void *allocate_array(int32_t len, size_t size) {
+  return len < 1 ? nullptr : allocate_block((size_t)len * size);
+}
+}  // namespace
+
 }  // namespace qkr::sigfft
 
-#define QKR_MALLOC(set, suffix, Element)                                                              \
-  Element *set##zprsMalloc_##suffix(int32_t len) {                                                    \
-    return len < 1 ? nullptr : (Element *)qkr::sigfft::allocate_block((size_t)len * sizeof(Element)); \
-  }
-#define QKR_MEMORY(set)          \
-  QKR_MALLOC(set, 8u, uint8_t)   \
-  QKR_MALLOC(set, 8s, int8_t)    \
-  QKR_MALLOC(set, 8sc, zpr8sc)   \
-  QKR_MALLOC(set, 16u, uint16_t) \
-  QKR_MALLOC(set, 16s, int16_t)  \
-  QKR_MALLOC(set, 16sc, zpr16sc) \
-  QKR_MALLOC(set, 32u, uint32_t) \
-  QKR_MALLOC(set, 32s, int32_t)  \
-  QKR_MALLOC(set, 32sc, zpr32sc) \
-  QKR_MALLOC(set, 64s, int64_t)  \
-  QKR_MALLOC(set, 64sc, zpr64sc) \
-  QKR_MALLOC(set, 32f, float)    \
-  QKR_MALLOC(set, 32fc, zpr32fc) \
-  QKR_MALLOC(set, 64f, double)   \
-  QKR_MALLOC(set, 64fc, zpr64fc) \
-  void set##zprsFree(void *block) { qkr::sigfft::release_block(block); }
+using namespace qkr::sigfft;
 
-QKR_MEMORY(w6_)
-QKR_MEMORY()
+void w6_zprsFree(void *block) { release_block(block); }
+void zprsFree(void *block) { release_block(block); }
+
+#define QKR_MALLOC(Element, w6_name, plain_name)                                            \
+  Element *w6_name(int32_t len) { return (Element *)allocate_array(len, sizeof(Element)); } \
+  Element *plain_name(int32_t len) { return (Element *)allocate_array(len, sizeof(Element)); }
+QKR_MALLOC(uint8_t, w6_zprsMalloc_8u, zprsMalloc_8u)
+QKR_MALLOC(int8_t, w6_zprsMalloc_8s, zprsMalloc_8s)
+QKR_MALLOC(zpr8sc, w6_zprsMalloc_8sc, zprsMalloc_8sc)
+QKR_MALLOC(uint16_t, w6_zprsMalloc_16u, zprsMalloc_16u)
+QKR_MALLOC(int16_t, w6_zprsMalloc_16s, zprsMalloc_16s)
+QKR_MALLOC(zpr16sc, w6_zprsMalloc_16sc, zprsMalloc_16sc)
+QKR_MALLOC(uint32_t, w6_zprsMalloc_32u, zprsMalloc_32u)
+QKR_MALLOC(int32_t, w6_zprsMalloc_32s, zprsMalloc_32s)
+QKR_MALLOC(zpr32sc, w6_zprsMalloc_32sc, zprsMalloc_32sc)
+QKR_MALLOC(int64_t, w6_zprsMalloc_64s, zprsMalloc_64s)
+QKR_MALLOC(zpr64sc, w6_zprsMalloc_64sc, zprsMalloc_64sc)
+QKR_MALLOC(float, w6_zprsMalloc_32f, zprsMalloc_32f)
+QKR_MALLOC(zpr32fc, w6_zprsMalloc_32fc, zprsMalloc_32fc)
+QKR_MALLOC(double, w6_zprsMalloc_64f, zprsMalloc_64f)
+QKR_MALLOC(zpr64fc, w6_zprsMalloc_64fc, zprsMalloc_64fc)

@@ -196,18 +196,18 @@ zprStatus get_size(int32_t id, int32_t order, int32_t flag, int32_t *spec_size, 
   return zprStsNoErr;
 }
 
-template <class T>
+template <EntrySet set, class T>
 zprStatus get_buffer_size(int32_t id, const Plan<T> *plan, int32_t *size) {
   if (!plan || !size) return zprStsNullPtrErr;
-  if (plan->id != id) return zprStsContextMatchErr;
+  if (!is_of<set>(plan, id)) return zprStsContextMatchErr;
   *size = plan->work_bytes < 1 ? 0 : plan->work_bytes + 16;
   return zprStsNoErr;
 }
 
-template <class T>
+template <EntrySet set, class T>
 zprStatus free_plan(int32_t id, Plan<T> *plan) {
   if (!plan) return zprStsNullPtrErr;
-  if (plan->id != id) return zprStsContextMatchErr;
+  if (!is_of<set>(plan, id)) return zprStsContextMatchErr;
   release_plan(plan);
   return zprStsNoErr;
 }
@@ -215,36 +215,47 @@ zprStatus free_plan(int32_t id, Plan<T> *plan) {
 }  // namespace
 }  // namespace qkr::sigfft
 
-#define QKR_PLAN(prefix, set, kind, T)                                                                       \
-  zprStatus prefix##zprsFFTInitAlloc_##kind(zprsFFTSpec_##kind **plan, int32_t order, int32_t flag,          \
-                                            int32_t hint) {                                                  \
-    using namespace qkr::sigfft;                                                                             \
-    return init_alloc<EntrySet::set>(id_##kind, (Plan<T> **)plan, order, flag, hint);                        \
-  }                                                                                                          \
-  zprStatus prefix##zprsFFTInit_##kind(zprsFFTSpec_##kind **plan, int32_t order, int32_t flag, int32_t hint, \
-                                       uint8_t *spec_memory, uint8_t *init_buffer) {                         \
-    using namespace qkr::sigfft;                                                                             \
-    return init<EntrySet::set>(id_##kind, (Plan<T> **)plan, order, flag, hint, spec_memory, init_buffer);    \
-  }                                                                                                          \
-  zprStatus prefix##zprsFFTGetSize_##kind(int32_t order, int32_t flag, int32_t, int32_t *spec_size,          \
-                                          int32_t *init_size, int32_t *work_size) {                          \
-    using namespace qkr::sigfft;                                                                             \
-    return get_size<EntrySet::set, T>(id_##kind, order, flag, spec_size, init_size, work_size);              \
-  }                                                                                                          \
-  zprStatus prefix##zprsFFTGetBufSize_##kind(const zprsFFTSpec_##kind *plan, int32_t *size) {                \
-    using namespace qkr::sigfft;                                                                             \
-    return get_buffer_size(id_##kind, (const Plan<T> *)plan, size);                                          \
-  }                                                                                                          \
-  zprStatus prefix##zprsFFTFree_##kind(zprsFFTSpec_##kind *plan) {                                           \
-    using namespace qkr::sigfft;                                                                             \
-    return free_plan(id_##kind, (Plan<T> *)plan);                                                            \
+using namespace qkr::sigfft;
+
+#define QKR_PLAN(set, kind, T, get_size_name, init_name, init_alloc_name, get_buffer_size_name, free_name) \
+  zprStatus get_size_name(int32_t order, int32_t flag, int32_t, int32_t *spec_size, int32_t *init_size,    \
+                          int32_t *work_size) {                                                            \
+    return get_size<EntrySet::set, T>(id_##kind, order, flag, spec_size, init_size, work_size);            \
+  }                                                                                                        \
+  zprStatus init_name(zprsFFTSpec_##kind **plan, int32_t order, int32_t flag, int32_t hint,                \
+                      uint8_t *spec_memory, uint8_t *init_buffer) {                                        \
+    return init<EntrySet::set>(id_##kind, (Plan<T> **)plan, order, flag, hint, spec_memory, init_buffer);  \
+  }                                                                                                        \
+  zprStatus init_alloc_name(zprsFFTSpec_##kind **plan, int32_t order, int32_t flag, int32_t hint) {        \
+    return init_alloc<EntrySet::set>(id_##kind, (Plan<T> **)plan, order, flag, hint);                      \
+  }                                                                                                        \
+  zprStatus get_buffer_size_name(const zprsFFTSpec_##kind *plan, int32_t *size) {                          \
+    return get_buffer_size<EntrySet::set>(id_##kind, (const Plan<T> *)plan, size);                         \
+  }                                                                                                        \
+  zprStatus free_name(zprsFFTSpec_##kind *plan) {                                                          \
+    return free_plan<EntrySet::set>(id_##kind, (Plan<T> *)plan);                                           \
   }
-#define QKR_PLANS(prefix, set)          \
-  QKR_PLAN(prefix, set, C_32fc, float)  \
-  QKR_PLAN(prefix, set, C_32f, float)   \
-  QKR_PLAN(prefix, set, R_32f, float)   \
-  QKR_PLAN(prefix, set, C_64fc, double) \
-  QKR_PLAN(prefix, set, C_64f, double)  \
-  QKR_PLAN(prefix, set, R_64f, double)
-QKR_PLANS(w6_, w6)
-QKR_PLANS(, plain)
+QKR_PLAN(w6, C_32fc, float, w6_zprsFFTGetSize_C_32fc, w6_zprsFFTInit_C_32fc, w6_zprsFFTInitAlloc_C_32fc,
+         w6_zprsFFTGetBufSize_C_32fc, w6_zprsFFTFree_C_32fc)
+QKR_PLAN(w6, C_32f, float, w6_zprsFFTGetSize_C_32f, w6_zprsFFTInit_C_32f, w6_zprsFFTInitAlloc_C_32f,
+         w6_zprsFFTGetBufSize_C_32f, w6_zprsFFTFree_C_32f)
+QKR_PLAN(w6, R_32f, float, w6_zprsFFTGetSize_R_32f, w6_zprsFFTInit_R_32f, w6_zprsFFTInitAlloc_R_32f,
+         w6_zprsFFTGetBufSize_R_32f, w6_zprsFFTFree_R_32f)
+QKR_PLAN(w6, C_64fc, double, w6_zprsFFTGetSize_C_64fc, w6_zprsFFTInit_C_64fc, w6_zprsFFTInitAlloc_C_64fc,
+         w6_zprsFFTGetBufSize_C_64fc, w6_zprsFFTFree_C_64fc)
+QKR_PLAN(w6, C_64f, double, w6_zprsFFTGetSize_C_64f, w6_zprsFFTInit_C_64f, w6_zprsFFTInitAlloc_C_64f,
+         w6_zprsFFTGetBufSize_C_64f, w6_zprsFFTFree_C_64f)
+QKR_PLAN(w6, R_64f, double, w6_zprsFFTGetSize_R_64f, w6_zprsFFTInit_R_64f, w6_zprsFFTInitAlloc_R_64f,
+         w6_zprsFFTGetBufSize_R_64f, w6_zprsFFTFree_R_64f)
+QKR_PLAN(plain, C_32fc, float, zprsFFTGetSize_C_32fc, zprsFFTInit_C_32fc, zprsFFTInitAlloc_C_32fc,
+         zprsFFTGetBufSize_C_32fc, zprsFFTFree_C_32fc)
+QKR_PLAN(plain, C_32f, float, zprsFFTGetSize_C_32f, zprsFFTInit_C_32f, zprsFFTInitAlloc_C_32f,
+         zprsFFTGetBufSize_C_32f, zprsFFTFree_C_32f)
+QKR_PLAN(plain, R_32f, float, zprsFFTGetSize_R_32f, zprsFFTInit_R_32f, zprsFFTInitAlloc_R_32f,
+         zprsFFTGetBufSize_R_32f, zprsFFTFree_R_32f)
+QKR_PLAN(plain, C_64fc, double, zprsFFTGetSize_C_64fc, zprsFFTInit_C_64fc, zprsFFTInitAlloc_C_64fc,
+         zprsFFTGetBufSize_C_64fc, zprsFFTFree_C_64fc)
+QKR_PLAN(plain, C_64f, double, zprsFFTGetSize_C_64f, zprsFFTInit_C_64f, zprsFFTInitAlloc_C_64f,
+         zprsFFTGetBufSize_C_64f, zprsFFTFree_C_64f)
+QKR_PLAN(plain, R_64f, double, zprsFFTGetSize_R_64f, zprsFFTInit_R_64f, zprsFFTInitAlloc_R_64f,
+         zprsFFTGetBufSize_R_64f, zprsFFTFree_R_64f)

@@ -27,6 +27,12 @@ struct Plan {
   T *column_twiddles[3];           // by level, of the columns across the blocks
 };
 
+// Plans of the two sets have the same types, but not the same tables.
+template <EntrySet set, class T>
+bool is_of(const Plan<T> *plan, int32_t id) {
+  return plan->id == id && plan->set == set;
+}
+
 constexpr int32_t largest_order = 30;
 
 // Identifiers of plans.
