@@ -19,7 +19,7 @@ namespace {
 
 constexpr Form forms[] = {
     {"Complex", tests::interleaved, false}, {"ComplexInPlace", tests::interleaved, true},
-    {"Parts", tests::separate, false},      {"Real", tests::real, false},
+    {"Split", tests::split, false},         {"Real", tests::real, false},
     {"RealInPlace", tests::real, true},     {"PlainSetComplex", tests::interleaved, false, 1}};
 constexpr int plan_kinds[] = {0, 3};  // of the forms
 constexpr int largest_order = 24;

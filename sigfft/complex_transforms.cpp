@@ -1,6 +1,6 @@
 // The complex transforms: checks, work buffer, choice of the path.
-#include "sigfft/fixed.h"
-#include "sigfft/paths.h"
+#include "sigfft/arrays/memory.h"
+#include "sigfft/dispatch.h"
 
 namespace qkr::sigfft {
 namespace {
@@ -11,23 +11,16 @@ template <EntrySet set, bool forward, class T, class... Arrays>
 zprStatus run(int32_t id, const void *opaque, uint8_t *work, Arrays... arrays) {
   const auto plan = (const Plan<T> *)opaque;
   if (!plan) return zprStsNullPtrErr;
-  if (plan->id != id) return zprStsContextMatchErr;
+  if (!is_of<set>(plan, id)) return zprStsContextMatchErr;
   if ((!arrays || ...)) return zprStsNullPtrErr;
   if (plan->order <= largest_fixed_order) {
-    const FixedCode<T> &code = fixed_code<T>;
-    const auto call = [&](auto plain, auto normalised) {
-      const bool norm = forward ? plan->fwdNorm : plan->invNorm;
-      (norm ? normalised : plain)[plan->order](arrays..., plan->normFactor);
-    };
+    const bool norm = forward ? plan->forward_norm : plan->inverse_norm;
     if constexpr (sizeof...(arrays) == 2)
-      forward ? call(code.tbl_cFFTfwd_small, code.tbl_cFFTfwd_norm_small)
-              : call(code.tbl_cFFTinv_small, code.tbl_cFFTinv_norm_small);
-    else
-      forward ? call(code.tbl_crFFTfwd_small, code.tbl_crFFTfwd_norm_small)
-              : call(code.tbl_crFFTinv_small, code.tbl_crFFTinv_norm_small);
+      fixed_code<T>.complex[forward][norm][plan->order](arrays..., plan->norm_factor);
+    else fixed_code<T>.split[forward][norm][plan->order](arrays..., plan->norm_factor);
     return zprStsNoErr;
   }
-  const WorkBuffer<T> buffer(plan, work);
+  const WorkBuffer<T> buffer(plan->work_bytes, work);
   if (buffer.failed) return zprStsMemAllocErr;
   transform<set, forward>(plan, arrays..., plan->order, buffer.start);
   return zprStsNoErr;
@@ -36,29 +29,36 @@ zprStatus run(int32_t id, const void *opaque, uint8_t *work, Arrays... arrays) {
 }  // namespace
 }  // namespace qkr::sigfft
 
-#define QKR_COMPLEX(prefix, set, direction, forward, T, p)                                                   \
-  zprStatus prefix##zprsFFT##direction##_CToC_##p##fc(const zpr##p##fc *src, zpr##p##fc *dst,                \
-                                                      const zprsFFTSpec_C_##p##fc *plan, uint8_t *work) {    \
-    using namespace qkr::sigfft;                                                                             \
+using namespace qkr::sigfft;
+
+#define QKR_COMPLEX(set, forward, T, p, name, in_place)                                                      \
+  zprStatus name(const zpr##p##fc *src, zpr##p##fc *dst, const zprsFFTSpec_C_##p##fc *plan, uint8_t *work) { \
     return run<EntrySet::set, forward, T>(id_C_##p##fc, plan, work, (const T *)src, (T *)dst);               \
   }                                                                                                          \
-  zprStatus prefix##zprsFFT##direction##_CToC_##p##fc_I(zpr##p##fc *data, const zprsFFTSpec_C_##p##fc *plan, \
-                                                        uint8_t *work) {                                     \
-    return prefix##zprsFFT##direction##_CToC_##p##fc(data, data, plan, work);                                \
-  }                                                                                                          \
-  zprStatus prefix##zprsFFT##direction##_CToC_##p##f(const T *src_re, const T *src_im, T *dst_re, T *dst_im, \
-                                                     const zprsFFTSpec_C_##p##f *plan, uint8_t *work) {      \
-    using namespace qkr::sigfft;                                                                             \
-    return run<EntrySet::set, forward, T>(id_C_##p##f, plan, work, src_re, src_im, dst_re, dst_im);          \
-  }                                                                                                          \
-  zprStatus prefix##zprsFFT##direction##_CToC_##p##f_I(T *data_re, T *data_im,                               \
-                                                       const zprsFFTSpec_C_##p##f *plan, uint8_t *work) {    \
-    return prefix##zprsFFT##direction##_CToC_##p##f(data_re, data_im, data_re, data_im, plan, work);         \
+  zprStatus in_place(zpr##p##fc *data, const zprsFFTSpec_C_##p##fc *plan, uint8_t *work) {                   \
+    return name(data, data, plan, work);                                                                     \
   }
-#define QKR_COMPLEX_SET(prefix, set)               \
-  QKR_COMPLEX(prefix, set, Fwd, true, double, 64)  \
-  QKR_COMPLEX(prefix, set, Inv, false, double, 64) \
-  QKR_COMPLEX(prefix, set, Fwd, true, float, 32)   \
-  QKR_COMPLEX(prefix, set, Inv, false, float, 32)
-QKR_COMPLEX_SET(w6_, w6)
-QKR_COMPLEX_SET(, plain)
+#define QKR_SPLIT(set, forward, T, p, name, in_place)                                                      \
+  zprStatus name(const T *src_re, const T *src_im, T *dst_re, T *dst_im, const zprsFFTSpec_C_##p##f *plan, \
+                 uint8_t *work) {                                                                          \
+    return run<EntrySet::set, forward, T>(id_C_##p##f, plan, work, src_re, src_im, dst_re, dst_im);        \
+  }                                                                                                        \
+  zprStatus in_place(T *data_re, T *data_im, const zprsFFTSpec_C_##p##f *plan, uint8_t *work) {            \
+    return name(data_re, data_im, data_re, data_im, plan, work);                                           \
+  }
+QKR_COMPLEX(w6, true, double, 64, w6_zprsFFTFwd_CToC_64fc, w6_zprsFFTFwd_CToC_64fc_I)
+QKR_SPLIT(w6, true, double, 64, w6_zprsFFTFwd_CToC_64f, w6_zprsFFTFwd_CToC_64f_I)
+QKR_COMPLEX(w6, false, double, 64, w6_zprsFFTInv_CToC_64fc, w6_zprsFFTInv_CToC_64fc_I)
+QKR_SPLIT(w6, false, double, 64, w6_zprsFFTInv_CToC_64f, w6_zprsFFTInv_CToC_64f_I)
+QKR_COMPLEX(w6, true, float, 32, w6_zprsFFTFwd_CToC_32fc, w6_zprsFFTFwd_CToC_32fc_I)
+QKR_SPLIT(w6, true, float, 32, w6_zprsFFTFwd_CToC_32f, w6_zprsFFTFwd_CToC_32f_I)
+QKR_COMPLEX(w6, false, float, 32, w6_zprsFFTInv_CToC_32fc, w6_zprsFFTInv_CToC_32fc_I)
+QKR_SPLIT(w6, false, float, 32, w6_zprsFFTInv_CToC_32f, w6_zprsFFTInv_CToC_32f_I)
+QKR_COMPLEX(plain, true, double, 64, zprsFFTFwd_CToC_64fc, zprsFFTFwd_CToC_64fc_I)
+QKR_SPLIT(plain, true, double, 64, zprsFFTFwd_CToC_64f, zprsFFTFwd_CToC_64f_I)
+QKR_COMPLEX(plain, false, double, 64, zprsFFTInv_CToC_64fc, zprsFFTInv_CToC_64fc_I)
+QKR_SPLIT(plain, false, double, 64, zprsFFTInv_CToC_64f, zprsFFTInv_CToC_64f_I)
+QKR_COMPLEX(plain, true, float, 32, zprsFFTFwd_CToC_32fc, zprsFFTFwd_CToC_32fc_I)
+QKR_SPLIT(plain, true, float, 32, zprsFFTFwd_CToC_32f, zprsFFTFwd_CToC_32f_I)
+QKR_COMPLEX(plain, false, float, 32, zprsFFTInv_CToC_32fc, zprsFFTInv_CToC_32fc_I)
+QKR_SPLIT(plain, false, float, 32, zprsFFTInv_CToC_32f, zprsFFTInv_CToC_32f_I)

@@ -1,7 +1,8 @@
 // The real transforms: checks, the complex transform of half the length, recombination, formats.
 #include <string.h>
 
-#include "sigfft/paths.h"
+#include "sigfft/arrays/memory.h"
+#include "sigfft/dispatch.h"
 
 namespace qkr::sigfft {
 namespace {
@@ -14,11 +15,11 @@ struct RealKernels {
   void (*recombine_inverse)(const T *src, T *dst, int32_t half, int32_t direction, const T *table);
   void (*sixteen[2])(const Plan<T> *plan, const T *src, T *dst, int32_t last);  // inverse, forward
 };
-#define QKR_REAL_KERNELS(prefix, suffix)                                         \
-  {                                                                              \
-    prefix##zprs_cRealRecombine_##suffix, prefix##zprs_cCcsRecombine_##suffix, { \
-      prefix##zprs_rFFTInv_16_##suffix, prefix##zprs_rFFTFwd_16_##suffix         \
-    }                                                                            \
+#define QKR_REAL_KERNELS(prefix, suffix)                                      \
+  {                                                                           \
+    prefix##zprs_recombineFwd_##suffix, prefix##zprs_recombineInv_##suffix, { \
+      prefix##zprs_sixteenInv_##suffix, prefix##zprs_sixteenFwd_##suffix      \
+    }                                                                         \
   }
 template <EntrySet set, class T>
 constexpr RealKernels<T> real_kernels;
@@ -68,22 +69,19 @@ void to_perm(const T *src, T *dst, size_t n) {
 
 template <EntrySet set, Format format, class T>
 void forward_transform(const Plan<T> *plan, const T *src, T *dst, T *work) {
-  const FixedCode<T> &code = fixed_code<T>;
   const size_t n = size_t{1} << plan->order;
   if (plan->order <= largest_fixed_order) {
-    (plan->fwdNorm ? code.tbl_rFFTfwd_norm_small : code.tbl_rFFTfwd_small)[plan->order](src, dst,
-                                                                                        plan->normFactor);
+    fixed_code<T>.real[true][plan->forward_norm][plan->order](src, dst, plan->norm_factor);
   } else {
     transform<set, true>(plan, src, dst, plan->order - 1, work);
     butterfly(dst[0], dst[1], dst);
-    real_kernels<set, T>.recombine(dst, (int32_t)(n / 2), 1, plan->realRecTable);
+    real_kernels<set, T>.recombine(dst, (int32_t)(n / 2), 1, plan->forward_real);
   }
   from_perm<format>(dst, n);
 }
 
 template <EntrySet set, Format format, class T>
 void inverse_transform(const Plan<T> *plan, const T *src, T *dst, T *work) {
-  const FixedCode<T> &code = fixed_code<T>;
   const size_t n = size_t{1} << plan->order;
   const bool fixed = plan->order <= largest_fixed_order;
   if (format == Format::Pack || (fixed && format == Format::CCS)) {
@@ -91,12 +89,10 @@ void inverse_transform(const Plan<T> *plan, const T *src, T *dst, T *work) {
     src = dst;
   }
   if (fixed) {
-    (plan->invNorm ? code.tbl_rFFTinv_norm_small : code.tbl_rFFTinv_small)[plan->order](src, dst,
-                                                                                        plan->normFactor);
-    return;
+    return fixed_code<T>.real[false][plan->inverse_norm][plan->order](src, dst, plan->norm_factor);
   }
   butterfly(src[0], src[format == Format::CCS ? n : 1], dst);
-  real_kernels<set, T>.recombine_inverse(src, dst, (int32_t)(n / 2), -1, plan->ccsRecTable);
+  real_kernels<set, T>.recombine_inverse(src, dst, (int32_t)(n / 2), -1, plan->inverse_real);
   transform<set, false>(plan, dst, dst, plan->order - 1, work);
 }
 
@@ -104,13 +100,13 @@ template <EntrySet set, bool forward, Format format, class T>
 zprStatus run(int32_t id, const void *opaque, const T *src, T *dst, uint8_t *work) {
   const auto plan = (const Plan<T> *)opaque;
   if (!plan) return zprStsNullPtrErr;
-  if (plan->id != id) return zprStsContextMatchErr;
+  if (!is_of<set>(plan, id)) return zprStsContextMatchErr;
   if (!src || !dst) return zprStsNullPtrErr;
   if (plan->order == 4) {
     real_kernels<set, T>.sixteen[forward](plan, src, dst, (int32_t)last_place(format, 16));
     return zprStsNoErr;
   }
-  const WorkBuffer<T> buffer(plan, work);
+  const WorkBuffer<T> buffer(plan->work_bytes, work);
   if (buffer.failed) return zprStsMemAllocErr;
   if constexpr (forward) forward_transform<set, format>(plan, src, dst, buffer.start);
   else inverse_transform<set, format>(plan, src, dst, buffer.start);
@@ -120,23 +116,36 @@ zprStatus run(int32_t id, const void *opaque, const T *src, T *dst, uint8_t *wor
 }  // namespace
 }  // namespace qkr::sigfft
 
-#define QKR_REAL(prefix, set, name, forward, format, T, p)                                               \
-  zprStatus prefix##zprsFFT##name##_##p##f(const T *src, T *dst, const zprsFFTSpec_R_##p##f *plan,       \
-                                           uint8_t *work) {                                              \
-    using namespace qkr::sigfft;                                                                         \
-    return run<EntrySet::set, forward, Format::format>(id_R_##p##f, plan, src, dst, work);               \
-  }                                                                                                      \
-  zprStatus prefix##zprsFFT##name##_##p##f_I(T *data, const zprsFFTSpec_R_##p##f *plan, uint8_t *work) { \
-    return prefix##zprsFFT##name##_##p##f(data, data, plan, work);                                       \
+using namespace qkr::sigfft;
+
+#define QKR_REAL(set, forward, format, T, p, name, in_place)                               \
+  zprStatus name(const T *src, T *dst, const zprsFFTSpec_R_##p##f *plan, uint8_t *work) {  \
+    return run<EntrySet::set, forward, Format::format>(id_R_##p##f, plan, src, dst, work); \
+  }                                                                                        \
+  zprStatus in_place(T *data, const zprsFFTSpec_R_##p##f *plan, uint8_t *work) {           \
+    return name(data, data, plan, work);                                                   \
   }
-#define QKR_REAL_FORMATS(prefix, set, T, p)             \
-  QKR_REAL(prefix, set, Fwd_RToPerm, true, Perm, T, p)  \
-  QKR_REAL(prefix, set, Fwd_RToPack, true, Pack, T, p)  \
-  QKR_REAL(prefix, set, Fwd_RToCCS, true, CCS, T, p)    \
-  QKR_REAL(prefix, set, Inv_PermToR, false, Perm, T, p) \
-  QKR_REAL(prefix, set, Inv_PackToR, false, Pack, T, p) \
-  QKR_REAL(prefix, set, Inv_CCSToR, false, CCS, T, p)
-QKR_REAL_FORMATS(w6_, w6, double, 64)
-QKR_REAL_FORMATS(w6_, w6, float, 32)
-QKR_REAL_FORMATS(, plain, double, 64)
-QKR_REAL_FORMATS(, plain, float, 32)
+QKR_REAL(w6, true, Perm, double, 64, w6_zprsFFTFwd_RToPerm_64f, w6_zprsFFTFwd_RToPerm_64f_I)
+QKR_REAL(w6, true, Pack, double, 64, w6_zprsFFTFwd_RToPack_64f, w6_zprsFFTFwd_RToPack_64f_I)
+QKR_REAL(w6, true, CCS, double, 64, w6_zprsFFTFwd_RToCCS_64f, w6_zprsFFTFwd_RToCCS_64f_I)
+QKR_REAL(w6, false, Perm, double, 64, w6_zprsFFTInv_PermToR_64f, w6_zprsFFTInv_PermToR_64f_I)
+QKR_REAL(w6, false, Pack, double, 64, w6_zprsFFTInv_PackToR_64f, w6_zprsFFTInv_PackToR_64f_I)
+QKR_REAL(w6, false, CCS, double, 64, w6_zprsFFTInv_CCSToR_64f, w6_zprsFFTInv_CCSToR_64f_I)
+QKR_REAL(w6, true, Perm, float, 32, w6_zprsFFTFwd_RToPerm_32f, w6_zprsFFTFwd_RToPerm_32f_I)
+QKR_REAL(w6, true, Pack, float, 32, w6_zprsFFTFwd_RToPack_32f, w6_zprsFFTFwd_RToPack_32f_I)
+QKR_REAL(w6, true, CCS, float, 32, w6_zprsFFTFwd_RToCCS_32f, w6_zprsFFTFwd_RToCCS_32f_I)
+QKR_REAL(w6, false, Perm, float, 32, w6_zprsFFTInv_PermToR_32f, w6_zprsFFTInv_PermToR_32f_I)
+QKR_REAL(w6, false, Pack, float, 32, w6_zprsFFTInv_PackToR_32f, w6_zprsFFTInv_PackToR_32f_I)
+QKR_REAL(w6, false, CCS, float, 32, w6_zprsFFTInv_CCSToR_32f, w6_zprsFFTInv_CCSToR_32f_I)
+QKR_REAL(plain, true, Perm, double, 64, zprsFFTFwd_RToPerm_64f, zprsFFTFwd_RToPerm_64f_I)
+QKR_REAL(plain, true, Pack, double, 64, zprsFFTFwd_RToPack_64f, zprsFFTFwd_RToPack_64f_I)
+QKR_REAL(plain, true, CCS, double, 64, zprsFFTFwd_RToCCS_64f, zprsFFTFwd_RToCCS_64f_I)
+QKR_REAL(plain, false, Perm, double, 64, zprsFFTInv_PermToR_64f, zprsFFTInv_PermToR_64f_I)
+QKR_REAL(plain, false, Pack, double, 64, zprsFFTInv_PackToR_64f, zprsFFTInv_PackToR_64f_I)
+QKR_REAL(plain, false, CCS, double, 64, zprsFFTInv_CCSToR_64f, zprsFFTInv_CCSToR_64f_I)
+QKR_REAL(plain, true, Perm, float, 32, zprsFFTFwd_RToPerm_32f, zprsFFTFwd_RToPerm_32f_I)
+QKR_REAL(plain, true, Pack, float, 32, zprsFFTFwd_RToPack_32f, zprsFFTFwd_RToPack_32f_I)
+QKR_REAL(plain, true, CCS, float, 32, zprsFFTFwd_RToCCS_32f, zprsFFTFwd_RToCCS_32f_I)
+QKR_REAL(plain, false, Perm, float, 32, zprsFFTInv_PermToR_32f, zprsFFTInv_PermToR_32f_I)
+QKR_REAL(plain, false, Pack, float, 32, zprsFFTInv_PackToR_32f, zprsFFTInv_PackToR_32f_I)
+QKR_REAL(plain, false, CCS, float, 32, zprsFFTInv_CCSToR_32f, zprsFFTInv_CCSToR_32f_I)

@@ -26,6 +26,7 @@
 
 #define QKR_INLINE inline __attribute__((always_inline))
 #define QKR_NOINLINE __attribute__((noinline))
+#define QKR_LAMBDA __attribute__((always_inline))  // behind the parameters of a lambda
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {

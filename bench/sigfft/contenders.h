@@ -44,8 +44,8 @@ Transform ours(const Form &form, int order, Arrays<T> a) {
     case tests::interleaved:
       if (form.in_place) return with([=, run = f.complex_in_place[1]](auto p, auto w) { run(a.dst, p, w); });
       return with([=, run = f.complex[1]](auto p, auto w) { run(a.src, a.dst, p, w); });
-    case tests::separate:
-      return with([=, run = f.parts[1]](auto p, auto w) { run(a.src, a.src + n, a.dst, a.dst + n, p, w); });
+    case tests::split:
+      return with([=, run = f.split[1]](auto p, auto w) { run(a.src, a.src + n, a.dst, a.dst + n, p, w); });
     default:
       if (form.in_place)
         return with([=, run = f.real_in_place[1][tests::ccs]](auto p, auto w) { run(a.dst, p, w); });
@@ -60,7 +60,7 @@ Transform ours(const Form &form, int order, Arrays<T> a) {
     prefix##_plan plan;                                                                                  \
     if (form.kind == tests::interleaved) {                                                               \
       plan = prefix##_plan_dft_1d(n, src, dst, FFTW_FORWARD, effort);                                    \
-    } else if (form.kind == tests::separate) {                                                           \
+    } else if (form.kind == tests::split) {                                                              \
       const fftw_iodim dimension = {n, 1, 1};                                                            \
       plan = prefix##_plan_guru_split_dft(1, &dimension, 0, nullptr, a.src, a.src + n, a.dst, a.dst + n, \
                                           effort);                                                       \
@@ -85,7 +85,7 @@ inline Transform kissfft(const Form &, int, Arrays<double>) { return nullptr; }
 inline Transform kissfft([[maybe_unused]] const Form &form, [[maybe_unused]] int order,
                          [[maybe_unused]] Arrays<float> a) {
 #ifdef QKR_BENCH_KISSFFT
-  if (form.in_place || form.kind == tests::separate) return nullptr;
+  if (form.in_place || form.kind == tests::split) return nullptr;
   const auto make = [&](auto plan, auto run) -> Transform {
     const std::shared_ptr<void> kept(plan, free);
     return [=] { run((decltype(plan))kept.get()); };

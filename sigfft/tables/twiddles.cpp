@@ -3,7 +3,7 @@
 
 namespace qkr::sigfft {
 
-alignas(64) const double fft_fix_twiddle_table[256] = {
+alignas(64) const double quarter_wave[256] = {
     0.0, 0x1.921f0fe670071p-8, 0x1.921d1fcdec784p-7, 0x1.2d936bbe30efdp-6,
     0x1.92155f7a3667ep-6, 0x1.f693731d1cf01p-6, 0x1.2d865759455cdp-5, 0x1.5fc00d290cd43p-5,
     0x1.91f65f10dd814p-5, 0x1.c428d12c0d7e3p-5, 0x1.f656e79f820ep-5, 0x1.1440134d709b3p-4,

@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 #include <vector>
 
-#include "sigfft/block.h"
-#include "sigfft/cache_size.h"
+#include "sigfft/arrays/block.h"
+#include "sigfft/arrays/cache_size.h"
 #include "tests/support/levels.h"
 
 namespace qkr::tests {
@@ -202,7 +202,7 @@ TEST(CacheSize, LargestDescriptorThatIsReportedWins) {
   for (const Row &row : rows) EXPECT_EQ(sigfft::size_of_descriptors(row.registers), row.size);
 
   size_t pairs = 0;
-  for (const uint8_t *row = TableCacheSize; *row; row += 2) {
+  for (const uint8_t *row = cache_descriptors; *row; row += 2) {
     const int32_t size = (row[1] >> 4) << ((row[1] & 15) + 18);
     EXPECT_EQ(sigfft::size_of_descriptors({1u | (uint32_t)row[0] << 8, 0, 0, 0}), size);
     ++pairs;

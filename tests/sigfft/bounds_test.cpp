@@ -45,18 +45,18 @@ TYPED_TEST(Bounds, OfComplexTransforms) {
           EXPECT_NEAR(dst.data()[0], 1, 1e-6);
         }
       };
-      const auto check_separate = [&](Edge edge, const void *plan, uint8_t *work) {
+      const auto check_split = [&](Edge edge, const void *plan, uint8_t *work) {
         Guarded<T> re(n, edge), im(n, edge), to_re(n, edge), to_im(n, edge);
         re.data()[0] = 1;
         for (const bool forward : {false, true}) {
-          EXPECT_EQ(f.parts[forward](re.data(), im.data(), to_re.data(), to_im.data(), plan, work),
+          EXPECT_EQ(f.split[forward](re.data(), im.data(), to_re.data(), to_im.data(), plan, work),
                     zprStsNoErr);
-          EXPECT_EQ(f.parts_in_place[forward](to_re.data(), to_im.data(), plan, work), zprStsNoErr);
+          EXPECT_EQ(f.split_in_place[forward](to_re.data(), to_im.data(), plan, work), zprStsNoErr);
           EXPECT_NEAR(to_re.data()[0], 1, 1e-6);
         }
       };
       for_each_edge(f, interleaved, order, check_interleaved);
-      for_each_edge(f, separate, order, check_separate);
+      for_each_edge(f, split, order, check_split);
     }
 }
 

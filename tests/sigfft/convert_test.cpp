@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "sigfft/byte_values.h"
+#include "sigfft/arrays/byte_values.h"
 #include "tests/support/levels.h"
 
 namespace qkr::tests {
@@ -171,7 +171,7 @@ TEST(Convert, IntegersToFloatingPoint) {
     check_from_integers(zprsConvert_32s32f, numbers, "32s32f");
   }
   fesetround(FE_TONEAREST);
-  for (int i = -128; i < 256; ++i) EXPECT_EQ(owntablIntToFloat[i], (float)i);
+  for (int i = -128; i < 256; ++i) EXPECT_EQ(byte_values[i], (float)i);
 }
 
 // Half precision by its definition.

@@ -36,8 +36,8 @@ To as(From f) {
     name, {QKR_PLAN_ROW(prefix, C_##p##fc), QKR_PLAN_ROW(prefix, C_##p##f), QKR_PLAN_ROW(prefix, R_##p##f)}, \
         QKR_BOTH(Functions<T>::Out, prefix, CToC_##p##fc),                                                   \
         QKR_BOTH(Functions<T>::In, prefix, CToC_##p##fc_I),                                                  \
-        QKR_BOTH(Functions<T>::SeparateOut, prefix, CToC_##p##f),                                            \
-        QKR_BOTH(Functions<T>::SeparateIn, prefix, CToC_##p##f_I),                                           \
+        QKR_BOTH(Functions<T>::SplitOut, prefix, CToC_##p##f),                                               \
+        QKR_BOTH(Functions<T>::SplitIn, prefix, CToC_##p##f_I),                                              \
         QKR_FORMATS(Functions<T>::Out, prefix, p, f), QKR_FORMATS(Functions<T>::In, prefix, p, f_I)          \
   }
 

@@ -7,9 +7,9 @@
 
 namespace qkr::tests {
 
-enum Kind { interleaved, separate, real, kinds };
+enum Kind { interleaved, split, real, kinds };
 enum Format { perm, pack, ccs, formats };
-constexpr const char *kind_names[] = {"interleaved", "separate", "real"};
+constexpr const char *kind_names[] = {"interleaved", "split", "real"};
 
 struct PlanFunctions {
   zprStatus (*get_size)(int32_t order, int32_t flag, int32_t hint, int32_t *spec, int32_t *init,
@@ -24,17 +24,17 @@ template <class T>
 struct Functions {
   using Out = zprStatus (*)(const T *src, T *dst, const void *plan, uint8_t *work);
   using In = zprStatus (*)(T *data, const void *plan, uint8_t *work);
-  using SeparateOut = zprStatus (*)(const T *src_re, const T *src_im, T *dst_re, T *dst_im, const void *plan,
-                                    uint8_t *work);
-  using SeparateIn = zprStatus (*)(T *data_re, T *data_im, const void *plan, uint8_t *work);
+  using SplitOut = zprStatus (*)(const T *src_re, const T *src_im, T *dst_re, T *dst_im, const void *plan,
+                                 uint8_t *work);
+  using SplitIn = zprStatus (*)(T *data_re, T *data_im, const void *plan, uint8_t *work);
 
   const char *name;
   PlanFunctions plan[kinds];
   // Indexed by direction: 0 inverse, 1 forward.
   Out complex[2];
   In complex_in_place[2];
-  SeparateOut parts[2];
-  SeparateIn parts_in_place[2];
+  SplitOut split[2];
+  SplitIn split_in_place[2];
   Out real[2][formats];
   In real_in_place[2][formats];
 };
@@ -76,17 +76,17 @@ std::vector<T> signal(size_t count, unsigned seed = 1) {
 }
 
 template <class T>
-struct PartArrays {
+struct SplitArrays {
   std::vector<T> re, im;
 };
 template <class T>
-PartArrays<T> apart(const std::vector<T> &x) {
-  PartArrays<T> parts;
+SplitArrays<T> apart(const std::vector<T> &x) {
+  SplitArrays<T> parts;
   for (size_t i = 0; i < x.size(); i += 2) parts.re.push_back(x[i]), parts.im.push_back(x[i + 1]);
   return parts;
 }
 template <class T>
-std::vector<T> together(const PartArrays<T> &parts) {
+std::vector<T> together(const SplitArrays<T> &parts) {
   std::vector<T> x;
   for (size_t i = 0; i < parts.re.size(); ++i) x.push_back(parts.re[i]), x.push_back(parts.im[i]);
   return x;

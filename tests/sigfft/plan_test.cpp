@@ -4,7 +4,7 @@
 #include <stdlib.h>
 
 #include "engines.h"
-#include "sigfft/layout.h"
+#include "sigfft/plan/decomposition.h"
 
 // The linker sends the library's requests here: the one that `requests_until_failure` counts down to fails.
 // Each thread counts its own.
@@ -103,7 +103,7 @@ TYPED_TEST(Plans, HaveTheirSizes) {
 TYPED_TEST(Plans, FitIntoTheCallersMemory) {
   using T = TypeParam;
   for (const auto &f : functions<T>)
-    for (const Kind kind : {interleaved, separate, real})
+    for (const Kind kind : {interleaved, split, real})
       for (const int order : {0, 3, 4, 5, 9, 10, 11, 13, 15, 17, 19})
         for (const size_t offset : {15, 0, 1}) {
           if (offset != 15 && order > 13) continue;
@@ -129,9 +129,9 @@ TYPED_TEST(Plans, FitIntoTheCallersMemory) {
           if (kind == interleaved) {
             f.complex_in_place[true](a.data(), plan, buffer.data()),
                 f.complex_in_place[true](b.data(), own, nullptr);
-          } else if (kind == separate) {
-            f.parts_in_place[true](a.data(), a2.data(), plan, buffer.data());
-            f.parts_in_place[true](b.data(), b2.data(), own, nullptr);
+          } else if (kind == split) {
+            f.split_in_place[true](a.data(), a2.data(), plan, buffer.data());
+            f.split_in_place[true](b.data(), b2.data(), own, nullptr);
           } else {
             f.real_in_place[true][perm](a.data(), plan, buffer.data());
             f.real_in_place[false][perm](a.data(), plan, buffer.data());
@@ -147,7 +147,7 @@ TYPED_TEST(Plans, FitIntoTheCallersMemory) {
 TYPED_TEST(Plans, ChecksHaveAnOrder) {
   using T = TypeParam;
   for (const auto &f : functions<T>)
-    for (const Kind kind : {interleaved, separate, real}) {
+    for (const Kind kind : {interleaved, split, real}) {
       const PlanFunctions &p = f.plan[kind];
       SCOPED_TRACE(testing::Message() << f.name << ' ' << kind_names[kind]);
       int32_t size = 77;

@@ -8,8 +8,8 @@
 #include <thread>
 
 #include "engines.h"
-#include "sigfft/kernels.h"
-#include "sigfft/tables.h"
+#include "sigfft/plan/plan_tables.h"
+#include "sigfft/routes/kernels.h"
 #include "tests/support/levels.h"
 
 namespace qkr::tests {
@@ -61,7 +61,7 @@ void complex_forms_give_the_same_bits(int first_order, int last_order) {
       for (const bool forward : {false, true}) {
         const size_t n = size_t{1} << order;
         const auto x = signal<T>(2 * n, order);
-        const Plan<T> plan(f, interleaved, order, 4), parts_plan(f, separate, order, 4);
+        const Plan<T> plan(f, interleaved, order, 4), split_plan(f, split, order, 4);
         auto work = work_buffer(f, interleaved, plan);
         uint8_t *const given = work.data() + 1;
         std::vector<T> expected;
@@ -79,18 +79,18 @@ void complex_forms_give_the_same_bits(int first_order, int last_order) {
             EXPECT_TRUE(same_bits(src.data(), expected.data(), 2 * n)) << "in place, offset " << offset;
           }
           auto parts = apart(x), out = apart(std::vector<T>(2 * n));
-          ASSERT_EQ(f.parts[forward](parts.re.data(), parts.im.data(), out.re.data(), out.im.data(),
-                                     parts_plan, given),
+          ASSERT_EQ(f.split[forward](parts.re.data(), parts.im.data(), out.re.data(), out.im.data(),
+                                     split_plan, given),
                     zprStsNoErr);
           EXPECT_TRUE(same_bits(together(out).data(), expected.data(), 2 * n)) << "parts";
-          ASSERT_EQ(f.parts[forward](parts.re.data(), parts.im.data(), parts.re.data(), out.im.data(),
-                                     parts_plan, given),
+          ASSERT_EQ(f.split[forward](parts.re.data(), parts.im.data(), parts.re.data(), out.im.data(),
+                                     split_plan, given),
                     zprStsNoErr);
           EXPECT_TRUE(same_bits(parts.re.data(), out.re.data(), n) &&
                       same_bits(out.im.data(), apart(expected).im.data(), n))
               << "real parts in place";
           parts = apart(x);
-          ASSERT_EQ(f.parts_in_place[forward](parts.re.data(), parts.im.data(), parts_plan, nullptr),
+          ASSERT_EQ(f.split_in_place[forward](parts.re.data(), parts.im.data(), split_plan, nullptr),
                     zprStsNoErr);
           EXPECT_TRUE(same_bits(together(parts).data(), expected.data(), 2 * n)) << "parts in place";
         });
@@ -215,19 +215,19 @@ TYPED_TEST(Transforms, NormalisationIsThatOfTheFlag) {
 TYPED_TEST(Transforms, ChecksComeFirst) {
   using T = TypeParam;
   for (const auto &f : functions<T>) {
-    const Plan<T> complex_plan(f, interleaved, 5), parts_plan(f, separate, 5), real_plan(f, real, 5);
+    const Plan<T> complex_plan(f, interleaved, 5), split_plan(f, split, 5), real_plan(f, real, 5);
     std::vector<T> a(66, T(1)), b(66, T(2)), c(66, T(3));
     T *const none = nullptr;
     for (const bool forward : {false, true}) {
       EXPECT_EQ(f.complex[forward](none, b.data(), nullptr, nullptr), zprStsNullPtrErr);
-      EXPECT_EQ(f.complex[forward](none, b.data(), parts_plan, nullptr), zprStsContextMatchErr);
+      EXPECT_EQ(f.complex[forward](none, b.data(), split_plan, nullptr), zprStsContextMatchErr);
       EXPECT_EQ(f.complex[forward](none, b.data(), complex_plan, nullptr), zprStsNullPtrErr);
       EXPECT_EQ(f.complex[forward](a.data(), none, complex_plan, nullptr), zprStsNullPtrErr);
       EXPECT_EQ(f.complex_in_place[forward](a.data(), real_plan, nullptr), zprStsContextMatchErr);
-      EXPECT_EQ(f.parts[forward](a.data(), none, b.data(), c.data(), complex_plan, nullptr),
+      EXPECT_EQ(f.split[forward](a.data(), none, b.data(), c.data(), complex_plan, nullptr),
                 zprStsContextMatchErr);
-      EXPECT_EQ(f.parts[forward](a.data(), none, b.data(), c.data(), parts_plan, nullptr), zprStsNullPtrErr);
-      EXPECT_EQ(f.parts[forward](a.data(), a.data(), b.data(), none, parts_plan, nullptr), zprStsNullPtrErr);
+      EXPECT_EQ(f.split[forward](a.data(), none, b.data(), c.data(), split_plan, nullptr), zprStsNullPtrErr);
+      EXPECT_EQ(f.split[forward](a.data(), a.data(), b.data(), none, split_plan, nullptr), zprStsNullPtrErr);
       for (const Format format : {perm, pack, ccs}) {
         EXPECT_EQ(f.real[forward][format](a.data(), none, nullptr, nullptr), zprStsNullPtrErr);
         EXPECT_EQ(f.real[forward][format](none, b.data(), complex_plan, nullptr), zprStsContextMatchErr);

@@ -6,5 +6,5 @@ from gmpy2 import const_pi, sin
 from table_file import Table, main, to_double
 
 main("twiddles", [
-    Table("sigfft", "double", "fft_fix_twiddle_table", [to_double(sin(2 * const_pi() * i / 1024)) for i in range(256)]),
+    Table("sigfft", "double", "quarter_wave", [to_double(sin(2 * const_pi() * i / 1024)) for i in range(256)]),
 ], room="sigfft")

@@ -1,0 +1,38 @@
+// Tables of the bit reversal.
+#include "sigfft/plan/plan_tables.h"
+
+namespace qkr::sigfft {
+
+uint32_t *fill_reversal(int order, uint32_t *table) {
+  if (order < 2) return table;
+  const size_t quarter = size_t{1} << (order - 2);
+  ReversedCounter reversed(order - 2);
+  for (size_t j = 0; j < quarter; ++j, reversed.next()) table[j] = (uint32_t)(2 * reversed.value());
+  table[quarter] = 0;
+  return align16(table + quarter + 1);
+}
+
+uint32_t *fill_reversal_pairs(int order, uint32_t *table) {
+  if (order < 2) return table;
+  const size_t quarter = size_t{1} << (order - 2);
+  size_t front = 0, back = quarter;
+  ReversedCounter reversed(order - 2);
+  for (size_t j = 1; j < quarter; ++j) {
+    reversed.next();
+    const size_t r = reversed.value();
+    if (j < r) table[front++] = (uint32_t)(4 * j), table[front++] = (uint32_t)(4 * r);
+    else if (j == r) table[--back] = (uint32_t)(4 * j);
+  }
+  table[front] = 0;  // the one place between the pairs and those that stay
+  table[quarter] = 0;
+  return align16(table + quarter + 1);
+}
+
+uint32_t *fill_reversal_tiles(int order, int bits, uint32_t *table) {
+  const size_t groups = size_t{1} << (order - 2 * bits);
+  ReversedCounter reversed(order - 2 * bits);
+  for (size_t j = 0; j < groups; ++j, reversed.next()) table[j] = (uint32_t)(reversed.value() << bits);
+  return fill_reversal_pairs(2 * bits, table + groups);
+}
+
+}  // namespace qkr::sigfft

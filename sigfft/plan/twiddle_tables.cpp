@@ -1,0 +1,156 @@
+// Twiddle tables, each in the order in which the passes read it, so that they read it straight forward.
+#include "sigfft/plan/plan_tables.h"
+
+namespace qkr::sigfft {
+namespace {
+
+// The twiddles of the columns k to k + group - 1 of one radix-2^bits butterfly: for each multiple m from 1 up
+// the cosines of m k, and then the negated sines.
+template <class T>
+T *append_group(T *table, const Circle<T> &circle, int bits, size_t k) {
+  for (size_t m = 1; m < size_t{1} << bits; ++m, table += 2 * group<T>)
+    for (int g = 0; g < group<T>; ++g) {
+      const auto w = circle[m * (k + g)];
+      table[g] = w.re, table[g + group<T>] = w.im;
+    }
+  return table;
+}
+
+// exp(-2 pi i k / n) as a number of the plain set's tables.
+template <class T>
+T *append_pair(T *table, const Circle<T> &circle, size_t k) {
+  const auto w = circle[k];
+  *table++ = w.re, *table++ = w.im;
+  return table;
+}
+
+template <class T>
+T *fill_passes(int order, const T *base, int base_order, T *table) {
+  const Passes passes = staged_passes<T>(order);
+  T *t = table;
+  for (int p = 1, done = passes.bits[0]; p < passes.count; ++p) {
+    const int bits = passes.bits[p];
+    const Circle<T> circle = {base, base_order, done + bits};
+    for (size_t k = 0; k < size_t{1} << done; k += group<T>) t = append_group(t, circle, bits, k);
+    done += bits;
+  }
+  return align16(table + (size_t{2} << order));
+}
+
+// Rows of the twiddles of k, 2 k and 3 k, which the radix-4 passes step through.
+template <class T>
+T *fill_rows(int order, const T *base, int base_order, T *table) {
+  const size_t quarter = size_t{1} << (order - 2);
+  const Circle<T> circle = {base, base_order, order};
+  for (size_t k = 0; k <= quarter; ++k)
+    for (size_t m = 1; m <= 3; ++m) table = append_pair(table, circle, m * k);
+  return align16(table);
+}
+
+template <class T>
+void fill_columns(Plan<T> &plan, int order, const T *base, int base_order, int level, T *&table) {
+  const Blocking blocking = w6_blocking<T>(order);
+  const int block_order = order - blocking.blocks;
+  if (block_order <= largest_staged_order<EntrySet::w6, T>) {
+    plan.twiddles = table;
+    table = fill_passes(block_order, base, base_order, table);
+  } else {
+    fill_columns(plan, block_order, base, base_order, level + 1, table);
+  }
+  plan.column_twiddles[level] = table;
+  const size_t length = size_t{1} << block_order, together = size_t{1} << (blocking.buffer - blocking.blocks);
+  const Passes passes = column_passes(blocking.blocks);
+  for (size_t column = 0; column < length; column += together)
+    for (int p = 0, done = 0; p < passes.count; done += passes.bits[p++]) {
+      const Circle<T> circle = {base, base_order, block_order + done + passes.bits[p]};
+      for (size_t block = 0; block < size_t{1} << done; ++block)
+        for (size_t k = 0; k < together; k += group<T>)
+          table = append_group(table, circle, passes.bits[p], column + block * length + k);
+    }
+  table = align16(table);
+}
+
+template <class T>
+void fill_plain_blocks(Plan<T> &plan, int order, const T *base, int base_order, int level, T *&table) {
+  constexpr int staged = largest_staged_order<EntrySet::plain, T>;
+  if (order <= staged) {
+    plan.twiddles = table;
+    table = fill_rows(order, base, base_order, table);
+    return;
+  }
+  const int blocks = plain_blocks<T>(order), block_order = order - blocks;
+  if (!blocks) {
+    plan.twiddles = table;
+    plan.merge_twiddles = table = fill_rows(staged, base, base_order, table);
+    const Circle<T> circle = {base, base_order, order};
+    for (size_t k = 0; k < size_t{1} << (order - 2); ++k) table = append_pair(table, circle, k);
+    return;
+  }
+  fill_plain_blocks(plan, block_order, base, base_order, level + 1, table);
+  plan.across_twiddles[level] = table;
+  plan.column_twiddles[level] = table = fill_rows(blocks, base, base_order, table);
+  const Circle<T> circle = {base, base_order, order};
+  constexpr size_t together = 4;
+  for (size_t column = 0; column < size_t{1} << block_order; column += together) {
+    ReversedCounter frequency(blocks);
+    for (size_t block = 0; block < size_t{1} << blocks; ++block, frequency.next())
+      for (size_t k = column; k < column + together; ++k)
+        table = append_pair(table, circle, frequency.value() * k);
+  }
+}
+
+// The first value of a pair of columns k, and the second, in groups or, in the plain set, side by side from k
+// = 0.
+template <EntrySet set, class T, class First, class Second>
+T *fill_real_table(int order, T *table, First first, Second second) {
+  const size_t quarter = size_t{1} << (order - 2);
+  constexpr size_t together = set == EntrySet::w6 ? group<T> : 1;
+  T *t = table;
+  for (size_t k = set == EntrySet::w6; k < quarter; k += together) {
+    for (size_t g = 0; g < together; ++g) *t++ = first(k + g);
+    for (size_t g = 0; g < together; ++g) *t++ = second(k + g);
+  }
+  return align16(table + 2 * quarter);
+}
+
+}  // namespace
+
+template <EntrySet set, class T>
+T *fill_staged_table(int order, const T *base, int base_order, T *table) {
+  if (set == EntrySet::w6 && order <= largest_fixed_order) return table;
+  return set == EntrySet::w6 ? fill_passes(order, base, base_order, table)
+                             : fill_rows(order, base, base_order, table);
+}
+
+template <EntrySet set, class T>
+void fill_large_tables(Plan<T> &plan, int order, const T *base, int base_order, T *table) {
+  if (set == EntrySet::plain) return fill_plain_blocks(plan, order, base, base_order, 0, table);
+  fill_columns(plan, order, base, base_order, 0, table);
+}
+
+template <EntrySet set, class T>
+T *fill_forward_real_table(int order, const T *base, T *table) {
+  const size_t quarter = size_t{1} << (order - 2);
+  return fill_real_table<set>(
+      order, table, [=](size_t k) { return T(0.5) * base[quarter - k]; },
+      [=](size_t k) { return T(0.5) - T(0.5) * base[k]; });
+}
+
+template <EntrySet set, class T>
+T *fill_inverse_real_table(int order, const T *base, T *table) {
+  const size_t quarter = size_t{1} << (order - 2);
+  return fill_real_table<set>(
+      order, table, [=](size_t k) { return base[quarter - k]; }, [=](size_t k) { return -base[k]; });
+}
+
+#define QKR_INSTANTIATE(set, T)                                                        \
+  template T *fill_staged_table<EntrySet::set>(int, const T *, int, T *);              \
+  template void fill_large_tables<EntrySet::set>(Plan<T> &, int, const T *, int, T *); \
+  template T *fill_forward_real_table<EntrySet::set>(int, const T *, T *);             \
+  template T *fill_inverse_real_table<EntrySet::set>(int, const T *, T *);
+QKR_INSTANTIATE(w6, double)
+QKR_INSTANTIATE(w6, float)
+QKR_INSTANTIATE(plain, double)
+QKR_INSTANTIATE(plain, float)
+
+}  // namespace qkr::sigfft

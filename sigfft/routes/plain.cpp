@@ -1,0 +1,263 @@
+// Transforms of the plain set: short ones as one sequence of passes through a work area on the stack; longer
+// ones by blocks and columns, four at a time, or by merging blocks two by two.
+#include "sigfft/passes/bit_reversal.h"
+#include "sigfft/passes/row_twiddles.h"
+#include "sigfft/passes/scale.h"
+#include "sigfft/passes/split_passes.h"
+#include "sigfft/routes/kernels.h"
+#include "simd/entry.h"
+
+namespace qkr::QKR_SIMD_LEVEL {
+namespace {
+
+using namespace sigfft;
+
+// The number as one element that is moved.
+template <class T>
+struct alignas(sizeof(T)) WholeNumber {
+  T re, im;
+};
+template <class Move, class S, class T>
+QKR_INLINE void for_each_array(Interleaved<S> src, Interleaved<T> dst, Move move) {
+  move((const WholeNumber<T> *)src.p, (WholeNumber<T> *)dst.p);
+}
+template <class Move, class S, class T>
+QKR_INLINE void for_each_array(Split<S> src, Split<T> dst, Move move) {
+  move((const T *)src.re, dst.re);
+  move((const T *)src.im, dst.im);
+}
+template <class T>
+QKR_INLINE bool shares_memory(Interleaved<const T> src, Interleaved<T> dst) {
+  return src.p == dst.p;
+}
+template <class T>
+QKR_INLINE bool shares_memory(Split<const T> src, Split<T> dst) {
+  return src.re == dst.re || src.im == dst.im;
+}
+template <class T>
+QKR_INLINE Interleaved<const T> as_source(Interleaved<T> data) {
+  return {data.p};
+}
+template <class T>
+QKR_INLINE Split<const T> as_source(Split<T> data) {
+  return {data.re, data.im};
+}
+template <class T>
+QKR_INLINE Interleaved<T> in_memory(Interleaved<T>, T *memory, size_t) {
+  return {memory};
+}
+template <class T>
+QKR_INLINE Split<T> in_memory(Split<T>, T *memory, size_t n) {
+  return {memory, memory + n};
+}
+
+// A transform by one sequence of passes, whose work area is on the stack.
+template <bool forward, class Source, class Target, class T>
+QKR_NOINLINE void short_transform(Source source, Target target, int order, const T *rows) {
+  alignas(64) T memory[2 << largest_staged_order<EntrySet::plain, T>];
+  run_split_passes<forward, false>(source, Runs<T>{memory}, target, plain_set_passes(order), order,
+                                   RowTables<T>{rows, size_t{1} << order});
+}
+// The same of numbers in bit-reversed order.
+template <bool forward, class Data, class T>
+QKR_INLINE void short_reversed_transform(Data data, int order, const T *rows) {
+  alignas(64) T memory[2 << largest_staged_order<EntrySet::plain, T>];
+  const Data natural = in_memory(data, memory, size_t{1} << order);
+  for_each_array(data, natural, [=](auto from, auto to) { reverse_into(from, to, order); });
+  short_transform<forward>(as_source(natural), data, order, rows);
+}
+
+template <bool forward, class Data, class T>
+QKR_INLINE void normalise_where_wanted(const Plan<T> *plan, Data data, int order) {
+  if (forward ? plan->forward_norm : plan->inverse_norm)
+    normalise(data, size_t{1} << order, plan->norm_factor);
+}
+template <bool forward, class Data, class T>
+QKR_INLINE void staged_block(const Plan<T> *plan, Data data, bool reversed, int order) {
+  if (reversed) short_reversed_transform<forward>(data, order, plan->twiddles);
+  else short_transform<forward>(as_source(data), data, order, plan->twiddles);
+  normalise_where_wanted<forward>(plan, data, order);
+}
+
+// Transforms of `length` numbers side by side become transforms of twice the length, until there is but one.
+// Column k + length/2 has the twiddle of column k, turned.
+template <bool forward, class Data, class T>
+QKR_NOINLINE void merge_by_two(Data data, size_t n, size_t length, const T *table) {
+  constexpr int bytes = widest_part;
+  for (; length < n; length *= 2) {
+    const size_t half = length / 2;
+    // Of the table: two numbers for each column of the last merge.
+    const RowTwiddles<T> twiddles = {table, n / length};
+    for (size_t block = 0; block < n; block += 2 * length)
+      for (size_t k = 0; k < half; k += bytes / sizeof(T)) {
+        const auto at = [&](size_t place) { return data.template parts<bytes>(block + k + place); };
+        const auto set = [&](size_t place, auto x) { data.set_parts(block + k + place, x); };
+        const auto w = twiddles.template at<bytes>(k, 1);
+        const auto a = at(0), b = at(half);
+        const auto c = times<forward>(at(length), w.re, w.im);
+        const auto d = times<forward>(at(length + half), w.re, w.im);
+        set(0, a + c);
+        set(half, plus_turned<forward>(b, d));
+        set(length, a - c);
+        set(length + half, minus_turned<forward>(b, d));
+      }
+  }
+}
+
+// Four columns across the blocks: row by row, those of one row side by side.
+template <class View>
+struct FourColumns {
+  using Element = typename View::Element;
+  View data;
+  size_t length;  // from row to row
+
+  QKR_INLINE size_t place(size_t k) const { return k / 4 * length + k % 4; }
+  QKR_INLINE FourColumns operator+(size_t k) const { return {data + place(k), length}; }
+  template <int bytes>
+  QKR_INLINE PartVectors<Element, bytes> parts(size_t k) const {
+    return data.template parts<bytes>(place(k));
+  }
+  template <class V>
+  QKR_INLINE void set_parts(size_t k, Parts<Element, V> x) const {
+    constexpr int row_bytes = 4 * sizeof(Element), piece = row_bytes < (int)sizeof(V) ? row_bytes : sizeof(V);
+    const View to = data + place(k);
+    const size_t to_next = length;
+    take_apart<piece>(x, 0, [=](int row, auto part) QKR_LAMBDA { to.set_parts(row * to_next, part); });
+  }
+};
+
+// The twiddles of rows, for each of their four columns.
+template <class Twiddles>
+struct RowByRow {
+  using Element = typename Twiddles::Element;
+  Twiddles twiddles;
+
+  template <int bytes>
+  QKR_INLINE PartVectors<Element, bytes> at(size_t k, int m) const {
+    constexpr size_t half = bytes / 2 / sizeof(Element);
+    if constexpr (half < 4) return twiddles.template one<bytes>(k / 4, m);
+    else return join<Element, bytes / 2>(at<bytes / 2>(k, m), at<bytes / 2>(k + half, m));
+  }
+};
+template <class T>
+struct RowByRowTables {
+  static constexpr int largest_radix = 4;
+  RowTables<T> tables;
+
+  template <int radix>
+  QKR_INLINE RowByRow<RowTwiddles<T>> take(size_t columns) const {
+    return {tables.template take<radix>(columns / 4)};
+  }
+};
+
+// The rows come in bit-reversed order, each number with a twiddle of its own.
+template <int radix, bool forward, class Data, class T>
+QKR_NOINLINE void first_rows(FourColumns<Data> rows, Interleaved<const T> twiddles, Runs<T> area,
+                             size_t count) {
+  constexpr int row_bytes = 4 * sizeof(T), bytes = row_bytes < widest_part ? row_bytes : widest_part;
+  for (size_t row = 0; row < count; row += radix)
+    for (size_t c = 0; c < 4; c += bytes / sizeof(T))
+      butterfly<radix, forward>(
+          [&](int m) QKR_LAMBDA {
+            const size_t place = (row + reversed_place<radix>(m)) * 4 + c;
+            const auto w = twiddles.template parts<bytes>(place);
+            return times<forward>(rows.template parts<bytes>(place), w.re, w.im);
+          },
+          [&](int k, auto y) QKR_LAMBDA { area.set_parts((row + k) * 4 + c, y); });
+}
+template <bool forward, class Data, class T>
+QKR_INLINE void four_columns(FourColumns<Data> rows, int blocks, Interleaved<const T> twiddles,
+                             const T *table, Runs<T> work) {
+  const size_t count = size_t{1} << blocks;
+  const Passes passes = plain_set_passes(blocks);
+  if (passes.bits[0] == 3) first_rows<8, forward>(rows, twiddles, work, count);
+  else first_rows<4, forward>(rows, twiddles, work, count);
+  later_split_passes<forward, false>(work, rows, passes, 1, size_t{4} << passes.bits[0], 4 * count,
+                                     RowByRowTables<T>{{table, count}});
+}
+
+// How many blocks the innermost transforms of a long one are.
+template <class T>
+int innermost_blocks(int order) {
+  constexpr int staged = largest_staged_order<EntrySet::plain, T>;
+  int rest = order;
+  while (rest > staged) rest = plain_blocks<T>(rest) ? rest - plain_blocks<T>(rest) : staged;
+  return order - rest;
+}
+
+constexpr size_t cache = 32768;
+
+template <class Element>
+QKR_NOINLINE void deal_in_place(Element *data, size_t n, int block_bits) {
+  Element copy[cache / sizeof(Element)];
+  __builtin_memcpy(copy, data, n * sizeof(Element));
+  deal(copy, data, n, block_bits);
+}
+
+// Blocks of numbers, in natural or in bit-reversed order, become transforms, and these are combined.
+template <bool forward, class Data, class T>
+void plain_transform(const Plan<T> *plan, Data data, bool reversed, int order, int level, T *work) {
+  constexpr int staged = largest_staged_order<EntrySet::plain, T>;
+  if (order <= staged) return staged_block<forward>(plan, data, reversed, order);
+  const size_t n = size_t{1} << order;
+  const int blocks = plain_blocks<T>(order), block_order = blocks ? order - blocks : staged;
+  const size_t length = size_t{1} << block_order;
+  for (size_t block = 0; block < n; block += length)
+    plain_transform<forward>(plan, data + block, reversed, block_order, level + 1, work);
+  if (!blocks) return merge_by_two<forward>(data, n, length, plan->merge_twiddles);
+  for (size_t column = 0; column < length; column += 4)
+    four_columns<forward>(FourColumns<Data>{data + column, length}, blocks,
+                          Interleaved<const T>{plan->column_twiddles[level]} + (column << blocks),
+                          plan->across_twiddles[level], Runs<T>{work});
+}
+
+// Out of place, numbers are dealt to blocks in natural order; so they are in place by way of the stack, as
+// long as they fit the first cache. Beyond that blocks come in bit-reversed order.
+template <bool forward, class Source, class Data, class T>
+QKR_INLINE void run(const Plan<T> *plan, Source source, Data data, int order, T *work) {
+  if (order <= largest_staged_order<EntrySet::plain, T>) {
+    short_transform<forward>(source, data, order, plan->twiddles);
+    return normalise_where_wanted<forward>(plan, data, order);
+  }
+  const size_t n = size_t{1} << order;
+  const int block_bits = innermost_blocks<T>(order);
+  const bool reversed = shares_memory(source, data) && n * 2 * sizeof(T) > cache;
+  for_each_array(source, data, [=](auto from, auto to) {
+    if (reversed) {
+      if (from != to) __builtin_memcpy(to, from, n * sizeof *to);
+      reverse_in_place(to, n, plan->reversal);
+    } else if (from == to) {
+      deal_in_place(to, n, block_bits);
+    } else {
+      deal(from, to, n, block_bits);
+    }
+  });
+  plain_transform<forward>(plan, data, reversed, order, 0, work);
+}
+
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL
+
+#define QKR_PLAIN(direction, forward, T, suffix)                                                             \
+  QKR_ENTRY(zprs_reversed##direction##_##suffix##c, (T * data, int32_t n, const T *rows), (data, n, rows)) { \
+    short_reversed_transform<forward>(Interleaved<T>{data}, __builtin_ctz(n), rows);                         \
+  }                                                                                                          \
+  QKR_ENTRY(zprs_reversed##direction##_##suffix, (T * re, T * im, int32_t n, const T *rows),                 \
+            (re, im, n, rows)) {                                                                             \
+    short_reversed_transform<forward>(Split<T>{re, im}, __builtin_ctz(n), rows);                             \
+  }                                                                                                          \
+  QKR_ENTRY(zprs_plain##direction##_##suffix##c,                                                             \
+            (const qkr::sigfft::Plan<T> *plan, const T *src, T *dst, int32_t order, T *work),                \
+            (plan, src, dst, order, work)) {                                                                 \
+    run<forward>(plan, Interleaved<const T>{src}, Interleaved<T>{dst}, order, work);                         \
+  }                                                                                                          \
+  QKR_ENTRY(zprs_plain##direction##_##suffix,                                                                \
+            (const qkr::sigfft::Plan<T> *plan, const T *src_re, const T *src_im, T *dst_re, T *dst_im,       \
+             int32_t order, T *work),                                                                        \
+            (plan, src_re, src_im, dst_re, dst_im, order, work)) {                                           \
+    run<forward>(plan, Split<const T>{src_re, src_im}, Split<T>{dst_re, dst_im}, order, work);               \
+  }
+QKR_PLAIN(Fwd, true, double, 64f)
+QKR_PLAIN(Inv, false, double, 64f)
+QKR_PLAIN(Fwd, true, float, 32f)
+QKR_PLAIN(Inv, false, float, 32f)
