@@ -3,6 +3,8 @@
 
 #include "streams/tables/tables.h"
 
+using namespace qkr;
+
 namespace {
 
 uint64_t pattern_of(double x) { return __builtin_bit_cast(uint64_t, x); }
@@ -30,11 +32,11 @@ double ln_by_table(double x, int n) {
   constexpr double ln2_head = 0x1.62e42fefa38p-1, ln2_tail = 0x1.ef35793c7673p-45;
   const uint64_t pattern = pattern_of(x);
   const uint32_t k = pattern >> (mantissa_bits - 8) & 0xFF;
-  const double r = __libm_rcp_table_256[k], m = mantissa_of(x);
+  const double r = scalar_logarithm::reciprocals[k], m = mantissa_of(x);
   const double m_head = double_of(pattern_of(m) & ~0xFFFFFFFFull);
   const double z = (m_head * r - 1.0) + (m - m_head) * r;
-  const double head = n * ln2_head + __libm_log_table_256[k][0];
-  const double tail = n * ln2_tail + __libm_log_table_256[k][1];
+  const double head = n * ln2_head + scalar_logarithm::logarithms[k][0];
+  const double tail = n * ln2_tail + scalar_logarithm::logarithms[k][1];
   return head + (z + (ln1p_less_z<7>(z) + tail));
 }
 

@@ -1,4 +1,5 @@
-"""Calls run downward only: a file of one room includes nothing of a room that it does not stand on."""
+"""Calls run downward only: a file of one room includes nothing of a room that it does not stand on, and a file of
+one layer of a room nothing of a layer above it."""
 import pathlib
 import re
 import sys
@@ -12,6 +13,10 @@ STANDS_ON = {
     "distributions": {"simd", "vecmath", "streams"},
     "dft": {"simd", "service", "sigfft"},
     "convcorr": {"simd", "sigfft", "dft"},
+}
+# Folders of a room, the lowest first; files of the room itself stand on all of them but those named behind "".
+LAYERS = {
+    "streams": ["tables", "generators", "quasi", ""],
 }
 root = pathlib.Path(sys.argv[1])
 faults, checked = [], 0
@@ -27,6 +32,17 @@ def check(file, room, included):
         faults.append(f"{file.relative_to(root)} ({room}) includes a file of {included}")
 
 
+def check_layer(file, room, included):
+    """`included` is the name of a file of the same room, from the room's folder on."""
+    layers = LAYERS[room]
+    own, other = (name.rpartition("/")[0] for name in (str(file.relative_to(root / room)), included))
+    unknown = {own, other} - set(layers)
+    if unknown:
+        faults.append(f"{file.relative_to(root)}: no layer {' or '.join(unknown)} in {room}")
+    elif layers.index(other) > layers.index(own):
+        faults.append(f"{file.relative_to(root)} (layer {own}) includes a file of the layer {other}")
+
+
 for room in STANDS_ON:
     public = [file for file in (root / "include" / "qkr").glob("*.h") if room_of_header(file) == room]
     own = [file for file in (root / room).rglob("*") if file.suffix in {".h", ".cpp"}]
@@ -38,5 +54,7 @@ for room in STANDS_ON:
                 check(file, room, room_of_header(rest))  # also refuses qkr.h, which includes all rooms
             elif first in STANDS_ON or first in {"tests", "tools", "bench", "examples"}:
                 check(file, room, first)
+                if first == room and room in LAYERS:
+                    check_layer(file, room, rest)
 print(f"{checked} files")
 sys.exit("\n".join(faults) or (0 if checked else "no files found"))

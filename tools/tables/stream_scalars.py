@@ -22,8 +22,8 @@ def logarithm_row(r):
 reciprocals = [multiple(1 / (1 + (k + half) / 256), -16) for k in range(256)]
 dwA0, dwA1, dwA2 = quadratics(half, 128, exact_at_one=True)
 main("stream_scalars", [
-    Table("", "double", "__libm_rcp_table_256", reciprocals),
-    Table("", "double", "__libm_log_table_256", [logarithm_row(r) for r in reciprocals]),
+    Table("scalar_logarithm", "double", "reciprocals", reciprocals),
+    Table("scalar_logarithm", "double", "logarithms", [logarithm_row(r) for r in reciprocals]),
     Table("", "double", "dwA0", dwA0),
     Table("", "double", "dwA1", dwA1),
     Table("", "double", "dwA2", dwA2),
