@@ -1,8 +1,12 @@
 // Spin locks for critical sections of a few stores, and the thread's id.
 #include "service/internal.h"
 
-uint64_t memlock = 0;
-uint64_t memdftlock = 0;
+namespace qkr {
+uint64_t service_lock_word = 0;
+uint64_t dft_lock_word = 0;
+}  // namespace qkr
+
+using namespace qkr;
 
 namespace {
 
@@ -19,9 +23,9 @@ void release(uint64_t *word) {
 
 }  // namespace
 
-void qkr_serv_lock() { acquire(&memlock); }
-void qkr_serv_unlock() { release(&memlock); }
-void qkr_serv_dft_lock() { acquire(&memdftlock); }
-void qkr_serv_dft_unlock() { release(&memdftlock); }
+void qkr_serv_lock() { acquire(&service_lock_word); }
+void qkr_serv_unlock() { release(&service_lock_word); }
+void qkr_serv_dft_lock() { acquire(&dft_lock_word); }
+void qkr_serv_dft_unlock() { release(&dft_lock_word); }
 
 pthread_t QKR_ThreadID() { return pthread_self(); }

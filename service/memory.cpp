@@ -9,45 +9,50 @@ void *(*i_realloc)(void *, size_t) = realloc;
 void (*i_free)(void *) = free;
 
 QKR_THREAD_LOCAL int32_t mm_FIRST = 1;
-QKR_THREAD_LOCAL mm_ct mm_ct_non_WinDLL;
-mm_ct *ptrs_mmct[registry_size];
-int32_t n_mmct = 0;
+
+namespace qkr {
+QKR_THREAD_LOCAL ThreadCache thread_cache;
+ThreadCache *registered_caches[registry_size];
+int32_t registered_count = 0;
+}  // namespace qkr
+
+using namespace qkr;
 
 namespace {
 
 constexpr pthread_t no_thread = static_cast<pthread_t>(-13);
 
 bool cache_is_on() {
-  if (__atomic_load_n(&env_readed, __ATOMIC_RELAXED) == -1) QKR_read_env();
-  return __atomic_load_n(&disable_fast_mm, __ATOMIC_RELAXED) != 1;
+  if (__atomic_load_n(&environment_read, __ATOMIC_RELAXED) == -1) QKR_read_env();
+  return __atomic_load_n(&cache_disabled, __ATOMIC_RELAXED) != 1;
 }
 
 // In a shared object the address costs a call, which g++ would repeat at every use; it cannot see through
 // this.
-mm_ct *own_record() {
-  mm_ct *record = &mm_ct_non_WinDLL;
+ThreadCache *own_record() {
+  ThreadCache *record = &thread_cache;
   asm("" : "+r"(record));
   return record;
 }
 
 // The record gets its owner last: a signal handler that asks for memory meanwhile goes past the cache.
-[[gnu::cold, gnu::noinline]] void set_up(mm_ct *record, pthread_t thread) {
+[[gnu::cold, gnu::noinline]] void set_up(ThreadCache *record, pthread_t thread) {
   mm_FIRST = 0;
   *record = {};
   record->owner = no_thread;
   qkr_serv_lock();
-  if (n_mmct + 1 < registry_size) ptrs_mmct[++n_mmct] = record;
+  if (registered_count + 1 < registry_size) registered_caches[++registered_count] = record;
   qkr_serv_unlock();
   record->owner = thread;
 }
 
-void *lend(mm_ct *record, int slot) {
+void *lend(ThreadCache *record, int slot) {
   record->busy[slot] = 1;
   return record->buffer[slot];
 }
 
 // A null block is recorded too: its slot is out of use until qkr_serv_freebuffers.
-void *lend_new(mm_ct *record, int slot, uint64_t size) {
+void *lend_new(ThreadCache *record, int slot, uint64_t size) {
   record->buffer[slot] = i_malloc(size);
   record->size[slot] = size;
   record->total += size;
@@ -59,7 +64,7 @@ void *lend_new(mm_ct *record, int slot, uint64_t size) {
 void *qkr_serv_allocate(size_t size) {
   if (!cache_is_on() || size > cache_ceiling) return i_malloc(size);
 
-  mm_ct *record = own_record();
+  ThreadCache *record = own_record();
   const pthread_t thread = QKR_ThreadID();
   if (mm_FIRST == 1) set_up(record, thread);
   else if (record->owner != thread) return i_malloc(size);
@@ -87,7 +92,7 @@ void *qkr_serv_allocate(size_t size) {
 void qkr_serv_deallocate(void *block) {
   if (!block) return;
   if (cache_is_on()) {
-    mm_ct *record = own_record();
+    ThreadCache *record = own_record();
     for (uint64_t slot = 0; slot < record->count; ++slot)
       if (record->buffer[slot] == block) {
         record->busy[slot] = 0;
@@ -100,8 +105,8 @@ void qkr_serv_deallocate(void *block) {
 void qkr_serv_freebuffers() {
   if (!cache_is_on()) return;
   qkr_serv_lock();
-  for (int32_t i = 1; i <= n_mmct; ++i) {
-    mm_ct *record = ptrs_mmct[i];
+  for (int32_t i = 1; i <= registered_count; ++i) {
+    ThreadCache *record = registered_caches[i];
     for (uint64_t slot = 0; slot < record->count; ++slot) {
       if (record->buffer[slot]) i_free(record->buffer[slot]);
       record->buffer[slot] = nullptr;
@@ -111,6 +116,6 @@ void qkr_serv_freebuffers() {
     record->count = 0;
     record->total = 0;
   }
-  n_mmct = 0;
+  registered_count = 0;
   qkr_serv_unlock();
 }

@@ -4,6 +4,8 @@
 
 #include "streams/internal.h"
 
+using namespace qkr;
+
 namespace {
 
 template <class T>
@@ -118,13 +120,13 @@ int32_t __vxssNewAbstractStream(StreamState **out, int32_t size, float *buffer, 
   return new_real_stream(out, abstract_singles, size, buffer, lower, upper, callback);
 }
 
-#define INIT_STREAM(G, T)                                                                              \
-  int32_t __vxsBRng##G##InitStream(int32_t method, StreamState *stream, int32_t, const void *params) { \
-    return init_stream<T>(method, stream, params);                                                     \
+#define INIT_STREAM(name, T)                                                       \
+  int32_t name(int32_t method, StreamState *stream, int32_t, const void *params) { \
+    return init_stream<T>(method, stream, params);                                 \
   }
-INIT_STREAM(iAbstract, uint32_t)
-INIT_STREAM(dAbstract, double)
-INIT_STREAM(sAbstract, float)
+INIT_STREAM(__vxsBRngiAbstractInitStream, uint32_t)
+INIT_STREAM(__vxsBRngdAbstractInitStream, double)
+INIT_STREAM(__vxsBRngsAbstractInitStream, float)
 
 int32_t __vxsiBRngiAbstract(StreamState *stream, int32_t n, uint32_t *out) {
   return read(stream, n, out, [](uint32_t word) { return word; });
@@ -136,15 +138,15 @@ int32_t __vxssBRngsAbstract(StreamState *stream, int32_t n, float *out, float a,
   return read_reals(stream, n, out, a, b);
 }
 
-#define INTEGERS_REFUSED(G) \
-  int32_t __vxsiBRng##G(StreamState *, int32_t, uint32_t *) { return VXS_STATUS_OTHER_TYPE; }
-#define REALS_REFUSED(letter, Real, G) \
-  int32_t __vxs##letter##BRng##G(StreamState *, int32_t, Real *, Real, Real) { return VXS_STATUS_OTHER_TYPE; }
-INTEGERS_REFUSED(dAbstract)
-INTEGERS_REFUSED(sAbstract)
-REALS_REFUSED(d, double, iAbstract)
-REALS_REFUSED(s, float, iAbstract)
-REALS_REFUSED(s, float, dAbstract)
-REALS_REFUSED(d, double, sAbstract)
+int32_t __vxsiBRngdAbstract(StreamState *, int32_t, uint32_t *) { return VXS_STATUS_OTHER_TYPE; }
+int32_t __vxsiBRngsAbstract(StreamState *, int32_t, uint32_t *) { return VXS_STATUS_OTHER_TYPE; }
+int32_t __vxsdBRngiAbstract(StreamState *, int32_t, double *, double, double) {
+  return VXS_STATUS_OTHER_TYPE;
+}
+int32_t __vxsdBRngsAbstract(StreamState *, int32_t, double *, double, double) {
+  return VXS_STATUS_OTHER_TYPE;
+}
+int32_t __vxssBRngiAbstract(StreamState *, int32_t, float *, float, float) { return VXS_STATUS_OTHER_TYPE; }
+int32_t __vxssBRngdAbstract(StreamState *, int32_t, float *, float, float) { return VXS_STATUS_OTHER_TYPE; }
 
 }  // extern "C"

@@ -2,62 +2,110 @@
 #include <qkr/streams_generators.h>
 
 #include "streams/internal.h"
+#include "streams/tables/tables.h"
 
+namespace qkr {
 namespace {
 
-#define ENTRIES(G) __vxsBRng##G##InitStream, __vxssBRng##G, __vxsdBRng##G, __vxsiBRng##G
-
-// StateSize, SeedWords, IncludesZero, WordSize, Bits, entry points
-constexpr BrngRecord mcg31m1 = {24, 1, 0, 4, 31, ENTRIES(MCG31M1)};
-constexpr BrngRecord r250 = {1024, 252, 1, 4, 32, ENTRIES(R250)};
-constexpr BrngRecord mrg32k3a = {40, 6, 1, 4, 32, ENTRIES(MRG32K3A)};
-constexpr BrngRecord mcg59 = {32, 1, 0, 8, 59, ENTRIES(MCG59)};
-constexpr BrngRecord wh = {48, 4, 1, 16, 24, ENTRIES(WH)};
-constexpr BrngRecord sobol = {5472, 1324, 0, 4, 32, ENTRIES(Sobol)};
-constexpr BrngRecord niederr = {43280, 10498, 0, 4, 32, ENTRIES(Niederr)};
-constexpr BrngRecord mt19937 = {2520, 625, 1, 4, 32, ENTRIES(MT19937)};
-constexpr BrngRecord mt2203 = {312, 70, 1, 4, 32, ENTRIES(MT2203)};
-constexpr BrngRecord i_abstract = {48, 0, 1, 4, 32, ENTRIES(iAbstract)};
-constexpr BrngRecord d_abstract = {64, 0, 1, 4, 32, ENTRIES(dAbstract)};
-constexpr BrngRecord s_abstract = {56, 0, 1, 4, 32, ENTRIES(sAbstract)};
-
-constexpr LegacyTable make_legacy_table() {
-  LegacyTable table = {{mcg31m1, r250, mrg32k3a, mcg59}};
-  for (int row = first_legacy_wh; row < first_legacy_wh + wh_members; ++row) table.rows[row] = wh;
-  table.rows[first_legacy_wh + wh_members] = sobol;
-  table.rows[first_legacy_wh + wh_members + 1] = niederr;
-  return table;
-}
+// StateSize, SeedWords, IncludesZero, WordSize, Bits, InitStream, sBrng, dBrng, iBrng
+constexpr BrngRecord mcg31m1_row = {
+    24, 1, 0, 4, 31, __vxsBRngMCG31M1InitStream, __vxssBRngMCG31M1, __vxsdBRngMCG31M1, __vxsiBRngMCG31M1};
+constexpr BrngRecord r250_row = {
+    1024, 252, 1, 4, 32, __vxsBRngR250InitStream, __vxssBRngR250, __vxsdBRngR250, __vxsiBRngR250};
+constexpr BrngRecord mrg32k3a_row = {
+    40, 6, 1, 4, 32, __vxsBRngMRG32K3AInitStream, __vxssBRngMRG32K3A, __vxsdBRngMRG32K3A, __vxsiBRngMRG32K3A};
+constexpr BrngRecord mcg59_row = {
+    32, 1, 0, 8, 59, __vxsBRngMCG59InitStream, __vxssBRngMCG59, __vxsdBRngMCG59, __vxsiBRngMCG59};
+constexpr BrngRecord wh_row = {48,           4,           1, 16, 24, __vxsBRngWHInitStream, __vxssBRngWH,
+                               __vxsdBRngWH, __vxsiBRngWH};
+constexpr BrngRecord sobol_row = {
+    5472, 1324, 0, 4, 32, __vxsBRngSobolInitStream, __vxssBRngSobol, __vxsdBRngSobol, __vxsiBRngSobol};
+constexpr BrngRecord niederr_row = {43280,
+                                    10498,
+                                    0,
+                                    4,
+                                    32,
+                                    __vxsBRngNiederrInitStream,
+                                    __vxssBRngNiederr,
+                                    __vxsdBRngNiederr,
+                                    __vxsiBRngNiederr};
+constexpr BrngRecord mt19937_row = {
+    2520, 625, 1, 4, 32, __vxsBRngMT19937InitStream, __vxssBRngMT19937, __vxsdBRngMT19937, __vxsiBRngMT19937};
+constexpr BrngRecord mt2203_row = {
+    312, 70, 1, 4, 32, __vxsBRngMT2203InitStream, __vxssBRngMT2203, __vxsdBRngMT2203, __vxsiBRngMT2203};
+constexpr BrngRecord i_abstract_row = {48,
+                                       0,
+                                       1,
+                                       4,
+                                       32,
+                                       __vxsBRngiAbstractInitStream,
+                                       __vxssBRngiAbstract,
+                                       __vxsdBRngiAbstract,
+                                       __vxsiBRngiAbstract};
+constexpr BrngRecord d_abstract_row = {64,
+                                       0,
+                                       1,
+                                       4,
+                                       32,
+                                       __vxsBRngdAbstractInitStream,
+                                       __vxssBRngdAbstract,
+                                       __vxsdBRngdAbstract,
+                                       __vxsiBRngdAbstract};
+constexpr BrngRecord s_abstract_row = {56,
+                                       0,
+                                       1,
+                                       4,
+                                       32,
+                                       __vxsBRngsAbstractInitStream,
+                                       __vxssBRngsAbstract,
+                                       __vxsdBRngsAbstract,
+                                       __vxsiBRngsAbstract};
 
 constexpr int32_t row_shift = 20;
 constexpr int32_t first_current_id = 1 << row_shift;
+constexpr int32_t first_legacy_wh = 4;  // ids 4 to 276 are the members of WH
+
+constexpr LegacyTable make_legacy_table() {
+  LegacyTable table = {{mcg31m1_row, r250_row, mrg32k3a_row, mcg59_row}};
+  for (int row = first_legacy_wh; row < first_legacy_wh + wichmann_hill::members; ++row)
+    table.rows[row] = wh_row;
+  table.rows[first_legacy_wh + wichmann_hill::members] = sobol_row;
+  table.rows[first_legacy_wh + wichmann_hill::members + 1] = niederr_row;
+  return table;
+}
 
 }  // namespace
 
+constinit const LegacyTable legacy_generators = make_legacy_table();
+
+BrngRecord current_generators[current_rows] = {mcg31m1_row, r250_row,       mrg32k3a_row,   mcg59_row,
+                                               wh_row,      sobol_row,      niederr_row,    mt19937_row,
+                                               mt2203_row,  i_abstract_row, d_abstract_row, s_abstract_row};
+int32_t family_sizes[current_rows] = {1, 1, 1, 1, wichmann_hill::members, 1, 1, 1, mt2203::members, 1, 1, 1};
+int32_t current_generator_count = 12;
+
+}  // namespace qkr
+
+using namespace qkr;
+
 extern "C" {
-
-constinit const LegacyTable __RegBrngs = make_legacy_table();
-
-BrngRecord __RegBrngsNew[current_rows] = {mcg31m1, r250,    mrg32k3a, mcg59,      wh,         sobol,
-                                          niederr, mt19937, mt2203,   i_abstract, d_abstract, s_abstract};
-int32_t NumOffsets[current_rows] = {1, 1, 1, 1, wh_members, 1, 1, 1, mt2203_members, 1, 1, 1};
-int32_t NRegBrngsNew = 12;
 
 const BrngRecord *__vxsGetBrngBaseOffset(int32_t id, int32_t *row, int32_t *member) {
   if (id >= first_current_id) {
     *row = (id >> row_shift) - 1;
     *member = id & (first_current_id - 1);
-    return __RegBrngsNew;
+    return current_generators;
   }
-  const bool is_wh = id >= first_legacy_wh && id < first_legacy_wh + wh_members;
+  const bool is_wh = id >= first_legacy_wh && id < first_legacy_wh + wichmann_hill::members;
   *row = is_wh ? first_legacy_wh : id;
   *member = is_wh ? id - first_legacy_wh : 0;
-  return __RegBrngs.rows;
+  return legacy_generators.rows;
 }
 
 int32_t __vxsIsBrngValid(const BrngRecord *table, int32_t row, int32_t member) {
-  const bool valid =
-      table == __RegBrngs.rows ? row < legacy_rows : row < NRegBrngsNew && member < NumOffsets[row];
+  const bool valid = table == legacy_generators.rows
+                         ? row < legacy_rows
+                         : row < current_generator_count && member < family_sizes[row];
   return valid ? VXS_STATUS_OK : VXS_STATUS_BAD_GENERATOR;
 }
 
@@ -69,7 +117,7 @@ int32_t __vxsGetBrngProperties(int32_t id, BrngRecord *out) {
   return status;
 }
 
-int32_t __vxsGetNumRegBrngs(void) { return NRegBrngsNew; }
+int32_t __vxsGetNumRegBrngs(void) { return current_generator_count; }
 
 int32_t __vxsRegisterBrng(const BrngRecord *record) {
   if (record->StateSize < 0) return VXS_STATUS_BAD_STATE_SIZE;
@@ -81,9 +129,9 @@ int32_t __vxsRegisterBrng(const BrngRecord *record) {
   if (!record->dBrng || !record->sBrng || !record->iBrng || !record->InitStream) {
     return VXS_STATUS_NULL_POINTER;
   }
-  __RegBrngsNew[NRegBrngsNew] = *record;
-  NumOffsets[NRegBrngsNew] = 1;
-  return ++NRegBrngsNew << row_shift;
+  current_generators[current_generator_count] = *record;
+  family_sizes[current_generator_count] = 1;
+  return ++current_generator_count << row_shift;
 }
 
 }  // extern "C"

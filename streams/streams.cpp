@@ -3,6 +3,8 @@
 
 #include "streams/internal.h"
 
+using namespace qkr;
+
 extern "C" {
 
 int32_t __vxsNewStreamEx(StreamState **out, uint32_t id, int32_t n, const void *params) {

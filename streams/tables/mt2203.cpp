@@ -1,7 +1,9 @@
 // Made by tools/tables/mt2203/search.cpp; do not edit.
 #include "streams/tables/tables.h"
 
-const uint32_t _vxs_mt2203_table[1024][3] = {
+namespace qkr::mt2203 {
+
+const uint32_t parameters[1024][3] = {
     {0xaf81055f, 0xdd7eef80, 0xefd78000}, {0x832604e1, 0x66ad7f80, 0xebd58000},
     {0x92f70739, 0x656d7780, 0xefc50000}, {0xd6fb0007, 0xe6b4ef80, 0xdfd68000},
     {0xc5050009, 0xdd7edf80, 0xf7d50000}, {0xacc7000b, 0x6eb17f80, 0xf7db8000},
@@ -515,3 +517,5 @@ const uint32_t _vxs_mt2203_table[1024][3] = {
     {0xbd0f07f9, 0x2adf6f80, 0xef570000}, {0xd5da07fb, 0xa5ce7780, 0xef4b0000},
     {0xb9d00987, 0xd2f4ef80, 0xefb78000}, {0xe1b6093f, 0x9d326e80, 0xefd58000},
 };
+
+}  // namespace qkr::mt2203

@@ -30,6 +30,7 @@ FOLDERS = {
         "exact": {"errors", "frame"},
         "real": {"errors", "frame", "tables"},
     },
+    "streams": ascending("tables", "generators", "quasi", ""),
     "sigfft": ascending("arrays", "tables", "plan", "passes", "routes", "", "any_length", "convolution"),
 }
 root = pathlib.Path(sys.argv[1])

@@ -5,6 +5,8 @@
 #include "service/internal.h"
 #include "tests/support/child.h"
 
+using namespace qkr;
+
 namespace {
 
 struct Row {
@@ -13,7 +15,7 @@ struct Row {
 };
 
 // As the library was loaded, before any test has run.
-const int32_t loaded[] = {env_readed, disable_fast_mm, qkr_serial};
+const int32_t loaded[] = {environment_read, cache_disabled, serial_decision};
 
 template <typename Function>
 void check(const std::vector<Row> &rows, Function decision) {
@@ -22,7 +24,7 @@ void check(const std::vector<Row> &rows, Function decision) {
     for (const auto &[name, value] : row.environment) setting += name + "='" + value + "' ";
     EXPECT_EQ(in_child(row.environment,
                        [&] {
-                         env_readed = disable_fast_mm = qkr_serial = -1;
+                         environment_read = cache_disabled = serial_decision = -1;
                          return decision();
                        }),
               row.expected)
@@ -77,15 +79,15 @@ TEST(Environment, CacheSwitches) {
   // Each of the three calls may be the first.
   check(rows, [] {
     qkr_serv_deallocate(qkr_serv_allocate(100));
-    return static_cast<int>(mm_ct_non_WinDLL.count);
+    return static_cast<int>(thread_cache.count);
   });
   check(rows, [] {
     qkr_serv_freebuffers();
-    return disable_fast_mm != 1;
+    return cache_disabled != 1;
   });
   check(rows, [] {
     qkr_serv_deallocate(malloc(100));
     setenv("QKR_MM_DISABLE", "1", 1);  // too late
-    return QKR_read_env() == 0 && env_readed == 1 && disable_fast_mm != 1;
+    return QKR_read_env() == 0 && environment_read == 1 && cache_disabled != 1;
   });
 }

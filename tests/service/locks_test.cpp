@@ -5,12 +5,14 @@
 
 #include "service/internal.h"
 
+using namespace qkr;
+
 TEST(Locks, ExcludeEachOtherOnOneWordOnly) {
   const struct {
     void (*lock)(), (*unlock)();
     uint64_t *word, *other;
-  } rows[] = {{qkr_serv_lock, qkr_serv_unlock, &memlock, &memdftlock},
-              {qkr_serv_dft_lock, qkr_serv_dft_unlock, &memdftlock, &memlock}};
+  } rows[] = {{qkr_serv_lock, qkr_serv_unlock, &service_lock_word, &dft_lock_word},
+              {qkr_serv_dft_lock, qkr_serv_dft_unlock, &dft_lock_word, &service_lock_word}};
   for (const auto &row : rows) {
     long entered = 0;  // neither volatile nor atomic: the lock alone protects it
     const auto hammer = [&] {
@@ -35,19 +37,19 @@ TEST(Locks, ExcludeEachOtherOnOneWordOnly) {
 
 // Threads that meet at the first call of all: reading the environment, registering, deciding.
 TEST(Locks, FirstCallsMayRace) {
-  env_readed = disable_fast_mm = qkr_serial = -1;
-  n_mmct = 0;
+  environment_read = cache_disabled = serial_decision = -1;
+  registered_count = 0;
   constexpr int workers = 4;
   std::vector<int32_t> answers(workers);
   std::vector<std::thread> threads;
   for (int32_t &answer : answers)
     threads.emplace_back([&answer] {
       for (int i = 0; i < 100; ++i) qkr_serv_deallocate(qkr_serv_allocate(64));
-      i_free(mm_ct_non_WinDLL.buffer[0]);  // the record goes with its thread
+      i_free(thread_cache.buffer[0]);  // the record goes with its thread
       answer = qkr_serv_in_serial();
     });
   for (std::thread &thread : threads) thread.join();
-  EXPECT_EQ(n_mmct, workers);
-  for (const int32_t answer : answers) EXPECT_EQ(answer, qkr_serial);
-  n_mmct = 0;
+  EXPECT_EQ(registered_count, workers);
+  for (const int32_t answer : answers) EXPECT_EQ(answer, serial_decision);
+  registered_count = 0;
 }

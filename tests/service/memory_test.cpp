@@ -8,6 +8,8 @@
 
 #include "service/internal.h"
 
+using namespace qkr;
+
 namespace {
 
 using Blocks = std::vector<void *>;
@@ -29,9 +31,9 @@ class Cache : public testing::Test {
   void SetUp() override {
     i_malloc = recording_malloc;
     i_free = recording_free;
-    disable_fast_mm = 0;
-    env_readed = 1;
-    n_mmct = 0;
+    cache_disabled = 0;
+    environment_read = 1;
+    registered_count = 0;
   }
   void TearDown() override {
     i_malloc = malloc;
@@ -39,7 +41,7 @@ class Cache : public testing::Test {
     for (void *block : handed_out) free(block);
     handed_out.clear();
     given_back.clear();
-    n_mmct = 0;
+    registered_count = 0;
   }
 };
 
@@ -62,10 +64,10 @@ constexpr Step put(int request) { return {0, 0, request}; }
 // Out of line, because of the null checks of the undefined-behaviour sanitizer: g++ takes their outcome from
 // the flags of the addition that makes the address, and the linker turns that into an instruction that sets
 // none.
-[[gnu::noinline]] mm_ct *own_record() { return &mm_ct_non_WinDLL; }
+[[gnu::noinline]] ThreadCache *own_record() { return &thread_cache; }
 
 int slot_of(const void *block) {
-  const mm_ct &record = *own_record();
+  const ThreadCache &record = *own_record();
   const auto found = std::find(record.buffer, record.buffer + record.count, block) - record.buffer;
   return found < static_cast<long>(record.count) ? static_cast<int>(found) : untracked;
 }
@@ -102,7 +104,7 @@ TEST_F(Cache, SlotPreference) {
   for (const auto &row : rows)
     in_fresh_thread([&] {
       SCOPED_TRACE(row.what);
-      const mm_ct &record = *own_record();
+      const ThreadCache &record = *own_record();
       Blocks blocks;
       for (const Step &step : row.steps) {
         if (step.released >= 0) {
@@ -128,12 +130,12 @@ TEST_F(Cache, ThreadRegistersWithItsFirstCachedRequest) {
   in_fresh_thread([] {
     qkr_serv_allocate(cache_ceiling + 1);
     EXPECT_EQ(mm_FIRST, 1);
-    EXPECT_EQ(n_mmct, 0);
+    EXPECT_EQ(registered_count, 0);
     qkr_serv_allocate(1);
     EXPECT_EQ(mm_FIRST, 0);
     EXPECT_EQ(own_record()->owner, QKR_ThreadID());
-    EXPECT_EQ(n_mmct, 1);
-    EXPECT_EQ(ptrs_mmct[1], own_record());
+    EXPECT_EQ(registered_count, 1);
+    EXPECT_EQ(registered_caches[1], own_record());
 
     ++own_record()->owner;  // a record of someone else serves nothing
     EXPECT_EQ(slot_of(qkr_serv_allocate(1)), untracked);
@@ -161,7 +163,7 @@ TEST_F(Cache, SwappedHooksServeTheNextCall) {
 
 TEST_F(Cache, FailedAllocationBlocksItsSlotUntilTheBuffersAreFreed) {
   in_fresh_thread([] {
-    const mm_ct &record = *own_record();
+    const ThreadCache &record = *own_record();
     out_of_memory = true;
     EXPECT_EQ(qkr_serv_allocate(100), nullptr);
     out_of_memory = false;
@@ -180,7 +182,7 @@ TEST_F(Cache, FailedAllocationBlocksItsSlotUntilTheBuffersAreFreed) {
 TEST_F(Cache, FreebuffersEmptiesEveryRegisteredThreadOnce) {
   std::binary_semaphore filled{0}, freed{0};
   std::thread other([&] {
-    const mm_ct &record = *own_record();
+    const ThreadCache &record = *own_record();
     void *lent = qkr_serv_allocate(1);
     qkr_serv_deallocate(qkr_serv_allocate(2));
     filled.release();
@@ -195,15 +197,15 @@ TEST_F(Cache, FreebuffersEmptiesEveryRegisteredThreadOnce) {
     EXPECT_EQ(slot_of(qkr_serv_allocate(3)), 0);  // refills, but is not registered again
     qkr_serv_freebuffers();
     EXPECT_EQ(record.count, 1u);
-    EXPECT_EQ(n_mmct, 0);
+    EXPECT_EQ(registered_count, 0);
   });
   filled.acquire();
   in_fresh_thread([&] {
     qkr_serv_allocate(4);
-    EXPECT_EQ(n_mmct, 2);
+    EXPECT_EQ(registered_count, 2);
     qkr_serv_freebuffers();
     EXPECT_EQ(given_back, handed_out);
-    EXPECT_EQ(n_mmct, 0);
+    EXPECT_EQ(registered_count, 0);
   });
   freed.release();
   other.join();
@@ -223,7 +225,7 @@ TEST_F(Cache, ReleaseOnAnotherThreadLeavesTheSlotBehind) {
 TEST_F(Cache, SwitchedOffEverythingGoesToTheHooks) {
   in_fresh_thread([] {
     void *cached = qkr_serv_allocate(10);
-    disable_fast_mm = 1;
+    cache_disabled = 1;
     void *direct = qkr_serv_allocate(10);
     qkr_serv_deallocate(direct);
     qkr_serv_deallocate(cached);
@@ -238,16 +240,16 @@ TEST_F(Cache, SwitchedOffEverythingGoesToTheHooks) {
 TEST_F(Cache, ThreadBeyondTheRegistryIsServedButNotReached) {
   in_fresh_thread([] {
     for (int i = 1; i <= 1024; ++i) in_fresh_thread([] { qkr_serv_allocate(1); });
-    EXPECT_EQ(n_mmct, 1024);
+    EXPECT_EQ(registered_count, 1024);
     void *block = qkr_serv_allocate(1);
-    EXPECT_EQ(n_mmct, 1024);
-    EXPECT_EQ(std::count(ptrs_mmct, ptrs_mmct + registry_size, own_record()), 0);
-    EXPECT_EQ(ptrs_mmct[0], nullptr);
-    EXPECT_NE(ptrs_mmct[1024], nullptr);
+    EXPECT_EQ(registered_count, 1024);
+    EXPECT_EQ(std::count(registered_caches, registered_caches + registry_size, own_record()), 0);
+    EXPECT_EQ(registered_caches[0], nullptr);
+    EXPECT_NE(registered_caches[1024], nullptr);
 
     // The threads that filled it are gone, and their records with them: leave this one alone to be freed.
-    static mm_ct empty;
-    std::fill(ptrs_mmct + 1, ptrs_mmct + registry_size, &empty);
+    static ThreadCache empty;
+    std::fill(registered_caches + 1, registered_caches + registry_size, &empty);
     qkr_serv_freebuffers();
     EXPECT_TRUE(given_back.empty());
     qkr_serv_deallocate(block);

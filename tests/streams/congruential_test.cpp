@@ -11,6 +11,7 @@
 
 namespace {
 
+using namespace qkr;
 using namespace qkr::tests;
 
 template <class T>
@@ -111,20 +112,20 @@ bool is_primitive_root(uint32_t a, uint32_t m) {
 // divided by 8.
 TEST(WichmannHill, EveryMemberHasItsFullPeriod) {
   std::set<uint32_t> moduli;
-  for (int k = 0; k < wh_members; ++k) {
+  for (int k = 0; k < wichmann_hill::members; ++k) {
     for (int j = 0; j < 4; ++j) {
-      const uint32_t m = _vxs_WH_M[k][j], a = _vxs_WH_A[k][j];
+      const uint32_t m = wichmann_hill::moduli[k][j], a = wichmann_hill::multipliers[k][j];
       EXPECT_TRUE(is_prime(m) && m < 1u << 24) << k;
       EXPECT_TRUE(a >= 112 && a <= 127 && is_primitive_root(a, m)) << k;
-      EXPECT_EQ(_vxsdWH_IM_Tab[k][j], 1.0 / m) << k;
+      EXPECT_EQ(wichmann_hill::inverse_moduli[k][j], 1.0 / m) << k;
       for (int i = 0; i < j; ++i) {
-        EXPECT_EQ(std::gcd((m - 1) / 2, (_vxs_WH_M[k][i] - 1) / 2), 1u) << k;
-        EXPECT_NE(_vxs_WH_A[k][i], a) << k;
+        EXPECT_EQ(std::gcd((m - 1) / 2, (wichmann_hill::moduli[k][i] - 1) / 2), 1u) << k;
+        EXPECT_NE(wichmann_hill::multipliers[k][i], a) << k;
       }
       moduli.insert(m);
     }
   }
-  EXPECT_EQ(moduli.size(), 4u * wh_members);
+  EXPECT_EQ(moduli.size(), 4u * wichmann_hill::members);
   EXPECT_EQ(*moduli.begin(), 16718909u);
   EXPECT_EQ(*moduli.rbegin(), 16776971u);
   const struct {
@@ -136,8 +137,8 @@ TEST(WichmannHill, EveryMemberHasItsFullPeriod) {
                {136, {16758587, 16758571, 16758563, 16758527}, {126, 127, 125, 124}},
                {272, {16766363, 16766359, 16766327, 16766231}, {126, 127, 125, 124}}};
   for (const auto &row : known) {
-    EXPECT_EQ(memcmp(row.m, _vxs_WH_M[row.member], sizeof row.m), 0) << row.member;
-    EXPECT_EQ(memcmp(row.a, _vxs_WH_A[row.member], sizeof row.a), 0) << row.member;
+    EXPECT_EQ(memcmp(row.m, wichmann_hill::moduli[row.member], sizeof row.m), 0) << row.member;
+    EXPECT_EQ(memcmp(row.a, wichmann_hill::multipliers[row.member], sizeof row.a), 0) << row.member;
   }
 }
 

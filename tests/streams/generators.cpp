@@ -31,7 +31,7 @@ Steps wichmann_hill(const Generator &generator, const Stream &) {
   return [x = generator.seeds, k = member_of(generator.id)](uint32_t *words) mutable {
     for (size_t j = 0; j < 4; ++j) {
       words[j] = x[j];
-      x[j] = x[j] * uint64_t{_vxs_WH_A[k][j]} % _vxs_WH_M[k][j];
+      x[j] = x[j] * uint64_t{wichmann_hill::multipliers[k][j]} % wichmann_hill::moduli[k][j];
     }
   };
 }
@@ -99,7 +99,7 @@ Steps mt19937(const Generator &generator, const Stream &) {
 }
 
 Steps mt2203(const Generator &generator, const Stream &) {
-  const uint32_t *row = _vxs_mt2203_table[member_of(generator.id)];
+  const uint32_t *row = mt2203::parameters[member_of(generator.id)];
   return Twister{69, 34, 31, row[0], 12, row[1], row[2]}(generator.seeds);
 }
 
@@ -132,7 +132,7 @@ T by_59_bits(const Generator &, const uint32_t *words, T a, T b) {
 template <class T>
 T by_fractions(const Generator &generator, const uint32_t *words, T a, T b) {
   double u = 0;
-  for (int j = 3; j >= 0; --j) u += words[j] * (1.0 / _vxs_WH_M[member_of(generator.id)][j]);
+  for (int j = 3; j >= 0; --j) u += words[j] * (1.0 / wichmann_hill::moduli[member_of(generator.id)][j]);
   return static_cast<T>((u - std::trunc(u)) * (static_cast<double>(b) - a) + a);
 }
 template <class T>

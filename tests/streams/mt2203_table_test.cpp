@@ -10,7 +10,7 @@ namespace {
 constexpr int members = 1024;
 
 mt2203::Parameters row(int member) {
-  const uint32_t *words = _vxs_mt2203_table[member];
+  const uint32_t *words = qkr::mt2203::parameters[member];
   return {words[0], words[1], words[2]};
 }
 

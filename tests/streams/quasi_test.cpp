@@ -10,7 +10,7 @@
 #include <random>
 #include <vector>
 
-#include "streams/digital_sequence.h"
+#include "streams/quasi/digital_sequence.h"
 #include "streams/tables/tables.h"
 #include "tests/streams/allocations.h"
 #include "tests/streams/stream.h"
@@ -40,11 +40,7 @@ int32_t leapfrog(const Stream &s, int32_t stride, int32_t k) {
 int32_t skip(const Stream &s, int32_t count) { return __vxsSkipAheadStream(s.get(), count); }
 
 Sequence sequence(const Stream &s) {
-  const bool sobol = s->brng == kSobol;
-  const uint32_t chunk = sobol ? Sobol::chunk_id : Niederreiter::chunk_id;
-  if (const void *data = __vxsSearchChunk(s.get(), chunk))
-    return sequence_in_chunk(s.get(), static_cast<const QrngUserData *>(data));
-  return sobol ? sequence_in_record<Sobol>(s.get()) : sequence_in_record<Niederreiter>(s.get());
+  return s->brng == kSobol ? sequence_of<Sobol>(s.get()) : sequence_of<Niederreiter>(s.get());
 }
 
 // The definition: one word, then the step to the next point where it was the last.
@@ -55,9 +51,9 @@ uint32_t next_word(const Sequence &s) {
     while (c < 31 && at.seq >> c & 1) ++c;
     s.x[j] ^= s.row(j)[c];
   };
-  if (at.leapDim >= 0) {
-    const uint32_t word = s.x[at.leapDim];
-    step(at.leapDim);
+  if (at.only_dim >= 0) {
+    const uint32_t word = s.x[at.only_dim];
+    step(at.only_dim);
     ++at.seq;
     return word;
   }
@@ -147,19 +143,19 @@ Words user_array(uint32_t id, uint32_t dim, uint32_t kind) {
     return array;
   }
   if (id == kNiederreiter) {
-    for (uint32_t j = 0; j < dim; ++j) array.push_back(j < 318 ? uNiederrIrredPoly[j] : 3053);
+    for (uint32_t j = 0; j < dim; ++j) array.push_back(j < 318 ? niederreiter::polynomials[j] : 3053);
     return array;
   }
   const int width = 9;
   const bool all = kind == 11;
   if (all) array.push_back(2);  // the polynomial x repeats its initial value, as dimension 1 does
   if (kind != 2)
-    for (uint32_t j = 0; j + 1 < dim; ++j) array.push_back(uSobolIrredPoly[j % 39]);
+    for (uint32_t j = 0; j + 1 < dim; ++j) array.push_back(sobol::polynomials[j % 39]);
   if (kind != 1) {
     array.push_back(width);
     if (all) array.insert(array.end(), width, 1);
     for (uint32_t j = 0; j + 1 < dim; ++j) {
-      array.insert(array.end(), uSobolMInit[j % 39], uSobolMInit[j % 39] + 8);
+      array.insert(array.end(), sobol::initial_values[j % 39], sobol::initial_values[j % 39] + 8);
       array.push_back(0);
     }
   }

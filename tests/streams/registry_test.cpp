@@ -6,9 +6,11 @@
 
 namespace {
 
+using namespace qkr;
 using namespace qkr::tests;
 
 TEST(Registry, ResolvesIds) {
+  constexpr int32_t unknown = VXS_STATUS_BAD_GENERATOR;
   const struct {
     int32_t id;
     bool legacy;
@@ -20,23 +22,23 @@ TEST(Registry, ResolvesIds) {
               {276, true, 4, 272, 0},
               {277, true, 277, 0, 0},
               {278, true, 278, 0, 0},
-              {279, true, 279, 0, -1000},
-              {0xfffff, true, 0xfffff, 0, -1000},
+              {279, true, 279, 0, unknown},
+              {0xfffff, true, 0xfffff, 0, unknown},
               {-1, true, -1, 0, 0},
               {0x100000, false, 0, 0, 0},
-              {0x100001, false, 0, 1, -1000},
+              {0x100001, false, 0, 1, unknown},
               {0x500110, false, 4, 272, 0},
-              {0x500111, false, 4, 273, -1000},
+              {0x500111, false, 4, 273, unknown},
               {0x9003ff, false, 8, 1023, 0},
-              {0x900400, false, 8, 1024, -1000},
-              {0xa00001, false, 9, 1, -1000},
+              {0x900400, false, 8, 1024, unknown},
+              {0xa00001, false, 9, 1, unknown},
               {0xc00000, false, 11, 0, 0},
-              {0xd00000, false, 12, 0, -1000},
-              {0x7fffffff, false, 0x7fe, 0xfffff, -1000}};
+              {0xd00000, false, 12, 0, unknown},
+              {0x7fffffff, false, 0x7fe, 0xfffff, unknown}};
   for (const auto &expected : rows) {
     int32_t row, member;
     const BrngRecord *table = __vxsGetBrngBaseOffset(expected.id, &row, &member);
-    EXPECT_EQ(table, expected.legacy ? __RegBrngs.rows : __RegBrngsNew) << expected.id;
+    EXPECT_EQ(table, expected.legacy ? legacy_generators.rows : current_generators) << expected.id;
     EXPECT_EQ(row, expected.row) << expected.id;
     EXPECT_EQ(member, expected.member) << expected.id;
     EXPECT_EQ(__vxsIsBrngValid(table, row, member), expected.status) << expected.id;
@@ -72,7 +74,7 @@ TEST(Registry, DescribesGenerators) {
     }
   }
   for (int32_t row = 4; row < 277; ++row)
-    EXPECT_EQ(memcmp(&__RegBrngs.rows[row], &__RegBrngsNew[4], sizeof(BrngRecord)), 0) << row;
+    EXPECT_EQ(memcmp(&legacy_generators.rows[row], &current_generators[4], sizeof(BrngRecord)), 0) << row;
   BrngRecord untouched = {};
   EXPECT_EQ(__vxsGetBrngProperties(0x900400, &untouched), VXS_STATUS_BAD_GENERATOR);
   EXPECT_EQ(untouched.StateSize, 0);

@@ -10,6 +10,7 @@
 
 namespace {
 
+using namespace qkr;
 using namespace qkr::tests;
 
 using Words = std::vector<uint32_t>;
@@ -88,7 +89,7 @@ TEST(WordGenerators, TwistersUseAllSeedsAndBeginSpent) {
 
 TEST(WordGenerators, Mt2203MembersHaveTheirParameters) {
   for (uint32_t member : {0u, 5u, 1023u}) {
-    EXPECT_EQ(memcmp(state(new_stream(mt2203 + member, {1})) + 70, _vxs_mt2203_table[member], 12), 0)
+    EXPECT_EQ(memcmp(state(new_stream(mt2203 + member, {1})) + 70, mt2203::parameters[member], 12), 0)
         << member;
   }
   EXPECT_NE(draw_words(new_stream(mt2203, {1}), 1), draw_words(new_stream(mt2203 + 1, {1}), 1));

@@ -30,6 +30,6 @@ assert len(irreducible) == 318 and irreducible[-1] == LAST
 
 irreducible += [0, 0]
 main("niederreiter", [
-    Table("", "uint32_t", "uNiederrIrredPoly", irreducible),
-    Table("", "int32_t", "iNiederrIrredPolyDeg", [max(p.bit_length() - 1, 0) for p in irreducible]),
+    Table("niederreiter", "uint32_t", "polynomials", irreducible),
+    Table("niederreiter", "int32_t", "degrees", [max(p.bit_length() - 1, 0) for p in irreducible]),
 ], room="streams")

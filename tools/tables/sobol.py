@@ -71,7 +71,7 @@ def full_row(polynomial, values):
 
 
 main("sobol", [
-    Table("", "uint32_t", "uSobolIrredPoly", [p for p, _ in DIMENSIONS] + [0]),
-    Table("", "int32_t", "iSobolIrredPolyDeg", [degree(p) for p, _ in DIMENSIONS] + [0]),
-    Table("", "uint32_t", "uSobolMInit", [full_row(*row) for row in DIMENSIONS]),
+    Table("sobol", "uint32_t", "polynomials", [p for p, _ in DIMENSIONS] + [0]),
+    Table("sobol", "int32_t", "degrees", [degree(p) for p, _ in DIMENSIONS] + [0]),
+    Table("sobol", "uint32_t", "initial_values", [full_row(*row) for row in DIMENSIONS]),
 ], room="streams")

@@ -90,7 +90,7 @@ def family():
 if __name__ == "__main__":
     rows = family()
     main("wichmann_hill", [
-        Table("", "uint32_t", "_vxs_WH_M", [tuple(moduli) for _, moduli in rows]),
-        Table("", "uint8_t", "_vxs_WH_A", [tuple(multipliers) for multipliers, _ in rows]),
-        Table("", "double", "_vxsdWH_IM_Tab", [tuple(1 / m for m in moduli) for _, moduli in rows]),
+        Table("wichmann_hill", "uint32_t", "moduli", [tuple(moduli) for _, moduli in rows]),
+        Table("wichmann_hill", "uint8_t", "multipliers", [tuple(multipliers) for multipliers, _ in rows]),
+        Table("wichmann_hill", "double", "inverse_moduli", [tuple(1 / m for m in moduli) for _, moduli in rows]),
     ], room="streams")

@@ -252,12 +252,12 @@ int print_table() {
   share(rows, &Parameters::mask_b, values_of_b);
   part(rows, &Parameters::mask_b, values_of_b);
   printf("// Made by tools/tables/mt2203/search.cpp; do not edit.\n#include \"streams/tables/tables.h\"\n\n");
-  printf("const uint32_t _vxs_mt2203_table[%d][3] = {\n", members);
+  printf("namespace qkr::mt2203 {\n\nconst uint32_t parameters[%d][3] = {\n", members);
   for (const Row &shared : rows) {
     const Parameters &parameters = shared.parameters;
     printf("    {0x%08x, 0x%08x, 0x%08x},\n", parameters.twist, parameters.mask_b, parameters.mask_c);
   }
-  printf("};\n");
+  printf("};\n\n}  // namespace qkr::mt2203\n");
   return 0;
 }
 

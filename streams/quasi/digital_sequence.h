@@ -5,7 +5,7 @@
 #pragma once
 
 #include "simd/vectors.h"
-#include "streams/internal.h"
+#include "streams/generators/payload.h"
 
 namespace qkr {
 
@@ -15,8 +15,8 @@ constexpr int32_t row_stride = 33;         // words from one dimension to the ne
 struct SequencePosition {
   uint32_t seq;  // index of the current point; the first one given out has index 1
   int32_t dim;
-  int32_t leapDim;  // -1, or the one dimension that is given out
-  int32_t pending;  // components of the current point not given out yet, 0 at a boundary
+  int32_t only_dim;  // -1, or the one dimension that is given out
+  int32_t pending;   // components of the current point not given out yet, 0 at a boundary
 };
 
 // The payload of a stream, of a generator whose record holds G::largest_dim dimensions.
@@ -28,7 +28,7 @@ struct SequenceRecord {
 };
 
 // The data of chunk G::chunk_id, for more dimensions.
-struct QrngUserData {
+struct LargeSequence {
   uint32_t *x;
   uint32_t **v;  // 32 words for each dimension
 };
@@ -62,7 +62,10 @@ QKR_INLINE Sequence sequence_in_record(StreamState *stream) {
   auto &record = payload_of<SequenceRecord<G>>(stream);
   return {&record.position, record.x, record.v[0], nullptr};
 }
-QKR_INLINE Sequence sequence_in_chunk(StreamState *stream, const QrngUserData *data) {
+template <class G>
+QKR_INLINE Sequence sequence_of(StreamState *stream) {
+  const auto *data = static_cast<const LargeSequence *>(__vxsSearchChunk(stream, G::chunk_id));
+  if (!data) return sequence_in_record<G>(stream);
   return {&payload_of<SequencePosition>(stream), data->x, nullptr, data->v};
 }
 

@@ -2,7 +2,7 @@
 // (B. A. Wichmann and I. D. Hill, Applied Statistics 31 (1982) 188; with four components: N. M. Maclaren,
 // Applied Statistics 38 (1989) 351). The residues are doubles here: products stay below 2^48, so they are
 // exact.
-#include "streams/congruential.h"
+#include "streams/generators/congruential.h"
 #include "streams/tables/tables.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
@@ -44,12 +44,12 @@ template <class Output>
 QKR_INLINE void fill(StreamState *stream, int32_t n, typename Output::Element *out, Output output) {
   WichmannHill &state = payload_of<WichmannHill>(stream);
   const int32_t member = family_member(stream);
-  const double *inverse = _vxsdWH_IM_Tab[member];
+  const double *inverse = wichmann_hill::inverse_moduli[member];
   double x[components], a[components], m[components];
   for (int j = 0; j < components; ++j) {
     x[j] = state.x[j];
     a[j] = state.a[j];
-    m[j] = _vxs_WH_M[member][j];
+    m[j] = wichmann_hill::moduli[member][j];
   }
 
   int i = 0;
@@ -84,8 +84,8 @@ QKR_INLINE void fill_words(StreamState *stream, int32_t n, uint32_t *out) {
   for (int j = 0; j < components; ++j) {
     x[j] = state.x[j];
     a[j] = state.a[j];
-    m[j] = _vxs_WH_M[member][j];
-    inverse[j] = _vxsdWH_IM_Tab[member][j];
+    m[j] = wichmann_hill::moduli[member][j];
+    inverse[j] = wichmann_hill::inverse_moduli[member][j];
   }
 
   constexpr int in_flight = 2 * lanes / components;  // elements
@@ -129,22 +129,22 @@ struct Methods {
     const int32_t member = family_member(stream);
     for (int j = 0; j < components; ++j) {
       const bool given = (uint32_t)j < (uint32_t)n;  // so a negative count means all four
-      const uint32_t x = given ? seeds[j] % _vxs_WH_M[member][j] : 1;
+      const uint32_t x = given ? seeds[j] % wichmann_hill::moduli[member][j] : 1;
       state.x[j] = x ? x : 1;
-      state.a[j] = _vxs_WH_A[member][j];
+      state.a[j] = wichmann_hill::multipliers[member][j];
     }
     return VXS_STATUS_OK;
   }
   static int32_t leapfrog(StreamState *stream, int32_t stride, const int32_t *index) {
     skip_ahead(stream, *index);
     WichmannHill &state = payload_of<WichmannHill>(stream);
-    const uint32_t *m = _vxs_WH_M[family_member(stream)];
+    const uint32_t *m = wichmann_hill::moduli[family_member(stream)];
     for (int j = 0; j < components; ++j) state.a[j] = __vxsiPowMod(state.a[j], stride, m[j]);
     return VXS_STATUS_OK;
   }
   static int32_t skip_ahead(StreamState *stream, int32_t count) {
     WichmannHill &state = payload_of<WichmannHill>(stream);
-    const uint32_t *m = _vxs_WH_M[family_member(stream)];
+    const uint32_t *m = wichmann_hill::moduli[family_member(stream)];
     for (int j = 0; j < components; ++j) {
       state.x[j] = (uint32_t)((uint64_t)state.x[j] * __vxsiPowMod(state.a[j], count, m[j]) % m[j]);
     }
@@ -156,9 +156,10 @@ struct Methods {
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_INIT_STREAM(WH, Methods)
-QKR_WORD_ENTRY(WH, fill_words(stream, n, out))
-QKR_REAL_ENTRIES(WH, fill, doubles(b - a, a), singles((double)b - a, a))
+QKR_INIT_STREAM(__vxsBRngWHInitStream, Methods)
+QKR_WORD_ENTRY(__vxsiBRngWH, fill_words(stream, n, out))
+QKR_REAL_ENTRY(__vxsdBRngWH, double, fill(stream, n, out, doubles(b - a, a)))
+QKR_REAL_ENTRY(__vxssBRngWH, float, fill(stream, n, out, singles((double)b - a, a)))
 
 #if QKR_BASELINE
 extern "C" uint32_t __vxsiPowMod(uint32_t base, int32_t exponent, uint32_t modulus) {

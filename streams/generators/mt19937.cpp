@@ -1,5 +1,5 @@
 // MT19937: the Mersenne twister with a state of 624 words.
-#include "streams/twister.h"
+#include "streams/generators/twister.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -63,7 +63,7 @@ QKR_INLINE void fill(StreamState *stream, int32_t n, typename Output::Element *o
 #if QKR_BASELINE
 struct Methods : NotPartitioned {
   static int32_t seed(StreamState *stream, int32_t n, const uint32_t *seeds) {
-    _InitStateVector<Mt19937>(stream, n, seeds);
+    seed_state<Mt19937>(stream, n, seeds);
     return VXS_STATUS_OK;
   }
 };
@@ -72,6 +72,7 @@ struct Methods : NotPartitioned {
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_INIT_STREAM(MT19937, Methods)
-QKR_WORD_ENTRY(MT19937, fill(stream, n, out, Words{}))
-QKR_REAL_ENTRIES(MT19937, fill, doubles((b - a) * 0x1p-32, a), singles(((double)b - a) * 0x1p-32, a))
+QKR_INIT_STREAM(__vxsBRngMT19937InitStream, Methods)
+QKR_WORD_ENTRY(__vxsiBRngMT19937, fill(stream, n, out, Words{}))
+QKR_REAL_ENTRY(__vxsdBRngMT19937, double, fill(stream, n, out, doubles((b - a) * 0x1p-32, a)))
+QKR_REAL_ENTRY(__vxssBRngMT19937, float, fill(stream, n, out, singles(((double)b - a) * 0x1p-32, a)))

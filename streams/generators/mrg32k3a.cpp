@@ -5,7 +5,7 @@
 // reduction finds (tools/tables/mrg32k3a.py). So whole vectors of successive numbers follow from earlier
 // ones, and with residues held between -m/2 and m/2 every sum is a whole number below 2^51: exact in double
 // precision, in any order, with fused operations or without.
-#include "streams/generator.h"
+#include "streams/generators/generator.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -190,7 +190,7 @@ QKR_INLINE void fill(StreamState *stream, int32_t n, typename Output::Element *o
 
 #if QKR_BASELINE
 // Once only: seeds stand below twice the moduli.
-void _ValidateSeed(StreamState *stream) {
+void reduce_seeds(StreamState *stream) {
   const auto validate = [](uint32_t *z, uint32_t modulus) {
     for (int j = 0; j < 3; ++j) z[j] -= z[j] >= modulus ? modulus : 0;
     if ((z[0] | z[1] | z[2]) == 0) z[0] = 1;
@@ -206,7 +206,7 @@ struct Methods : NotPartitioned {
     uint32_t words[6];
     for (int j = 0; j < 6; ++j) words[j] = j < n ? seeds[j] : 1;
     memcpy(&state, words, sizeof state);
-    _ValidateSeed(stream);
+    reduce_seeds(stream);
     return VXS_STATUS_OK;
   }
   static int32_t skip_ahead(StreamState *stream, int32_t count) {
@@ -228,7 +228,7 @@ struct Methods : NotPartitioned {
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_INIT_STREAM(MRG32K3A, Methods)
-QKR_WORD_ENTRY(MRG32K3A, fill(stream, n, out, Words{}))
-QKR_REAL_ENTRIES(MRG32K3A, fill, doubles((b - a) / 4294967087.0, a),
-                 singles(((double)b - a) / 4294967087.0, a))
+QKR_INIT_STREAM(__vxsBRngMRG32K3AInitStream, Methods)
+QKR_WORD_ENTRY(__vxsiBRngMRG32K3A, fill(stream, n, out, Words{}))
+QKR_REAL_ENTRY(__vxsdBRngMRG32K3A, double, fill(stream, n, out, doubles((b - a) / 4294967087.0, a)))
+QKR_REAL_ENTRY(__vxssBRngMRG32K3A, float, fill(stream, n, out, singles(((double)b - a) / 4294967087.0, a)))

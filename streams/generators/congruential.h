@@ -12,7 +12,7 @@
 //   bring
 #pragma once
 
-#include "streams/generator.h"
+#include "streams/generators/generator.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {

@@ -1,7 +1,7 @@
 // Blocks of a quasi-random sequence. There are four ways to the same words: points of few dimensions side by
 // side in groups; of up to 40 dimensions one after the other, held in registers; of more dimensions the same
 // from memory; and a few points without any preparation.
-#include "streams/digital_sequence_groups.h"
+#include "streams/quasi/digital_sequence_groups.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -178,7 +178,7 @@ template <class Output>
 QKR_NOINLINE void draw(const Sequence &s, int32_t n, Element<Output> *out, Output output) {
   SequencePosition &at = *s.position;
   if (n <= 0) return;
-  if (at.leapDim >= 0) return draw_points(s.from(at.leapDim), 1, n, out, output);
+  if (at.only_dim >= 0) return draw_points(s.from(at.only_dim), 1, n, out, output);
   if (at.pending > 0) {
     const int32_t count = n < at.pending ? n : at.pending;
     emit_words(s.x + at.dim - at.pending, count, out, output);
@@ -199,38 +199,12 @@ QKR_NOINLINE void draw(const Sequence &s, int32_t n, Element<Output> *out, Outpu
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-// An entry chooses between its two kernels, of the record and of a chunk. What follows `output` are the names
-// of the interval's ends.
-#define QKR_SEQUENCE_ENTRY(name, G, T, output, ...)                                                          \
-  QKR_ENTRY_OF(int32_t, name##Default, (StreamState * stream, int32_t n, T * out __VA_OPT__(, T a, T b)),    \
-               (stream, n, out __VA_OPT__(, ) __VA_ARGS__)) {                                                \
-    draw(sequence_in_record<G>(stream), n, out, output);                                                     \
-    return VXS_STATUS_OK;                                                                                    \
-  }                                                                                                          \
-  QKR_ENTRY_OF(                                                                                              \
-      int32_t, name##User,                                                                                   \
-      (StreamState * stream, int32_t n, T * out __VA_OPT__(, T a, T b), const qkr::QrngUserData *chunk),     \
-      (stream, n, out __VA_OPT__(, ) __VA_ARGS__, chunk)) {                                                  \
-    draw(sequence_in_chunk(stream, chunk), n, out, output);                                                  \
-    return VXS_STATUS_OK;                                                                                    \
-  }                                                                                                          \
-  QKR_BASELINE_ONLY(extern "C" int32_t name(StreamState *stream, int32_t n, T *out __VA_OPT__(, T a, T b)) { \
-    const void *chunk = __vxsSearchChunk(stream, qkr::G::chunk_id);                                          \
-    if (!chunk) return name##Default(stream, n, out __VA_OPT__(, ) __VA_ARGS__);                             \
-    return name##User(stream, n, out __VA_OPT__(, ) __VA_ARGS__,                                             \
-                      static_cast<const qkr::QrngUserData *>(chunk));                                        \
-  })
+// In single precision the difference of the ends is taken before it is widened.
+#define QKR_SEQUENCE_ENTRIES(G, words, reals, singles_name)                                          \
+  QKR_WORD_ENTRY(words, draw(sequence_of<G>(stream), n, out, Words{}))                               \
+  QKR_REAL_ENTRY(reals, double, draw(sequence_of<G>(stream), n, out, doubles((b - a) * 0x1p-32, a))) \
+  QKR_REAL_ENTRY(singles_name, float,                                                                \
+                 draw(sequence_of<G>(stream), n, out, singles((double)(b - a) * 0x1p-32, a)))
 
-#if QKR_BASELINE
-#define QKR_BASELINE_ONLY(...) __VA_ARGS__
-#else
-#define QKR_BASELINE_ONLY(...)
-#endif
-
-#define QKR_SEQUENCE_ENTRIES(name, G)                                                  \
-  QKR_SEQUENCE_ENTRY(__vxsiBRng##name, G, uint32_t, Words{})                           \
-  QKR_SEQUENCE_ENTRY(__vxsdBRng##name, G, double, doubles((b - a) * 0x1p-32, a), a, b) \
-  QKR_SEQUENCE_ENTRY(__vxssBRng##name, G, float, singles((double)(b - a) * 0x1p-32, a), a, b)
-
-QKR_SEQUENCE_ENTRIES(Sobol, Sobol)
-QKR_SEQUENCE_ENTRIES(Niederr, Niederreiter)
+QKR_SEQUENCE_ENTRIES(Sobol, __vxsiBRngSobol, __vxsdBRngSobol, __vxssBRngSobol)
+QKR_SEQUENCE_ENTRIES(Niederreiter, __vxsiBRngNiederr, __vxsdBRngNiederr, __vxssBRngNiederr)

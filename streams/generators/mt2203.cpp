@@ -1,8 +1,8 @@
 // MT2203: a family of 1024 Mersenne twisters with a state of 69 words each. Every member has a recurrence of
 // its own, with period 2^2203 - 1. M. Matsumoto and T. Nishimura, Dynamic creation of pseudorandom number
 // generators, Monte Carlo and Quasi-Monte Carlo Methods 1998 (2000) 56.
+#include "streams/generators/twister.h"
 #include "streams/tables/tables.h"
-#include "streams/twister.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -12,7 +12,7 @@ struct Mt2203 {
   static constexpr uint32_t upper_mask = 0xffffffe0;
   uint32_t mt[words];
   int32_t index;  // of the next word to be used
-  uint32_t matrixA, maskB, maskC;
+  uint32_t twist, mask_b, mask_c;
 };
 
 constexpr int words = Mt2203::words;
@@ -25,15 +25,15 @@ struct Line {
   alignas(64) uint32_t storage[lead + words + most_blocks * words + lanes];
 
   QKR_INLINE uint32_t *start() { return storage + lead; }
-  QKR_INLINE void extend(int count, uint32_t matrixA);
+  QKR_INLINE void extend(int count, uint32_t twist);
 };
 
 #if QKR_SIMD_BYTES == 64
 // The last 80 words stay in registers. Words that two stores have just written would have to wait for both:
 // a lag of 34 words is only two vectors.
-QKR_INLINE void Line::extend(int count, uint32_t matrixA) {
+QKR_INLINE void Line::extend(int count, uint32_t twist) {
   u32 matrix, w80, w64, w48, w32, w16;  // w80 holds the words from 80 places back on
-  broadcast(matrixA, matrix);
+  broadcast(twist, matrix);
   load(storage, w80);
   load(storage + 16, w64);
   load(storage + 32, w48);
@@ -49,9 +49,9 @@ QKR_INLINE void Line::extend(int count, uint32_t matrixA) {
   }
 }
 #else
-QKR_INLINE void Line::extend(int count, uint32_t matrixA) {
+QKR_INLINE void Line::extend(int count, uint32_t twist) {
   u32 matrix;
-  broadcast(matrixA, matrix);
+  broadcast(twist, matrix);
   for (uint32_t *at = start(), *end = at + count; at < end; at += lanes) {
     u32 word, next, far;
     load(at, word);
@@ -65,7 +65,7 @@ QKR_INLINE void Line::extend(int count, uint32_t matrixA) {
 template <class Output>
 QKR_INLINE void fill(StreamState *stream, int32_t n, typename Output::Element *out, Output output) {
   Mt2203 &state = payload_of<Mt2203>(stream);
-  const Tempering<12> tempering = {state.maskB, state.maskC};
+  const Tempering<12> tempering = {state.mask_b, state.mask_c};
 
   const int left = words - state.index, first = n < left ? n : left;
   if (first > 0) {
@@ -82,7 +82,7 @@ QKR_INLINE void fill(StreamState *stream, int32_t n, typename Output::Element *o
   while (n > 0) {
     const int needed = (n + words - 1) / words, blocks = needed < most_blocks ? needed : most_blocks;
     const int made = blocks * words, count = n < made ? n : made;
-    line.extend(made, state.matrixA);
+    line.extend(made, state.twist);
     emit(line.start() + words, count, out, output, tempering);
     memcpy(line.start(), line.start() + made, sizeof state.mt);
     state.index = words - (made - count);
@@ -95,10 +95,10 @@ QKR_INLINE void fill(StreamState *stream, int32_t n, typename Output::Element *o
 #if QKR_BASELINE
 struct Methods : NotPartitioned {
   static int32_t seed(StreamState *stream, int32_t n, const uint32_t *seeds) {
-    _InitStateVector<Mt2203>(stream, n, seeds);
+    seed_state<Mt2203>(stream, n, seeds);
     Mt2203 &state = payload_of<Mt2203>(stream);
-    const uint32_t *row = _vxs_mt2203_table[family_member(stream)];
-    state.matrixA = row[0], state.maskB = row[1], state.maskC = row[2];
+    const uint32_t *row = mt2203::parameters[family_member(stream)];
+    state.twist = row[0], state.mask_b = row[1], state.mask_c = row[2];
     return VXS_STATUS_OK;
   }
 };
@@ -107,7 +107,8 @@ struct Methods : NotPartitioned {
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_INIT_STREAM(MT2203, Methods)
-QKR_WORD_ENTRY(MT2203, fill(stream, n, out, Words{}))
+QKR_INIT_STREAM(__vxsBRngMT2203InitStream, Methods)
+QKR_WORD_ENTRY(__vxsiBRngMT2203, fill(stream, n, out, Words{}))
 // In single precision the difference of the ends is taken before it is widened.
-QKR_REAL_ENTRIES(MT2203, fill, doubles((b - a) * 0x1p-32, a), singles((double)(b - a) * 0x1p-32, a))
+QKR_REAL_ENTRY(__vxsdBRngMT2203, double, fill(stream, n, out, doubles((b - a) * 0x1p-32, a)))
+QKR_REAL_ENTRY(__vxssBRngMT2203, float, fill(stream, n, out, singles((double)(b - a) * 0x1p-32, a)))

@@ -3,7 +3,7 @@
 // (1998) 3; seeding by an array as they published it in 2002.
 #pragma once
 
-#include "streams/generator.h"
+#include "streams/generators/generator.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -44,7 +44,7 @@ constexpr StartWords<words> start_words() {
 // Seeds any twister with an array of n words; none count as the single word 1. The state is spent
 // afterwards: the first output makes a block of new words.
 template <class State>
-void _InitStateVector(StreamState *stream, int32_t n, const uint32_t *seeds) {
+void seed_state(StreamState *stream, int32_t n, const uint32_t *seeds) {
   State &state = payload_of<State>(stream);
   uint32_t(&mt)[State::words] = state.mt;
   constexpr int words = State::words;

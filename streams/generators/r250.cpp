@@ -1,12 +1,7 @@
 // R250: a generalised feedback shift register, s[i] = s[i - 250] ^ s[i - 147]. S. Kirkpatrick and E. P.
 // Stoll, A very fast shift-register sequence random number generator, Journal of Computational Physics 40
 // (1981) 517.
-#include "streams/generator.h"
-
-extern "C" const double _vxsdR250Tab[1];  // what scales words to [0, 1)
-#if QKR_BASELINE
-const double _vxsdR250Tab[1] = {0x1p-32};
-#endif
+#include "streams/generators/generator.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -14,20 +9,20 @@ namespace {
 constexpr int words = 250;
 
 struct R250 {
-  uint32_t s[words];
-  int32_t i0;  // of the word to be replaced
-  int32_t i1;  // of the word 103 places on
+  uint32_t ring[words];
+  int32_t oldest;   // of the word to be replaced
+  int32_t partner;  // of the word 103 places on
 };
 
-// Replaces, in place, `count` words at i0: neither index wraps within them.
+// Replaces, in place, `count` words at `oldest`: neither index wraps within them.
 template <class Output>
 QKR_INLINE void run(R250 &state, int count, typename Output::Element *out, const Output &output) {
-  uint32_t *replaced = state.s + state.i0;
-  const uint32_t *added = state.s + state.i1;
+  uint32_t *replaced = state.ring + state.oldest;
+  const uint32_t *added = state.ring + state.partner;
   int i = 0;
   // Vectors must not read what they are about to replace. A state that was not made here may hold any
   // indices.
-  if (state.i1 > state.i0 || state.i0 - state.i1 >= lanes) {
+  if (state.partner > state.oldest || state.oldest - state.partner >= lanes) {
     for (; i + lanes <= count; i += lanes) {
       u32 a, b;
       load(replaced + i, a);
@@ -38,15 +33,16 @@ QKR_INLINE void run(R250 &state, int count, typename Output::Element *out, const
   }
   for (; i < count; ++i) output.put_one(out + i, replaced[i] ^= added[i]);
   const auto moved = [count](int32_t index) { return index + count < words ? index + count : 0; };
-  state.i0 = moved(state.i0);
-  state.i1 = moved(state.i1);
+  state.oldest = moved(state.oldest);
+  state.partner = moved(state.partner);
 }
 
 template <class Output>
 QKR_INLINE void fill(StreamState *stream, int32_t n, typename Output::Element *out, Output output) {
   R250 &state = payload_of<R250>(stream);
   while (n > 0) {
-    const int left = words - (state.i0 > state.i1 ? state.i0 : state.i1), count = n < left ? n : left;
+    const int left = words - (state.oldest > state.partner ? state.oldest : state.partner),
+              count = n < left ? n : left;
     run(state, count, out, output);
     out += count;
     n -= count;
@@ -55,12 +51,12 @@ QKR_INLINE void fill(StreamState *stream, int32_t n, typename Output::Element *o
 
 #if QKR_BASELINE
 // By a multiplicative generator; then a triangle of 32 linearly independent words is planted.
-void InitSeedTable(StreamState *stream, uint32_t seed) {
-  uint32_t(&s)[words] = payload_of<R250>(stream).s;
+void fill_register(StreamState *stream, uint32_t seed) {
+  uint32_t(&ring)[words] = payload_of<R250>(stream).ring;
   uint32_t x = seed ? seed : 1;
-  for (uint32_t &word : s) word = x *= 69069;
+  for (uint32_t &word : ring) word = x *= 69069;
   for (int k = 0; k < 32; ++k) {
-    uint32_t &word = s[3 + 7 * k];
+    uint32_t &word = ring[3 + 7 * k];
     word = (word & 0xffffffff >> k) | 0x80000000 >> k;
   }
 }
@@ -69,12 +65,12 @@ struct Methods : NotPartitioned {
   static int32_t seed(StreamState *stream, int32_t n, const uint32_t *seeds) {
     R250 &state = payload_of<R250>(stream);
     if (n >= words) {
-      memcpy(state.s, seeds, sizeof state.s);
+      memcpy(state.ring, seeds, sizeof state.ring);
     } else {
-      InitSeedTable(stream, n > 0 ? seeds[0] : 1);
+      fill_register(stream, n > 0 ? seeds[0] : 1);
     }
-    state.i0 = 0;
-    state.i1 = 103;
+    state.oldest = 0;
+    state.partner = 103;
     return VXS_STATUS_OK;
   }
 };
@@ -83,7 +79,7 @@ struct Methods : NotPartitioned {
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_INIT_STREAM(R250, Methods)
-QKR_WORD_ENTRY(R250, fill(stream, n, out, Words{}))
-QKR_REAL_ENTRIES(R250, fill, doubles((b - a) * _vxsdR250Tab[0], a),
-                 singles(((double)b - a) * _vxsdR250Tab[0], a))
+QKR_INIT_STREAM(__vxsBRngR250InitStream, Methods)
+QKR_WORD_ENTRY(__vxsiBRngR250, fill(stream, n, out, Words{}))
+QKR_REAL_ENTRY(__vxsdBRngR250, double, fill(stream, n, out, doubles((b - a) * 0x1p-32, a)))
+QKR_REAL_ENTRY(__vxssBRngR250, float, fill(stream, n, out, singles(((double)b - a) * 0x1p-32, a)))

@@ -3,7 +3,7 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include "streams/digital_sequence_setup.h"
+#include "streams/quasi/digital_sequence_setup.h"
 
 namespace qkr {
 namespace {
@@ -17,10 +17,10 @@ uint32_t change(const uint32_t *row, uint32_t bits) {
 
 // One block holds the record of the chunk, the point, the row addresses and the rows, so that it goes with
 // its chunk; the chunk's size names the record alone.
-QrngUserData *allocate_user_data(int32_t dim) {
+LargeSequence *allocate_large(int32_t dim) {
   const size_t count = static_cast<size_t>(dim), row_bytes = direction_numbers * sizeof(uint32_t);
-  const size_t head = sizeof(QrngUserData) + count * sizeof(uint32_t *);
-  auto *data = static_cast<QrngUserData *>(malloc(head + count * (row_bytes + sizeof(uint32_t))));
+  const size_t head = sizeof(LargeSequence) + count * sizeof(uint32_t *);
+  auto *data = static_cast<LargeSequence *>(malloc(head + count * (row_bytes + sizeof(uint32_t))));
   if (!data) return nullptr;
   data->v = reinterpret_cast<uint32_t **>(data + 1);
   auto *rows = reinterpret_cast<uint32_t *>(data->v + count);
@@ -31,8 +31,8 @@ QrngUserData *allocate_user_data(int32_t dim) {
 
 }  // namespace
 
-int32_t add_user_data(StreamState *stream, uint32_t chunk_id, int32_t dim) {
-  QrngUserData *data = allocate_user_data(dim);
+int32_t add_large_sequence(StreamState *stream, uint32_t chunk_id, int32_t dim) {
+  LargeSequence *data = allocate_large(dim);
   if (!data) return VXS_STATUS_NO_MEMORY;
   const int32_t status = __vxsAddChunk(stream, chunk_id, data, sizeof *data);
   if (status != VXS_STATUS_OK) free(data);
@@ -43,7 +43,7 @@ void start(const Sequence &s) {
   SequencePosition &at = *s.position;
   for (int32_t j = 0; j < at.dim; ++j) s.x[j] = s.row(j)[0];
   at.seq = 1;
-  at.leapDim = -1;
+  at.only_dim = -1;
   at.pending = 0;
 }
 
@@ -55,14 +55,14 @@ void copy_rows(const Sequence &s, const uint32_t *words) {
 
 void leapfrog(const Sequence &s, int32_t k) {
   SequencePosition &at = *s.position;
-  if (k == at.leapDim) return;
-  if (at.leapDim >= 0) {  // only the old component was kept up to date
+  if (k == at.only_dim) return;
+  if (at.only_dim >= 0) {  // only the old component was kept up to date
     s.x[k] = change(s.row(k), gray_code(++at.seq));
   } else if (at.pending != 0 && k < at.dim - at.pending) {  // this one has gone out already
     s.x[k] ^= s.row(k)[next_direction(at.seq++)];
   }
   at.pending = 0;
-  at.leapDim = k;
+  at.only_dim = k;
 }
 
 void skip_ahead(const Sequence &s, int32_t count) {

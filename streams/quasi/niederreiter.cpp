@@ -6,8 +6,8 @@
 // sequence of bits w that b generates as a linear recurrence. Rows of the 32 x 32 generator matrix are
 // windows of 32 bits on w, e of them for each power; direction number c is column c of the matrix, with the
 // first row at its top bit.
-#include "streams/digital_sequence_setup.h"
-#include "streams/generator.h"
+#include "streams/generators/generator.h"
+#include "streams/quasi/digital_sequence_setup.h"
 #include "streams/tables/tables.h"
 
 namespace qkr {
@@ -64,7 +64,7 @@ void fill_from(const Sequence &s, const uint32_t *polynomials) {
   for (int32_t j = 0; j < s.position->dim; ++j) fill_row(s.row(j), polynomials[j]);
 }
 
-void __vxsNiederrInit(const Sequence &s) { fill_from(s, uNiederrIrredPoly); }
+void fill_default_rows(const Sequence &s) { fill_from(s, niederreiter::polynomials); }
 
 bool is_valid_array(int32_t n, const uint32_t *params) {
   if (n < 3 || params[1] != user_array_mark) return false;
@@ -79,21 +79,21 @@ bool is_valid_array(int32_t n, const uint32_t *params) {
   }
 }
 
-void __vxsNiederrInitUserParams(const Sequence &s, const uint32_t *params) {
+void fill_user_rows(const Sequence &s, const uint32_t *params) {
   const uint32_t *words = params + 3;
   params[2] == user_polynomials ? fill_from(s, words) : copy_rows(s, words);
 }
 
 struct NiederreiterRows : Niederreiter {
-  static constexpr auto fill_rows = __vxsNiederrInit;
+  static constexpr auto default_rows = fill_default_rows;
   static constexpr auto is_valid = is_valid_array;
-  static constexpr auto fill_user_rows = __vxsNiederrInitUserParams;
+  static constexpr auto user_rows = fill_user_rows;
 };
 
 }  // namespace
 }  // namespace qkr
 
 namespace qkr::QKR_SIMD_LEVEL {
-using NiederrMethods = SequenceMethods<NiederreiterRows>;
+using NiederreiterMethods = SequenceMethods<NiederreiterRows>;
 }
-QKR_INIT_STREAM(Niederr, NiederrMethods)
+QKR_INIT_STREAM(__vxsBRngNiederrInitStream, NiederreiterMethods)

@@ -5,10 +5,10 @@
 //   template <class Output>
 //   void fill(StreamState *stream, int32_t n, typename Output::Element *out, Output output);
 //
-//   QKR_INIT_STREAM(G, Methods)                           // seeding, leapfrog, skip-ahead
-//   QKR_WORD_ENTRY(G, fill(stream, n, out, Words{}))      // __vxsiBRngG
-//   QKR_REAL_ENTRIES(G, fill, doubles(...), singles(...)) // __vxsdBRngG, __vxssBRngG: the reals, from a and
-//   b
+//   QKR_INIT_STREAM(__vxsBRngGInitStream, Methods)           // seeding, leapfrog, skip-ahead
+//   QKR_WORD_ENTRY(__vxsiBRngG, fill(stream, n, out, Words{}))
+//   QKR_REAL_ENTRY(__vxsdBRngG, double, fill(stream, n, out, doubles(...)))  // ... of the ends a and b
+//   QKR_REAL_ENTRY(__vxssBRngG, float, fill(stream, n, out, singles(...)))
 //
 // mcg31m1.cpp is the shortest example. A generator must give the same words and leave the same state bytes
 // however the draws are split into blocks.
@@ -18,7 +18,7 @@
 
 #include "simd/entry.h"
 #include "simd/integers.h"
-#include "streams/internal.h"
+#include "streams/generators/payload.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -156,31 +156,25 @@ int32_t init_stream(int32_t method, StreamState *stream, int32_t n, const void *
 // Methods: seed(stream, n, seeds), leapfrog(stream, stride, index), skip_ahead(stream, count), static; in the
 // baseline compilation only.
 #if QKR_BASELINE
-#define QKR_INIT_STREAM(G, Methods)                                                           \
-  extern "C" int32_t __vxsBRng##G##InitStream(int32_t method, StreamState *stream, int32_t n, \
-                                              const void *params) {                           \
-    using namespace qkr::QKR_SIMD_LEVEL;                                                      \
-    return init_stream<Methods>(method, stream, n, params);                                   \
+#define QKR_INIT_STREAM(name, Methods)                                                          \
+  extern "C" int32_t name(int32_t method, StreamState *stream, int32_t n, const void *params) { \
+    using namespace qkr::QKR_SIMD_LEVEL;                                                        \
+    return init_stream<Methods>(method, stream, n, params);                                     \
   }
 #else
-#define QKR_INIT_STREAM(G, Methods)
+#define QKR_INIT_STREAM(name, Methods)
 #endif
 
-#define QKR_WORD_ENTRY(G, drawing)                                                        \
-  QKR_ENTRY_OF(int32_t, __vxsiBRng##G, (StreamState * stream, int32_t n, uint32_t * out), \
-               (stream, n, out)) {                                                        \
-    drawing;                                                                              \
-    return VXS_STATUS_OK;                                                                 \
+#define QKR_WORD_ENTRY(name, drawing)                                                                \
+  QKR_ENTRY_OF(int32_t, name, (StreamState * stream, int32_t n, uint32_t * out), (stream, n, out)) { \
+    drawing;                                                                                         \
+    return VXS_STATUS_OK;                                                                            \
   }
 
-#define QKR_REAL_ENTRY(letter, Real, G, fill, output)                                          \
-  QKR_ENTRY_OF(int32_t, __vxs##letter##BRng##G,                                                \
+#define QKR_REAL_ENTRY(name, Real, drawing)                                                    \
+  QKR_ENTRY_OF(int32_t, name,                                                                  \
                (StreamState * stream, int32_t n, Real * out, Real a, [[maybe_unused]] Real b), \
                (stream, n, out, a, b)) {                                                       \
-    fill(stream, n, out, output);                                                              \
+    drawing;                                                                                   \
     return VXS_STATUS_OK;                                                                      \
   }
-
-#define QKR_REAL_ENTRIES(G, fill, doubles, singles) \
-  QKR_REAL_ENTRY(d, double, G, fill, doubles)       \
-  QKR_REAL_ENTRY(s, float, G, fill, singles)

@@ -1,5 +1,5 @@
 // MCG59: x' = 13^13 x mod 2^59 (NAG Library Manual, Mark 7, 1979: its basic generator).
-#include "streams/congruential.h"
+#include "streams/generators/congruential.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -65,9 +65,10 @@ QKR_INLINE void fill(StreamState *stream, int32_t n, typename Output::Element *o
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_INIT_STREAM(MCG59, CongruentialMethods<Power59>)
-QKR_WORD_ENTRY(MCG59, fill(stream, n, reinterpret_cast<uint64_t *>(out), LongWords{}))
-QKR_REAL_ENTRIES(MCG59, fill, doubles((b - a) * 0x1p-59, a), singles(((double)b - a) * 0x1p-59, a))
+QKR_INIT_STREAM(__vxsBRngMCG59InitStream, CongruentialMethods<Power59>)
+QKR_WORD_ENTRY(__vxsiBRngMCG59, fill(stream, n, reinterpret_cast<uint64_t *>(out), LongWords{}))
+QKR_REAL_ENTRY(__vxsdBRngMCG59, double, fill(stream, n, out, doubles((b - a) * 0x1p-59, a)))
+QKR_REAL_ENTRY(__vxssBRngMCG59, float, fill(stream, n, out, singles(((double)b - a) * 0x1p-59, a)))
 
 #if QKR_BASELINE
 extern "C" uint64_t __vxsiPowMod2P59(uint64_t base, int32_t exponent) {

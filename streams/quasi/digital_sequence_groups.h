@@ -5,8 +5,8 @@
 
 #include <utility>
 
-#include "streams/digital_sequence.h"
-#include "streams/generator.h"
+#include "streams/generators/generator.h"
+#include "streams/quasi/digital_sequence.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {

@@ -2,14 +2,14 @@
 // memory for many dimensions, leapfrog and skip-ahead.
 //
 // A generator G adds to its dimensions and its chunk
-//   fill_rows(s)                 the direction numbers of its own tables
+//   default_rows(s)              the direction numbers of its own tables
 //   is_valid(n, params)          whether a user's array is complete
-//   fill_user_rows(s, params)    the direction numbers that the array asks for
+//   user_rows(s, params)         the direction numbers that the array asks for
 #pragma once
 
 #include <string.h>
 
-#include "streams/digital_sequence.h"
+#include "streams/quasi/digital_sequence.h"
 
 namespace qkr {
 
@@ -22,7 +22,7 @@ inline int32_t degree_of(uint32_t polynomial) { return polynomial ? 31 - __built
 void copy_rows(const Sequence &s, const uint32_t *words);
 
 // Memory for `dim` dimensions in a new chunk. Returns a status.
-int32_t add_user_data(StreamState *stream, uint32_t chunk_id, int32_t dim);
+int32_t add_large_sequence(StreamState *stream, uint32_t chunk_id, int32_t dim);
 
 // Puts a sequence whose rows are filled on its first point.
 void start(const Sequence &s);
@@ -32,12 +32,6 @@ void leapfrog(const Sequence &s, int32_t k);
 
 // Leaves out the next `count` > 0 components.
 void skip_ahead(const Sequence &s, int32_t count);
-
-template <class G>
-Sequence sequence_of(StreamState *stream) {
-  const auto *data = static_cast<const QrngUserData *>(__vxsSearchChunk(stream, G::chunk_id));
-  return data ? sequence_in_chunk(stream, data) : sequence_in_record<G>(stream);
-}
 
 template <class G>
 struct SequenceMethods {
@@ -50,12 +44,12 @@ struct SequenceMethods {
     memset(stream + 1, 0,
            sizeof(SequenceRecord<G>));  // what no dimension uses has defined bytes in files too
     if (user_array && dim > G::largest_dim) {
-      const int32_t status = add_user_data(stream, G::chunk_id, dim);
+      const int32_t status = add_large_sequence(stream, G::chunk_id, dim);
       if (status != VXS_STATUS_OK) return status;
     }
     const Sequence s = sequence_of<G>(stream);
     s.position->dim = user_array || (dim > 0 && dim <= G::largest_dim) ? dim : 1;
-    user_array ? G::fill_user_rows(s, params) : G::fill_rows(s);
+    user_array ? G::user_rows(s, params) : G::default_rows(s);
     start(s);
     return VXS_STATUS_OK;
   }

@@ -5,8 +5,8 @@
 // Dimension j has a primitive polynomial of degree e and odd numbers m[0..31], e of them given. The others
 // follow: m[k] = 2^e m[k-e] ^ m[k-e], and one term more for each coefficient. Direction number k is m[k]
 // 2^(31-k).
-#include "streams/digital_sequence_setup.h"
-#include "streams/generator.h"
+#include "streams/generators/generator.h"
+#include "streams/quasi/digital_sequence_setup.h"
 #include "streams/tables/tables.h"
 
 namespace qkr {
@@ -20,7 +20,7 @@ enum Kind : uint32_t {
   all_user_tables = 11,  // polynomials and initial values of every dimension
 };
 
-constexpr int32_t table_width = sizeof uSobolMInit[0] / sizeof uSobolMInit[0][0];
+constexpr int32_t table_width = sizeof sobol::initial_values[0] / sizeof sobol::initial_values[0][0];
 
 // Where the polynomials and the initial values of some dimensions stand.
 struct Tables {
@@ -58,9 +58,11 @@ void fill_from(const Sequence &s, int32_t first, Tables tables) {
   }
 }
 
-void __vxsSobolInit(const Sequence &s) { fill_from(s, 1, {uSobolIrredPoly, uSobolMInit[0], table_width}); }
+void fill_default_rows(const Sequence &s) {
+  fill_from(s, 1, {sobol::polynomials, sobol::initial_values[0], table_width});
+}
 
-bool __vxsCheckUserInitialParams(int32_t n, const uint32_t *params) {
+bool is_valid_array(int32_t n, const uint32_t *params) {
   if (n < 4 || params[1] != user_array_mark) return false;
   const uint64_t words = static_cast<uint64_t>(n), dim = params[0];
   switch (params[2]) {
@@ -79,15 +81,15 @@ bool __vxsCheckUserInitialParams(int32_t n, const uint32_t *params) {
   }
 }
 
-void __vxsSobolInitUserParams(const Sequence &s, const uint32_t *params) {
+void fill_user_rows(const Sequence &s, const uint32_t *params) {
   const uint32_t dim = params[0], kind = params[2], *words = params + 3;
   const int32_t first = kind == all_user_tables ? 0 : 1;
   const uint32_t *behind_polynomials = words + dim - first;
   switch (kind) {
     case user_polynomials:
-      return fill_from(s, first, {words, uSobolMInit[0], table_width});
+      return fill_from(s, first, {words, sobol::initial_values[0], table_width});
     case user_initial_values:
-      return fill_from(s, first, {uSobolIrredPoly, words + 1, words[0]});
+      return fill_from(s, first, {sobol::polynomials, words + 1, words[0]});
     case user_directions:
       return copy_rows(s, words);
     default:
@@ -96,9 +98,9 @@ void __vxsSobolInitUserParams(const Sequence &s, const uint32_t *params) {
 }
 
 struct SobolRows : Sobol {
-  static constexpr auto fill_rows = __vxsSobolInit;
-  static constexpr auto is_valid = __vxsCheckUserInitialParams;
-  static constexpr auto fill_user_rows = __vxsSobolInitUserParams;
+  static constexpr auto default_rows = fill_default_rows;
+  static constexpr auto is_valid = is_valid_array;
+  static constexpr auto user_rows = fill_user_rows;
 };
 
 }  // namespace
@@ -107,4 +109,4 @@ struct SobolRows : Sobol {
 namespace qkr::QKR_SIMD_LEVEL {
 using SobolMethods = SequenceMethods<SobolRows>;
 }
-QKR_INIT_STREAM(Sobol, SobolMethods)
+QKR_INIT_STREAM(__vxsBRngSobolInitStream, SobolMethods)

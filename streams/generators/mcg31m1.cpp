@@ -1,6 +1,6 @@
 // MCG31M1: x' = 1132489760 x mod 2^31 - 1. P. L'Ecuyer, Tables of linear congruential generators of different
 // sizes and good lattice structure, Mathematics of Computation 68 (1999) 249.
-#include "streams/congruential.h"
+#include "streams/generators/congruential.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -54,10 +54,11 @@ QKR_INLINE void fill(StreamState *stream, int32_t n, typename Output::Element *o
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_INIT_STREAM(MCG31M1, CongruentialMethods<Mersenne31>)
-QKR_WORD_ENTRY(MCG31M1, fill(stream, n, out, Words{}))
-QKR_REAL_ENTRIES(MCG31M1, fill, doubles((b - a) / 2147483647.0, a),
-                 (RealsInSingle{(float)((b - a) / 2147483647.0), a}))
+QKR_INIT_STREAM(__vxsBRngMCG31M1InitStream, CongruentialMethods<Mersenne31>)
+QKR_WORD_ENTRY(__vxsiBRngMCG31M1, fill(stream, n, out, Words{}))
+QKR_REAL_ENTRY(__vxsdBRngMCG31M1, double, fill(stream, n, out, doubles((b - a) / 2147483647.0, a)))
+QKR_REAL_ENTRY(__vxssBRngMCG31M1, float,
+               fill(stream, n, out, RealsInSingle{(float)((b - a) / 2147483647.0), a}))
 
 #if QKR_BASELINE
 extern "C" uint32_t __vxsiPowMod2P31M1(uint32_t base, int32_t exponent) {
