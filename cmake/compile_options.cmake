@@ -3,6 +3,10 @@
 # The same bits at every vector width and with every compiler: no contraction of a * b + c, strict IEEE arithmetic.
 set(QKR_ARITHMETIC_OPTIONS -ffp-contract=off -fno-math-errno)
 
+# The compilers that we build with stay silent; what others find to say stops no one.
+if(NOT QKR_SANITIZE AND "${CMAKE_CXX_COMPILER_ID}-${CMAKE_CXX_COMPILER_VERSION}" MATCHES "^(GNU-12|Clang-14|Clang-19)[.]")
+  set(CMAKE_COMPILE_WARNING_AS_ERROR ON)
+endif()
 set(QKR_WARNINGS -Wall -Wextra -Wshadow -Wno-psabi)
 # -Wno-psabi: vectors wider than the baseline's are passed by value to functions that are always inlined.
 # The headers of g++ 12 for 512-bit intrinsics warn of uninitialised values that are not used; and constants that

@@ -3,6 +3,19 @@ include(CMakePackageConfigHelpers)
 
 install(TARGETS qkr qkr_static EXPORT qkr-targets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+# Installed without debug information, ten times smaller; `cmake --install build/release --component debug` then
+# puts it beside the library, where debuggers look for it.
+set(installed "\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}")
+set(debug_file $<TARGET_FILE_NAME:qkr>.debug)
+install(CODE "
+  execute_process(COMMAND ${CMAKE_STRIP} --strip-unneeded ${installed}/$<TARGET_FILE_NAME:qkr> COMMAND_ERROR_IS_FATAL ANY)
+  execute_process(COMMAND ${CMAKE_STRIP} --strip-debug ${installed}/$<TARGET_FILE_NAME:qkr_static> COMMAND_ERROR_IS_FATAL ANY)")
+install(CODE "
+  message(STATUS \"Installing: ${installed}/${debug_file}\")
+  execute_process(COMMAND ${CMAKE_OBJCOPY} --only-keep-debug $<TARGET_FILE:qkr> ${installed}/${debug_file} COMMAND_ERROR_IS_FATAL ANY)
+  execute_process(COMMAND ${CMAKE_OBJCOPY} --remove-section=.gnu_debuglink --add-gnu-debuglink=${debug_file}
+                          $<TARGET_FILE_NAME:qkr> WORKING_DIRECTORY ${installed} COMMAND_ERROR_IS_FATAL ANY)"
+        COMPONENT debug EXCLUDE_FROM_ALL)
 list(TRANSFORM QKR_PUBLIC_HEADERS PREPEND ${PROJECT_SOURCE_DIR}/include/qkr/ OUTPUT_VARIABLE headers)
 install(FILES ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qkr)
 install(EXPORT qkr-targets NAMESPACE qkr:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qkr)

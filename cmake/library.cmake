@@ -51,7 +51,9 @@ function(qkr_add_libraries)
     target_link_options(qkr PRIVATE -nostartfiles -Wl,-z,defs)
   endif()
   # Threads free their cells of vector math when they end, by functions of ours: the library stays once loaded.
-  target_link_options(qkr PRIVATE -Wl,-z,nodelete -Wl,-Bsymbolic-functions -Wl,--as-needed
+  # Calls into the C library are resolved at once, so that their table can be read-only.
+  target_link_options(qkr PRIVATE -Wl,-z,nodelete -Wl,-z,relro -Wl,-z,now
+                      -Wl,-Bsymbolic-functions -Wl,--as-needed
                       -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/qkr.map)
   set_target_properties(qkr PROPERTIES
       LINKER_LANGUAGE C VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}

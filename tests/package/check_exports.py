@@ -2,32 +2,20 @@
 import re
 import subprocess
 import sys
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools"))
+import where
 
 VERSION = "QKR_0"
 compiler, include, library = sys.argv[1:]
 
 
-def output(*command, text=""):
-    return subprocess.run(command, input=text, capture_output=True, text=True, check=True).stdout
+def output(*command):
+    return subprocess.run(command, capture_output=True, text=True, check=True).stdout
 
 
-def declared_name(declaration):
-    """'void *(*i_malloc)(size_t)', 'extern int table[4]' or 'int32_t f(int32_t n)': the name that it declares."""
-    declaration = re.sub(r"__attribute__\s*\(\(.*?\)\)", "", declaration)
-    for pattern in (r"\(\s*\*\s*(\w+)\s*\)\s*\(", r"(\w+)\s*\(", r"(\w+)\s*(?:\[[^]]*\]\s*)*$"):
-        if found := re.search(pattern, declaration):
-            return found[1]
-    sys.exit(f"no name found in: {declaration}")
-
-
-# QKR_API stands in the preprocessed text under a name of its own, so that it can be told from other attributes.
-preprocessed = output(compiler, "-E", "-P", "-x", "c", "-I", include, "-", text="""
-#include <qkr/api.h>
-#undef QKR_API
-#define QKR_API exported_here
-#include <qkr/qkr.h>
-""")
-declared = {declared_name(text) for text in re.findall(r"\bexported_here\b([^;{]*)", preprocessed)}
+declared = set(where.declarations(compiler, include))
 
 exported, versions = set(), set()
 for line in output("nm", "-D", "--defined-only", "--format=posix", library).splitlines():

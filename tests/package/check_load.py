@@ -16,6 +16,7 @@ needed = re.findall(r"\(NEEDED\).*\[(.*)\]", dynamic)
 faults = [f"has {tag}" for tag in re.findall(r"\(((?:PREINIT|INIT|FINI)(?:_ARRAY)?)\)", dynamic)]
 faults += ["has an indirect function, resolved at load time"] * ("IRELATIV" in readelf("--relocs"))
 faults += [f"needs {name}" for name in needed if not ALLOWED.fullmatch(name)]
+faults += ["looks functions up at their first call"] * (not re.search(r"\(FLAGS_1\).*\bNOW\b", dynamic))
 faults += ["readelf shows no dynamic section"] * ("(SYMTAB)" not in dynamic)
 print("needs", *needed)
 sys.exit("\n".join(faults) or 0)
