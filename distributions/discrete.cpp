@@ -1,7 +1,7 @@
 // Integers that are one step away from a uniform number.
 #include <cstring>
 
-#include "distributions/internal.h"
+#include "distributions/near_one.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -9,8 +9,6 @@ namespace {
 // Numbers of another type that stand in an array of int32_t until they are replaced.
 using DoubleInPlace = double __attribute__((may_alias));
 using SingleInPlace = float __attribute__((may_alias));
-
-constexpr int32_t block = 1024;
 
 void floors(int32_t n, const double *x, int32_t *out) {
   for (int32_t i = 0; i < n; ++i) {
@@ -22,21 +20,22 @@ void floors(int32_t n, const double *x, int32_t *out) {
 // The first half of the output takes half as many doubles as the whole has room for, and no copy of the
 // stream's numbers is needed but for a block that is out of the way of the results.
 int32_t uniform_integers(StreamState *stream, int32_t n, int32_t *out, double a, double b) {
-  double x[block];
-  int32_t status = VXS_STATUS_OK, done = 0;
+  double x[longest_block];
+  int32_t status = VXS_STATUS_OK;
+  ptrdiff_t done = 0;
   const int32_t half = n >> 1;
-  if (half > block) {
+  if (half > longest_block) {
     DoubleInPlace *in_place = reinterpret_cast<DoubleInPlace *>(out);
     status = _vxsdRngUniform(0, stream, half, in_place, a, b);
     if (status < 0) return status;
-    in_stretches(half, [&](int32_t m, int32_t first) {
+    in_blocks(half, [&](int32_t m, ptrdiff_t first) {
       memcpy(x, in_place + first, static_cast<size_t>(m) * sizeof(double));
       floors(m, x, out + first);
     });
     done = half;
   }
-  for (; done < n && status >= 0; done += block) {
-    const int32_t m = n - done < block ? n - done : block;
+  for (; done < n && status >= 0; done += longest_block) {
+    const int32_t m = n - done < longest_block ? static_cast<int32_t>(n - done) : longest_block;
     status = _vxsdRngUniform(0, stream, m, x, a, b);
     if (status >= 0) floors(m, x, out + done);
   }
@@ -48,18 +47,25 @@ int32_t uniform_integers(StreamState *stream, int32_t n, int32_t *out, double a,
 template <class Prepare, class Element>
 int32_t from_singles(StreamState *stream, int32_t n, int32_t *out, Prepare prepare, Element element) {
   SingleInPlace *in_place = reinterpret_cast<SingleInPlace *>(out);
-  return draw_in_stretches(
-      stream, n, [=](int32_t m, int32_t first) { return uniforms<float>(stream, m, in_place + first); },
-      [=](int32_t m, int32_t first) {
+  return draw_in_blocks(
+      stream, n, [=](int32_t m, ptrdiff_t first) { return uniforms<float>(stream, m, in_place + first); },
+      [=](int32_t m, ptrdiff_t first) {
         prepare(m, in_place + first);
-        for (int32_t i = first; i < first + m; ++i) out[i] = element(double(in_place[i]));
+        for (ptrdiff_t i = first; i < first + m; ++i) out[i] = element(double(in_place[i]));
       });
 }
 
+int32_t bernoulli(StreamState *stream, int32_t n, int32_t *out, double p) {
+  const bool certain = p >= 1.0;  // also for a uniform number that was rounded to 1
+  return from_singles(
+      stream, n, out, [](int32_t, float *) {},
+      [=](double u) -> int32_t { return (u >= p) & !certain ? 0 : 1; });
+}
+
 int32_t geometric(StreamState *stream, int32_t n, int32_t *out, double p) {
-  return under_callback(_vsLnCallBack<ActsOn::every_error>, [=] {
+  return with_finite_logarithms<float, ActsOn::every_error>([=] {
     constexpr double largest = INT32_MAX;
-    const double factor = 1.0 / ln(1.0 - p);
+    const double factor = 1.0 / ln_of_one_plus(-p);
     return from_singles(
         stream, n, out, [](int32_t m, float *x) { _vxmsLn_HA(m, x, x); },
         [=](double ln_u) {
@@ -72,11 +78,8 @@ int32_t geometric(StreamState *stream, int32_t n, int32_t *out, double p) {
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_DISTRIBUTION(i, int32_t, Uniform, (int32_t a, int32_t b), (a, b)) {
+QKR_DISTRIBUTION(_vxsiRngUniform, int32_t, (int32_t a, int32_t b), (a, b)) {
   return uniform_integers(stream, n, out, a, b);
 }
-QKR_DISTRIBUTION(i, int32_t, Bernoulli, (double p), (p)) {
-  return from_singles(
-      stream, n, out, [](int32_t, float *) {}, [=](double u) -> int32_t { return u >= p ? 0 : 1; });
-}
-QKR_DISTRIBUTION(i, int32_t, Geometric, (double p), (p)) { return geometric(stream, n, out, p); }
+QKR_DISTRIBUTION(_vxsiRngBernoulli, int32_t, (double p), (p)) { return bernoulli(stream, n, out, p); }
+QKR_DISTRIBUTION(_vxsiRngGeometric, int32_t, (double p), (p)) { return geometric(stream, n, out, p); }

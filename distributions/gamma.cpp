@@ -3,11 +3,17 @@
 #include "distributions/radii.h"
 #include "distributions/rejection.h"
 
+namespace qkr {
+constexpr double third = 1.0 / 3.0;
+constexpr double squeeze = 0.0331;    // accepts at once: u < 1 - squeeze x^4
+constexpr double weibull_from = 0.6;  // the shape from which rejection from Weibull's law is the faster
+}  // namespace qkr
+
 extern "C" {
 extern const double _vxsdGAMMATab[8];
 #if QKR_BASELINE
-const double _vxsdGAMMATab[8] = {
-    0.0, 1.0 / 3.0, 0.0331, 1.0, 0.5, 0.6, 6.283185307179586, qkr::sse2::ln_floor};
+const double _vxsdGAMMATab[8] = {0.0, qkr::third,        qkr::squeeze,          1.0,
+                                 0.5, qkr::weibull_from, qkr::sse2::whole_turn, qkr::sse2::ln_floor<double>};
 #endif
 }
 
@@ -16,7 +22,7 @@ namespace {
 
 // Two normal numbers of each of `count` pairs, at most 256: a uniform number and an angle, both overwritten.
 template <class T>
-void _BoxMuller2(int32_t count, T *u, T *angle, T *__restrict out) {
+void normals_of_pairs(int32_t count, T *u, T *angle, T *__restrict out) {
   T sine[most_candidates / 2];
   Precision<T>::sin_cos(count, angle, sine, angle);
   radii(count, u);
@@ -45,8 +51,8 @@ struct Candidates {
     const int32_t status = uniforms(stream, 2 * m, words);
     if (status < 0) return status;
     part_pairs(m, words, halves, u + first);
-    part_pairs(m / 2, halves, u1, u2, T(_vxsdGAMMATab[6]));
-    _BoxMuller2(m / 2, u1, u2, x + first);
+    part_pairs(m / 2, halves, u1, u2, T(whole_turn));
+    normals_of_pairs(m / 2, u1, u2, x + first);
     return status;
   }
 
@@ -55,10 +61,9 @@ struct Candidates {
   int32_t keep_accepted(int32_t m, T c, T d, T *out) const {
     T cube[most_candidates + 1], product[most_candidates + 1];
     Answer<T> accepted[most_candidates + 1], undecided[most_candidates + 1];
-    const T squeeze = T(_vxsdGAMMATab[2]);
     for (int32_t i = 0; i < m; ++i) {
       const T v = c * x[i] + T(1), s = x[i] * x[i];
-      const bool positive = v > T(0), inside = u[i] < T(1) - squeeze * s * s;
+      const bool positive = v > T(0), inside = u[i] < T(1) - T(squeeze) * s * s;
       cube[i] = v * v * v;
       product[i] = d * cube[i];
       accepted[i] = positive & inside;
@@ -76,9 +81,10 @@ struct Candidates {
       ln_w[k] = cube[place[k]];
     }
     Precision<T>::ln(2 * count, logarithms, logarithms);
+    // For large d, the cube is near 1: 1 - cube is exact then, and its difference to the logarithm small.
     for (int32_t k = 0; k < count; ++k) {
       const int32_t i = place[k];
-      accepted[i] = ln_u[k] < T(0.5) * (x[i] * x[i]) + d * (ln_w[k] + T(1) - cube[i]);
+      accepted[i] = ln_u[k] < T(0.5) * (x[i] * x[i]) + d * (ln_w[k] + (T(1) - cube[i]));
     }
     return keep(m, product, accepted, out);
   }
@@ -88,8 +94,8 @@ struct Candidates {
 // Software 26 (2000) 363). Candidates come in twos. One that is left over is kept for the next call, so that
 // the split of n into calls does not matter.
 template <class T>
-int32_t _Marsaglia(StreamState *stream, int32_t n, T *out, T alpha) {
-  const T d = alpha - T(_vxsdGAMMATab[1]), c = sqrt(T(1) / (T(9) * alpha - T(3)));
+int32_t marsaglia_tsang(StreamState *stream, int32_t n, T *out, T alpha) {
+  const T d = alpha - T(third), c = sqrt(T(1) / (T(9) * alpha - T(3)));
   PendingCandidate *pending;
   int32_t status = find_or_add_chunk(stream, pending_candidate, PendingCandidate{none, 0.0}, &pending);
   if (status < 0) return status;
@@ -124,7 +130,7 @@ int32_t _Marsaglia(StreamState *stream, int32_t n, T *out, T alpha) {
 // 0.6 <= alpha < 1: by rejection from a Weibull number (I. Vaduva, Mathematische Operationsforschung und
 // Statistik 8 (1977) 545).
 template <class T>
-int32_t _Vaduva(StreamState *stream, int32_t n, T *out, T alpha) {
+int32_t vaduva(StreamState *stream, int32_t n, T *out, T alpha) {
   const T c = T(1) / alpha, d = (T(1) - alpha) * exp(alpha * ln(alpha) / (T(1) - alpha));
   T first[most_candidates], second[most_candidates], root[most_candidates];
   const auto prepare = [&](int32_t m, T *pairs) {
@@ -142,7 +148,7 @@ int32_t _Vaduva(StreamState *stream, int32_t n, T *out, T alpha) {
 // alpha < 0.6: by rejection from an exponential power number (J. Dagpunar, Principles of Random Variate
 // Generation, 1988).
 template <class T>
-int32_t _EPDTransform(StreamState *stream, int32_t n, T *out, T alpha) {
+int32_t exponential_power(StreamState *stream, int32_t n, T *out, T alpha) {
   const T r = T(1) / alpha, k = T(1) - alpha;
   T u[most_candidates], y[most_candidates], power[most_candidates], logarithm[most_candidates];
   const auto prepare = [&](int32_t m, T *pairs) {
@@ -161,15 +167,15 @@ int32_t _EPDTransform(StreamState *stream, int32_t n, T *out, T alpha) {
 
 template <class T>
 int32_t standard_gamma(StreamState *stream, int32_t n, T *out, T alpha) {
-  if (alpha > T(1)) return _Marsaglia(stream, n, out, alpha);
+  if (alpha > T(1)) return marsaglia_tsang(stream, n, out, alpha);
   if (alpha == T(1)) return Precision<T>::exponential(0, stream, n, out, T(0), T(1));
-  if (alpha >= T(_vxsdGAMMATab[5])) return _Vaduva(stream, n, out, alpha);
-  return _EPDTransform(stream, n, out, alpha);
+  if (alpha >= T(weibull_from)) return vaduva(stream, n, out, alpha);
+  return exponential_power(stream, n, out, alpha);
 }
 
 template <class T>
 int32_t gamma(StreamState *stream, int32_t n, T *out, T alpha, T a, T beta) {
-  return with_finite_logarithms<T, _vxsdGAMMATab, ActsOn::singularities>([=] {
+  return with_finite_logarithms<T, ActsOn::singularities>([=] {
     const int32_t status = standard_gamma(stream, n, out, alpha);
     if (status >= 0) scale_at_least(n, out, beta, a);
     return status;
@@ -179,9 +185,9 @@ int32_t gamma(StreamState *stream, int32_t n, T *out, T alpha, T a, T beta) {
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_DISTRIBUTION(d, double, Gamma, (double alpha, double a, double beta), (alpha, a, beta)) {
+QKR_DISTRIBUTION(_vxsdRngGamma, double, (double alpha, double a, double beta), (alpha, a, beta)) {
   return gamma(stream, n, out, alpha, a, beta);
 }
-QKR_DISTRIBUTION(s, float, Gamma, (float alpha, float a, float beta), (alpha, a, beta)) {
+QKR_DISTRIBUTION(_vxssRngGamma, float, (float alpha, float a, float beta), (alpha, a, beta)) {
   return gamma(stream, n, out, alpha, a, beta);
 }

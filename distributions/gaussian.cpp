@@ -7,7 +7,7 @@
 extern "C" {
 extern const double _vxsdGaussianTab[2];
 #if QKR_BASELINE
-const double _vxsdGaussianTab[2] = {6.283185307179586, qkr::sse2::ln_floor};  // 2 pi
+const double _vxsdGaussianTab[2] = {qkr::sse2::whole_turn, qkr::sse2::ln_floor<double>};
 #endif
 }
 
@@ -17,18 +17,13 @@ namespace {
 constexpr int32_t block_pairs = 512;
 
 template <class T>
-T whole_turn() {
-  return T(_vxsdGaussianTab[0]);
-}
-
-template <class T>
 int32_t one_of_each_pair(StreamState *stream, int32_t n, T *out) {
   T pairs[2 * block_pairs], sine[block_pairs];
-  return in_blocks<block_pairs>(n, [&, out](int32_t m, int32_t first) {
+  return in_whole_blocks<block_pairs>(n, [&, out](int32_t m, ptrdiff_t first) {
     const int32_t drawn = uniforms(stream, 2 * m, pairs);
     if (drawn < 0) return drawn;
     T *x = out + first;
-    part_pairs(m, pairs, x, sine, whole_turn<T>());
+    part_pairs(m, pairs, x, sine, T(whole_turn));
     Precision<T>::sin(m, sine, sine);
     radii(m, x);
     for (int32_t i = 0; i < m; ++i) x[i] *= sine[i];
@@ -45,28 +40,14 @@ constexpr double none = -1.0;
 constexpr uint32_t pending_pair = 2;
 static_assert(sizeof(PendingPair) == 16, "in stream files too");
 
-// The cosine's half of the pending pair, which is used up in place.
+// Both numbers of one pair, with the bits that they have among others.
 template <class T>
-T second_half(PendingPair &pending) {
-  T radius = T(pending.u1), cosine = T(pending.u2) * whole_turn<T>();
-  Precision<T>::cos(1, &cosine, &cosine);
+void both_of(const PendingPair &pair, T &first, T &second) {
+  T radius = T(pair.u1), angle = T(pair.u2) * T(whole_turn), sine, cosine;
+  Precision<T>::sin_cos(1, &angle, &sine, &cosine);
   radii(1, &radius);
-  pending = {radius, cosine};
-  return radius * cosine;
-}
-
-// The sine's half of a new pair, which becomes pending.
-template <class T>
-int32_t first_half(StreamState *stream, PendingPair &pending, T &out) {
-  T pair[2];
-  const int32_t status = uniforms(stream, 2, pair);
-  if (status < 0) return status;
-  pending = {pair[0], pair[1]};
-  pair[1] *= whole_turn<T>();
-  Precision<T>::sin(1, pair + 1, pair + 1);
-  radii(1, pair);
-  out = pair[0] * pair[1];
-  return status;
+  first = sine * radius;
+  second = cosine * radius;
 }
 
 template <class T>
@@ -77,7 +58,7 @@ int32_t whole_pairs(StreamState *stream, int32_t pairs, T *out) {
     const int32_t m = pairs < block_pairs ? pairs : block_pairs;
     status = uniforms(stream, 2 * m, u);
     if (status < 0) break;
-    part_pairs(m, u, radius, sine, whole_turn<T>());
+    part_pairs(m, u, radius, sine, T(whole_turn));
     Precision<T>::sin_cos(m, sine, sine, cosine);
     radii(m, radius);
     for (int32_t i = 0; i < m; ++i) {
@@ -93,23 +74,24 @@ int32_t both_of_each_pair(StreamState *stream, int32_t n, T *out) {
   PendingPair *pending;
   int32_t status = find_or_add_chunk(stream, pending_pair, PendingPair{none, none}, &pending);
   if (status < 0) return status;
-  T *next = out;
-  if (pending->u1 != none) *next++ = second_half<T>(*pending);
-  const int32_t missing = n - static_cast<int32_t>(next - out);
-  status = whole_pairs(stream, missing >> 1, next);
-  if (status < 0) return status;
-  if (missing & 1) {
-    T last;
-    status = first_half(stream, *pending, last);
-    if (status < 0) return status;
-    if (missing > 0) next[missing - 1] = last;
-  } else {
+  T *next = out, spent;
+  if (pending->u1 != none) {
+    both_of(*pending, spent, *next++);
     *pending = {none, none};
   }
+  const int32_t missing = n - static_cast<int32_t>(next - out);
+  status = whole_pairs(stream, missing >> 1, next);
+  if (status < 0 || !(missing & 1)) return status;
+  T u[2], last, held_over;
+  status = uniforms(stream, 2, u);
+  if (status < 0) return status;
+  *pending = {u[0], u[1]};
+  both_of(*pending, last, held_over);
+  if (missing > 0) next[missing - 1] = last;
   return status;
 }
 
-// How much shorter the first stretch has to be, so that the second method never parts a pair between two.
+// How much shorter the first block has to be, so that the second method never parts a pair between two.
 int32_t lead(const StreamState *stream) {
   const auto *pending = static_cast<const PendingPair *>(__vxsSearchChunk(stream, pending_pair));
   return pending && pending->u1 != none;
@@ -117,31 +99,31 @@ int32_t lead(const StreamState *stream) {
 
 template <class T>
 int32_t gaussian_by_one(StreamState *stream, int32_t n, T *out, T a, T sigma) {
-  return draw_in_stretches(
-      stream, n, [=](int32_t m, int32_t first) { return one_of_each_pair(stream, m, out + first); },
-      [=](int32_t m, int32_t first) { scale(m, out + first, sigma, a); });
+  return draw_in_blocks(
+      stream, n, [=](int32_t m, ptrdiff_t first) { return one_of_each_pair(stream, m, out + first); },
+      [=](int32_t m, ptrdiff_t first) { scale(m, out + first, sigma, a); });
 }
 
 template <class T>
 int32_t gaussian_by_both(StreamState *stream, int32_t n, T *out, T a, T sigma) {
-  return draw_in_stretches(
-      stream, n, [=](int32_t m, int32_t first) { return both_of_each_pair(stream, m, out + first); },
-      [=](int32_t m, int32_t first) { scale(m, out + first, sigma, a); }, lead(stream));
+  return draw_in_blocks(
+      stream, n, [=](int32_t m, ptrdiff_t first) { return both_of_each_pair(stream, m, out + first); },
+      [=](int32_t m, ptrdiff_t first) { scale(m, out + first, sigma, a); }, lead(stream));
 }
 
 template <class T>
 int32_t gaussian(int32_t method, StreamState *stream, int32_t n, T *out, T a, T sigma) {
-  static constexpr decltype(&gaussian_by_one<T>) kernels[] = {gaussian_by_one<T>, gaussian_by_both<T>};
-  return with_finite_logarithms<T, _vxsdGaussianTab, ActsOn::singularities>(
-      [=] { return kernels[method](stream, n, out, a, sigma); });
+  if (method != 0 && method != 1) return VXS_STATUS_BAD_METHOD;
+  const auto kernel = method ? gaussian_by_both<T> : gaussian_by_one<T>;
+  return with_finite_logarithms<T, ActsOn::singularities>([=] { return kernel(stream, n, out, a, sigma); });
 }
 
 // The exponential function reports its errors by the caller's policy.
 template <class T>
 int32_t lognormal(StreamState *stream, int32_t n, T *out, T a, T sigma, T b, T beta) {
-  return draw_in_stretches(
-      stream, n, [=](int32_t m, int32_t first) { return gaussian(1, stream, m, out + first, a, sigma); },
-      [=](int32_t m, int32_t first) {
+  return draw_in_blocks(
+      stream, n, [=](int32_t m, ptrdiff_t first) { return gaussian(1, stream, m, out + first, a, sigma); },
+      [=](int32_t m, ptrdiff_t first) {
         Precision<T>::exp(m, out + first, out + first);
         scale_at_least(m, out + first, beta, b);
       },
@@ -151,20 +133,16 @@ int32_t lognormal(StreamState *stream, int32_t n, T *out, T a, T sigma, T b, T b
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-#define ENTRIES(letter, T)                                                                             \
-  QKR_ENTRY_OF(int32_t, _v##letter##RngGaussianBoxMuller,                                              \
-               (StreamState * stream, int32_t n, T * out, T a, T sigma), (stream, n, out, a, sigma)) { \
-    return gaussian_by_one(stream, n, out, a, sigma);                                                  \
-  }                                                                                                    \
-  QKR_ENTRY_OF(int32_t, _v##letter##RngGaussianBoxMuller2,                                             \
-               (StreamState * stream, int32_t n, T * out, T a, T sigma), (stream, n, out, a, sigma)) { \
-    return gaussian_by_both(stream, n, out, a, sigma);                                                 \
-  }                                                                                                    \
-  QKR_DISTRIBUTION(letter, T, Gaussian, (T a, T sigma), (a, sigma)) {                                  \
-    return gaussian(method, stream, n, out, a, sigma);                                                 \
-  }                                                                                                    \
-  QKR_DISTRIBUTION(letter, T, Lognormal, (T a, T sigma, T b, T beta), (a, sigma, b, beta)) {           \
-    return lognormal(stream, n, out, a, sigma, b, beta);                                               \
-  }
-ENTRIES(d, double)
-ENTRIES(s, float)
+QKR_DISTRIBUTION(_vxsdRngGaussian, double, (double a, double sigma), (a, sigma)) {
+  return gaussian(method, stream, n, out, a, sigma);
+}
+QKR_DISTRIBUTION(_vxssRngGaussian, float, (float a, float sigma), (a, sigma)) {
+  return gaussian(method, stream, n, out, a, sigma);
+}
+QKR_DISTRIBUTION(_vxsdRngLognormal, double, (double a, double sigma, double b, double beta),
+                 (a, sigma, b, beta)) {
+  return lognormal(stream, n, out, a, sigma, b, beta);
+}
+QKR_DISTRIBUTION(_vxssRngLognormal, float, (float a, float sigma, float b, float beta), (a, sigma, b, beta)) {
+  return lognormal(stream, n, out, a, sigma, b, beta);
+}

@@ -29,11 +29,24 @@ void multiply(int32_t n, T *z, int32_t d, const T *mean, const T *t, int64_t row
   }
 }
 
+// count = n * d can be above the largest n of one call. Pieces of even length keep the pairs of method 1
+// whole.
+template <class T>
+int32_t standard_normals(int32_t method, StreamState *stream, int64_t count, T *out) {
+  constexpr int64_t longest = int64_t{1} << 30;
+  for (; count > longest; count -= longest, out += longest) {
+    const int32_t status =
+        Precision<T>::gaussian(method, stream, static_cast<int32_t>(longest), out, T(0), T(1));
+    if (status < 0) return status;
+  }
+  return Precision<T>::gaussian(method, stream, static_cast<int32_t>(count), out, T(0), T(1));
+}
+
 template <class T>
 int32_t vectors(int32_t method, StreamState *stream, int32_t n, T *out, int32_t d, int32_t mstorage,
                 const T *mean, const T *t) {
   if (d == 1) return Precision<T>::gaussian(method, stream, n, out, mean[0], t[0]);
-  const int32_t status = Precision<T>::gaussian(method, stream, n * d, out, T(0), T(1));
+  const int32_t status = standard_normals(method, stream, int64_t{n} * d, out);
   if (status < 0 || mstorage < 0 || mstorage >= storages) return status;
   if (mstorage == diagonal) {
     scale_by_diagonal(n, out, d, mean, t);
@@ -54,11 +67,11 @@ int32_t vectors(int32_t method, StreamState *stream, int32_t n, T *out, int32_t 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_DISTRIBUTION(d, double, GaussianMV, (int32_t d, int32_t mstorage, const double *mean, const double *t),
-                 (d, mstorage, mean, t)) {
+QKR_DISTRIBUTION(_vxsdRngGaussianMV, double,
+                 (int32_t d, int32_t mstorage, const double *mean, const double *t), (d, mstorage, mean, t)) {
   return vectors(method, stream, n, out, d, mstorage, mean, t);
 }
-QKR_DISTRIBUTION(s, float, GaussianMV, (int32_t d, int32_t mstorage, const float *mean, const float *t),
+QKR_DISTRIBUTION(_vxssRngGaussianMV, float, (int32_t d, int32_t mstorage, const float *mean, const float *t),
                  (d, mstorage, mean, t)) {
   return vectors(method, stream, n, out, d, mstorage, mean, t);
 }

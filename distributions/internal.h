@@ -26,12 +26,11 @@ struct Precision;
     static constexpr auto &exp = _vxm##letter##Exp_HA;                 \
     static constexpr auto &sqrt = _vxm##letter##Sqrt_HA;               \
     static constexpr auto &sin = _vxm##letter##Sin_HA;                 \
-    static constexpr auto &cos = _vxm##letter##Cos_HA;                 \
     static constexpr auto &sin_cos = _vxm##letter##SinCos_HA;          \
     static constexpr auto &tan = _vxm##letter##Tan_HA;                 \
+    static constexpr auto &tanh = _vxm##letter##Tanh_HA;               \
     static constexpr auto &pow = _vxm##letter##Pow_HA;                 \
     static constexpr auto &powx = _vxm##letter##Powx_HA;               \
-    static constexpr auto &pack = _vxm##letter##PackI;                 \
   };
 QKR_PRECISION(d, double)
 QKR_PRECISION(s, float)
@@ -59,84 +58,73 @@ inline T power(T x, T exponent) {
   return x;
 }
 
-// What stands in for ln 0: the logarithm of the smallest positive number. In double precision it is the last
-// element of a distribution's table.
-[[maybe_unused]] constexpr double ln_floor = -744.4400719213812;
-constexpr double single_ln_floor = -103.2789306640625;
+// What stands in for ln 0: the logarithm of the smallest positive number.
+template <class T>
+constexpr double ln_floor = -744.4400719213812;
+template <>
+constexpr double ln_floor<float> = -103.2789306640625;
 
 enum class ActsOn { every_error, singularities };
 
-template <ActsOn acts_on>
-inline int32_t put_floor(VxmErrorContext *record, double floor) {
-  if (acts_on == ActsOn::every_error || record->iCode == VXM_STATUS_SING) record->dbR1 = record->dbR2 = floor;
+template <class T, ActsOn acts_on>
+int32_t put_floor(VxmErrorContext *record) {
+  if (acts_on == ActsOn::every_error || record->iCode == VXM_STATUS_SING)
+    record->dbR1 = record->dbR2 = ln_floor<T>;
   return 0;
 }
-template <const auto &table, ActsOn acts_on>
-int32_t _vdLnCallBack(VxmErrorContext *record) {
-  return put_floor<acts_on>(record, table[sizeof(table) / sizeof(double) - 1]);
-}
-template <ActsOn acts_on>
-int32_t _vsLnCallBack(VxmErrorContext *record) {
-  return put_floor<acts_on>(record, single_ln_floor);
-}
 
-// Runs `work`, which returns a status, under an error callback instead of the thread's error policy.
-template <class Work>
-inline int32_t under_callback(VxmErrorCallBack callback, Work work) {
+// Runs `work`, which returns a status, under an error callback instead of the thread's error policy: the
+// logarithms of precision T that it takes are finite.
+template <class T, ActsOn acts_on, class Work>
+inline int32_t with_finite_logarithms(Work work) {
   const VxmMode mode = _vxmSetMode(VXM_MODE_CALLBACK);
-  const VxmErrorCallBack previous = _vxmSetErrorCallBack(callback);
+  const VxmErrorCallBack previous = _vxmSetErrorCallBack(put_floor<T, acts_on>);
   const int32_t status = work();
   _vxmSetErrorCallBack(previous);
   _vxmSetMode(mode);
   return status;
 }
 
-// The same with the callback of precision T.
-template <class T, const auto &table, ActsOn acts_on, class Work>
-inline int32_t with_finite_logarithms(Work work) {
-  if constexpr (std::is_same_v<T, double>) return under_callback(_vdLnCallBack<table, acts_on>, work);
-  else return under_callback(_vsLnCallBack<acts_on>, work);
-}
-
 // `work(m, first)` for the elements first to first + m - 1 in turn, few enough to stay in the first-level
 // cache from one vector function to the next.
-constexpr int32_t longest_stretch = 1024;
+constexpr int32_t longest_block = 1024;
 template <class Work>
-inline void in_stretches(int32_t n, Work work) {
-  constexpr int32_t longest = longest_stretch;
-  for (int32_t first = 0; first < n; first += longest) work(n - first < longest ? n - first : longest, first);
+inline void in_blocks(ptrdiff_t n, Work work) {
+  constexpr ptrdiff_t longest = longest_block;
+  for (ptrdiff_t first = 0; first < n; first += longest)
+    work(static_cast<int32_t>(n - first < longest ? n - first : longest), first);
 }
 
 // The same after `draw(m, first)`, which returns a status and ends all if that is negative. Generators of the
-// library do not fail, nor do they mind how draws are split: their numbers are drawn a stretch at a time and
+// library do not fail, nor do they mind how draws are split: their numbers are drawn a block at a time and
 // worked on while they are in the cache. Those of users are asked for all numbers at once, and nothing is
-// worked on if they fail. The first stretch is shorter by `lead`.
+// worked on if they fail. The first block is shorter by `lead`.
 template <class Draw, class Work>
-inline int32_t draw_in_stretches(const StreamState *stream, int32_t n, Draw draw, Work work,
-                                 int32_t lead = 0) {
+inline int32_t draw_in_blocks(const StreamState *stream, int32_t n, Draw draw, Work work, int32_t lead = 0) {
   const bool at_once = stream->brng >= abstract_integers;
-  int32_t status, first = 0;
+  int32_t status;
+  ptrdiff_t first = 0;
   do {
-    const int32_t longest = longest_stretch - (first ? 0 : lead);
-    const int32_t m = at_once || n - first < longest ? n - first : longest;
+    const int32_t longest = longest_block - (first ? 0 : lead);
+    const int32_t m = at_once || n - first < longest ? static_cast<int32_t>(n - first) : longest;
     status = draw(m, first);
     if (status < 0) return status;
-    in_stretches(m, [=](int32_t count, int32_t start) { work(count, first + start); });
+    in_blocks(m, [=](int32_t count, ptrdiff_t start) { work(count, first + start); });
     first += m;
   } while (first < n);
   return status;
 }
 
-// `work(m, first)` for blocks of `size`, then for the rest, even if that is 0. Ends with the first negative
-// status, and returns the last one.
+// `work(m, first)` for whole blocks of `size`, then for the rest, even if that is 0. Ends with the first
+// negative status, and returns the last one.
 template <int32_t size, class Work>
-inline int32_t in_blocks(int32_t n, Work work) {
-  int32_t first = 0;
+inline int32_t in_whole_blocks(int32_t n, Work work) {
+  ptrdiff_t first = 0;
   for (; n - first >= size; first += size) {
     const int32_t status = work(size, first);
     if (status < 0) return status;
   }
-  return work(n - first, first);
+  return work(static_cast<int32_t>(n - first), first);
 }
 
 template <class T>
@@ -147,9 +135,9 @@ inline int32_t uniforms(StreamState *stream, int32_t n, T *out) {
 // Uniform numbers to `out`, which work(m, x) replaces by others.
 template <class T, class Work>
 inline int32_t from_uniforms(StreamState *stream, int32_t n, T *out, Work work) {
-  return draw_in_stretches(
-      stream, n, [=](int32_t m, int32_t first) { return uniforms(stream, m, out + first); },
-      [=](int32_t m, int32_t first) { work(m, out + first); });
+  return draw_in_blocks(
+      stream, n, [=](int32_t m, ptrdiff_t first) { return uniforms(stream, m, out + first); },
+      [=](int32_t m, ptrdiff_t first) { work(m, out + first); });
 }
 
 // The first of each of m pairs goes to `firsts`, and the second, times `factor`, to `seconds`.
@@ -200,10 +188,10 @@ inline void bound(int32_t n, T *x, T lower, T upper) {
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-// The entry of distribution D in one form, for all levels; its body follows.
-#define QKR_DISTRIBUTION(letter, T, D, parameters, arguments)                                             \
+// The entry of a distribution in one form, for all levels; its body follows.
+#define QKR_DISTRIBUTION(name, T, parameters, arguments)                                                  \
   QKR_ENTRY_OF(                                                                                           \
-      int32_t, _vxs##letter##Rng##D,                                                                      \
+      int32_t, name,                                                                                      \
       ([[maybe_unused]] int32_t method, StreamState * stream, int32_t n, T * out, QKR_LISTED parameters), \
       (method, stream, n, out, QKR_LISTED arguments))
 #define QKR_LISTED(...) __VA_ARGS__

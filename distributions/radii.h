@@ -9,6 +9,8 @@
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
+constexpr double whole_turn = 6.283185307179586;  // 2 pi
+
 // u becomes its radius.
 template <class T>
 inline void radii(int32_t n, T *u) {

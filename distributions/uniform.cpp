@@ -19,10 +19,10 @@ int32_t bounded_if_accurate(int32_t method, int32_t status, int32_t n, T *out, T
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_DISTRIBUTION(d, double, Uniform, (double a, double b), (a, b)) {
+QKR_DISTRIBUTION(_vxsdRngUniform, double, (double a, double b), (a, b)) {
   return bounded_if_accurate(method, generator_of(stream).dBrng(stream, n, out, a, b), n, out, a, b);
 }
-QKR_DISTRIBUTION(s, float, Uniform, (float a, float b), (a, b)) {
+QKR_DISTRIBUTION(_vxssRngUniform, float, (float a, float b), (a, b)) {
   return bounded_if_accurate(method, generator_of(stream).sBrng(stream, n, out, a, b), n, out, a, b);
 }
 

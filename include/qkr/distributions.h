@@ -4,9 +4,10 @@
  * Common to all functions here, unless told otherwise:
  * - `_vxsdRng...` gives doubles, `_vxssRng...` floats, `_vxsiRng...` 32-bit integers. The two real forms take
  *   the same steps, each in its own precision throughout.
- * - `method` is ignored; pass 0. `stream` is read and moved on, by one thread at a time. `n` numbers, 0 or
- *   more, go to `out`, which must not overlap the stream. The parameters of the distribution follow.
- *   No argument is checked.
+ * - `method` is ignored where no table of methods stands; pass 0. Where one stands, others are answered with
+ *   VXS_STATUS_BAD_METHOD, and nothing is drawn. `stream` is read and moved on, by one thread at a time. `n`
+ * numbers, 0 or more, go to `out`, which must not overlap the stream. The parameters of the distribution
+ * follow. No argument is checked.
  * - The result is the status of the stream's generator: VXS_STATUS_OK for those of the library. A negative
  *   status of a user's generator ends the call at once, with `out` unfinished.
  * - u, u1, u2 below are uniform numbers over [0, 1) in the order of the stream. Some generators yield 0 and,
@@ -139,8 +140,8 @@ QKR_API int32_t _vxssRngGaussian(int32_t method, StreamState *stream, int32_t n,
  * | 2        | t[j], T being diagonal                                                   |
  * | other    | T is taken for the unit matrix and mean for 0                            |
  *
- * For d = 1, T is t[0], whatever `mstorage` is. VXS_STATUS_NO_MEMORY leaves z in `out`, or nothing if
- * it comes from Gaussian. */
+ * For d = 1, T is t[0], whatever `mstorage` is. n * d may be above 2^31. VXS_STATUS_NO_MEMORY leaves z in
+ * `out`, or nothing if it comes from Gaussian. VXS_STATUS_BAD_METHOD as there. */
 /**@{*/
 QKR_API int32_t _vxsdRngGaussianMV(int32_t method, StreamState *stream, int32_t n, double *out, int32_t d,
                                    int32_t mstorage, const double *mean, const double *t);
@@ -186,6 +187,9 @@ QKR_API int32_t _vxssRngGamma(int32_t method, StreamState *stream, int32_t n, fl
  * M. D. Johnk, Metrika 8 (1964) 5; A. C. Atkinson and J. Whittaker, Journal of the Royal Statistical Society
  * A 139 (1976) 462; R. C. H. Cheng, algorithm BB, Communications of the ACM 21 (1978) 317.
  *
+ * Every pair of positive finite shapes is served: where large ones (2^40; floats: 2^11) would cost the plain
+ * formulas their digits, or tiny ones their range, the same methods work with logarithms and e^x - 1.
+ *
  * Where both shapes are below 1 or both above, rounding may lead out of the interval; with
  * VXS_METHOD_ACCURATE in `method` it does not. */
 /**@{*/
@@ -204,12 +208,12 @@ QKR_API int32_t _vxsiRngUniform(int32_t method, StreamState *stream, int32_t n, 
  * VXS_STATUS_OTHER_TYPE for abstract streams of reals. */
 QKR_API int32_t _vxsiRngUniformBits(int32_t method, StreamState *stream, int32_t n, uint32_t *out);
 
-/** 1 with probability p, else 0: whether a single-precision u is below p. */
+/** 1 with probability p, else 0: whether a single-precision u is below p. Always 1 for p = 1. */
 QKR_API int32_t _vxsiRngBernoulli(int32_t method, StreamState *stream, int32_t n, int32_t *out, double p);
 
 /** The number of failures before the first success, where p, above 0 and below 1, is the probability of
  * success: the whole part of ln u / ln(1 - p), with ln u in single precision; 2147483647 where that is
- * larger. Inversion. */
+ * larger, as it nearly always is below p = 2^-40. Inversion. */
 QKR_API int32_t _vxsiRngGeometric(int32_t method, StreamState *stream, int32_t n, int32_t *out, double p);
 
 QKR_END_DECLS

@@ -42,7 +42,7 @@ QKR_BEGIN_DECLS
 /** What the functions of random streams and distributions return. */
 enum {
   VXS_STATUS_OK = 0,
-  VXS_STATUS_BAD_METHOD = -2,         /**< InitStream: method other than 0, 1, 2 */
+  VXS_STATUS_BAD_METHOD = -2,         /**< a method that the function does not have */
   VXS_STATUS_BAD_ARGUMENT = -3,       /**< a constructor of abstract streams: bad argument */
   VXS_STATUS_NO_MEMORY = -4,          /**< memory could not be allocated */
   VXS_STATUS_NULL_POINTER = -5,       /**< a null entry point, or the null buffer of an abstract stream */

@@ -4,6 +4,8 @@
 #include <limits>
 #include <qkr/distributions.h>
 #include <qkr/streams_generators.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include "tests/distributions/recorded_stream.h"
 #include "tests/support/distribution_cases.h"
@@ -44,6 +46,72 @@ TEST(Gaussian, WithNothingAskedForStillGivesThePendingHalf) {
   EXPECT_EQ(out[1], 7);
   EXPECT_EQ(recording.next, 4u);
   EXPECT_EQ(static_cast<double *>(__vxsSearchChunk(stream.get(), 2))[0], recording.numbers[2]);
+}
+
+template <class T>
+std::vector<T> by_pairs(int32_t n, int32_t at_once) {
+  std::vector<T> x(n);
+  const Stream stream = recorded_stream();
+  const Case gaussian = {"Gaussian", {1, 2}, 1};
+  for (int32_t i = 0; i < n; i += at_once)
+    EXPECT_EQ(draw(gaussian, stream.get(), at_once, &x[i]), VXS_STATUS_OK);
+  return x;
+}
+
+// Thousands, since only a few of a hundred would differ in their last bits.
+TEST(Gaussian, HasTheSameBitsAlone) {
+  EXPECT_EQ(by_pairs<double>(12000, 1), by_pairs<double>(12000, 12000));
+  EXPECT_EQ(by_pairs<float>(12000, 1), by_pairs<float>(12000, 12000));
+}
+
+TEST(Methods, MustBeKnown) {
+  double x[4] = {7, 7, 7, 7};
+  float y[4] = {7, 7, 7, 7};
+  const double mean[2] = {}, t[2] = {1, 1};
+  const float single_mean[2] = {}, single_t[2] = {1, 1};
+  for (const int32_t method : {2, -1, 3, int(VXS_METHOD_ACCURATE), INT32_MIN, INT32_MAX}) {
+    const Stream stream = recorded_stream();
+    StreamState *const s = stream.get();
+    EXPECT_EQ(_vxsdRngGaussian(method, s, 4, x, 0, 1), VXS_STATUS_BAD_METHOD);
+    EXPECT_EQ(_vxssRngGaussian(method, s, 4, y, 0, 1), VXS_STATUS_BAD_METHOD);
+    for (int32_t d = 1; d <= 2; ++d) {
+      EXPECT_EQ(_vxsdRngGaussianMV(method, s, 2, x, d, 2, mean, t), VXS_STATUS_BAD_METHOD);
+      EXPECT_EQ(_vxssRngGaussianMV(method, s, 2, y, d, 2, single_mean, single_t), VXS_STATUS_BAD_METHOD);
+    }
+    EXPECT_EQ(recording.next, 0u);
+  }
+  EXPECT_EQ(x[0] + y[0], 14);
+}
+
+// Shapes with which the plain formulas overflow, underflow or never accept: numbers come, and have the mean
+// of the law.
+template <class T>
+void expect_beta(double p, double q) {
+  constexpr int32_t n = 4000;
+  std::vector<T> x(n);
+  const Stream stream = new_stream(0x800000, {11});
+  ASSERT_EQ(draw(Case{"Beta", {p, q, 0, 1}}, stream.get(), n, x.data()), VXS_STATUS_OK);
+  const long double P = T(p), Q = T(q), mean = P / (P + Q);
+  const long double deviation = std::sqrt(mean * (Q / (P + Q)) / (P + Q + 1) / n);
+  long double sum = 0;
+  for (const T number : x) {
+    ASSERT_TRUE(number >= 0 && number <= 1) << number << " of " << p << ", " << q;
+    sum += number;
+  }
+  EXPECT_NEAR(double(sum / n), double(mean),
+              double(6 * deviation + 4 * std::numeric_limits<T>::epsilon() * mean + 1e-6L / n))
+      << p << ", " << q << ", precision " << sizeof(T);
+}
+
+TEST(Beta, EndsForAllShapes) {
+  const double shapes[][2] = {{1e154, 1e154}, {1.7e308, 1.7e308}, {1.5, 1.7e308},   {1.7e308, 1.5},
+                              {1e-9, 1e-9},   {1e-9, 2e-9},       {5e-324, 5e-324}, {1e-320, 0.04},
+                              {1e-300, 0.99}, {1e-10, 0.99},      {0.99, 1e-10},    {1e-10, 1e300},
+                              {0.5, 1.7e308}, {1.7e308, 0.5},     {1e-3, 0.97},     {0.9999, 1e200}};
+  for (const auto &[p, q] : shapes) expect_beta<double>(p, q);
+  const double singles[][2] = {{2e19, 2e19},   {3e38, 3e38}, {1.5, 3e38}, {3e38, 1.5}, {1e-3, 1e-3},
+                               {1e-30, 1e-30}, {1e-5, 0.99}, {0.5, 3e38}, {3e38, 0.5}, {0.1, 0.05}};
+  for (const auto &[p, q] : singles) expect_beta<float>(p, q);
 }
 
 TEST(Gamma, HoldsACandidateOver) {
@@ -139,6 +207,46 @@ void expect_vectors(Draw gaussian, DrawVectors vectors, int32_t d, int32_t stora
     }
     ASSERT_NEAR(x[k], untouched ? z[k] : sum, magnitude * (4 + d) * std::numeric_limits<T>::epsilon())
         << "size " << d << ", storage " << storage << " [" << k << "]";
+  }
+}
+
+int32_t init_nothing(int32_t, StreamState *, int32_t, const void *) { return VXS_STATUS_OK; }
+template <class T>
+int32_t leave_as_they_are(StreamState *, int32_t, T *, T, T) {
+  return VXS_STATUS_OK;
+}
+int32_t no_words(StreamState *, int32_t, uint32_t *) { return VXS_STATUS_OK; }
+
+// Requests of 2^31 - 1 numbers from a generator of a user, who writes nothing: into an array whose pages are
+// all the same few.
+TEST(LongRequests, AreAsLongAsTheirTypeAllows) {
+  constexpr size_t bytes = size_t(INT32_MAX) * 4, window = size_t(1) << 24;
+  const int file = memfd_create("window", 0);
+  ASSERT_EQ(ftruncate(file, window), 0);
+  char *const array = static_cast<char *>(
+      mmap(nullptr, bytes + window, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0));
+  ASSERT_NE(array, MAP_FAILED);
+  for (size_t at = 0; at < bytes; at += window)
+    ASSERT_NE(mmap(array + at, window, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_FIXED, file, 0), MAP_FAILED);
+  const BrngRecord record = {
+      24, 1, 1, 4, 32, init_nothing, leave_as_they_are<float>, leave_as_they_are<double>, no_words};
+  const Stream stream = new_stream(static_cast<uint32_t>(__vxsRegisterBrng(&record)), {1});
+  int32_t *const wholes = reinterpret_cast<int32_t *>(array);
+  EXPECT_EQ(_vxsiRngUniform(0, stream.get(), INT32_MAX, wholes, 0, 10), VXS_STATUS_OK);
+  EXPECT_EQ(_vxsiRngBernoulli(0, stream.get(), INT32_MAX, wholes, 1), VXS_STATUS_OK);
+  EXPECT_EQ(wholes[INT32_MAX - 1], 1);
+  munmap(array, bytes + window);
+  close(file);
+}
+
+// n * d is 2^32 or 2^31, which 32 bits turn into nothing.
+TEST(GaussianMV, CountsItsNumbersInFull) {
+  double x[2];
+  const double mean[1] = {}, t[1] = {1};
+  for (const auto &[n, d] : {std::pair{65536, 65536}, {65536, 32768}}) {
+    const Stream stream = recorded_stream();
+    recording.until_failure = 1;
+    EXPECT_EQ(_vxsdRngGaussianMV(0, stream.get(), n, x, d, 3, mean, t), recorded_failure);
   }
 }
 

@@ -1,5 +1,6 @@
 #include "tests/distributions/references.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <stdexcept>
@@ -40,11 +41,11 @@ struct Pairs {
 };
 
 // Whether the margin of a test is positive; where the rounding of `magnitude` may decide that, the library is
-// right.
+// right. `spread` is the relative deviation of the law, if that is small.
 template <class T>
-bool accepted(Real margin, Real magnitude, Real x, const Cursor<T> &u) {
+bool accepted(Real margin, Real magnitude, Real x, const Cursor<T> &u, Real spread = 1) {
   if (std::abs(margin) > 8 * std::numeric_limits<T>::epsilon() * magnitude) return margin > 0;
-  return std::abs(u.given - x) < 1e-4L * x;
+  return std::abs(u.given - x) < (1e-4L * spread + 4 * std::numeric_limits<T>::epsilon()) * x;
 }
 
 // Candidates in twos, each with an acceptance number behind it.
@@ -75,8 +76,10 @@ Definition<T> marsaglia(T alpha) {
       if (!(v > 0)) continue;
       if (acceptance < 1 - 0.0331L * s * s) return number;
       // Near x = 0 the right side vanishes, and rounding may accept a uniform of 1.
-      const Real margin = s / 2 + d * (std::log(w) + 1 - w) - ln<T>(acceptance);
-      if (accepted(margin, s + d * (1 + w), y, u)) return number;
+      const Real margin = s / 2 + d * (std::log(w) + (1 - w)) - ln<T>(acceptance);
+      // Rounding of v shifts s by its root times eps / c, and the difference by d |w - 1| eps.
+      const Real magnitude = 1 + s + std::abs(x) / c + d * std::abs(w - 1);
+      if (accepted(margin, magnitude, y, u, c)) return number;
     }
   };
 }
@@ -116,21 +119,29 @@ Definition<T> gamma(T alpha) {
   });
 }
 
+// A shape for which numbers next to 1 are too far apart.
+template <class T>
+bool is_large(Real shape) {
+  return shape * std::numeric_limits<T>::epsilon() > 0x1p-12L;
+}
+
 // p < 1
 template <class T>
 Definition<T> atkinson(T p, T q, Real t, bool both_below_one) {
-  const Real P = p, Q = q;
-  const Real r = Q * t / ((both_below_one ? 1 - t : std::pow(1 - t, Q)) * P + Q * t);
+  const Real P = p, Q = q, ln_complement = std::log1p(-t);
+  const bool large = is_large<T>(Q);
+  const Real r = Q * t / ((both_below_one ? 1 - t : std::exp(Q * ln_complement)) * P + Q * t);
   return rejection<T>([=](T u1, T u2, Number &number) {
     Real x, e;
     if (u1 <= r) {
       x = t * std::pow(u1 / r, 1 / P);
-      e = (1 - Q) * std::log(both_below_one ? (1 - x) / (1 - t) : 1 - x);
+      e = (1 - Q) * (std::log1p(-Real(T(x))) - (both_below_one ? ln_complement : 0));
     } else {
-      x = 1 - (1 - t) * std::pow(Real(1 - u1) / (1 - r), 1 / Q);
+      const Real rest = Real(1 - u1) / (1 - r);
+      x = !large ? 1 - (1 - t) * std::pow(rest, 1 / Q) : -std::expm1(ln_complement + ln<T>(rest) / Q);
       e = (1 - P) * std::log(x / t);
     }
-    number = {x, 1 + x / P + (1 - x) / Q};
+    number = {x, !large ? 1 + x / P + (1 - x) / Q : x * (4 + std::abs(ln<T>(x)) / P)};
     return ln<T>(u2) + e <= 0;
   });
 }
@@ -151,7 +162,11 @@ Definition<T> beta(T p, T q) {
     };
   };
   if (q == 1 && p != 1) return power(P);
-  if (p == 1) return mirrored(power(Q));
+  if (p == 1)
+    return [=](Cursor<T> &u) {
+      const Real x = -std::expm1(ln<T>(u()) / Q);
+      return Number{x, Q > 1 ? 4 * x : 1 + std::abs(ln<T>(1 - x))};
+    };
   if (p < 1 && q > 1) return atkinson(p, q, (1 - P) / (1 - P + Q), false);
   if (p > 1 && q < 1) return mirrored(atkinson(q, p, (1 - Q) / (1 - Q + P), false));
   if (p < 1 && 0.8522552176537243L * P * P - 0.9562409713408151L + Q > 0)
@@ -164,15 +179,19 @@ Definition<T> beta(T p, T q) {
     });
   const Real b = std::sqrt((s - 2) / (2 * P * Q - s));
   const Real loss = 1 + s / (s - 2);  // b loses digits in s - 2
+  const Real spread = std::sqrt(Q / (P * s));
+  const bool large = is_large<T>(std::max(P, Q));
   return [=](Cursor<T> &u) {
     for (;;) {
       const T u1 = u(), u2 = u();
       if (u1 == 1) continue;
       const Real v = b * ln<T>(u1 / (1 - u1)), w = P * std::exp(v), x = w / (Q + w);
-      const Real logarithm = s * std::log(s / (Q + w)), last = ln<T>(u1 * u1 * u2);
+      const Real logarithm = -s * std::log1p(P / s * std::expm1(v)), last = ln<T>(u1 * u1 * u2);
       const Real margin = logarithm - std::log(4.0L) + (P + 1 / b) * v - last;
-      const Real magnitude = s + std::abs(logarithm) + (P + 1 / b) * std::abs(v) * loss + std::abs(last);
-      if (accepted(margin, magnitude, x, u)) return Number{x, x * (2 + std::abs(v) * loss)};
+      const Real magnitude =
+          (large ? 1 : s) + std::abs(logarithm) + (P + 1 / b) * std::abs(v) * loss + std::abs(last);
+      if (accepted(margin, magnitude, x, u, std::min(spread, 1.0L)))
+        return Number{x, x * (4 + std::abs(v) * loss)};
     }
   };
 }
@@ -257,10 +276,12 @@ Definition<int32_t> definition_of(const Case &a_case) {
   if (family == "UniformBits")
     return [](Cursor<int32_t> &u) { return Number{Real(int32_t(uint32_t(u.recorded() * 0x1p31))), 0}; };
   if (family == "Bernoulli")
-    return [=](Cursor<int32_t> &u) { return Number{float(u.recorded()) < p[0] ? 1.0L : 0.0L, 0}; };
+    return [=](Cursor<int32_t> &u) {
+      return Number{float(u.recorded()) < p[0] || p[0] == 1 ? 1.0L : 0.0L, 0};
+    };
   // A whole number may be off by one where the logarithm rounds.
   return [=](Cursor<int32_t> &u) {
-    const Real x = ln<float>(float(u.recorded())) / std::log(1 - Real(p[0]));
+    const Real x = ln<float>(float(u.recorded())) / std::log1p(-Real(p[0]));
     return Number{std::trunc(std::min(x, 2147483647.0L)), 1 + x * 0x1p-23L};
   };
 }
