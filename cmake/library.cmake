@@ -9,13 +9,13 @@ set(QKR_MARCH_avx512 x86-64-v4)
 
 foreach(level IN LISTS QKR_LEVELS)
   add_library(qkr_${level} OBJECT)
-  target_include_directories(qkr_${level} PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
-  target_compile_options(qkr_${level} PRIVATE ${QKR_LIBRARY_OPTIONS} -march=${QKR_MARCH_${level}} -mtune=generic)
   # One source serves all levels, so sanitizers look at the lowest; wider ones would compile for an hour. Tests
   # with guarded pages watch the bounds of all of them.
   if(QKR_SANITIZE AND NOT level STREQUAL sse2)
-    target_compile_options(qkr_${level} PRIVATE -fno-sanitize=all)
+    set_property(TARGET qkr_${level} PROPERTY COMPILE_OPTIONS) # drops those of the whole project
   endif()
+  target_include_directories(qkr_${level} PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+  target_compile_options(qkr_${level} PRIVATE ${QKR_LIBRARY_OPTIONS} -march=${QKR_MARCH_${level}} -mtune=generic)
 endforeach()
 
 function(qkr_sources)

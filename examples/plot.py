@@ -18,7 +18,8 @@ except ImportError as missing:
 
 BLUE, RED, GREY = "#2a6f97", "#c1121f", "#8d99ae"
 plt.rcParams.update({
-    "figure.constrained_layout.use": True, "figure.dpi": 120, "font.size": 10, "axes.titlesize": 11,
+    "figure.constrained_layout.use": True, "figure.constrained_layout.w_pad": 0.1,
+    "figure.constrained_layout.h_pad": 0.08, "figure.dpi": 120, "font.size": 10, "axes.titlesize": 11,
     "axes.titleweight": "bold", "axes.spines.top": False, "axes.spines.right": False,
 })
 
@@ -127,34 +128,37 @@ def plot_pi(out_dir):
     return figure, "pi_error.png"
 
 
-def plot_options(out_dir):
+def plot_option(out_dir):
     estimates = read_csv(out_dir / "option_error.csv")
-    points, expected = estimates["points"], estimates["exchange_standard_error"]
+    points, law = estimates["points"], estimates["standard_error"]
     figure, axes = plt.subplots(figsize=(7, 4.8))
-    errors, quasi = np.abs(estimates["exchange_error"]), np.abs(estimates["call_error"])
-    axes.errorbar(points, errors, expected, fmt="o-", color=BLUE, markersize=4, linewidth=1, capsize=2,
-                  label="exchange of two shares, MT19937")
-    axes.plot(points, expected, "k:", linewidth=1, label="standard error of the exchange")
-    axes.plot(points, quasi, "o-", color=RED, markersize=4, label="call, Sobol points")
-    axes.set(title="Prices of options by simulation", xlabel="points", ylabel="error of the price",
-             xscale="log", yscale="log", ylim=(min(errors.min(), quasi.min()) / 4, 10 * expected.max()))
+    axes.loglog(points, np.abs(estimates["random_error"]), "o-", color=BLUE, markersize=4, linewidth=1,
+                label="random points, MT19937")
+    axes.loglog(points, np.abs(estimates["even_error"]), "o-", color=RED, markersize=4, linewidth=1,
+                label="evenly spread points, Sobol")
+    axes.loglog(points, law, "k:", linewidth=1, label="expected of random points")
+    axes.set(title="Price of an option to swap two shares, by simulation", xlabel="points",
+             ylabel="error of the price")
     axes.grid(alpha=0.25)
-    axes.legend(frameon=False, loc="upper right")
+    axes.legend(frameon=False, loc="lower left")
     return figure, "option_error.png"
 
 
 def plot_distributions(out_dir):
-    table = np.genfromtxt(out_dir / "distributions.csv", delimiter=",", names=True, dtype=None,
+    table = np.genfromtxt(out_dir / "distributions.csv", delimiter=";", names=True, dtype=None,
                           encoding="utf-8")
     numbers = 1e6  # of each distribution
-    figure, grid = plt.subplots(2, 4, figsize=(13, 5.6))
+    figure, grid = plt.subplots(3, 3, figsize=(11, 8.2))
     for name, axes in zip(dict.fromkeys(table["distribution"]), grid.flat):
         rows = table[table["distribution"] == name]
-        middle, width = rows["middle"], rows["middle"][1] - rows["middle"][0]
-        edges = np.append(middle - width / 2, middle[-1] + width / 2)
-        axes.stairs(rows["count"] / (numbers * width), edges, fill=True, color=BLUE, alpha=0.4)
-        axes.plot(middle, rows["density"], color=RED, linewidth=1.4)
-        axes.set(title=name, xlim=edges[[0, -1]], ylim=(0, None))
+        edges = np.append(rows["from"], rows["to"][-1])
+        axes.stairs(rows["count"] / (numbers * np.diff(edges)), edges, fill=True, color=BLUE, alpha=0.4)
+        # Ends and middles of the bins, in order; a jump at the end of the axis stays at the end.
+        x = np.column_stack((rows["from"], (rows["from"] + rows["to"]) / 2, rows["to"])).ravel()
+        density = np.column_stack((rows["density_from"], rows["density_middle"], rows["density_to"])).ravel()
+        axes.plot(x, density, color=RED, linewidth=1.4)
+        axes.set_title(f"{name}: {rows['parameters'][0]}", fontsize=10)
+        axes.set(xlim=edges[[0, -1]], ylim=(0, 1.08 * density.max()))
     figure.supylabel("density (line), share of a million numbers (area)", fontsize=10)
     return figure, "distributions.png"
 
@@ -183,7 +187,7 @@ def main():
     if len(sys.argv) != 2:
         sys.exit("usage: plot.py OUT_DIR")
     out_dir = Path(sys.argv[1])
-    for plot in (plot_co2, plot_tone_curve, plot_daylight, plot_pi, plot_options,
+    for plot in (plot_co2, plot_tone_curve, plot_daylight, plot_pi, plot_option,
                  plot_distributions, plot_sunspots):
         try:
             figure, name = plot(out_dir)

@@ -24,7 +24,7 @@ printf '\nWhat happens to bad elements (examples/error_policy.c)\n\n'
 printf '\nPi from random and from evenly spread points (examples/estimate_pi.cpp)\n\n'
 "$programs/estimate_pi" "$out"
 
-printf '\nOptions by simulation, and eight distributions (examples/option_price.cpp)\n\n'
+printf '\nAn option by simulation, and nine distributions (examples/option_price.cpp)\n\n'
 "$programs/option_price" "$out"
 
 printf '\nThe period of the sunspots (examples/sunspot_spectrum.cpp)\n\n'

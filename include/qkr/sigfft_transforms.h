@@ -180,13 +180,14 @@ QKR_API zprStatus zprsFFTInv_CCSToR_64f_I(double *data, const zprsFFTSpec_R_64f 
 
 /**
  * @name Bit reversal
- * Element i of an array of n = 2^order elements of 4 or 8 bytes goes to the place whose number has the `order`
- * bits of i in reverse. `BitRev1` works in place, `BitRev2` from one array to another, which must not overlap
- * it; no alignment is asked for, and nothing is checked. The transforms do this themselves.
+ * Element i of an array of n = 2^order elements of 4 or 8 bytes goes to the place whose number has the
+ * `order` bits of i in reverse. `BitRev1` works in place, `BitRev2` from one array to another, which must not
+ * overlap it; no alignment is asked for, and nothing is checked. The transforms do this themselves.
  *
- * `table` is the list of pairs for n: with rev the reversal of order - 2 bits, it holds 4 j and 4 rev(j) for each
- * j below n / 4 with j < rev(j); then 0; then, up to element n / 4 - 1, the numbers 4 j above 0 with j = rev(j),
- * in descending order; and 0 in element n / 4. `BitRev1` of n below 4 and `BitRev2` do not read it.
+ * `table` is the list of pairs for n: with rev the reversal of order - 2 bits, it holds 4 j and 4 rev(j) for
+ * each j below n / 4 with j < rev(j); then 0; then, up to element n / 4 - 1, the numbers 4 j above 0 with
+ * j = rev(j), in descending order; and 0 in element n / 4. `BitRev1` of n below 4 and `BitRev2` do not read
+ * it.
  * @{
  */
 QKR_API void w6_zprs_BitRev1_4(void *data, int32_t n, const uint32_t *table);

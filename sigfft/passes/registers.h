@@ -1,7 +1,6 @@
 // Registers of complex numbers, in two forms:
 //   Grouped  the working layout between passes: 16 bytes of real parts, 16 bytes of imaginary parts of the
-//   same columns,
-//            and so on. 32 or 64 bytes; without AVX, 32 bytes are two registers.
+//            same columns, and so on. 32 or 64 bytes; without AVX, 32 bytes are two registers.
 //   Paired   real and imaginary part side by side, as callers hand them over.
 // Both have + and -, times a real number, and a + or - b turned by -90 degrees (forward) or 90 degrees
 // (inverse), so that a butterfly is written once. A turn is a swap and a change of signs, which a fused

@@ -3,26 +3,25 @@
 
 #include "sigfft/plan/plan.h"
 
-#define QKR_DECLARE_KERNELS(direction, T, suffix)                                                             \
-  /* A transform as one sequence of passes, the bit reversal in the first: 2^3 to 2^14 (single: 2^16)       \
-   * numbers. */ \
-  void w6_zprs_staged##direction##_##suffix##c(const T *src, T *dst, int32_t n, const T *twiddles,            \
-                                               const uint32_t *reversal, T *work);                            \
-  void w6_zprs_staged##direction##_##suffix(const T *src_re, const T *src_im, T *dst_re, T *dst_im,           \
-                                            int32_t n, const T *twiddles, const uint32_t *reversal,           \
-                                            T *work);                                                         \
-  /* A longer one, by blocks, with its normalisation. */                                                      \
-  void w6_zprs_large##direction##_##suffix##c(const qkr::sigfft::Plan<T> *plan, const T *src, T *dst,         \
-                                              int32_t order, T *work);                                        \
-  void w6_zprs_large##direction##_##suffix(const qkr::sigfft::Plan<T> *plan, const T *src_re,                 \
-                                           const T *src_im, T *dst_re, T *dst_im, int32_t order, T *work);    \
-  /* The plain set's: numbers in bit-reversed order, in place, up to 2^9 (single: 2^10); and whole          \
-   * transforms of any order from 4 on. */ \
-  void zprs_reversed##direction##_##suffix##c(T *data, int32_t n, const T *rows);                             \
-  void zprs_reversed##direction##_##suffix(T *re, T *im, int32_t n, const T *rows);                           \
-  void zprs_plain##direction##_##suffix##c(const qkr::sigfft::Plan<T> *plan, const T *src, T *dst,            \
-                                           int32_t order, T *work);                                           \
-  void zprs_plain##direction##_##suffix(const qkr::sigfft::Plan<T> *plan, const T *src_re, const T *src_im,   \
+#define QKR_DECLARE_KERNELS(direction, T, suffix)                                                           \
+  /* As one sequence of passes, the bit reversal in the first: 2^3 to 2^14 (single: 2^16) numbers. */       \
+  void w6_zprs_staged##direction##_##suffix##c(const T *src, T *dst, int32_t n, const T *twiddles,          \
+                                               const uint32_t *reversal, T *work);                          \
+  void w6_zprs_staged##direction##_##suffix(const T *src_re, const T *src_im, T *dst_re, T *dst_im,         \
+                                            int32_t n, const T *twiddles, const uint32_t *reversal,         \
+                                            T *work);                                                       \
+  /* A longer one, by blocks, with its normalisation. */                                                    \
+  void w6_zprs_large##direction##_##suffix##c(const qkr::sigfft::Plan<T> *plan, const T *src, T *dst,       \
+                                              int32_t order, T *work);                                      \
+  void w6_zprs_large##direction##_##suffix(const qkr::sigfft::Plan<T> *plan, const T *src_re,               \
+                                           const T *src_im, T *dst_re, T *dst_im, int32_t order, T *work);  \
+  /* The plain set's, in place, of numbers in bit-reversed order: up to 2^9 (single: 2^10). */              \
+  void zprs_reversed##direction##_##suffix##c(T *data, int32_t n, const T *rows);                           \
+  void zprs_reversed##direction##_##suffix(T *re, T *im, int32_t n, const T *rows);                         \
+  /* And whole, of any order from 4 on. */                                                                  \
+  void zprs_plain##direction##_##suffix##c(const qkr::sigfft::Plan<T> *plan, const T *src, T *dst,          \
+                                           int32_t order, T *work);                                         \
+  void zprs_plain##direction##_##suffix(const qkr::sigfft::Plan<T> *plan, const T *src_re, const T *src_im, \
                                         T *dst_re, T *dst_im, int32_t order, T *work);
 extern "C" {
 QKR_DECLARE_KERNELS(Fwd, double, 64f)

@@ -8,8 +8,8 @@
 //   Factor, factor(Word)     a multiplier made ready for vectors
 //   times(V, Factor)         product mod m
 //   number(vector or Word)   what goes out
-//   smallest                 fewer numbers are made one by one: the first vectors would cost more than they
-//   bring
+//   smallest                 fewer numbers are made one by one: the first vectors would cost more than
+//                            they bring
 #pragma once
 
 #include "streams/generators/generator.h"

@@ -26,9 +26,9 @@ def run(*command, **environment):
     return done.returncode, done.stdout
 
 
-def rows(path):
+def rows(path, delimiter=","):
     with open(path, newline="") as file:
-        return list(csv.DictReader(file))
+        return list(csv.DictReader(file, delimiter=delimiter))
 
 
 def pixels(path):
@@ -152,63 +152,66 @@ class Demo(unittest.TestCase):
         self.assertIn("the same to the last point", self.report)
         self.assertEqual((out / "half_way.stream").read_bytes()[:4], b"RNG\0")
 
-    def test_options(self):
+    def test_option(self):
         def normal(x):
             return math.erfc(-x / math.sqrt(2)) / 2
 
-        years, interest = 2, math.exp(0.03 * 2)
-        deviation = math.sqrt((0.3 ** 2 + 0.2 ** 2 - 2 * 0.4 * 0.3 * 0.2) * years)
-        d1 = (math.log(100 / 95) + deviation ** 2 / 2) / deviation
-        exchange = 100 * normal(d1) - 95 * normal(d1 - deviation)
-        deviation = 0.3 * math.sqrt(years)
-        d1 = (math.log(100 / 105 * interest) + deviation ** 2 / 2) / deviation
-        call = 100 * normal(d1) - 105 / interest * normal(d1 - deviation)
-        self.assertIn(f"closed form: exchange {exchange:.6f}, call {call:.6f}", self.report)
+        def moment(a, b):
+            """Of first^a second^b where the first share is worth more than the second, after two years."""
+            variances, both = (0.3 ** 2 * 2, 0.2 ** 2 * 2), 0.4 * 0.3 * 0.2 * 2
+            means = [math.log(price) + 0.03 * 2 - variance / 2 for price, variance in zip((100, 95), variances)]
+            shift = means[0] - means[1] + a * (variances[0] - both) + b * (both - variances[1])
+            logarithm = (a * means[0] + b * means[1] +
+                         (a * a * variances[0] + 2 * a * b * both + b * b * variances[1]) / 2)
+            return math.exp(logarithm) * normal(shift / math.sqrt(sum(variances) - 2 * both))
 
+        discount = math.exp(-0.03 * 2)
+        price = discount * (moment(1, 0) - moment(0, 1))
+        square = discount ** 2 * (moment(2, 0) - 2 * moment(1, 1) + moment(0, 2))
+        self.assertIn(f"closed form: {price:.6f}", self.report)
         estimates = [{name: float(value) for name, value in row.items()}
                      for row in rows(out / "option_error.csv")]
         self.assertEqual([row["points"] for row in estimates], [2 ** power for power in range(10, 21)])
         for row in estimates:
-            self.assertAlmostEqual(row["exchange"] - row["exchange_error"], exchange, places=8)
-            self.assertAlmostEqual(row["call"] - row["call_error"], call, places=8)
-            self.assertLess(abs(row["exchange_error"]), 5 * row["exchange_standard_error"], row)
-            self.assertLess(abs(row["call_error"]), row["call_standard_error"] / 4, row)
-
-        # The call's standard error must be right too: its payoff has a second moment in closed form.
-        square = (100 ** 2 * math.exp(deviation ** 2) * normal(d1 + deviation) - 2 * 100 * 105 / interest *
-                  normal(d1) + (105 / interest) ** 2 * normal(d1 - deviation))
-        standard_error = math.sqrt((square - call ** 2) / 2 ** 20)
-        self.assertAlmostEqual(estimates[-1]["call_standard_error"] / standard_error, 1, delta=0.01)
-        self.assertLess(abs(estimates[-1]["call_error"]), estimates[-1]["call_standard_error"] / 50)
+            self.assertAlmostEqual(row["random"] - row["random_error"], price, places=8)
+            self.assertAlmostEqual(row["even"] - row["even_error"], price, places=8)
+            self.assertLess(abs(row["random_error"]), 5 * row["standard_error"], row)
+            self.assertLess(abs(row["even_error"]), row["standard_error"] / 4, row)
+        standard_error = math.sqrt((square - price ** 2) / 2 ** 20)
+        self.assertAlmostEqual(estimates[-1]["standard_error"] / standard_error, 1, delta=0.01)
+        self.assertLess(abs(estimates[-1]["even_error"]), standard_error / 50)
 
     def test_distributions(self):
         """Chi-square of the histograms, to 5 deviations; densities as slopes of distribution functions."""
         functions = {
+            "Gaussian": lambda x: math.erfc(-x / math.sqrt(2)) / 2,
+            "Lognormal": lambda x: math.erfc(-2 * math.log(max(x, 1e-9)) / math.sqrt(2)) / 2,
             "Exponential": lambda x: -math.expm1(-x),
             "Laplace": lambda x: math.exp(x) / 2 if x < 0 else 1 - math.exp(-x) / 2,
             "Weibull": lambda x: -math.expm1(-x ** 3),
             "Rayleigh": lambda x: -math.expm1(-x ** 2),
-            "Lognormal": lambda x: math.erfc(-2 * math.log(max(x, 1e-9)) / math.sqrt(2)) / 2,
             "Gumbel": lambda x: -math.expm1(-math.exp(x)),
             "Gamma": lambda x: 1 - math.exp(-x) * (1 + x + x * x / 2),
             "Beta": lambda x: 6 * x ** 2 - 8 * x ** 3 + 3 * x ** 4}
         histograms = {}
-        for row in rows(out / "distributions.csv"):
+        for row in rows(out / "distributions.csv", ";"):
             histograms.setdefault(row["distribution"], []).append(row)
         self.assertEqual(list(histograms), list(functions))
         for name, histogram in histograms.items():
             function = functions[name]
-            middles = [float(row["middle"]) for row in histogram]
-            half = (middles[1] - middles[0]) / 2
             squares, cells = 0, 0
-            for x, row in zip(middles, histogram):
-                slope = (function(x + 1e-5) - function(x - 1e-5)) / 2e-5
-                self.assertAlmostEqual(float(row["density"]), slope, delta=1e-8, msg=f"{name} at {x}")
-                expected = 1e6 * (function(x + half) - function(x - half))
+            for row in histogram:
+                start, end = float(row["from"]), float(row["to"])
+                middle = (start + end) / 2
+                slope = (function(middle + 1e-5) - function(middle - 1e-5)) / 2e-5
+                self.assertAlmostEqual(float(row["density_middle"]), slope, delta=1e-8, msg=f"{name} at {middle}")
+                self.assertLess(abs(float(row["density_from"]) + float(row["density_to"]) - 2 * slope),
+                                0.02, f"{name} from {start}")
+                expected = 1e6 * (function(end) - function(start))
                 if expected >= 10:
                     squares += (int(row["count"]) - expected) ** 2 / expected
                     cells += 1
-            self.assertGreater(cells, 45, name)
+            self.assertGreater(cells, 60, name)
             self.assertLess(abs(squares - cells), 5 * math.sqrt(2 * cells), name)
 
     def test_pictures(self):

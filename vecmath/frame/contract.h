@@ -1,7 +1,6 @@
 // The accuracy that a vector function promises, stated once, beside its kernel:
 //
-//   QKR_CONTRACT(_vxmdExp_HA, 0.53, 0x1.8p+3);   // largest error in units in the last place, and where it
-//   was found
+//   QKR_CONTRACT(_vxmdExp_HA, 0.53, 0x1.8p+3);   // largest error in ulp, and where it was found
 //
 // The linker gathers these records into one section, from which the accuracy tool and the tests read them.
 #pragma once

@@ -1,5 +1,4 @@
-// Hyperbolic cosine, sine and tangent by the addition theorem: |x| = a + r with a node a and a small r, so
-// that
+// Hyperbolic cosine, sine and tangent by the addition theorem: |x| = a + r with a node a and a small r:
 //   cosh |x| = cosh a cosh r + sinh a sinh r,  sinh |x| = sinh a cosh r + cosh a sinh r,
 //   tanh |x| = (tanh a + tanh r) / (1 + tanh a tanh r).
 // All terms are positive or small beside the first, which a table gives as a sum of two doubles (P. T. P.
