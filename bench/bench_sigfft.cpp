@@ -89,8 +89,8 @@ void add_transforms(const Form &form, int order, const std::regex &filter) {
           if (reference) state.counters["reference"] = 1;
         });
   };
-  add_peer("fftw_measure", true, [=, &form](Arrays<T> a) { return fftw(form, order, a, FFTW_MEASURE); });
-  add_peer("fftw_estimate", false, [=, &form](Arrays<T> a) { return fftw(form, order, a, FFTW_ESTIMATE); });
+  add_peer("fftw_measure", true, [=, &form](Arrays<T> a) { return fftw(form, 1 << order, a, FFTW_MEASURE); });
+  add_peer("fftw_estimate", false, [=, &form](Arrays<T> a) { return fftw(form, 1 << order, a, FFTW_ESTIMATE); });
   if (order <= 16 && kissfft(form, order, Arrays<T>{}))
     add_peer("kissfft", false, [=, &form](Arrays<T> a) { return kissfft(form, order, a); });
 }
@@ -109,7 +109,7 @@ void add_plan(const Form &form, int order, const std::regex &filter) {
     const Arrays<T> a = arrays<T>(form, order);
     for (auto _ : state) {
       forget_plans<T>();
-      fftw(form, order, a, FFTW_ESTIMATE);
+      fftw(form, 1 << order, a, FFTW_ESTIMATE);
     }
     state.counters["reference"] = 1;
   });

@@ -54,8 +54,7 @@ Transform ours(const Form &form, int order, Arrays<T> a) {
 }
 
 #define QKR_FFTW(T, prefix)                                                                              \
-  inline Transform fftw(const Form &form, int order, Arrays<T> a, unsigned effort) {                     \
-    const int n = 1 << order;                                                                            \
+  inline Transform fftw(const Form &form, int n, Arrays<T> a, unsigned effort) {                         \
     const auto src = (prefix##_complex *)a.src, dst = (prefix##_complex *)a.dst;                         \
     prefix##_plan plan;                                                                                  \
     if (form.kind == tests::interleaved) {                                                               \

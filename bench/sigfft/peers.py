@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Adds pocketfft, as SciPy calls it, to a run of bench_sigfft: peers.py RUN.json
+"""Adds pocketfft, as SciPy calls it, to a run of bench_sigfft or bench_sigfft_dft: peers.py RUN.json
 
 Its times include what Python takes to call a function, about two microseconds.
 """
@@ -14,6 +14,7 @@ import scipy.fft
 
 FORMS = {"Complex": (scipy.fft.fft, numpy.complex128, numpy.complex64),
          "Real": (scipy.fft.rfft, numpy.float64, numpy.float32)}
+FORMS |= {"Any" + form: transform for form, transform in FORMS.items()}
 REPETITIONS = 15
 SECONDS = 0.002  # that a repetition takes at least
 

@@ -3,14 +3,14 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
+#include "allocations.h"
 #include "engines.h"
 #include "sigfft/plan/decomposition.h"
 
-// The linker sends the library's requests here: the one that `requests_until_failure` counts down to fails.
-// Each thread counts its own.
-namespace {
+namespace qkr::tests {
 thread_local int requests_until_failure = -1, blocks_in_use = 0;
 }
+using qkr::tests::blocks_in_use, qkr::tests::requests_until_failure;
 extern "C" {
 void *__real_malloc(size_t size);
 void __real_free(void *block);
