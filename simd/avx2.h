@@ -28,18 +28,18 @@ QKR_INLINE f32 round_by_hardware(f32 v) {
   return (f32)_mm256_round_ps((__m256)v, direction | _MM_FROUND_NO_EXC);
 }
 
-// Ones behind the last element: no kernel finds them special.
+// `fill` behind the last element.
 constexpr int32_t part_masks[16] = {-1, -1, -1, -1, -1, -1, -1, -1, 0, 0, 0, 0, 0, 0, 0, 0};
 QKR_INLINE __m256i part_mask(int words) {
   return _mm256_loadu_si256((const __m256i *)(part_masks + 8 - words));
 }
-QKR_INLINE void load_part(const double *p, int count, f64 &v) {
+QKR_INLINE void load_part(const double *p, int count, double fill, f64 &v) {
   const __m256i mask = part_mask(2 * count);
-  v = (f64)_mm256_blendv_pd(_mm256_set1_pd(1), _mm256_maskload_pd(p, mask), _mm256_castsi256_pd(mask));
+  v = (f64)_mm256_blendv_pd(_mm256_set1_pd(fill), _mm256_maskload_pd(p, mask), _mm256_castsi256_pd(mask));
 }
-QKR_INLINE void load_part(const float *p, int count, f32 &v) {
+QKR_INLINE void load_part(const float *p, int count, float fill, f32 &v) {
   const __m256i mask = part_mask(count);
-  v = (f32)_mm256_blendv_ps(_mm256_set1_ps(1), _mm256_maskload_ps(p, mask), _mm256_castsi256_ps(mask));
+  v = (f32)_mm256_blendv_ps(_mm256_set1_ps(fill), _mm256_maskload_ps(p, mask), _mm256_castsi256_ps(mask));
 }
 
 // The second where one of them is a NaN.
@@ -57,10 +57,6 @@ QKR_INLINE f32 join_singles(f64 low, f64 high) {
   const __m128 l = _mm256_cvtpd_ps((__m256d)low), h = _mm256_cvtpd_ps((__m256d)high);
   return (f32)_mm256_insertf128_ps(_mm256_castps128_ps256(l), h, 1);
 }
-
-QKR_INLINE f32 approximate_rsqrt(f32 v) { return (f32)_mm256_rsqrt_ps((__m256)v); }
-// Of the single-precision numbers in the lower halves of the lanes.
-QKR_INLINE u64 approximate_rsqrt(u64 v) { return (u64)_mm256_rsqrt_ps((__m256)v); }
 
 QKR_INLINE __m256d pair(const double *p, const double *q) {
   return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_load_pd(p)), _mm_load_pd(q), 1);

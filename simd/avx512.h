@@ -35,6 +35,10 @@ QKR_INLINE f64 smaller(f64 a, f64 b) { return (f64)_mm512_min_pd((__m512d)a, (__
 QKR_INLINE Flags not_positive_normal(f64 x) { return _mm512_fpclass_pd_mask((__m512d)x, 0xFF); }
 QKR_INLINE Flags not_positive_normal(f32 x) { return _mm512_fpclass_ps_mask((__m512)x, 0xFF); }
 
+// Lanes below zero; NaNs with a sign are among them.
+QKR_INLINE Flags negative(f64 x) { return _mm512_movepi64_mask((__m512i)(bits(x) & (bits(x) - 1u))); }
+QKR_INLINE Flags negative(f32 x) { return _mm512_movepi32_mask((__m512i)(bits(x) & (bits(x) - 1u))); }
+
 // Lanes with !(first <= x < limit), NaNs always among them; the two are positive.
 QKR_INLINE Flags outside(f32 x, float first, float limit) {
   return _mm512_cmp_ps_mask((__m512)x, _mm512_set1_ps(first), _CMP_NGE_UQ) |
@@ -108,12 +112,12 @@ QKR_INLINE f32 add_toward_zero(f32 v, f32 w) {
   return (f32)_mm512_add_round_ps((__m512)v, (__m512)w, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC);
 }
 
-// Ones behind the last element: no kernel finds them special.
-QKR_INLINE void load_part(const double *p, int count, f64 &v) {
-  v = (f64)_mm512_mask_loadu_pd(_mm512_set1_pd(1), (1u << count) - 1, p);
+// `fill` behind the last element.
+QKR_INLINE void load_part(const double *p, int count, double fill, f64 &v) {
+  v = (f64)_mm512_mask_loadu_pd(_mm512_set1_pd(fill), (1u << count) - 1, p);
 }
-QKR_INLINE void load_part(const float *p, int count, f32 &v) {
-  v = (f32)_mm512_mask_loadu_ps(_mm512_set1_ps(1), (1u << count) - 1, p);
+QKR_INLINE void load_part(const float *p, int count, float fill, f32 &v) {
+  v = (f32)_mm512_mask_loadu_ps(_mm512_set1_ps(fill), (1u << count) - 1, p);
 }
 QKR_INLINE void store_part(double *p, int count, f64 v) {
   _mm512_mask_storeu_pd(p, (1u << count) - 1, (__m512d)v);
@@ -131,19 +135,6 @@ QKR_INLINE f64 high_doubles(f32 v) { return (f64)_mm512_cvtps_pd(_mm512_extractf
 QKR_INLINE f32 join_singles(f64 low, f64 high) {
   const __m256 l = _mm512_cvtpd_ps((__m512d)low), h = _mm512_cvtpd_ps((__m512d)high);
   return (f32)_mm512_insertf32x8(_mm512_castps256_ps512(l), h, 1);
-}
-
-// The 8-lane instruction twice: the 16-lane one has another, longer approximation.
-QKR_INLINE f32 approximate_rsqrt(f32 v) {
-  const __m256 low = _mm256_rsqrt_ps(_mm512_castps512_ps256((__m512)v));
-  const __m256 high = _mm256_rsqrt_ps(_mm512_extractf32x8_ps((__m512)v, 1));
-  return (f32)_mm512_insertf32x8(_mm512_castps256_ps512(low), high, 1);
-}
-
-// Of the single-precision numbers in the lower halves of the lanes.
-QKR_INLINE u64 approximate_rsqrt(u64 v) {
-  const __m256 packed = _mm256_castsi256_ps(_mm512_cvtepi64_epi32((__m512i)v));
-  return (u64)_mm512_cvtepu32_epi64(_mm256_castps_si256(_mm256_rsqrt_ps(packed)));
 }
 
 // Eight small indices in two integer registers: cheaper than taking the lanes out one by one.

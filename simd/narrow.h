@@ -33,6 +33,10 @@ QKR_INLINE Flags not_positive_normal(f32 x) {
   return flags_of((bits(x) - 0x00800000u) | ~(bits(x) - 0x7F800000u));
 }
 
+// Lanes below zero; NaNs with a sign are among them.
+QKR_INLINE Flags negative(f64 x) { return bits(x) & (bits(x) - 1u); }
+QKR_INLINE Flags negative(f32 x) { return flags_of(bits(x) & (bits(x) - 1u)); }
+
 // Lanes with !(first <= x < limit), NaNs always among them; the two are positive.
 QKR_INLINE Flags outside(f32 x, float first, float limit) {
   return flags_of((bits(x) - __builtin_bit_cast(uint32_t, first)) |

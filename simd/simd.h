@@ -52,10 +52,6 @@ QKR_INLINE double exact_mad(double a, double b, double c) { return a * b + c; }
 QKR_INLINE float exact_mad(float a, float b, float c) { return a * b + c; }
 QKR_INLINE double exponent(uint64_t pattern) { return (double)((int)(pattern >> 52) - 1023); }
 QKR_INLINE float exponent(uint32_t pattern) { return (float)((int)(pattern >> 23) - 127); }
-QKR_INLINE float approximate_rsqrt(float x) { return _mm_cvtss_f32(_mm_rsqrt_ss(_mm_set_ss(x))); }
-QKR_INLINE uint64_t approximate_rsqrt(uint64_t single) {
-  return bits(approximate_rsqrt(real((uint32_t)single)));
-}
 QKR_INLINE f64 in_lanes(f64 v) { return v; }
 QKR_INLINE f64 in_lanes(double x) { return x - f64{}; }
 

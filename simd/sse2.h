@@ -14,9 +14,10 @@ QKR_INLINE unsigned lane_set(Flags f, float) { return _mm_movemask_ps((__m128)f)
 QKR_INLINE f64 exact_mad(f64 a, f64 b, f64 c) { return a * b + c; }
 QKR_INLINE f32 exact_mad(f32 a, f32 b, f32 c) { return a * b + c; }
 
-QKR_INLINE void load_part(const double *p, int, f64 &v) { v = f64{p[0], 1}; }
-QKR_INLINE void load_part(const float *p, int count, f32 &v) {
-  v = f32{p[0], count > 1 ? p[1] : 1, count > 2 ? p[2] : 1, 1};
+// `fill` behind the last element.
+QKR_INLINE void load_part(const double *p, int, double fill, f64 &v) { v = f64{p[0], fill}; }
+QKR_INLINE void load_part(const float *p, int count, float fill, f32 &v) {
+  v = f32{p[0], count > 1 ? p[1] : fill, count > 2 ? p[2] : fill, fill};
 }
 
 // The second where one of them is a NaN.
@@ -33,10 +34,6 @@ QKR_INLINE f64 high_doubles(f32 v) { return (f64)_mm_cvtps_pd(_mm_movehl_ps((__m
 QKR_INLINE f32 join_singles(f64 low, f64 high) {
   return (f32)_mm_movelh_ps(_mm_cvtpd_ps((__m128d)low), _mm_cvtpd_ps((__m128d)high));
 }
-
-QKR_INLINE f32 approximate_rsqrt(f32 v) { return (f32)_mm_rsqrt_ps((__m128)v); }
-// Of the single-precision numbers in the lower halves of the lanes.
-QKR_INLINE u64 approximate_rsqrt(u64 v) { return (u64)_mm_rsqrt_ps((__m128)v); }
 
 // Element j of a column of 2^k; higher bits of j do not count.
 template <int count>

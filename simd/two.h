@@ -62,7 +62,6 @@ QKR_TWO_FUNCTION(product_error)
 QKR_TWO_FUNCTION(zero_unless)
 QKR_TWO_FUNCTION(add_if_zero)
 QKR_TWO_FUNCTION(add_where_less)
-QKR_TWO_FUNCTION(approximate_rsqrt)
 QKR_TWO_FUNCTION(zero_unless_within)
 QKR_TWO_FUNCTION(at_most)
 QKR_TWO_FUNCTION(select_less)
@@ -86,6 +85,10 @@ QKR_INLINE Flags outside(Two<V> x, S first, S limit) {
 template <class V>
 QKR_INLINE Flags not_positive_normal(Two<V> x) {
   return not_positive_normal(x.a) | not_positive_normal(x.b);
+}
+template <class V>
+QKR_INLINE Flags negative(Two<V> x) {
+  return negative(x.a) | negative(x.b);
 }
 template <class V>
 QKR_INLINE Flags is_zero(Two<V> x) {

@@ -1,23 +1,22 @@
 // Functions of one number: logarithm, floor, square root. Whole arrays go through vector math.
 #include <qkr/streams_generators.h>
 
+#include "simd/vectors.h"
 #include "streams/tables/tables.h"
 #include "vecmath/real/root_by_table.h"
 
 using namespace qkr::stream_scalars;
+using qkr::sse2::bits, qkr::sse2::real;
 
 namespace {
-
-uint64_t pattern_of(double x) { return __builtin_bit_cast(uint64_t, x); }
-double double_of(uint64_t pattern) { return __builtin_bit_cast(double, pattern); }
 
 constexpr int mantissa_bits = 52, exponent_bias = 1023;
 constexpr uint64_t mantissa_mask = (1ull << mantissa_bits) - 1;
 constexpr uint64_t one = 0x3FF0000000000000, infinity = 0x7FF0000000000000;
 
-int exponent_of(double x) { return (int)(pattern_of(x) >> mantissa_bits & 0x7FF) - exponent_bias; }
+int exponent_of(double x) { return (int)(bits(x) >> mantissa_bits & 0x7FF) - exponent_bias; }
 // From 1 to below 2.
-double mantissa_of(double x) { return double_of((pattern_of(x) & mantissa_mask) | one); }
+double mantissa_of(double x) { return real((bits(x) & mantissa_mask) | one); }
 
 // ln(1 + z) - z by its series to the power `degree`, whose first neglected term is below 2^-56 of z.
 template <int degree>
@@ -31,10 +30,10 @@ double ln1p_less_z(double z) {
 // that its head times r is exact; n ln 2 - ln r has an exact head, a multiple of 2^-42.
 double ln_by_table(double x, int n) {
   constexpr double ln2_head = 0x1.62e42fefa38p-1, ln2_tail = 0x1.ef35793c7673p-45;
-  const uint64_t pattern = pattern_of(x);
+  const uint64_t pattern = bits(x);
   const uint32_t k = pattern >> (mantissa_bits - 8) & 0xFF;
   const double r = reciprocals[k], m = mantissa_of(x);
-  const double m_head = double_of(pattern_of(m) & ~0xFFFFFFFFull);
+  const double m_head = real(bits(m) & ~0xFFFFFFFFul);
   const double z = (m_head * r - 1.0) + (m - m_head) * r;
   const double head = n * ln2_head + minus_logarithms[k][0];
   const double tail = n * ln2_tail + minus_logarithms[k][1];
@@ -46,11 +45,11 @@ double ln_by_table(double x, int n) {
 extern "C" {
 
 double __vxsdLn(double x) {
-  const uint64_t pattern = pattern_of(x);
+  const uint64_t pattern = bits(x);
   if (pattern - 1 >= infinity - 1) {  // not a positive finite number
     if (x == 0) return -1.0 / (x * x);
     if (x != x || pattern == infinity) return x + x;
-    return (x - x) * double_of(infinity);
+    return (x - x) * real(infinity);
   }
   const double u = x - 1.0;
   if (u > -0x1p-8 && u < 0x1p-8) return u + ln1p_less_z<7>(u);
@@ -65,7 +64,7 @@ double __vxsdFloor(double x) {
   const int n = exponent_of(x);
   if (n >= mantissa_bits) return x;  // whole, infinite or NaN
   const uint64_t fraction = n < 0 ? ~0ull >> 1 : mantissa_mask >> n;
-  const double truncated = double_of(pattern_of(x) & ~fraction);
+  const double truncated = real(bits(x) & ~fraction);
   return truncated > x ? truncated - 1.0 : truncated;
 }
 

@@ -85,8 +85,7 @@ constexpr Function row(const char *name, const char *c_name, bool approximates, 
   row<_vxmd##name##_HA, _vxms##name##_HA>(#name, c_name, true, {__VA_ARGS__})
 #define EXACT(name, c_name, ...) row<_vxmd##name, _vxms##name>(#name, c_name, false, {__VA_ARGS__})
 
-// Single-precision Sqrt falls into subnormal intermediate values, and so becomes slow, at the ends of the
-// range.
+// Of any magnitude, a little way from the ends of the range.
 constexpr Range magnitudes = log_uniform(1e-300, 1e300), magnitudes_single = log_uniform(1e-30, 1e30);
 constexpr Range ordinary = log_uniform(1e-9, 1e9);
 

@@ -31,7 +31,7 @@ QKR_INLINE void each_vector(int32_t n, Step step) {
     step(
         [&](const T *p) {
           V v;
-          load_part(p + i, n - i, v);
+          load_part(p + i, n - i, T(1), v);
           return v;
         },
         [&](T *p, V v) { store_part(p + i, n - i, v); });

@@ -37,7 +37,10 @@ QKR_BEGIN_DECLS
  * | below -708.396 (float -87.336)           | subnormal or zero | 4, underflow  |
  *
  * A double NaN gives the NaN of all ones. Floats from -87.3365 down to the smallest normal result also
- * report 4. Method: P. T. P. Tang, ACM Transactions on Mathematical Software 15 (1989) 144. */
+ * report 4; from -103.279 down they give 0, though as far as -103.972 the smallest subnormal number is
+ * nearer. Method: P. T. P. Tang, ACM Transactions on Mathematical Software 15 (1989) 144.
+ *
+ * Largest error: 0.53 ulp (float 0.574). */
 /**@{*/
 QKR_API void _vxmdExp_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdExp_50(int32_t n, const double *a, double *r);
@@ -55,7 +58,9 @@ QKR_API void _vxmsExp_21(int32_t n, const float *a, float *r);
  * | +0, -0                   | -inf     | 2, singularity |
  * | negative, -inf included  | NaN      | 1, domain      |
  *
- * Method: P. T. P. Tang, ACM Transactions on Mathematical Software 16 (1990) 378. */
+ * Method: P. T. P. Tang, ACM Transactions on Mathematical Software 16 (1990) 378.
+ *
+ * Largest error: 0.59 ulp (float 0.567). */
 /**@{*/
 QKR_API void _vxmdLn_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdLn_50(int32_t n, const double *a, double *r);
@@ -73,7 +78,9 @@ QKR_API void _vxmsLn_21(int32_t n, const float *a, float *r);
  * | +0, -0                   | -inf     | 2, singularity |
  * | negative, -inf included  | NaN      | 1, domain      |
  *
- * Method: P. T. P. Tang, ACM Transactions on Mathematical Software 16 (1990) 378. */
+ * Method: P. T. P. Tang, ACM Transactions on Mathematical Software 16 (1990) 378.
+ *
+ * Largest error: 0.59 ulp (float 0.75). */
 /**@{*/
 QKR_API void _vxmdLog10_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdLog10_50(int32_t n, const double *a, double *r);
@@ -90,9 +97,7 @@ QKR_API void _vxmsLog10_21(int32_t n, const float *a, float *r);
  * | +inf, +0, -0             | a[i] | none      |
  * | negative, -inf included  | NaN  | 1, domain |
  *
- * Starts from the processor's approximate reciprocal square root, whose bits differ between makers of
- * processors: the last bit of a result may differ between them, though not between vector widths. Method:
- * Taylor series of (1 + e)^(-1/2). */
+ * Correctly rounded: the processor's own square root. */
 /**@{*/
 QKR_API void _vxmdSqrt_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdSqrt_50(int32_t n, const double *a, double *r);
@@ -129,7 +134,13 @@ QKR_API void _vxmsInv_21(int32_t n, const float *a, float *r);
  *
  * An infinity gives NaN and status 1, reported under the short name "dSin_HA" ("sSin_HA"). A NaN gives NaN
  * and no status. Finite arguments of any size keep full accuracy: large ones are reduced with as many bits of
- * 4/pi as they need. A double zero of either sign gives +0. */
+ * 4/pi as they need. A double zero of either sign gives +0.
+ *
+ * Method: table of the sine and its slope on a regular grid, short polynomials between (S. Gal and B.
+ * Bachelis, ACM Transactions on Mathematical Software 17 (1991) 26); float: reduction modulo pi and a minimax
+ * polynomial. Large arguments: M. Payne and R. Hanek, ACM SIGNUM Newsletter 18 (1983) 19.
+ *
+ * Largest error: 0.53 ulp (float 0.802). */
 /**@{*/
 QKR_API void _vxmdSin_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdSin_50(int32_t n, const double *a, double *r);
@@ -142,7 +153,12 @@ QKR_API void _vxmsSin_21(int32_t n, const float *a, float *r);
  *
  * An infinity gives NaN and status 1, reported under the short name "dCos_HA" ("sCos_HA"). A NaN gives NaN
  * and no status. Finite arguments of any size keep full accuracy: large ones are reduced with as many bits of
- * 4/pi as they need. A zero gives exactly 1. */
+ * 4/pi as they need. A zero gives exactly 1. For 13 floats between 2736 and 9972 the results of a and -a
+ * differ in the last bit.
+ *
+ * Method: as Sin, a quarter turn on.
+ *
+ * Largest error: 0.53 ulp (float 0.802). */
 /**@{*/
 QKR_API void _vxmdCos_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdCos_50(int32_t n, const double *a, double *r);
@@ -155,7 +171,12 @@ QKR_API void _vxmsCos_21(int32_t n, const float *a, float *r);
  *
  * An infinity gives NaN and status 1, reported under the short name "dSinCos_HA" ("sSinCos_HA"). A NaN gives
  * NaN and no status. Finite arguments of any size keep full accuracy: large ones are reduced with as many
- * bits of 4/pi as they need. Both results of an infinity are NaN, reported once. */
+ * bits of 4/pi as they need. Both results of an infinity are NaN, reported once.
+ *
+ * Method: as Sin, on a finer grid, with one reduction for both; float: reduction modulo pi/2 and two minimax
+ * polynomials.
+ *
+ * Largest error: 0.56 ulp (float 0.563). */
 /**@{*/
 QKR_API void _vxmdSinCos_HA(int32_t n, const double *a, double *r1, double *r2);
 QKR_API void _vxmdSinCos_50(int32_t n, const double *a, double *r1, double *r2);
@@ -168,7 +189,13 @@ QKR_API void _vxmsSinCos_21(int32_t n, const float *a, float *r1, float *r2);
  *
  * An infinity gives NaN and status 1, reported under the short name "dTan_HA" ("sTan_HA"). A NaN gives NaN
  * and no status. Finite arguments of any size keep full accuracy: large ones are reduced with as many bits of
- * 4/pi as they need. A zero keeps its sign. */
+ * 4/pi as they need. A zero keeps its sign.
+ *
+ * Method: table of polynomials for the tangent less its pole on a regular grid (P. T. P. Tang, 10th IEEE
+ * Symposium on Computer Arithmetic (1991) 232); float: reduction modulo pi/2 and a rational function. Large
+ * arguments as for Sin.
+ *
+ * Largest error: 0.68 ulp (float 0.936). */
 /**@{*/
 QKR_API void _vxmdTan_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdTan_50(int32_t n, const double *a, double *r);
@@ -187,7 +214,9 @@ QKR_API void _vxmsTan_21(int32_t n, const float *a, float *r);
  * | negative, -inf included  | NaN        | 1, domain      |
  *
  * Method: guess from the bit pattern (J. F. Blinn, 1997), Householder step, binomial series on an exact
- * residual. */
+ * residual.
+ *
+ * Largest error: 0.501 ulp (float 0.506). */
 /**@{*/
 QKR_API void _vxmdInvSqrt_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdInvSqrt_50(int32_t n, const double *a, double *r);
@@ -196,7 +225,9 @@ QKR_API void _vxmsInvSqrt_21(int32_t n, const float *a, float *r);
 /**@}*/
 
 /** @name Cbrt
- * The cube root. Zeros, infinities and NaNs give themselves; nothing is reported. Method as for InvSqrt. */
+ * The cube root. Zeros, infinities and NaNs give themselves; nothing is reported. Method as for InvSqrt.
+ *
+ * Largest error: 0.54 ulp (float 0.501). */
 /**@{*/
 QKR_API void _vxmdCbrt_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdCbrt_50(int32_t n, const double *a, double *r);
@@ -206,7 +237,9 @@ QKR_API void _vxmsCbrt_21(int32_t n, const float *a, float *r);
 
 /** @name InvCbrt
  * The reciprocal cube root. A zero gives the infinity of its sign and status 2; an infinity gives the zero of
- * its sign; a NaN gives NaN. Method as for InvSqrt. */
+ * its sign; a NaN gives NaN. Method as for InvSqrt.
+ *
+ * Largest error: 0.51 ulp (float 0.501). */
 /**@{*/
 QKR_API void _vxmdInvCbrt_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdInvCbrt_50(int32_t n, const double *a, double *r);
@@ -233,7 +266,9 @@ QKR_API void _vxmsInvCbrt_21(int32_t n, const float *a, float *r);
  *
  * The sign of the result is that of a[i] where b is an odd integer, else positive. Method: logarithm and
  * product in double-double arithmetic, by table and polynomial; after P. T. P. Tang (1990, 1989) and T. J.
- * Dekker (1971). */
+ * Dekker (1971).
+ *
+ * Largest error: 0.53 ulp (float 0.501). */
 /**@{*/
 QKR_API void _vxmdPow_HA(int32_t n, const double *a, const double *b, double *r);
 QKR_API void _vxmdPow_50(int32_t n, const double *a, const double *b, double *r);
@@ -249,7 +284,9 @@ QKR_API void _vxmsPowx_21(int32_t n, const float *a, float b, float *r);
  * The error function, 2/sqrt(pi) times the integral of e^(-t^2) from 0 to a[i]. Zeros keep their sign,
  * infinities give 1 with their sign, NaN gives NaN; nothing is reported.
  *
- * Method: table of short polynomials (P. T. P. Tang, IEEE Symposium on Computer Arithmetic 10 (1991) 232). */
+ * Method: table of short polynomials (P. T. P. Tang, IEEE Symposium on Computer Arithmetic 10 (1991) 232).
+ *
+ * Largest error: 0.76 ulp (float 0.508). */
 /**@{*/
 QKR_API void _vxmdErf_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdErf_50(int32_t n, const double *a, double *r);
@@ -267,7 +304,9 @@ QKR_API void _vxmsErf_21(int32_t n, const float *a, float *r);
  * | above 26.543 (float 9.194)   | subnormal or zero | 4, underflow |
  *
  * Method: e^(-x^2) times a function that changes slowly (W. J. Cody, Mathematics of Computation 23 (1969)
- * 631), both by tables of short polynomials (P. T. P. Tang, 1991). */
+ * 631), both by tables of short polynomials (P. T. P. Tang, 1991).
+ *
+ * Largest error: 0.53 ulp (float 0.513). */
 /**@{*/
 QKR_API void _vxmdErfc_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdErfc_50(int32_t n, const double *a, double *r);
@@ -286,7 +325,9 @@ QKR_API void _vxmsErfc_21(int32_t n, const float *a, float *r);
  * | above 1 or below -1        | NaN         | 1, domain      |
  *
  * Method: a[i] times a function of -ln(1 - a[i]^2) (M. Giles, GPU Computing Gems 2, 2010), by a table of
- * short polynomials. */
+ * short polynomials.
+ *
+ * Largest error: 0.53 ulp (float 0.501). */
 /**@{*/
 QKR_API void _vxmdErfInv_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdErfInv_50(int32_t n, const double *a, double *r);
@@ -298,7 +339,9 @@ QKR_API void _vxmsErfInv_21(int32_t n, const float *a, float *r);
  * The hypotenuse, r[i] = sqrt(a[i]^2 + b[i]^2), without overflow or underflow on the way.
  *
  * An infinite a[i] or b[i] gives +inf, also beside a NaN; else a NaN gives NaN; neither is reported. An
- * overflow gives +inf and status 3. Method: exact squares (T. J. Dekker, 1971), root as in InvSqrt. */
+ * overflow gives +inf and status 3. Method: exact squares (T. J. Dekker, 1971), root as in InvSqrt.
+ *
+ * Largest error: 0.501 ulp (float 0.501). */
 /**@{*/
 QKR_API void _vxmdHypot_HA(int32_t n, const double *a, const double *b, double *r);
 QKR_API void _vxmdHypot_50(int32_t n, const double *a, const double *b, double *r);
@@ -317,7 +360,9 @@ QKR_API void _vxmsHypot_21(int32_t n, const float *a, const float *b, float *r);
  * | above 710.475 (float 89.416) in size    | +inf | 3, overflow |
  *
  * Method: addition theorem around a table of nodes, after P. T. P. Tang, 10th IEEE Symposium on Computer
- * Arithmetic (1991) 232. */
+ * Arithmetic (1991) 232.
+ *
+ * Largest error: 0.56 ulp (float 0.503). */
 /**@{*/
 QKR_API void _vxmdCosh_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdCosh_50(int32_t n, const double *a, double *r);
@@ -334,7 +379,9 @@ QKR_API void _vxmsCosh_21(int32_t n, const float *a, float *r);
  * | +inf, -inf, +0, -0                      | a[i]                    | none        |
  * | above 710.475 (float 89.416) in size    | infinity of a[i]'s sign | 3, overflow |
  *
- * Subnormal numbers give themselves. Method as for Cosh. */
+ * Subnormal numbers give themselves. Method as for Cosh.
+ *
+ * Largest error: 0.56 ulp (float 0.504). */
 /**@{*/
 QKR_API void _vxmdSinh_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdSinh_50(int32_t n, const double *a, double *r);
@@ -344,7 +391,9 @@ QKR_API void _vxmsSinh_21(int32_t n, const float *a, float *r);
 
 /** @name Tanh
  * The hyperbolic tangent, r[i] = tanh(a[i]). Zeros keep their sign, subnormal numbers give themselves,
- * infinities give 1 and -1, a NaN gives NaN; nothing is reported. Method as for Cosh. */
+ * infinities give 1 and -1, a NaN gives NaN; nothing is reported. Method as for Cosh.
+ *
+ * Largest error: 0.64 ulp (float 0.517). */
 /**@{*/
 QKR_API void _vxmdTanh_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdTanh_50(int32_t n, const double *a, double *r);

@@ -56,7 +56,9 @@ typedef struct VxmErrorContext {
 
 /** An error callback. Non-zero ends the treatment of the element, which keeps its result. With 0 the standard
  * handlers follow, and dbR1 and dbR2, as the callback left them, become the results; where the function has
- * one result vector, dbR1 counts. The floating-point environment is that of the running vector function. */
+ * one result vector, dbR1 counts. The floating-point environment is that of the running vector function. A
+ * callback returns: it must not throw an exception or leave by longjmp(), which would skip the elements that
+ * follow and leave the vector function's environment set. */
 typedef int32_t (*VxmErrorCallBack)(VxmErrorContext *record);
 
 /** Sets the fields of the mode that are not zero in `mode`: accuracy, errors, reserved. A field given as zero

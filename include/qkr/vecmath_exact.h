@@ -72,7 +72,7 @@ QKR_API void _vxmsUnpackV(int32_t n, const float *a, float *y, const int32_t *in
  * element. */
 QKR_API double _vxmdsqrt_scalar(double x);
 
-/** The square root of one float, by table: within 0.6 units in the last place. A negative number, -inf too,
+/** The square root of one float, by table: within 0.61 units in the last place. A negative number, -inf too,
  * gives the NaN 0xFFC00000; nothing is reported. */
 QKR_API float _vxmssqrt_scalar(float x);
 

@@ -17,7 +17,9 @@ QKR_BEGIN_DECLS
  * | +inf, -inf | +pi/2, -pi/2 | none   |
  * | +0, -0     | a[i]         | none   |
  *
- * Method: table and short polynomial, S. Gal, Lecture Notes in Computer Science 235 (1986) 1. */
+ * Method: table and short polynomial, S. Gal, Lecture Notes in Computer Science 235 (1986) 1.
+ *
+ * Largest error: 0.60 ulp (float 0.51). */
 /**@{*/
 QKR_API void _vxmdAtan_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdAtan_50(int32_t n, const double *a, double *r);
@@ -43,7 +45,9 @@ QKR_API void _vxmsAtan_21(int32_t n, const float *a, float *r);
  * | +-inf          | +inf                        | +-pi/4  |
  * | +-inf          | -inf                        | +-3pi/4 |
  *
- * Method: as Atan. */
+ * Method: as Atan.
+ *
+ * Largest error: 0.58 ulp (float 0.51). */
 /**@{*/
 QKR_API void _vxmdAtan2_HA(int32_t n, const double *a, const double *b, double *r);
 QKR_API void _vxmdAtan2_50(int32_t n, const double *a, const double *b, double *r);
@@ -60,7 +64,9 @@ QKR_API void _vxmsAtan2_21(int32_t n, const float *a, const float *b, float *r);
  * | +0, -0                      | a[i] | none      |
  * | above 1, below -1, infinite | NaN  | 1, domain |
  *
- * Method: W. J. Cody and W. Waite, Software Manual for the Elementary Functions, 1980, chapter 10. */
+ * Method: W. J. Cody and W. Waite, Software Manual for the Elementary Functions, 1980, chapter 10.
+ *
+ * Largest error: 0.67 ulp (float 0.53). */
 /**@{*/
 QKR_API void _vxmdAsin_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdAsin_50(int32_t n, const double *a, double *r);
@@ -77,7 +83,9 @@ QKR_API void _vxmsAsin_21(int32_t n, const float *a, float *r);
  * | 1                           | +0   | none      |
  * | above 1, below -1, infinite | NaN  | 1, domain |
  *
- * Method: as Asin. */
+ * Method: as Asin.
+ *
+ * Largest error: 0.67 ulp (float 0.53). */
 /**@{*/
 QKR_API void _vxmdAcos_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdAcos_50(int32_t n, const double *a, double *r);
@@ -96,7 +104,8 @@ QKR_API void _vxmsAcos_21(int32_t n, const float *a, float *r);
  * | below 1, -inf included | NaN  | 1, domain |
  *
  * Method: logarithm of 1 + u with a small u, W. Kahan, Branch cuts for complex elementary functions (1987).
- */
+ *
+ * Largest error: 0.61 ulp (float 0.501). */
 /**@{*/
 QKR_API void _vxmdAcosh_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdAcosh_50(int32_t n, const double *a, double *r);
@@ -112,7 +121,9 @@ QKR_API void _vxmsAcosh_21(int32_t n, const float *a, float *r);
  * | NaN                | NaN  | none   |
  * | +inf, -inf, +0, -0 | a[i] | none   |
  *
- * Method: as Acosh. */
+ * Method: as Acosh.
+ *
+ * Largest error: 0.59 ulp (float 0.503). */
 /**@{*/
 QKR_API void _vxmdAsinh_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdAsinh_50(int32_t n, const double *a, double *r);
@@ -130,7 +141,9 @@ QKR_API void _vxmsAsinh_21(int32_t n, const float *a, float *r);
  * | 1, -1                       | +inf, -inf | 2, singularity |
  * | above 1, below -1, infinite | NaN        | 1, domain      |
  *
- * Method: as Acosh. */
+ * Method: as Acosh.
+ *
+ * Largest error: 0.59 ulp (float 0.503). */
 /**@{*/
 QKR_API void _vxmdAtanh_HA(int32_t n, const double *a, double *r);
 QKR_API void _vxmdAtanh_50(int32_t n, const double *a, double *r);

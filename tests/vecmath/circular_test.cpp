@@ -1,6 +1,7 @@
 // Circular functions where arguments are hardest, next to the multiples of pi/2, and their per-element
 // routines.
 #include <cmath>
+#include <fenv.h>
 #include <gtest/gtest.h>
 #include <qkr/vecmath.h>
 
@@ -76,6 +77,21 @@ TEST(Reduction, LeavesTheDistanceToAMultipleOfHalfPi) {
       ASSERT_LE(std::fabs(sum[0]), 0.7854) << std::hexfloat << x;
       ASSERT_EQ(sum[0] + sum[1], sum[0]) << std::hexfloat << x;
     }
+}
+
+TEST(Reduction, ZerosKeepTheirSignAndTheRestIsNan) {
+  constexpr double inf = std::numeric_limits<double>::infinity(),
+                   nan = std::numeric_limits<double>::quiet_NaN();
+  double sum[2] = {5, 5};
+  EXPECT_EQ(_vxmreduce_pio2d(-0.0, sum), 0);
+  EXPECT_EQ(pattern_of(sum[0]), pattern_of(-0.0));
+  EXPECT_EQ(sum[1], 0);
+  for (const double x : {inf, -inf, nan}) {
+    feclearexcept(FE_ALL_EXCEPT);
+    EXPECT_EQ(_vxmreduce_pio2d(x, sum), 0);
+    EXPECT_TRUE(std::isnan(sum[0]) && std::isnan(sum[1]));
+    EXPECT_EQ(fetestexcept(FE_ALL_EXCEPT), std::isnan(x) ? 0 : FE_INVALID);
+  }
 }
 
 template <class T>

@@ -1,9 +1,11 @@
 // What the dispatchers and the standard handlers do with a bad element.
 #include <errno.h>
+#include <fcntl.h>
 #include <fenv.h>
 #include <gtest/gtest.h>
 #include <limits>
 #include <string>
+#include <unistd.h>
 
 #include "tests/vecmath/fresh_thread.h"
 #include "vecmath/errors/gate.h"
@@ -226,6 +228,24 @@ TEST(Handlers, SecondValuesArePrintedWhereTheyDiffer) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               std::string("Error (VXM_STATUS_ERRDOM) in f: argument is out of domain\n") + row.values);
   }
+}
+
+// Printing to a full device fails and sets errno by itself.
+TEST(Handlers, PrintingKeepsErrno) {
+  in_fresh_thread([] {
+    const int console = dup(STDERR_FILENO), full = open("/dev/full", O_WRONLY);
+    ASSERT_GE(full, 0);
+    dup2(full, STDERR_FILENO);
+    _vxmSetMode(VXM_MODE_ERRNO | VXM_MODE_STDERR);
+    errno = 0;
+    double a = 1, r = 2;
+    _vxmdError(VXM_STATUS_ERRDOM, 0, &a, &a, &r, &r, "f");
+    const int error = errno;
+    clearerr(stderr);
+    dup2(console, STDERR_FILENO);
+    close(console), close(full);
+    EXPECT_EQ(error, EDOM);
+  });
 }
 
 TEST(Names, PartsAreCutAndJoined) {

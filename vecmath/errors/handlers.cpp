@@ -15,6 +15,12 @@ struct Status {
   const char *message;
 };
 
+// What the errno handler has set outlasts the printing.
+struct KeepErrno {
+  const int before = errno;
+  ~KeepErrno() { errno = before; }
+};
+
 constexpr const char *heading = "Error (VXM_STATUS_%s) in %s: ";
 
 constexpr Status statuses[] = {
@@ -59,6 +65,7 @@ void qkr::set_errno(VxmErrorContext *record) {
 
 void qkr::print_error(VxmErrorContext *record) {
   if (record->iCode == VXM_STATUS_OK) return;
+  const KeepErrno keep_errno;
   char name[sizeof record->cFuncName + 1];
   snprintf(name, sizeof name, "%.64s", record->cFuncName);  // a name that fills its field has no terminator
 

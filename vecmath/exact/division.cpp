@@ -25,14 +25,11 @@ struct Division : BinaryKernel<T, 2> {
   }
 
   // An infinite or NaN dividend reports nothing in double.
-  static void scalar(ptrdiff_t i, Arrays<T> v) {
-    const T x = v.a[i], y = v.b[i];
-    v.r[i] = x / y;
-    if constexpr (is_double) {
-      if (y == 0.0 && magnitude(bits(x)) < infinity_pattern_double) report(2, i, v, "_vxmdDiv_HA");
-    } else {
-      if (magnitude(bits(y)) == 0) report(2, i, v, "_vxmsDiv_HA");
-    }
+  static constexpr bool events_are_right = true;
+  static Outcome<T> scalar(T x, T y) {
+    bool pole = magnitude(bits(y)) == 0;
+    if constexpr (is_double) pole = y == 0 && magnitude(bits(x)) < pattern_of_infinity(x);
+    return {x / y, pole ? VXM_STATUS_SING : VXM_STATUS_OK};
   }
 };
 
@@ -51,21 +48,14 @@ struct Reciprocal : UnaryKernel<T, 2> {
     return (T)1 / x;
   }
 
-  static void scalar(ptrdiff_t i, Arrays<T> v) {
-    const T x = v.a[i];
-    v.r[i] = (T)1 / x;
-    if (magnitude(bits(x)) == 0) report(2, i, v, sizeof(T) == 8 ? "_vxmdInv_HA" : "_vxmsInv_HA");
-  }
+  static constexpr bool events_are_right = true;
+  static Outcome<T> scalar(T x) { return {(T)1 / x, VXM_STATUS_SING}; }
 };
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_BINARY(_vxmdDiv_HA, double, Division<double>)
-QKR_BINARY(_vxmsDiv_HA, float, Division<float>)
-QKR_UNARY(_vxmdInv_HA, double, Reciprocal<double>)
-QKR_UNARY(_vxmsInv_HA, float, Reciprocal<float>)
-QKR_BINARY_FORWARD(_vxmdDiv_HA, _vxmdDiv_50, double)
-QKR_BINARY_FORWARD(_vxmsDiv_HA, _vxmsDiv_21, float)
-QKR_UNARY_FORWARD(_vxmdInv_HA, _vxmdInv_50, double)
-QKR_UNARY_FORWARD(_vxmsInv_HA, _vxmsInv_21, float)
+QKR_ROUNDED_FUNCTION_OF_TWO(_vxmdDiv_HA, _vxmdDiv_50, double, Division<double>)
+QKR_ROUNDED_FUNCTION_OF_TWO(_vxmsDiv_HA, _vxmsDiv_21, float, Division<float>)
+QKR_ROUNDED_FUNCTION(_vxmdInv_HA, _vxmdInv_50, double, Reciprocal<double>)
+QKR_ROUNDED_FUNCTION(_vxmsInv_HA, _vxmsInv_21, float, Reciprocal<float>)

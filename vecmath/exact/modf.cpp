@@ -5,10 +5,9 @@ namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
 template <class T, bool by_hardware>
-struct Modf {
-  using Element = T;
+struct Modf : UnaryKernel<T, 1> {
   using Environment = CallersEnvironment;
-  static constexpr int inputs = 1, results = 2, width = 1;
+  static constexpr int results = 2;
 
   template <class V>
   QKR_INLINE static Pair<V> core(V x) {

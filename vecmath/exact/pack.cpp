@@ -134,24 +134,24 @@ QKR_INLINE void unpack_index(ptrdiff_t n, const T *a, T *y, const int32_t *index
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-#define QKR_PACK(name, type, argument, body)                                                            \
-  QKR_ENTRY(_vxmd##name, (int32_t n, const double *a, type argument, double *y), (n, a, argument, y)) { \
-    body(n, a, argument, y);                                                                            \
-  }                                                                                                     \
-  QKR_ENTRY(_vxms##name, (int32_t n, const float *a, type argument, float *y), (n, a, argument, y)) {   \
-    body(n, a, argument, y);                                                                            \
+#define QKR_PACK(name, T, type, argument, body)                                        \
+  QKR_ENTRY(name, (int32_t n, const T *a, type argument, T *y), (n, a, argument, y)) { \
+    body(n, a, argument, y);                                                           \
   }
-#define QKR_UNPACK(name, type, argument, body)                                                          \
-  QKR_ENTRY(_vxmd##name, (int32_t n, const double *a, double *y, type argument), (n, a, y, argument)) { \
-    body(n, a, y, argument);                                                                            \
-  }                                                                                                     \
-  QKR_ENTRY(_vxms##name, (int32_t n, const float *a, float *y, type argument), (n, a, y, argument)) {   \
-    body(n, a, y, argument);                                                                            \
+#define QKR_UNPACK(name, T, type, argument, body)                                      \
+  QKR_ENTRY(name, (int32_t n, const T *a, T *y, type argument), (n, a, y, argument)) { \
+    body(n, a, y, argument);                                                           \
   }
 
-QKR_PACK(PackI, int32_t, inc, pack_stride)
-QKR_PACK(PackM, const int32_t *, mask, pack_mask)
-QKR_PACK(PackV, const int32_t *, index, pack_index)
-QKR_UNPACK(UnpackI, int32_t, inc, unpack_stride)
-QKR_UNPACK(UnpackM, const int32_t *, mask, unpack_mask)
-QKR_UNPACK(UnpackV, const int32_t *, index, unpack_index)
+QKR_PACK(_vxmdPackI, double, int32_t, inc, pack_stride)
+QKR_PACK(_vxmsPackI, float, int32_t, inc, pack_stride)
+QKR_PACK(_vxmdPackM, double, const int32_t *, mask, pack_mask)
+QKR_PACK(_vxmsPackM, float, const int32_t *, mask, pack_mask)
+QKR_PACK(_vxmdPackV, double, const int32_t *, index, pack_index)
+QKR_PACK(_vxmsPackV, float, const int32_t *, index, pack_index)
+QKR_UNPACK(_vxmdUnpackI, double, int32_t, inc, unpack_stride)
+QKR_UNPACK(_vxmsUnpackI, float, int32_t, inc, unpack_stride)
+QKR_UNPACK(_vxmdUnpackM, double, const int32_t *, mask, unpack_mask)
+QKR_UNPACK(_vxmsUnpackM, float, const int32_t *, mask, unpack_mask)
+QKR_UNPACK(_vxmdUnpackV, double, const int32_t *, index, unpack_index)
+QKR_UNPACK(_vxmsUnpackV, float, const int32_t *, index, unpack_index)

@@ -7,10 +7,8 @@ namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
 template <class T>
-struct ExactKernel {
-  using Element = T;
+struct ExactKernel : UnaryKernel<T, 1> {
   using Environment = CallersEnvironment;
-  static constexpr int inputs = 1, results = 1, width = 1;
 };
 
 template <class T, Rounding rounding>
@@ -45,7 +43,8 @@ struct RoundByHardware : ExactKernel<T> {
 #if QKR_SIMD_BYTES == 64
       // Toward zero, x + 1/2 never crosses to the next integer by rounding.
       const V half = real((bits(x) & Bits<T>::sign) | Bits<T>::half);
-      return round_by_hardware<_MM_FROUND_TO_ZERO>(add_toward_zero(x, half));
+      // The product raises the event of a signalling NaN, which the sum, as every other, keeps to itself.
+      return round_by_hardware<_MM_FROUND_TO_ZERO>(add_toward_zero(times_one(x), half));
 #else
       return RoundPatterns<T, rounding>::core(x);
 #endif
@@ -87,18 +86,18 @@ QKR_INLINE void round_in_current_direction(int32_t n, const T *a, T *r) {
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-#define QKR_ROUNDING(function, call)                                                                        \
-  QKR_ENTRY(_vxmd##function, (int32_t n, const double *a, double *r), (n, a, r)) { call(double)(n, a, r); } \
-  QKR_ENTRY(_vxms##function, (int32_t n, const float *a, float *r), (n, a, r)) { call(float)(n, a, r); }
-#define UP(T) round_all<T, Rounding::up>
-#define DOWN(T) round_all<T, Rounding::down>
-#define HALF_AWAY(T) round_all<T, Rounding::half_away>
-#define TO_ZERO(T) round_all<T, Rounding::to_zero>
-#define IN_CURRENT_DIRECTION(T) round_in_current_direction<T>
+#define QKR_ROUNDING(name, T, ...) \
+  QKR_ENTRY(name, (int32_t n, const T *a, T *r), (n, a, r)) { __VA_ARGS__(n, a, r); }
 
-QKR_ROUNDING(Ceil, UP)
-QKR_ROUNDING(Floor, DOWN)
-QKR_ROUNDING(Round, HALF_AWAY)
-QKR_ROUNDING(Trunc, TO_ZERO)
-QKR_ROUNDING(Rint, IN_CURRENT_DIRECTION)
-QKR_ROUNDING(NearbyInt, IN_CURRENT_DIRECTION)
+QKR_ROUNDING(_vxmdCeil, double, round_all<double, Rounding::up>)
+QKR_ROUNDING(_vxmsCeil, float, round_all<float, Rounding::up>)
+QKR_ROUNDING(_vxmdFloor, double, round_all<double, Rounding::down>)
+QKR_ROUNDING(_vxmsFloor, float, round_all<float, Rounding::down>)
+QKR_ROUNDING(_vxmdRound, double, round_all<double, Rounding::half_away>)
+QKR_ROUNDING(_vxmsRound, float, round_all<float, Rounding::half_away>)
+QKR_ROUNDING(_vxmdTrunc, double, round_all<double, Rounding::to_zero>)
+QKR_ROUNDING(_vxmsTrunc, float, round_all<float, Rounding::to_zero>)
+QKR_ROUNDING(_vxmdRint, double, round_in_current_direction<double>)
+QKR_ROUNDING(_vxmsRint, float, round_in_current_direction<float>)
+QKR_ROUNDING(_vxmdNearbyInt, double, round_in_current_direction<double>)
+QKR_ROUNDING(_vxmsNearbyInt, float, round_in_current_direction<float>)

@@ -17,6 +17,8 @@ struct SseEnvironment {
   QKR_INLINE ~SseEnvironment() {
     if (__builtin_expect(saved & controls, 0)) _mm_setcsr(saved);
   }
+  // The status flags that the caller had raised.
+  QKR_INLINE unsigned events() const { return saved; }
 };
 
 // Kernels that run under a known x87 precision and rounding control; MXCSR stays the caller's.
@@ -31,6 +33,7 @@ struct X87Environment {
   QKR_INLINE ~X87Environment() {
     if (__builtin_expect((saved & controls) != wanted, 0)) load(saved);
   }
+  QKR_INLINE unsigned events() const { return 0; }  // its kernels do not ask
 
  private:
   QKR_INLINE static void load(uint16_t word) { asm volatile("fldcw %0" : : "m"(word)); }
@@ -44,11 +47,13 @@ template <class X87>
 struct WithSse {
   SseEnvironment sse;
   X87 x87;
+  QKR_INLINE unsigned events() const { return sse.events(); }
 };
 
 // Exact families work under whatever the caller has set.
 struct CallersEnvironment {
   QKR_INLINE CallersEnvironment() {}
+  QKR_INLINE unsigned events() const { return 0; }
 };
 
 }  // namespace

@@ -15,21 +15,28 @@ inline __attribute__((always_inline)) T at_run_time(T x) {
 constexpr uint64_t magnitude(uint64_t pattern) { return pattern & 0x7FFFFFFFFFFFFFFFu; }
 constexpr uint32_t magnitude(uint32_t pattern) { return pattern & 0x7FFFFFFFu; }
 
-constexpr double infinity_double = __builtin_inf();
-constexpr float infinity_single = __builtin_inff();
-constexpr uint64_t infinity_pattern_double = 0x7FF0000000000000u;
-constexpr uint32_t infinity_pattern_single = 0x7F800000u;
-
 template <class T>
-constexpr T largest() {
-  return sizeof(T) == 8 ? (T)0x1.fffffffffffffp1023 : (T)0x1.fffffep127f;
-}
+constexpr T infinity = (T)__builtin_inf();
+template <class T>
+constexpr T largest = sizeof(T) == 8 ? (T)0x1.fffffffffffffp1023 : (T)0x1.fffffep127f;
+template <class T>
+constexpr T smallest_normal = sizeof(T) == 8 ? (T)0x1p-1022 : (T)0x1p-126f;
+
+constexpr uint64_t pattern_of_infinity(double) { return 0x7FF0000000000000u; }
+constexpr uint32_t pattern_of_infinity(float) { return 0x7F800000u; }
 
 // The NaN that the processor gives to an invalid operation.
 template <class T>
-inline T indefinite() {
+constexpr T indefinite() {
   if constexpr (sizeof(T) == 8) return __builtin_bit_cast(T, (uint64_t)0xFFF8000000000000u);
   else return __builtin_bit_cast(T, (uint32_t)0xFFC00000u);
+}
+
+// The NaN among two operands, of two the first, made quiet. Their sum would leave the choice to the compiler.
+template <class T>
+inline __attribute__((always_inline)) T nan_of(T first, T second) {
+  const T nan = first != first ? first : second;
+  return nan + nan;
 }
 
 }  // namespace qkr

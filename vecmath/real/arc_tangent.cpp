@@ -1,15 +1,10 @@
 // Arc tangent of one and of two arguments, by table and short polynomial (S. Gal, in LNCS 235 (1986) 1): the
 // point (x, y) is turned back by the nearest direction (a, c) of the table; what is left has the slope t = (a
 // y - c x) / (a x + c y), at most 1/31, and the angle is that of the direction plus arctan t.
-#include "vecmath/frame/contract.h"
 #include "vecmath/frame/function.h"
 #include "vecmath/real/in_double.h"
+#include "vecmath/real/polynomial.h"
 #include "vecmath/tables/tables.h"
-
-extern "C" {
-void _dAtan2_Scalar(ptrdiff_t i, qkr::Arrays<double> v);
-void _sAtan2_Scalar(ptrdiff_t i, qkr::Arrays<float> v);
-}
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -54,7 +49,17 @@ QKR_INLINE V add_arctangent(V t, V z, V hi, V lo) {
 
 constexpr double almost_infinite = 0x1p60;  // the angle of this slope is pi/2 rounded
 
-struct AtanDouble : UnaryKernel<double, 4> {
+// NaNs would raise an event on their way.
+template <class T>
+struct AtanKernel : UnaryKernel<T, 4> {
+  template <class V>
+  QKR_INLINE static Flags special(V x) {
+    return is_nan(x);
+  }
+  static Outcome<T> scalar(T x) { return {x + x}; }
+};
+
+struct AtanDouble : AtanKernel<double> {
   template <class V>
   QKR_INLINE static V core(V x) {
     const V y = at_most(absolute<double>(x), almost_infinite);
@@ -64,13 +69,30 @@ struct AtanDouble : UnaryKernel<double, 4> {
   }
 };
 
-struct AtanSingle : UnaryKernel<float, 4> {
+struct AtanSingle : AtanKernel<float> {
   template <class V>
   QKR_INLINE static V core(V argument) {
     const auto x = widen(argument), y = at_most(absolute<double>(x), almost_infinite);
     return narrow(flip_sign(single_angle(y, 1.0), x));
   }
 };
+
+// Zeros, infinities and doubles of extreme size become points of ordinary size in the same direction.
+template <class Kernel, class T>
+Outcome<T> angle_of_special(T y, T x) {
+  if (y != y || x != x) return {nan_of(y, x)};
+  const T larger = __builtin_fabs(x) > __builtin_fabs(y) ? __builtin_fabs(x) : __builtin_fabs(y);
+  if (larger == infinity<T>) {
+    x = __builtin_copysign((T)__builtin_isinf(x) != 0, x);
+    y = __builtin_copysign((T)__builtin_isinf(y) != 0, y);
+  } else if (larger == 0) {
+    x = __builtin_copysign((T)1, x);
+  } else if constexpr (sizeof(T) == sizeof(double)) {
+    const double scale = larger < 0x1p-800 ? 0x1p200 : larger > 0x1p900 ? 0x1p-200 : 1;
+    x *= scale, y *= scale;
+  }
+  return {Kernel::core(y, x)};
+}
 
 struct Atan2Double : BinaryKernel<double, 4> {
   // With the larger coordinate in this range no product below overflows, and tails that matter are exact.
@@ -84,7 +106,8 @@ struct Atan2Double : BinaryKernel<double, 4> {
   template <class V>
   QKR_INLINE static V core(V signed_y, V x) {
     const V y = absolute<double>(signed_y);
-    const auto d = nearest_direction(y / absolute<double>(x), bits(x) >> 63);
+    // Slopes beyond the table are cut, lest the quotient overflow.
+    const auto d = nearest_direction(y / larger(absolute<double>(x), y * 0x1p-60), bits(x) >> 63);
     const V x_hi = real(bits(x) & ~15ul);  // c * x_hi is exact
     const V rise = (d.a * y - d.c * x_hi) - d.c * (x - x_hi), run = d.a * x + d.c * y;
     const V t = rise / run, z = t * t, p = t * run;
@@ -94,64 +117,28 @@ struct Atan2Double : BinaryKernel<double, 4> {
     return flip_sign(add_arctangent(t, z, d.hi, lo), signed_y);
   }
 
-  QKR_INLINE static void scalar(ptrdiff_t i, Arrays<double> v) { _dAtan2_Scalar(i, v); }
+  static Outcome<double> scalar(double y, double x) { return angle_of_special<Atan2Double>(y, x); }
 };
 
 struct Atan2Single : BinaryKernel<float, 4> {
   template <class V>
   QKR_INLINE static Flags special(V y, V x) {
-    return outside(absolute<float>(x) + absolute<float>(y), 0x1p-149f, __builtin_inff());
+    return outside(absolute<float>(x) + absolute<float>(y), 0x1p-149f, infinity<float>);
   }
   template <class V>
   QKR_INLINE static V core(V signed_y, V x) {
     const auto y = widen(signed_y);
     return narrow(flip_sign(single_angle(absolute<double>(y), widen(x)), y));
   }
-  QKR_INLINE static void scalar(ptrdiff_t i, Arrays<float> v) { _sAtan2_Scalar(i, v); }
+  static Outcome<float> scalar(float y, float x) { return angle_of_special<Atan2Single>(y, x); }
 };
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-#if QKR_BASELINE
-using namespace qkr;
-
-// Zeros, infinities and doubles of extreme size become points of ordinary size in the same direction.
-template <class Kernel, class T>
-static T arctangent_of_any(T y, T x) {
-  if (y != y || x != x) return y + x;
-  const T larger = __builtin_fabs(x) > __builtin_fabs(y) ? __builtin_fabs(x) : __builtin_fabs(y);
-  if (larger == (T)__builtin_inf()) {
-    x = __builtin_copysign((T)__builtin_isinf(x) != 0, x);
-    y = __builtin_copysign((T)__builtin_isinf(y) != 0, y);
-  } else if (larger == 0) {
-    x = __builtin_copysign((T)1, x);
-  } else if constexpr (sizeof(T) == sizeof(double)) {
-    const double scale = larger < 0x1p-800 ? 0x1p200 : larger > 0x1p900 ? 0x1p-200 : 1;
-    x *= scale, y *= scale;
-  }
-  return Kernel::core(y, x);
-}
-
-extern "C" void _dAtan2_Scalar(ptrdiff_t i, Arrays<double> v) {
-  v.r[i] = arctangent_of_any<sse2::Atan2Double>(v.a[i], v.b[i]);
-}
-extern "C" void _sAtan2_Scalar(ptrdiff_t i, Arrays<float> v) {
-  v.r[i] = arctangent_of_any<sse2::Atan2Single>(v.a[i], v.b[i]);
-}
-#endif
-
 // Of Atan2 the first input of the worst pair.
-QKR_CONTRACT(_vxmdAtan_HA, 0.60, 0x1.119207cd1274cp-1);
-QKR_CONTRACT(_vxmsAtan_HA, 0.51, 0x1.a152d4p-3);
-QKR_CONTRACT(_vxmdAtan2_HA, 0.58, 0x1.ffffffffffff9p-2);
-QKR_CONTRACT(_vxmsAtan2_HA, 0.51, 0x1.7ddb3cp-10);
 
-QKR_UNARY(_vxmdAtan_HA, double, AtanDouble)
-QKR_UNARY(_vxmsAtan_HA, float, AtanSingle)
-QKR_BINARY(_vxmdAtan2_HA, double, Atan2Double)
-QKR_BINARY(_vxmsAtan2_HA, float, Atan2Single)
-QKR_UNARY_FORWARD(_vxmdAtan_HA, _vxmdAtan_50, double)
-QKR_UNARY_FORWARD(_vxmsAtan_HA, _vxmsAtan_21, float)
-QKR_BINARY_FORWARD(_vxmdAtan2_HA, _vxmdAtan2_50, double)
-QKR_BINARY_FORWARD(_vxmsAtan2_HA, _vxmsAtan2_21, float)
+QKR_FUNCTION(_vxmdAtan_HA, _vxmdAtan_50, double, 0.60, 0x1.119207cd1274cp-1, AtanDouble)
+QKR_FUNCTION(_vxmsAtan_HA, _vxmsAtan_21, float, 0.51, 0x1.a152d4p-3, AtanSingle)
+QKR_FUNCTION_OF_TWO(_vxmdAtan2_HA, _vxmdAtan2_50, double, 0.58, 0x1.ffffffffffff9p-2, Atan2Double)
+QKR_FUNCTION_OF_TWO(_vxmsAtan2_HA, _vxmsAtan2_21, float, 0.51, 0x1.7ddb3cp-10, Atan2Single)

@@ -3,7 +3,6 @@
 // that changes slowly (W. J. Cody, Mathematics of Computation 23 (1969) 631).
 #include "vecmath/real/error_function.h"
 
-#include "vecmath/frame/contract.h"
 #include "vecmath/frame/numbers.h"
 #include "vecmath/real/exponential.h"
 
@@ -16,7 +15,7 @@ struct ErfDouble : UnaryKernel<double, 2> {
 
   template <class V>
   QKR_INLINE static Flags special(V x) {
-    return beyond(x, infinity_double);
+    return beyond(x, infinity<double>);
   }
   // erf x = T + d + d * (slope - 1): what follows the exact T.hi + d is small beside it. T is scaled up.
   template <class V>
@@ -29,10 +28,7 @@ struct ErfDouble : UnaryKernel<double, 2> {
     const V scaled = d * scaled_up, sum = t_hi + scaled, sum_error = (t_hi - sum) + scaled;
     return scaled_down(sum + ((sum_error + t_lo) + scaled * slope), x);
   }
-  static void scalar(ptrdiff_t i, Arrays<double> v) {
-    const double x = v.a[i];
-    v.r[i] = x != x ? x + x : __builtin_copysign(1.0, x);
-  }
+  static Outcome<double> scalar(double x) { return {x != x ? x + x : __builtin_copysign(1.0, x)}; }
 };
 
 struct ErfSingle : UnaryKernel<float, QKR_BASELINE ? 1 : 2> {
@@ -40,7 +36,7 @@ struct ErfSingle : UnaryKernel<float, QKR_BASELINE ? 1 : 2> {
 
   template <class V>
   QKR_INLINE static Flags special(V x) {
-    return beyond(x, infinity_single);
+    return beyond(x, infinity<float>);
   }
   template <class V>
   QKR_INLINE static V core(V x) {
@@ -48,10 +44,7 @@ struct ErfSingle : UnaryKernel<float, QKR_BASELINE ? 1 : 2> {
     const auto r = cubic(erf_single::rows, smaller(absolute<double>(wide), one_from));
     return narrow(real(bits(r) | (bits(wide) & sign_bit<double>)));
   }
-  static void scalar(ptrdiff_t i, Arrays<float> v) {
-    const float x = v.a[i];
-    v.r[i] = x != x ? x + x : __builtin_copysignf(1.0f, x);
-  }
+  static Outcome<float> scalar(float x) { return {x != x ? x + x : __builtin_copysignf(1.0f, x)}; }
 };
 
 // erfc x = 2^(N/64) e^r (e^(x^2) erfc x), the last by table, as (hi + lo) * 2^(N >> 6) with hi exact, for x
@@ -80,7 +73,7 @@ struct ErfcDouble : UnaryKernel<double, 2> {
 
   template <class V>
   QKR_INLINE static Flags special(V x) {
-    return beyond(x, infinity_double) | beyond(larger(x, 0.0), fast_limit);
+    return beyond(x, infinity<double>) | beyond(larger(x, 0.0), fast_limit);
   }
   // For negative x, 2 - erfc -x.
   template <class V>
@@ -94,24 +87,15 @@ struct ErfcDouble : UnaryKernel<double, 2> {
     return sum + (sum_error + lo);
   }
   // Results below the normal range are rounded once, by adding a number whose last bit is theirs.
-  static void scalar(ptrdiff_t i, Arrays<double> v) {
-    constexpr double zero_from = 27.25, smallest_normal = 0x1p-1022;
-    const double x = v.a[i];
-    if (!(x < infinity_double)) {
-      v.r[i] = x != x ? x + x : 0.0;
-    } else if (x < 0) {
-      v.r[i] = 2.0;
-    } else {
-      const ScaledErfc<double> e(smaller(x, zero_from));
-      const double scale = ExpSteps::scale(e.t, 1022), hi = e.hi * scale, lo = e.lo * scale;
-      if (hi + lo >= 1.0) {
-        v.r[i] = (hi + lo) * smallest_normal;
-      } else {
-        const double sum = 1.0 + hi, sum_error = (1.0 - sum) + hi;
-        v.r[i] = ((sum + (sum_error + lo)) - 1.0) * smallest_normal;
-        report(4, i, v, "_vxmdErfc_HA");
-      }
-    }
+  static Outcome<double> scalar(double x) {
+    constexpr double zero_from = 27.25;
+    if (x != x) return {x + x};
+    if (x < 0 || x == infinity<double>) return {x < 0 ? 2.0 : 0.0};
+    const ScaledErfc<double> e(smaller(x, zero_from));
+    const double scale = ExpSteps::scale(e.t, 1022), hi = e.hi * scale, lo = e.lo * scale;
+    if (hi + lo >= 1.0) return {(hi + lo) * smallest_normal<double>};
+    const double sum = 1.0 + hi, sum_error = (1.0 - sum) + hi;
+    return {((sum + (sum_error + lo)) - 1.0) * smallest_normal<double>, VXM_STATUS_UNDERFLOW};
   }
 };
 
@@ -121,7 +105,7 @@ struct ErfcSingle : UnaryKernel<float, 1> {
 
   template <class V>
   QKR_INLINE static Flags special(V x) {
-    return beyond(x, infinity_single) | beyond(larger(x, 0.0f), fast_limit);
+    return beyond(x, infinity<float>) | beyond(larger(x, 0.0f), fast_limit);
   }
   template <class V>
   QKR_INLINE static V core(V x) {
@@ -131,30 +115,18 @@ struct ErfcSingle : UnaryKernel<float, 1> {
     const auto sign = bits(wide) & sign_bit<double>;
     return narrow(real(sign >> 1) + real(bits(e * cubic(erfc_single::rows, magnitude)) | sign));
   }
-  static void scalar(ptrdiff_t i, Arrays<float> v) {
-    const float x = v.a[i];
-    if (!(__builtin_fabsf(x) < infinity_single)) {
-      v.r[i] = x != x ? x + x : x < 0 ? 2.0f : 0.0f;
-    } else {
-      v.r[i] = core(x);
-      if (v.r[i] < 0x1p-126f) report(4, i, v, "_vxmsErfc_HA");
-    }
+  static Outcome<float> scalar(float x) {
+    if (x != x) return {x + x};
+    if (__builtin_fabsf(x) == infinity<float>) return {x < 0 ? 2.0f : 0.0f};
+    const float result = core(x);
+    return {result, result < smallest_normal<float> ? VXM_STATUS_UNDERFLOW : VXM_STATUS_OK};
   }
 };
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_CONTRACT(_vxmdErf_HA, 0.76, -0x1.b5bee6da8cf89p-12);
-QKR_CONTRACT(_vxmsErf_HA, 0.508, -0x1.054204p+0);
-QKR_CONTRACT(_vxmdErfc_HA, 0.53, 0x1.e88ee595ca07p+3);
-QKR_CONTRACT(_vxmsErfc_HA, 0.513, 0x1.87f4a8p+1);
-
-QKR_UNARY(_vxmdErf_HA, double, ErfDouble)
-QKR_UNARY(_vxmsErf_HA, float, ErfSingle)
-QKR_UNARY(_vxmdErfc_HA, double, ErfcDouble)
-QKR_UNARY(_vxmsErfc_HA, float, ErfcSingle)
-QKR_UNARY_FORWARD(_vxmdErf_HA, _vxmdErf_50, double)
-QKR_UNARY_FORWARD(_vxmsErf_HA, _vxmsErf_21, float)
-QKR_UNARY_FORWARD(_vxmdErfc_HA, _vxmdErfc_50, double)
-QKR_UNARY_FORWARD(_vxmsErfc_HA, _vxmsErfc_21, float)
+QKR_FUNCTION(_vxmdErf_HA, _vxmdErf_50, double, 0.76, -0x1.b5bee6da8cf89p-12, ErfDouble)
+QKR_FUNCTION(_vxmsErf_HA, _vxmsErf_21, float, 0.508, -0x1.054204p+0, ErfSingle)
+QKR_FUNCTION(_vxmdErfc_HA, _vxmdErfc_50, double, 0.53, 0x1.e88ee595ca07p+3, ErfcDouble)
+QKR_FUNCTION(_vxmsErfc_HA, _vxmsErfc_21, float, 0.513, 0x1.87f4a8p+1, ErfcSingle)

@@ -13,6 +13,7 @@ struct ExpSteps {
   static constexpr double shifter = 6755399441055744.0;      // 1.5 * 2^52: adding it rounds to an integer
   static constexpr double step_high = 0x1.62e42fef00000p-7;  // ln 2 / 64 = hi + lo; N * hi is exact
   static constexpr double step_low = 1.162596423439437e-12;
+  // e^r - 1 for |r| <= ln2/128, within 2^-59.
   static constexpr double A2 = 0.49999999999945266, A3 = 0.16666666666653376;
   static constexpr double A4 = 0.04166672515731616, A5 = 0.008333343728805863;
   static constexpr uint64_t biased_zero = 0xFFC0;  // 1023 << 6

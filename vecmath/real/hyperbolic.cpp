@@ -4,7 +4,6 @@
 // All terms are positive or small beside the first, which a table gives as a sum of two doubles (P. T. P.
 // Tang, Proc. 10th IEEE Symposium on Computer Arithmetic (1991) 232). Next to 0 the node is 0: no formula of
 // its own is needed there.
-#include "vecmath/frame/contract.h"
 #include "vecmath/frame/numbers.h"
 #include "vecmath/frame/sign.h"
 #include "vecmath/real/exponential.h"
@@ -48,6 +47,7 @@ struct NodeSingle {
     const V rising = real(0x3FE0000000000000u + k_in_place), falling = real(0x3FE0000000000000u - k_in_place);
     cosh = rising + falling;
     sinh = rising - falling;
+    // For |r| <= ln2/2, within 2^-32 and 2^-35 of the results.
     cosh_r = 1.0 + r2 * (0.500000001346581 + r2 * (0.041666464925285904 + r2 * 0.0013933649996309251));
     sinh_r = r + (r * r2) * (0.16666666681623232 + r2 * (0.0083333109254809 + r2 * 0.00019890990824673654));
   }
@@ -64,7 +64,6 @@ QKR_INLINE V cosh_rest(V r2) {
 }
 
 struct CoshValue {
-  static constexpr const char *names[] = {"_vxmsCosh_HA", "_vxmdCosh_HA"};
   template <class T, class V>
   QKR_INLINE static V with_sign(V, V magnitude) {
     return magnitude;
@@ -85,7 +84,6 @@ struct CoshValue {
 };
 
 struct SinhValue {
-  static constexpr const char *names[] = {"_vxmsSinh_HA", "_vxmdSinh_HA"};
   template <class T, class V>
   QKR_INLINE static V with_sign(V x, V magnitude) {
     return with_sign_of<T>(x, magnitude);
@@ -110,13 +108,6 @@ struct SinhValue {
   }
 };
 
-// e^magnitude / 2 for magnitudes whose other half does not matter and whose result may overflow.
-double half_exponential(double magnitude) {
-  if (magnitude > 720) magnitude = 720;
-  const Pair<double> e = ExpSteps::reduce(magnitude, 0.0);
-  return e.second * ExpSteps::scale(e.first, -513) * 0x1p512;
-}
-
 template <class T, class Value>
 struct GrowingHyperbolic : UnaryKernel<T, 1> {
   static constexpr bool is_double = sizeof(T) == 8;
@@ -132,15 +123,17 @@ struct GrowingHyperbolic : UnaryKernel<T, 1> {
     if constexpr (is_double) return Value::template with_sign<T>(x, Value::of_magnitude(magnitude));
     else return Value::template with_sign<T>(x, narrow(Value::of_single(widen(magnitude))));
   }
-  static void scalar(ptrdiff_t i, Arrays<T> v) {
-    const T x = v.a[i], magnitude = __builtin_fabs(x);
-    if (!(magnitude <= largest<T>())) {
-      v.r[i] = Value::template with_sign<T>(x, magnitude + magnitude);
-      return;
-    }
+  // e^magnitude / 2 for magnitudes whose other half does not matter and whose result may overflow.
+  static double half_exponential(double magnitude) {
+    if (magnitude > 720) magnitude = 720;
+    const Pair<double> e = ExpSteps::reduce(magnitude, 0.0);
+    return e.second * ExpSteps::scale(e.first, -513) * 0x1p512;
+  }
+  static Outcome<T> scalar(T x) {
+    const T magnitude = __builtin_fabs(x);
+    if (x != x || magnitude == infinity<T>) return {Value::template with_sign<T>(x, magnitude + magnitude)};
     const T r = (T)half_exponential(magnitude);
-    v.r[i] = Value::template with_sign<T>(x, r);
-    if (r > largest<T>()) report(3, i, v, Value::names[is_double]);
+    return {Value::template with_sign<T>(x, r), r > largest<T> ? VXM_STATUS_OVERFLOW : VXM_STATUS_OK};
   }
 };
 template <class Value>
@@ -153,7 +146,7 @@ struct GrowingSingle : GrowingHyperbolic<float, Value> {
 struct TanhDouble : UnaryKernel<double, 1> {
   template <class V>
   QKR_INLINE static Flags special(V x) {
-    return beyond(x, infinity_double);
+    return beyond(x, infinity<double>);
   }
   template <class V>
   QKR_INLINE static V core(V x) {
@@ -162,6 +155,7 @@ struct TanhDouble : UnaryKernel<double, 1> {
     const V r = exact_mad(n, -1.0 / 16, magnitude), r2 = r * r;
     V node, node_low;
     look_up(hyperbolic_double::tangents, bits(t) & 511u, node, node_low);
+    // tanh r - r for |r| <= 1/32, within 2^-63 of tanh r.
     const V rest =
         (r * r2) * (-0.33333333333333326 +
                     r2 * (0.13333333333127007 + r2 * (-0.05396824340575474 + r2 * 0.021852183486978663)));
@@ -170,22 +164,20 @@ struct TanhDouble : UnaryKernel<double, 1> {
     const V sum = node + r, lost = (node - sum) + r;
     return with_sign_of<double>(x, sum + ((rest - quotient) + (lost + node_low)));
   }
-  static void scalar(ptrdiff_t i, Arrays<double> v) {
-    const double x = v.a[i];
-    v.r[i] = x != x ? x + x : __builtin_copysign(1.0, x);
-  }
+  static Outcome<double> scalar(double x) { return {x != x ? x + x : __builtin_copysign(1.0, x)}; }
 };
 
 // tanh |x| with nodes of N ln2, where 4^N gives the tangent; from 9.02 on it rounds to 1.
 struct TanhSingle : UnaryKernel<float, 1> {
   template <class V>
   QKR_INLINE static Flags special(V x) {
-    return beyond(x, infinity_single);
+    return beyond(x, infinity<float>);
   }
   template <class V>
   QKR_INLINE static V of_magnitude(V magnitude) {
     const V t = magnitude * 0x1.71547652b82fep0 + round_to_integer, n = t - round_to_integer;
     const V r = magnitude - n * 0x1.62e42fefa39efp-1, r2 = r * r;
+    // For |r| <= ln2/2, within 2^-29 of tanh r.
     const V tangent =
         r + (r * r2) * (-0.33333332022480155 +
                         r2 * (0.13332983640651674 + r2 * (-0.053821519037540295 + r2 * 0.01987466412296686)));
@@ -197,10 +189,7 @@ struct TanhSingle : UnaryKernel<float, 1> {
   QKR_INLINE static V core(V x) {
     return with_sign_of<float>(x, narrow(of_magnitude(smaller(widen(absolute<float>(x)), 10.0))));
   }
-  static void scalar(ptrdiff_t i, Arrays<float> v) {
-    const float x = v.a[i];
-    v.r[i] = x != x ? x + x : __builtin_copysignf(1.0f, x);
-  }
+  static Outcome<float> scalar(float x) { return {x != x ? x + x : __builtin_copysignf(1.0f, x)}; }
 };
 
 using CoshDouble = GrowingHyperbolic<double, CoshValue>;
@@ -211,22 +200,9 @@ using SinhSingle = GrowingSingle<SinhValue>;
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_CONTRACT(_vxmdCosh_HA, 0.56, -0x1.03ee211c0457dp+1);
-QKR_CONTRACT(_vxmsCosh_HA, 0.503, -0x1.0a33bp+0);
-QKR_CONTRACT(_vxmdSinh_HA, 0.56, 0x1.63140974f32bp-8);
-QKR_CONTRACT(_vxmsSinh_HA, 0.504, 0x1.62e792p-2);
-QKR_CONTRACT(_vxmdTanh_HA, 0.64, 0x1.63f61b766ecb5p+1);
-QKR_CONTRACT(_vxmsTanh_HA, 0.517, 0x1.62f9b6p-2);
-
-QKR_UNARY(_vxmdCosh_HA, double, CoshDouble)
-QKR_UNARY(_vxmsCosh_HA, float, CoshSingle)
-QKR_UNARY(_vxmdSinh_HA, double, SinhDouble)
-QKR_UNARY(_vxmsSinh_HA, float, SinhSingle)
-QKR_UNARY(_vxmdTanh_HA, double, TanhDouble)
-QKR_UNARY(_vxmsTanh_HA, float, TanhSingle)
-QKR_UNARY_FORWARD(_vxmdCosh_HA, _vxmdCosh_50, double)
-QKR_UNARY_FORWARD(_vxmsCosh_HA, _vxmsCosh_21, float)
-QKR_UNARY_FORWARD(_vxmdSinh_HA, _vxmdSinh_50, double)
-QKR_UNARY_FORWARD(_vxmsSinh_HA, _vxmsSinh_21, float)
-QKR_UNARY_FORWARD(_vxmdTanh_HA, _vxmdTanh_50, double)
-QKR_UNARY_FORWARD(_vxmsTanh_HA, _vxmsTanh_21, float)
+QKR_FUNCTION(_vxmdCosh_HA, _vxmdCosh_50, double, 0.56, -0x1.03ee211c0457dp+1, CoshDouble)
+QKR_FUNCTION(_vxmsCosh_HA, _vxmsCosh_21, float, 0.503, -0x1.0a33bp+0, CoshSingle)
+QKR_FUNCTION(_vxmdSinh_HA, _vxmdSinh_50, double, 0.56, 0x1.63140974f32bp-8, SinhDouble)
+QKR_FUNCTION(_vxmsSinh_HA, _vxmsSinh_21, float, 0.504, 0x1.62e792p-2, SinhSingle)
+QKR_FUNCTION(_vxmdTanh_HA, _vxmdTanh_50, double, 0.64, 0x1.63f61b766ecb5p+1, TanhDouble)
+QKR_FUNCTION(_vxmsTanh_HA, _vxmsTanh_21, float, 0.517, 0x1.62f9b6p-2, TanhSingle)

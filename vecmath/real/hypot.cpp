@@ -1,7 +1,6 @@
 // sqrt(x^2 + y^2): the squares as exact sums of two doubles, the root by an approximate reciprocal root and
 // the series on its residual, as in roots.cpp. Floats need one double for the sum. Numbers whose squares
 // leave the range are scaled one by one.
-#include "vecmath/frame/contract.h"
 #include "vecmath/frame/numbers.h"
 #include "vecmath/frame/sign.h"
 #include "vecmath/real/reciprocal_root.h"
@@ -40,17 +39,14 @@ struct HypotDouble : BinaryKernel<double, QKR_BASELINE ? 1 : 2> {
   QKR_INLINE static V core(V x, V y) {
     return hypotenuse(x, y);
   }
-  static void scalar(ptrdiff_t i, Arrays<double> v) {
-    const double x = __builtin_fabs(v.a[i]), y = __builtin_fabs(v.b[i]);
-    if (x == infinity_double || y == infinity_double) {
-      v.r[i] = infinity_double;
-    } else if (x != x || y != y || x == 0 || y == 0) {
-      v.r[i] = x + y;
-    } else {
-      const double scale = larger(x, y) > 1 ? 0x1p-600 : 0x1p600;
-      v.r[i] = hypotenuse(x * scale, y * scale) * (1 / scale);
-      if (v.r[i] == infinity_double) report(3, i, v, "_vxmdHypot_HA");
-    }
+  static Outcome<double> scalar(double x, double y) {
+    x = __builtin_fabs(x), y = __builtin_fabs(y);
+    if (x == infinity<double> || y == infinity<double>) return {infinity<double>};
+    if (x != x || y != y) return {nan_of(x, y)};
+    if (smaller(x, y) <= larger(x, y) * 0x1p-60) return {x + y};  // the larger one, rounded
+    const double scale = larger(x, y) > 1 ? 0x1p-600 : 0x1p600;
+    const double result = hypotenuse(x * scale, y * scale) * (1 / scale);
+    return {result, result == infinity<double> ? VXM_STATUS_OVERFLOW : VXM_STATUS_OK};
   }
 };
 
@@ -65,16 +61,12 @@ struct HypotSingle : BinaryKernel<float, 1> {
     const auto a = widen(x), b = widen(y);
     return narrow(square_root(a * a + b * b));
   }
-  static void scalar(ptrdiff_t i, Arrays<float> v) {
-    const float x = __builtin_fabsf(v.a[i]), y = __builtin_fabsf(v.b[i]);
-    if (x == infinity_single || y == infinity_single) {
-      v.r[i] = infinity_single;
-    } else if (x != x || y != y) {
-      v.r[i] = x + y;
-    } else {
-      v.r[i] = core(x, y);
-      if (v.r[i] == infinity_single) report(3, i, v, "_vxmsHypot_HA");
-    }
+  static Outcome<float> scalar(float x, float y) {
+    x = __builtin_fabsf(x), y = __builtin_fabsf(y);
+    if (x == infinity<float> || y == infinity<float>) return {infinity<float>};
+    if (x != x || y != y) return {nan_of(x, y)};
+    const float result = core(x, y);
+    return {result, result == infinity<float> ? VXM_STATUS_OVERFLOW : VXM_STATUS_OK};
   }
 };
 
@@ -82,10 +74,6 @@ struct HypotSingle : BinaryKernel<float, 1> {
 }  // namespace qkr::QKR_SIMD_LEVEL
 
 // The first input of the worst pair.
-QKR_CONTRACT(_vxmdHypot_HA, 0.501, 0x1.8d2947993fff2p-5);
-QKR_CONTRACT(_vxmsHypot_HA, 0.501, 0x1.1c015ap-1);
 
-QKR_BINARY(_vxmdHypot_HA, double, HypotDouble)
-QKR_BINARY(_vxmsHypot_HA, float, HypotSingle)
-QKR_BINARY_FORWARD(_vxmdHypot_HA, _vxmdHypot_50, double)
-QKR_BINARY_FORWARD(_vxmsHypot_HA, _vxmsHypot_21, float)
+QKR_FUNCTION_OF_TWO(_vxmdHypot_HA, _vxmdHypot_50, double, 0.501, 0x1.8d2947993fff2p-5, HypotDouble)
+QKR_FUNCTION_OF_TWO(_vxmsHypot_HA, _vxmsHypot_21, float, 0.501, 0x1.1c015ap-1, HypotSingle)

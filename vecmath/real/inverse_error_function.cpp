@@ -3,13 +3,22 @@
 // it from 0 to the largest number below 1.
 #include <qkr/vecmath_elements.h>
 
-#include "vecmath/frame/contract.h"
 #include "vecmath/frame/numbers.h"
 #include "vecmath/real/error_function.h"
 #include "vecmath/real/logarithm.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
+
+// Any element: the routines for single elements take ordinary ones too.
+template <class Kernel, class T>
+Outcome<T> any_inverse(T x) {
+  if (x != x) return {x + x};
+  const T magnitude = __builtin_fabs(x);
+  if (magnitude < 1) return {Kernel::core(x)};
+  if (magnitude > 1) return {indefinite<T>(), VXM_STATUS_ERRDOM};
+  return {(T)__builtin_copysign(infinity<T>, x), VXM_STATUS_SING};
+}
 
 struct ErfInvDouble : UnaryKernel<double, QKR_BASELINE ? 1 : 2> {
   using Environment = WithSse<X87Double>;
@@ -43,7 +52,7 @@ struct ErfInvDouble : UnaryKernel<double, QKR_BASELINE ? 1 : 2> {
     return scaled_down(head * g + (tail * g + scaled * correction), x);
   }
 
-  static void scalar(ptrdiff_t i, Arrays<double> v) { _vxmdErfInv_HA_SC_p4((int32_t)i, v.a, v.r); }
+  static Outcome<double> scalar(double x) { return any_inverse<ErfInvDouble>(x); }
 };
 
 struct ErfInvSingle : UnaryKernel<float, QKR_BASELINE ? 1 : 2> {
@@ -64,43 +73,20 @@ struct ErfInvSingle : UnaryKernel<float, QKR_BASELINE ? 1 : 2> {
     return narrow(wide * cubic(erf_inverse_single::rows, 0.0 - ln));
   }
 
-  static void scalar(ptrdiff_t i, Arrays<float> v) { _vxmsErfInv_HA_SC_p4((int32_t)i, v.a, v.r); }
+  static Outcome<float> scalar(float x) { return any_inverse<ErfInvSingle>(x); }
 };
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
+QKR_FUNCTION(_vxmdErfInv_HA, _vxmdErfInv_50, double, 0.53, 0x1.ffffdc39a0a5dp-1, ErfInvDouble)
+QKR_FUNCTION(_vxmsErfInv_HA, _vxmsErfInv_21, float, 0.501, 0x1.f5556p-1, ErfInvSingle)
+
 #if QKR_BASELINE
-namespace qkr::sse2 {
-namespace {
-
-// Element i by itself, whatever it is.
-template <class Kernel, class T>
-void element(ptrdiff_t i, const T *a, T *r, const char *name) {
-  const T x = a[i], magnitude = __builtin_fabs(x);
-  int32_t status = 0;
-  if (magnitude < 1) r[i] = Kernel::core(x);
-  else if (magnitude == 1) r[i] = __builtin_copysign((T)infinity_double, x), status = 2;
-  else if (magnitude > 1) r[i] = indefinite<T>(), status = 1;
-  else r[i] = x + x;
-  if (status) report(status, i, Arrays<T>{a, nullptr, r, nullptr}, name);
-}
-
-}  // namespace
-}  // namespace qkr::sse2
-
 extern "C" void _vxmdErfInv_HA_SC_p4(int32_t i, const double *a, double *r) {
-  qkr::sse2::element<qkr::sse2::ErfInvDouble>(i, a, r, "_vxmdErfInv_HA");
+  qkr::sse2::_vxmdErfInv_HA_alone(i, {a, nullptr, r, nullptr});
 }
 extern "C" void _vxmsErfInv_HA_SC_p4(int32_t i, const float *a, float *r) {
-  qkr::sse2::element<qkr::sse2::ErfInvSingle>(i, a, r, "_vxmsErfInv_HA");
+  qkr::sse2::_vxmsErfInv_HA_alone(i, {a, nullptr, r, nullptr});
 }
 #endif
-
-QKR_CONTRACT(_vxmdErfInv_HA, 0.53, 0x1.ffffdc39a0a5dp-1);
-QKR_CONTRACT(_vxmsErfInv_HA, 0.501, 0x1.f5556p-1);
-
-QKR_UNARY(_vxmdErfInv_HA, double, ErfInvDouble)
-QKR_UNARY(_vxmsErfInv_HA, float, ErfInvSingle)
-QKR_UNARY_FORWARD(_vxmdErfInv_HA, _vxmdErfInv_50, double)
-QKR_UNARY_FORWARD(_vxmsErfInv_HA, _vxmsErfInv_21, float)

@@ -8,20 +8,11 @@
 // stands.
 #include <type_traits>
 
-#include "vecmath/frame/contract.h"
 #include "vecmath/frame/function.h"
 #include "vecmath/frame/numbers.h"
 #include "vecmath/real/in_double.h"
 #include "vecmath/real/logarithm.h"
-
-extern "C" {
-void _dAcosh_Scalar(ptrdiff_t i, qkr::Arrays<double> v);
-void _dAsinh_Scalar(ptrdiff_t i, qkr::Arrays<double> v);
-void _dAtanh_Scalar(ptrdiff_t i, qkr::Arrays<double> v);
-void _sAcosh_Scalar(ptrdiff_t i, qkr::Arrays<float> v);
-void _sAsinh_Scalar(ptrdiff_t i, qkr::Arrays<float> v);
-void _sAtanh_Scalar(ptrdiff_t i, qkr::Arrays<float> v);
-}
+#include "vecmath/real/polynomial.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -42,6 +33,7 @@ QKR_INLINE V ln_of_one_plus(V u, V u_lo, V x) {
   const LogReduction<V> l(argument);
   const V n = l.n + 1.0, b = (l.tail + middle) * l.r, z = b + l.head_residual;
   const V head = l.head_residual + exact_mad(n, ln2_hi, l.t_hi), rest = n * ln2_lo + l.t_lo;
+  // As in logarithm.cpp: |z| <= 2^-10, within 2^-56.
   const V series = (z * z) * (-0.49999999999995254 +
                               z * (0.3333333333332741 + z * (-0.2500001988694339 + z * 0.2000001934420511)));
   // Around 1 + u = 1 the rest is 0, and the head is u itself.
@@ -67,19 +59,18 @@ QKR_INLINE V short_ln(V x) {
 // In single precision two terms of the function's series do below this.
 constexpr double small = 0x1p-8;
 
-template <class T, void (*scalar_routine)(ptrdiff_t, Arrays<T>)>
-struct InverseHyperbolic : UnaryKernel<T, QKR_SIMD_BYTES == 64 && !is_single<T> ? 4 : 2> {
-  QKR_INLINE static void scalar(ptrdiff_t i, Arrays<T> v) { scalar_routine(i, v); }
-};
+template <class T>
+using InverseHyperbolic = UnaryKernel<T, QKR_SIMD_BYTES == 64 && !is_single<T> ? 4 : 2>;
 
-template <class T, void (*scalar_routine)(ptrdiff_t, Arrays<T>)>
-struct Asinh : InverseHyperbolic<T, scalar_routine> {
+template <class T>
+struct Asinh : InverseHyperbolic<T> {
   using Environment = WithSse<X87Double>;
 
   template <class V>
   QKR_INLINE static Flags special(V x) {
-    return beyond(x, (T)__builtin_inf());
+    return beyond(x, infinity<T>);
   }
+  static Outcome<T> scalar(T x) { return {x + x}; }
 
   template <class V>
   QKR_INLINE static V core(V argument) {
@@ -105,13 +96,17 @@ struct Asinh : InverseHyperbolic<T, scalar_routine> {
   }
 };
 
-template <class T, void (*scalar_routine)(ptrdiff_t, Arrays<T>)>
-struct Acosh : InverseHyperbolic<T, scalar_routine> {
+template <class T>
+struct Acosh : InverseHyperbolic<T> {
   using Environment = WithSse<X87Double>;
 
   template <class V>
   QKR_INLINE static Flags special(V x) {
-    return outside(x, (T)1, (T)__builtin_inf());
+    return outside(x, (T)1, infinity<T>);
+  }
+  static Outcome<T> scalar(T x) {
+    if (x != x || x > 1) return {x + x};
+    return {indefinite<T>(), VXM_STATUS_ERRDOM};
   }
 
   template <class V>
@@ -132,13 +127,19 @@ struct Acosh : InverseHyperbolic<T, scalar_routine> {
   }
 };
 
-template <class T, void (*scalar_routine)(ptrdiff_t, Arrays<T>)>
-struct Atanh : InverseHyperbolic<T, scalar_routine> {
+template <class T>
+struct Atanh : InverseHyperbolic<T> {
   using Environment = std::conditional_t<is_single<T>, SseEnvironment, WithSse<X87Double>>;
+  static constexpr T fill = 0.5;
 
   template <class V>
   QKR_INLINE static Flags special(V x) {
     return beyond(x, (T)1);
+  }
+  static Outcome<T> scalar(T x) {
+    if (x != x) return {x + x};
+    if (__builtin_fabs(x) > 1) return {indefinite<T>(), VXM_STATUS_ERRDOM};
+    return {(T)__builtin_copysign(infinity<T>, x), VXM_STATUS_SING};
   }
 
   template <class V>
@@ -157,75 +158,12 @@ struct Atanh : InverseHyperbolic<T, scalar_routine> {
   }
 };
 
-using AsinhDouble = Asinh<double, _dAsinh_Scalar>;
-using AsinhSingle = Asinh<float, _sAsinh_Scalar>;
-using AcoshDouble = Acosh<double, _dAcosh_Scalar>;
-using AcoshSingle = Acosh<float, _sAcosh_Scalar>;
-using AtanhDouble = Atanh<double, _dAtanh_Scalar>;
-using AtanhSingle = Atanh<float, _sAtanh_Scalar>;
-
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-#if QKR_BASELINE
-using namespace qkr;
-
-// Tails of a vector bring ordinary elements.
-template <class Kernel, class T>
-static void asinh_of_any(ptrdiff_t i, Arrays<T> v) {
-  const T x = v.a[i];
-  v.r[i] = __builtin_fabs(x) < (T)__builtin_inf() ? Kernel::core(x) : x + x;
-}
-
-template <class Kernel, class T>
-static void acosh_of_any(ptrdiff_t i, Arrays<T> v, const char *name) {
-  const T x = v.a[i];
-  if (x < 1) sse2::store_and_report(indefinite<T>(), 1, i, v, name);
-  else v.r[i] = x < (T)__builtin_inf() ? Kernel::core(x) : x + x;
-}
-
-template <class Kernel, class T>
-static void atanh_of_any(ptrdiff_t i, Arrays<T> v, const char *name) {
-  const T x = v.a[i], magnitude = __builtin_fabs(x);
-  if (magnitude < 1) v.r[i] = Kernel::core(x);
-  else if (magnitude == 1)
-    sse2::store_and_report((T)__builtin_copysign((T)__builtin_inf(), x), 2, i, v, name);
-  else if (magnitude > 1) sse2::store_and_report(indefinite<T>(), 1, i, v, name);
-  else v.r[i] = x + x;
-}
-
-extern "C" void _dAsinh_Scalar(ptrdiff_t i, Arrays<double> v) { asinh_of_any<sse2::AsinhDouble>(i, v); }
-extern "C" void _sAsinh_Scalar(ptrdiff_t i, Arrays<float> v) { asinh_of_any<sse2::AsinhSingle>(i, v); }
-extern "C" void _dAcosh_Scalar(ptrdiff_t i, Arrays<double> v) {
-  acosh_of_any<sse2::AcoshDouble>(i, v, "_vxmdAcosh_HA");
-}
-extern "C" void _sAcosh_Scalar(ptrdiff_t i, Arrays<float> v) {
-  acosh_of_any<sse2::AcoshSingle>(i, v, "_vxmsAcosh_HA");
-}
-extern "C" void _dAtanh_Scalar(ptrdiff_t i, Arrays<double> v) {
-  atanh_of_any<sse2::AtanhDouble>(i, v, "_vxmdAtanh_HA");
-}
-extern "C" void _sAtanh_Scalar(ptrdiff_t i, Arrays<float> v) {
-  atanh_of_any<sse2::AtanhSingle>(i, v, "_vxmsAtanh_HA");
-}
-#endif
-
-QKR_CONTRACT(_vxmdAsinh_HA, 0.59, 0x1.ff1645ca5d317p-11);
-QKR_CONTRACT(_vxmdAcosh_HA, 0.61, 0x1.0000007e21ea5p+0);
-QKR_CONTRACT(_vxmdAtanh_HA, 0.59, 0x1.ff87773540dccp-12);
-QKR_CONTRACT(_vxmsAsinh_HA, 0.503, 0x1.f76a4ap-6);
-QKR_CONTRACT(_vxmsAcosh_HA, 0.501, 0x1.469dcp+0);
-QKR_CONTRACT(_vxmsAtanh_HA, 0.503, 0x1.f79c84p-7);
-
-QKR_UNARY(_vxmdAsinh_HA, double, AsinhDouble)
-QKR_UNARY(_vxmdAcosh_HA, double, AcoshDouble)
-QKR_UNARY(_vxmdAtanh_HA, double, AtanhDouble)
-QKR_UNARY(_vxmsAsinh_HA, float, AsinhSingle)
-QKR_UNARY(_vxmsAcosh_HA, float, AcoshSingle)
-QKR_UNARY(_vxmsAtanh_HA, float, AtanhSingle)
-QKR_UNARY_FORWARD(_vxmdAsinh_HA, _vxmdAsinh_50, double)
-QKR_UNARY_FORWARD(_vxmdAcosh_HA, _vxmdAcosh_50, double)
-QKR_UNARY_FORWARD(_vxmdAtanh_HA, _vxmdAtanh_50, double)
-QKR_UNARY_FORWARD(_vxmsAsinh_HA, _vxmsAsinh_21, float)
-QKR_UNARY_FORWARD(_vxmsAcosh_HA, _vxmsAcosh_21, float)
-QKR_UNARY_FORWARD(_vxmsAtanh_HA, _vxmsAtanh_21, float)
+QKR_FUNCTION(_vxmdAsinh_HA, _vxmdAsinh_50, double, 0.59, 0x1.ff1645ca5d317p-11, Asinh<double>)
+QKR_FUNCTION(_vxmdAcosh_HA, _vxmdAcosh_50, double, 0.61, 0x1.0000007e21ea5p+0, Acosh<double>)
+QKR_FUNCTION(_vxmdAtanh_HA, _vxmdAtanh_50, double, 0.59, 0x1.ff87773540dccp-12, Atanh<double>)
+QKR_FUNCTION(_vxmsAsinh_HA, _vxmsAsinh_21, float, 0.503, 0x1.f76a4ap-6, Asinh<float>)
+QKR_FUNCTION(_vxmsAcosh_HA, _vxmsAcosh_21, float, 0.501, 0x1.469dcp+0, Acosh<float>)
+QKR_FUNCTION(_vxmsAtanh_HA, _vxmsAtanh_21, float, 0.503, 0x1.f79c84p-7, Atanh<float>)

@@ -2,16 +2,9 @@
 // from the table, log x = n log 2 - log r + log(1 + (r y - 1)). y is split so that its head times r is exact.
 // This file: natural logarithm in double, common logarithm in double and single, one kernel; ln_single.cpp
 // has the fourth.
-#include "vecmath/frame/contract.h"
 #include "vecmath/frame/function.h"
 #include "vecmath/frame/numbers.h"
 #include "vecmath/tables/tables.h"
-
-extern "C" {
-void _dLn_Scalar(ptrdiff_t i, qkr::Arrays<double> v);
-void _dLg_Scalar(ptrdiff_t i, qkr::Arrays<double> v);
-void _sLg_Scalar(ptrdiff_t i, qkr::Arrays<float> v);
-}
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -20,7 +13,6 @@ namespace {
 struct DoubleFormat {
   using Element = double;
   static constexpr uint64_t fraction = 0x000FFFFFFFFFFFFF, one = 0x3FF0000000000000;
-  static constexpr uint64_t infinity = infinity_pattern_double, indefinite_pattern = 0xFFF8000000000000;
   static constexpr int group_width = QKR_BASELINE ? 2 : 4;
   static constexpr int index_shift = 43;  // the upper nine bits, rounded
   static constexpr uint64_t half_row = 0x0000040000000000;
@@ -28,7 +20,6 @@ struct DoubleFormat {
 struct SingleFormat {
   using Element = float;
   static constexpr uint32_t fraction = 0x007FFFFF, one = 0x3F800000;
-  static constexpr uint32_t infinity = infinity_pattern_single, indefinite_pattern = 0xFFC00000;
   static constexpr int group_width = QKR_SIMD_BYTES == 32 ? 4 : 2;
   static constexpr int index_shift = 16;  // the upper seven bits, rounded
   static constexpr uint32_t half_row = 0x00008000;
@@ -44,6 +35,7 @@ struct NaturalDouble : DoubleFormat {
   static constexpr double log2_hi = 0x1.62e42fefa3800p-1, log2_lo = 5.497923018708371e-14;
   static constexpr double C = 1.0;
   static constexpr double subnormal_scale = 0x1p52, subnormal_log = 36.04365338911715;
+  // ln(1 + z) - z for |z| <= 2^-10, within 2^-56 of the logarithm.
   static constexpr double P1 = -0.49999999999995254, P2 = 0.3333333333332741;
   static constexpr double P3 = -0.2500001988694339, P4 = 0.2000001934420511;
   template <class V>
@@ -58,6 +50,7 @@ struct CommonDouble : DoubleFormat {
   static constexpr double log2_hi = 0.30102999566395283, log2_lo = 2.8363394551044964e-14;
   static constexpr double C = 0.43359375;
   static constexpr double subnormal_scale = 0x1p52, subnormal_log = 15.653559774527022;
+  // log10(1 + z/C) - z for |z/C| <= 2^-10, within 2^-56 of the logarithm.
   static constexpr double P0 = 0.0016161024074997105, P1 = -1.1550167667400704, P2 = 1.7758816353479039;
   static constexpr double P3 = -3.0717977023883023, P4 = 5.667606256268926;
   template <class V>
@@ -72,6 +65,7 @@ struct CommonSingle : SingleFormat {
   static constexpr float log2_hi = 0.3125f, log2_lo = -0.011470003984868526f;
   static constexpr float C = 0.43359375f;
   static constexpr float subnormal_scale = 0x1p23f, subnormal_log = 6.923689842224121f;
+  // log10(1 + z/C) - z for |z/C| <= 2^-8, within 2^-34 of the logarithm.
   static constexpr float P0 = 0.00161610241048038f, P1 = -1.1550167798995972f;
   static constexpr float P2 = 1.7758978605270386f, P3 = -3.0718326568603516f;
   template <class V>
@@ -80,8 +74,10 @@ struct CommonSingle : SingleFormat {
   }
 };
 
-template <class Log, void (*scalar_routine)(ptrdiff_t, Arrays<typename Log::Element>)>
+template <class Log>
 struct Logarithm : UnaryKernel<typename Log::Element, Log::group_width> {
+  using T = typename Log::Element;
+
   template <class V>
   QKR_INLINE static Flags special(V x) {
     return not_positive_normal(x);
@@ -109,59 +105,26 @@ struct Logarithm : UnaryKernel<typename Log::Element, Log::group_width> {
     return log.second + log.first;
   }
 
-  QKR_INLINE static void scalar(ptrdiff_t i, Arrays<typename Log::Element> v) { scalar_routine(i, v); }
+  static Outcome<T> scalar(T x) {
+    if (x != x) {
+      at_run_time(x * at_run_time((T)1));  // a signalling NaN stays in the result but raises its exception
+      return {x};
+    }
+    if (x == 0) return {-infinity<T>, VXM_STATUS_SING};
+    if (x < 0) return {indefinite<T>(), VXM_STATUS_ERRDOM};
+    if (x == infinity<T>) return {x};
+    const auto log = sum(x * Log::subnormal_scale);
+    return {(log.second - Log::subnormal_log) + log.first};
+  }
 };
 
-using LnDouble = Logarithm<NaturalDouble, _dLn_Scalar>;
-using Log10Double = Logarithm<CommonDouble, _dLg_Scalar>;
-using Log10Single = Logarithm<CommonSingle, _sLg_Scalar>;
+using LnDouble = Logarithm<NaturalDouble>;
+using Log10Double = Logarithm<CommonDouble>;
+using Log10Single = Logarithm<CommonSingle>;
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-#if QKR_BASELINE
-using namespace qkr;
-
-// Stores the logarithm of element i; returns the status.
-template <class Kernel, class Log, class T = typename Log::Element>
-static int32_t special_logarithm(ptrdiff_t i, Arrays<T> v) {
-  const T x = v.a[i];
-  const auto pattern = sse2::bits(x);
-  if (magnitude(pattern) > Log::infinity) {
-    v.r[i] = x;
-    at_run_time(x * at_run_time((T)1));  // a signalling NaN stays in the result but raises its exception
-    return 0;
-  }
-  if (magnitude(pattern) == 0) return v.r[i] = -__builtin_inf(), 2;
-  if (pattern != magnitude(pattern)) return v.r[i] = sse2::real(Log::indefinite_pattern), 1;
-  if (pattern == Log::infinity) return v.r[i] = x, 0;
-  const bool subnormal = pattern <= Log::fraction;
-  const auto log = Kernel::sum(subnormal ? x * Log::subnormal_scale : x);
-  v.r[i] = (log.second - (subnormal ? Log::subnormal_log : 0)) + log.first;
-  return 0;
-}
-
-extern "C" void _dLn_Scalar(ptrdiff_t i, Arrays<double> v) {
-  const int32_t status = special_logarithm<sse2::LnDouble, sse2::NaturalDouble>(i, v);
-  if (status) sse2::report(status, i, v, "_vxmdLn_HA");
-}
-extern "C" void _dLg_Scalar(ptrdiff_t i, Arrays<double> v) {
-  const int32_t status = special_logarithm<sse2::Log10Double, sse2::CommonDouble>(i, v);
-  if (status) sse2::report(status, i, v, "_vxmdLog10_HA");
-}
-extern "C" void _sLg_Scalar(ptrdiff_t i, Arrays<float> v) {
-  const int32_t status = special_logarithm<sse2::Log10Single, sse2::CommonSingle>(i, v);
-  if (status) sse2::report(status, i, v, "_vxmsLog10_HA");
-}
-#endif
-
-QKR_CONTRACT(_vxmdLn_HA, 0.59, 0x1.003ffeed01983p+0);
-QKR_CONTRACT(_vxmdLog10_HA, 0.59, 0x1.ffdb60b21b953p-1);
-QKR_CONTRACT(_vxmsLog10_HA, 0.75, 0x1.01d8bep+0);
-
-QKR_UNARY(_vxmdLn_HA, double, LnDouble)
-QKR_UNARY(_vxmdLog10_HA, double, Log10Double)
-QKR_UNARY(_vxmsLog10_HA, float, Log10Single)
-QKR_UNARY_FORWARD(_vxmdLn_HA, _vxmdLn_50, double)
-QKR_UNARY_FORWARD(_vxmdLog10_HA, _vxmdLog10_50, double)
-QKR_UNARY_FORWARD(_vxmsLog10_HA, _vxmsLog10_21, float)
+QKR_FUNCTION(_vxmdLn_HA, _vxmdLn_50, double, 0.59, 0x1.003ffeed01983p+0, LnDouble)
+QKR_FUNCTION(_vxmdLog10_HA, _vxmdLog10_50, double, 0.59, 0x1.ffdb60b21b953p-1, Log10Double)
+QKR_FUNCTION(_vxmsLog10_HA, _vxmsLog10_21, float, 0.75, 0x1.01d8bep+0, Log10Single)

@@ -1,17 +1,15 @@
 // Natural logarithm in single precision, by the method of logarithm.cpp with a table of 65 rows and a cubic.
 // The table has no jump; around x = 1 the low product joins the head instead.
-#include "vecmath/frame/contract.h"
 #include "vecmath/frame/function.h"
 #include "vecmath/frame/numbers.h"
 #include "vecmath/tables/tables.h"
-
-extern "C" void _sLn_Scalar(ptrdiff_t i, qkr::Arrays<float> v);
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
 struct LnSingle : UnaryKernel<float, QKR_SIMD_BYTES == 32 ? 4 : 2> {
   static constexpr float ln2_high = 0.693115234375f, ln2_low = 3.194618329871446e-05f;  // n * hi is exact
+  // ln(1 + z) - z for |z| <= 2^-7, within 2^-30 of the logarithm.
   static constexpr float P[3] = {-0.5f, 0.3333333432674408f, -0.25f};
   static constexpr uint32_t fraction_mask = 0x7FFFFF, one = 0x3F800000, head_mask = 0x7FFFC000;
   static constexpr RowsAndColumns<65, 4, 80> table = {ln_single::rows, ln_single::columns};
@@ -41,38 +39,19 @@ struct LnSingle : UnaryKernel<float, QKR_SIMD_BYTES == 32 ? 4 : 2> {
     return logarithm(x, 0.0f);
   }
 
-  QKR_INLINE static void scalar(ptrdiff_t i, Arrays<float> v) { _sLn_Scalar(i, v); }
+  static Outcome<float> scalar(float x) {
+    constexpr uint32_t domain_nan = 0x7FFC0000;
+    const uint32_t pattern = bits(x);
+    if (magnitude(pattern) > pattern_of_infinity(0.0f) || pattern == pattern_of_infinity(0.0f)) return {x};
+    if (magnitude(pattern) == 0) return {-infinity<float>, VXM_STATUS_SING};
+    if (pattern >> 31) return {real(domain_nan), VXM_STATUS_ERRDOM};
+    const int top = 31 - __builtin_clz(pattern);  // normalise: the top bit becomes the implicit one
+    const uint32_t fraction = (pattern << (23 - top)) & fraction_mask;
+    return {logarithm(real(fraction | (uint32_t)(top + 1) << 23), -23.0f)};
+  }
 };
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-#if QKR_BASELINE
-using namespace qkr;
-
-extern "C" void _sLn_Scalar(ptrdiff_t i, Arrays<float> v) {
-  constexpr uint32_t minus_infinity = 0xFF800000, domain_nan = 0x7FFC0000;
-  const float x = v.a[i];
-  const uint32_t pattern = sse2::bits(x);
-  int32_t status = 0;
-  if (magnitude(pattern) >= infinity_pattern_single && pattern != minus_infinity) {
-    v.r[i] = x;  // NaNs and +inf
-  } else if (magnitude(pattern) == 0) {
-    v.r[i] = sse2::real(minus_infinity), status = 2;
-  } else if (pattern >> 31) {
-    v.r[i] = sse2::real(domain_nan), status = 1;
-  } else if (pattern < 0x00800000) {
-    const int top = 31 - __builtin_clz(pattern);  // normalise: the top bit becomes the implicit one
-    const uint32_t fraction = (pattern << (23 - top)) & sse2::LnSingle::fraction_mask;
-    v.r[i] = sse2::LnSingle::logarithm(sse2::real(fraction | (uint32_t)(top + 1) << 23), -23.0f);
-  } else {
-    v.r[i] = sse2::LnSingle::core(x);
-  }
-  if (status) sse2::report(status, i, v, "_vxmsLn_HA");
-}
-#endif
-
-QKR_CONTRACT(_vxmsLn_HA, 0.567, 0x1.f9ffd2p-1);
-
-QKR_UNARY(_vxmsLn_HA, float, LnSingle)
-QKR_UNARY_FORWARD(_vxmsLn_HA, _vxmsLn_21, float)
+QKR_FUNCTION(_vxmsLn_HA, _vxmsLn_21, float, 0.567, 0x1.f9ffd2p-1, LnSingle)

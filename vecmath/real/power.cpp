@@ -1,9 +1,9 @@
 // x^y = e^(y ln x), ln x by the table of Ln as a sum of two doubles with more than 64 good bits, the product
 // exact. In single precision 2^(y log2 x) in double, by tables so small that registers can hold them.
-#include "vecmath/frame/contract.h"
 #include "vecmath/frame/numbers.h"
 #include "vecmath/real/exponential.h"
 #include "vecmath/real/logarithm.h"
+#include "vecmath/real/polynomial.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -36,35 +36,22 @@ QKR_INLINE Pair<V> power_exponent(V x, V y, double shift) {
   return {p, product_error(y, log.first, p) + y * log.second};
 }
 
-void power_of_specials(ptrdiff_t i, Arrays<double> v, double y, const char *name);
-void power_of_specials(ptrdiff_t i, Arrays<float> v, float y, const char *name);
+template <class T>
+Outcome<T> any_power(T x, T y);
 
-template <int group_width>
-struct PowDouble : BinaryKernel<double, group_width> {
-  // Exponents within this keep the exact product in range, and those below it give 1.
+struct PowDouble : BinaryKernel<double, 2> {
+  // Exponents within these limits keep the exact product in range, and those below them give 1.
   template <class V>
-  QKR_INLINE static Flags special(V x, V y) {
-    return not_positive_normal(x) | beyond(y, 0x1p500) | beyond(power_exponent(x, y, 0.0).first, 708.0);
-  }
-  template <class V>
-  QKR_INLINE static V core(V x, V y) {
+  QKR_INLINE static V core(V x, V y, Flags &special) {
     const Pair<V> p = power_exponent(x, y, 0.0);
+    special = not_positive_normal(x) | beyond(y, 0x1p500) | beyond(p.first, 708.0);
     return ExpSteps::scaled(ExpSteps::reduce(p.first, p.second));
   }
-  static void scalar(ptrdiff_t i, Arrays<double> v) { power_of_specials(i, v, v.b[i], "_vxmdPow_HA"); }
+  static Outcome<double> scalar(double x, double y) { return any_power(x, y); }
 };
-struct PowxDouble : PowDouble<2> {
+struct PowxDouble : PowDouble {
   static constexpr bool second_is_number = true;
-  static void scalar(ptrdiff_t i, Arrays<double> v) { power_of_specials(i, v, *v.b, "_vxmdPowx_HA"); }
 };
-
-// c[0] + c[1] x + ... + c[degree] x^degree, two terms at a time, which takes half as long as one by one.
-template <int degree, class V>
-QKR_INLINE auto polynomial(const double *c, V x, V square) {
-  if constexpr (degree == 0) return c[0];
-  else if constexpr (degree == 1) return c[0] + x * c[1];
-  else return (c[0] + x * c[1]) + square * polynomial<degree - 2>(c + 2, x, square);
-}
 
 // Floats: log2 x = n - log2 r + log2(1 + z) with z = x r 2^-n - 1 exact, and 2^p = 2^N 2^(j/32) 2^r; all of
 // it in double, with errors of 2^-46 of log2 x.
@@ -75,8 +62,8 @@ QKR_INLINE auto single_exponent(V x, V y) {
   const auto n = widen(exponent(bits(x) + (one - first))), mantissa = widen(real(bits(x) - binades));
   const auto j = (bits(mantissa) - 0x3FE6400000000000u) >> 47;
   const auto z = exact_mad(mantissa, pick<32>(pow_single::reciprocal, j), -1.0);
-  const auto log =
-      (n + pick<32>(pow_single::minus_log, j)) + z * polynomial<6>(pow_single::log_polynomial, z, z * z);
+  const auto log = (n + pick<32>(pow_single::minus_log, j)) +
+                   z * polynomial_by_pairs<6>(pow_single::log_polynomial, z, z * z);
   return widen(y) * log;
 }
 template <class V>
@@ -84,25 +71,22 @@ QKR_INLINE V power_of_two(V p) {
   constexpr double to_32nds = 0x1.8p47;  // adding it rounds to a multiple of 1/32
   const V t = p + to_32nds, r = p - (t - to_32nds);
   const V node = pick<32>(pow_single::powers, bits(t));
-  const V m = node + node * (r * polynomial<4>(pow_single::power_polynomial, r, r * r));
+  const V m = node + node * (r * polynomial_by_pairs<4>(pow_single::power_polynomial, r, r * r));
   return real(bits(m) + ((bits(t) << 47) & 0xFFF0000000000000u));
 }
 
 struct PowSingle : BinaryKernel<float, 1> {
   // The limit keeps the result a normal number.
   template <class V>
-  QKR_INLINE static Flags special(V x, V y) {
-    return not_positive_normal(x) | beyond(narrow(single_exponent(x, y)), 126.0f);
+  QKR_INLINE static V core(V x, V y, Flags &special) {
+    const auto p = single_exponent(x, y);
+    special = not_positive_normal(x) | beyond(narrow(p), 126.0f);
+    return narrow(power_of_two(p));
   }
-  template <class V>
-  QKR_INLINE static V core(V x, V y) {
-    return narrow(power_of_two(single_exponent(x, y)));
-  }
-  static void scalar(ptrdiff_t i, Arrays<float> v) { power_of_specials(i, v, v.b[i], "_vxmsPow_HA"); }
+  static Outcome<float> scalar(float x, float y) { return any_power(x, y); }
 };
 struct PowxSingle : PowSingle {
   static constexpr bool second_is_number = true;
-  static void scalar(ptrdiff_t i, Arrays<float> v) { power_of_specials(i, v, *v.b, "_vxmsPowx_HA"); }
 };
 
 // 0: not an integer, 1: odd, 2: even.
@@ -128,59 +112,32 @@ T finite_power(double x, double y) {
   return (T)(e.second * ExpSteps::scale(e.first, 0));
 }
 
-// Any x and y; sets the status.
 template <class T>
-T any_power(T x, T y, int32_t *status) {
+Outcome<T> any_power(T x, T y) {
+  if (y == 0 || x == 1) return {1};
+  if (x != x || y != y) return {nan_of(x, y)};
   const T magnitude = __builtin_fabs(x);
-  const bool finite = magnitude <= largest<T>() && __builtin_fabs(y) <= largest<T>();
-  if (y == 0 || x == 1) return 1;
-  if (x != x || y != y) return x + y;
-  if (magnitude == 1 && !(__builtin_fabs(y) <= largest<T>())) return 1;
+  const bool finite = magnitude <= largest<T> && __builtin_fabs(y) <= largest<T>;
+  if (magnitude == 1 && !finite) return {1};
   const int y_is = parity(y);
-  const bool negative = __builtin_signbit(x) && y_is == 1;
-  if (finite && x < 0 && y_is == 0) return *status = 1, indefinite<T>();
-  T power;
+  const T sign = __builtin_signbit(x) && y_is == 1 ? -1 : 1;
+  if (finite && x < 0 && y_is == 0) return {indefinite<T>(), VXM_STATUS_ERRDOM};
   if (magnitude == 0 || !finite) {
-    const bool grows = (magnitude > 1) == (y > 0);
-    power = grows ? (T)infinity_double : (T)0;
-    if (magnitude == 0 && grows && finite) *status = 2;
-  } else {
-    power = finite_power<T>(magnitude, y);
-    if (power > largest<T>()) *status = 3;
-    else if (power < (sizeof(T) == 8 ? (T)0x1p-1022 : (T)0x1p-126)) *status = 4;
+    const bool grows = (magnitude > 1) == (y > 0), pole = magnitude == 0 && grows && finite;
+    return {sign * (grows ? infinity<T> : 0), pole ? VXM_STATUS_SING : VXM_STATUS_OK};
   }
-  return negative ? -power : power;
+  const T power = finite_power<T>(magnitude, y);
+  return {sign * power, power > largest<T>           ? VXM_STATUS_OVERFLOW
+                        : power < smallest_normal<T> ? VXM_STATUS_UNDERFLOW
+                                                     : VXM_STATUS_OK};
 }
-
-// The record's second input is found by index, also where all elements share one.
-template <class T>
-const T *seen_at(ptrdiff_t i, const T *number) {
-  return (const T *)((uintptr_t)number - (uintptr_t)i * sizeof(T));
-}
-
-template <class T>
-void treat(ptrdiff_t i, Arrays<T> v, T y, const char *name) {
-  int32_t status = 0;
-  v.r[i] = any_power(v.a[i], y, &status);
-  if (status) report(status, i, {v.a, seen_at(i, &y), v.r, v.q}, name);
-}
-void power_of_specials(ptrdiff_t i, Arrays<double> v, double y, const char *name) { treat(i, v, y, name); }
-void power_of_specials(ptrdiff_t i, Arrays<float> v, float y, const char *name) { treat(i, v, y, name); }
-
-using PowDoubleVector = PowDouble<2>;
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
 // The base of the worst pair.
-QKR_CONTRACT(_vxmdPow_HA, 0.53, 0x1.ea3d41330a7d7p-6);
-QKR_CONTRACT(_vxmsPow_HA, 0.501, 0x1.ab8c6ep-4);
 
-QKR_BINARY(_vxmdPow_HA, double, PowDoubleVector)
-QKR_BINARY(_vxmsPow_HA, float, PowSingle)
-QKR_VECTOR_AND_NUMBER(_vxmdPowx_HA, double, PowxDouble)
-QKR_VECTOR_AND_NUMBER(_vxmsPowx_HA, float, PowxSingle)
-QKR_BINARY_FORWARD(_vxmdPow_HA, _vxmdPow_50, double)
-QKR_BINARY_FORWARD(_vxmsPow_HA, _vxmsPow_21, float)
-QKR_VECTOR_AND_NUMBER_FORWARD(_vxmdPowx_HA, _vxmdPowx_50, double)
-QKR_VECTOR_AND_NUMBER_FORWARD(_vxmsPowx_HA, _vxmsPowx_21, float)
+QKR_FUNCTION_OF_TWO(_vxmdPow_HA, _vxmdPow_50, double, 0.53, 0x1.ea3d41330a7d7p-6, PowDouble)
+QKR_FUNCTION_OF_TWO(_vxmsPow_HA, _vxmsPow_21, float, 0.501, 0x1.ab8c6ep-4, PowSingle)
+QKR_FUNCTION_OF_NUMBER(_vxmdPowx_HA, _vxmdPowx_50, double, 0.53, 0x1.ea3d41330a7d7p-6, PowxDouble)
+QKR_FUNCTION_OF_NUMBER(_vxmsPowx_HA, _vxmsPowx_21, float, 0.501, 0x1.ab8c6ep-4, PowxSingle)

@@ -3,7 +3,6 @@
 // Householder, The Numerical Treatment of a Single Nonlinear Equation, 1970), and it is rounded to so few
 // bits that its residual e = x y^k - 1 comes out exact; the binomial series of (1 + e)^(-1/k) gives the rest.
 // No instruction is used whose bits differ between makers of processors.
-#include "vecmath/frame/contract.h"
 #include "vecmath/frame/numbers.h"
 #include "vecmath/real/reciprocal_root.h"
 
@@ -27,21 +26,12 @@ struct InvSqrt : UnaryKernel<typename Format::Element, QKR_BASELINE ? 2 : 4> {
     return y + y * reciprocal_root_series<T>(e);
   }
 
-  static void scalar(ptrdiff_t i, Arrays<T> v) {
+  static Outcome<T> scalar(T x) {
     constexpr T scale = sizeof(T) == 8 ? (T)0x1p54 : (T)0x1p24, root = sizeof(T) == 8 ? (T)0x1p27 : (T)0x1p12;
-    constexpr const char *name = sizeof(T) == 8 ? "_vxmdInvSqrt_HA" : "_vxmsInvSqrt_HA";
-    const T x = v.a[i];
-    if (x != x) {
-      v.r[i] = x + x;
-    } else if (x == 0) {
-      v.r[i] = (T)1 / x;
-      report(2, i, v, name);
-    } else if (x < 0) {
-      v.r[i] = indefinite<T>();
-      report(1, i, v, name);
-    } else {
-      v.r[i] = x > largest<T>() ? (T)0 : core(x * scale) * root;
-    }
+    if (x != x) return {x + x};
+    if (x == 0) return {(T)1 / x, VXM_STATUS_SING};
+    if (x < 0) return {indefinite<T>(), VXM_STATUS_ERRDOM};
+    return {x > largest<T> ? (T)0 : core(x * scale) * root};
   }
 };
 
@@ -121,45 +111,21 @@ struct CubeRoot : UnaryKernel<T, 2> {
     if constexpr (sizeof(T) == 8) return real(bits(Value::of_double(magnitude)) | (bits(x) & sign));
     else return real(bits(narrow(Value::of_single(widen(magnitude)))) | (bits(x) & sign));
   }
-  static void scalar(ptrdiff_t i, Arrays<T> v) {
-    const T x = v.a[i];
-    if (x == 0 || !(__builtin_fabs(x) <= largest<T>())) {
-      v.r[i] = Value::of_special(x);
-      if (x == 0 && v.r[i] != 0) report(2, i, v, sizeof(T) == 8 ? "_vxmdInvCbrt_HA" : "_vxmsInvCbrt_HA");
-    } else {
-      v.r[i] = core(x * (T)0x1p54) * (T)Value::subnormal_scale;
-    }
+  static Outcome<T> scalar(T x) {
+    if (x != x) return {x + x};
+    if (x != 0 && __builtin_fabs(x) <= largest<T>) return {core(x * (T)0x1p54) * (T)Value::subnormal_scale};
+    const T result = Value::of_special(x);
+    return {result, x == 0 && result != 0 ? VXM_STATUS_SING : VXM_STATUS_OK};
   }
 };
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_CONTRACT(_vxmdInvSqrt_HA, 0.501, 0x1.528be3e20b924p+8);
-QKR_CONTRACT(_vxmsInvSqrt_HA, 0.506, 0x1.591f9p+12);
-QKR_CONTRACT(_vxmdCbrt_HA, 0.54, -0x1.f202422888ef7p-169);
-QKR_CONTRACT(_vxmsCbrt_HA, 0.501, 0x1.cbf92p-130);
-QKR_CONTRACT(_vxmdInvCbrt_HA, 0.51, 0x1.f94dcf4cadf75p+2);
-QKR_CONTRACT(_vxmsInvCbrt_HA, 0.501, -0x1.7b6194p-2);
-
-QKR_UNARY(_vxmdInvSqrt_HA, double, InvSqrt<DoubleRoot>)
-QKR_UNARY(_vxmsInvSqrt_HA, float, InvSqrt<SingleRoot>)
-namespace qkr::QKR_SIMD_LEVEL {
-namespace {
-using CbrtDouble = CubeRoot<double, CbrtValue>;
-using CbrtSingle = CubeRoot<float, CbrtValue>;
-using InvCbrtDouble = CubeRoot<double, InvCbrtValue>;
-using InvCbrtSingle = CubeRoot<float, InvCbrtValue>;
-}  // namespace
-}  // namespace qkr::QKR_SIMD_LEVEL
-
-QKR_UNARY(_vxmdCbrt_HA, double, CbrtDouble)
-QKR_UNARY(_vxmsCbrt_HA, float, CbrtSingle)
-QKR_UNARY(_vxmdInvCbrt_HA, double, InvCbrtDouble)
-QKR_UNARY(_vxmsInvCbrt_HA, float, InvCbrtSingle)
-QKR_UNARY_FORWARD(_vxmdInvSqrt_HA, _vxmdInvSqrt_50, double)
-QKR_UNARY_FORWARD(_vxmsInvSqrt_HA, _vxmsInvSqrt_21, float)
-QKR_UNARY_FORWARD(_vxmdCbrt_HA, _vxmdCbrt_50, double)
-QKR_UNARY_FORWARD(_vxmsCbrt_HA, _vxmsCbrt_21, float)
-QKR_UNARY_FORWARD(_vxmdInvCbrt_HA, _vxmdInvCbrt_50, double)
-QKR_UNARY_FORWARD(_vxmsInvCbrt_HA, _vxmsInvCbrt_21, float)
+QKR_FUNCTION(_vxmdInvSqrt_HA, _vxmdInvSqrt_50, double, 0.501, 0x1.528be3e20b924p+8, InvSqrt<DoubleRoot>)
+QKR_FUNCTION(_vxmsInvSqrt_HA, _vxmsInvSqrt_21, float, 0.506, 0x1.591f9p+12, InvSqrt<SingleRoot>)
+QKR_FUNCTION(_vxmdCbrt_HA, _vxmdCbrt_50, double, 0.54, -0x1.f202422888ef7p-169, CubeRoot<double, CbrtValue>)
+QKR_FUNCTION(_vxmsCbrt_HA, _vxmsCbrt_21, float, 0.501, 0x1.cbf92p-130, CubeRoot<float, CbrtValue>)
+QKR_FUNCTION(_vxmdInvCbrt_HA, _vxmdInvCbrt_50, double, 0.51, 0x1.f94dcf4cadf75p+2,
+             CubeRoot<double, InvCbrtValue>)
+QKR_FUNCTION(_vxmsInvCbrt_HA, _vxmsInvCbrt_21, float, 0.501, -0x1.7b6194p-2, CubeRoot<float, InvCbrtValue>)

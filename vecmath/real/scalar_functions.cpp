@@ -1,24 +1,21 @@
 // Functions of one number: square roots by table, polynomial and, in double, a Newton step; absolute values.
 #include <qkr/vecmath.h>
 
+#include "simd/vectors.h"
 #include "vecmath/frame/numbers.h"
 #include "vecmath/real/root_by_table.h"
 
 using namespace qkr;
+using sse2::bits, sse2::real;
 
 namespace {
 
-uint64_t pattern_of(double x) { return __builtin_bit_cast(uint64_t, x); }
-uint32_t pattern_of(float x) { return __builtin_bit_cast(uint32_t, x); }
-double double_of(uint64_t pattern) { return __builtin_bit_cast(double, pattern); }
-float float_of(uint32_t pattern) { return __builtin_bit_cast(float, pattern); }
-
 // sqrt(x) of an x in the range of floats, by its own polynomial; `roots` are those of 2 and 4 with a scale.
 float root_in_single(double x, const double (&roots)[2]) {
-  const uint64_t pattern = pattern_of(x);
+  const uint64_t pattern = bits(x);
   const uint32_t k = (pattern >> 46) & 63, exponent = (uint32_t)(pattern >> 52) - 1023 + 127;
-  const long double m = double_of((pattern & 0x000FFFFFFFFFFFFFu) | 0x3FF0000000000000u);
-  const long double g = float_of(((exponent >> 1) + 63) << 23);
+  const long double m = real((pattern & 0x000FFFFFFFFFFFFFu) | 0x3FF0000000000000u);
+  const long double g = real(((exponent >> 1) + 63) << 23);
   const long double root = (sqrt_single::A2[k] * m + sqrt_single::A1[k]) * m + sqrt_single::A0[k];
   return (float)(root * roots[exponent & 1] * g);
 }
@@ -26,7 +23,7 @@ float root_in_single(double x, const double (&roots)[2]) {
 // A negative number gives a NaN with a payload of its own.
 double root_of_special(double x) {
   constexpr uint64_t of_negative = 0x7FF8A5A55A5A5A5A;
-  if (x < 0) return double_of(of_negative);
+  if (x < 0) return real(of_negative);
   return x != x ? x + x : x;
 }
 float root_of_special(float x) { return x < 0 ? indefinite<float>() : x + x; }
@@ -45,20 +42,20 @@ float root_of_subnormal(float x) {
 extern "C" {
 
 double _vxmdsqrt_scalar(double x) {
-  const uint32_t high = (uint32_t)(pattern_of(x) >> 32);
+  const uint32_t high = (uint32_t)(bits(x) >> 32);
   if (high >= 0x7FF00000) return root_of_special(x);
   return high < 0x00100000 ? root_of_subnormal(x) : root_by_table<double>(x);
 }
 
 float _vxmssqrt_scalar(float x) {
   constexpr double root_by_parity[2] = {1.4142135623730951, 2.0};
-  const uint32_t pattern = pattern_of(x);
+  const uint32_t pattern = bits(x);
   if (pattern >= 0x7F800000) return root_of_special(x);
   return pattern <= 0x7FFFFF ? root_of_subnormal(x) : root_in_single(x, root_by_parity);
 }
 
-double _vxm_dabs_scalar(double x) { return double_of(magnitude(pattern_of(x))); }
-float _vxm_sabs_scalar(float x) { return float_of(magnitude(pattern_of(x))); }
+double _vxm_dabs_scalar(double x) { return real(magnitude(bits(x))); }
+float _vxm_sabs_scalar(float x) { return real(magnitude(bits(x))); }
 
 int32_t dll_cpu_version(void) { return 0; }
 

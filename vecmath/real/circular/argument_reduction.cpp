@@ -1,11 +1,13 @@
 // Reduction of an argument modulo pi/2, for any double, to a sum of two doubles (M. H. Payne and R. N. Hanek,
 // ACM SIGNUM Newsletter 18 (1983) 19, in floating-point chunks). The unit is pi/4: x = (2 n + f) pi/4, f in
 // [-1, 1].
+#include "simd/vectors.h"
 #include "vecmath/frame/numbers.h"
 #include "vecmath/real/circular/cores.h"
 #include "vecmath/tables/tables.h"
 
 using namespace qkr;
+using sse2::bits, sse2::real;
 
 namespace {
 
@@ -19,9 +21,7 @@ struct Sum {
   }
 };
 
-uint64_t pattern_of(double x) { return __builtin_bit_cast(uint64_t, x); }
-double number_of(uint64_t pattern) { return __builtin_bit_cast(double, pattern); }
-double clear_low_bits(double x, int bits) { return number_of(pattern_of(x) & ~(uint64_t)0 << bits); }
+double clear_low_bits(double x, int count) { return real(bits(x) & ~(uint64_t)0 << count); }
 
 constexpr double four_over_pi = 0x1.45f306dc9c883p0;
 
@@ -43,7 +43,7 @@ Sum subtract(double x, double quarters, const double (&parts)[count]) {
 // is formed: chunk k of 4/pi reaches from 2^(24 - 25 k) down, and those before chunk i only give multiples
 // of 8.
 Sum fraction_of_quarters(double x, int32_t *count) {
-  const int exponent = (int)(pattern_of(x) >> 52) - 0x41C;  // x < 2^(30 + exponent)
+  const int exponent = (int)(bits(x) >> 52) - 0x41C;  // x < 2^(30 + exponent)
   const double *chunk = circular::four_over_pi_chunks + exponent / 25;
   const double scaled = x * 0x1p-200;
   const double x_hi = clear_low_bits(scaled, 27), x_lo = scaled - x_hi;
@@ -73,7 +73,11 @@ Sum times_quarter_pi(Sum f) {
 }  // namespace
 
 extern "C" int32_t _vxmreduce_pio2d(double x, double *out) {
-  const double magnitude = __builtin_fabs(x), sign = x < 0 ? -1.0 : 1.0;
+  const double magnitude = __builtin_fabs(x), sign = __builtin_copysign(1.0, x);
+  if (!__builtin_isless(magnitude, infinity<double>)) {
+    out[0] = out[1] = x - x;
+    return 0;
+  }
   int32_t n;
   Sum rest;
   if (magnitude < 0x1p30) {

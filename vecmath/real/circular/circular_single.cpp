@@ -1,6 +1,5 @@
 // Sine, cosine and tangent in single precision: reduction modulo pi or pi/2 and minimax polynomials, in
 // double precision inside and rounded once. Arguments beyond 10000 go through the scalar cores in double.
-#include "vecmath/frame/contract.h"
 #include "vecmath/frame/function.h"
 #include "vecmath/frame/numbers.h"
 #include "vecmath/real/circular/cores.h"
@@ -27,7 +26,7 @@ QKR_INLINE D reduce(D x, D n, double a, double b) {
   return exact_mad(n, a, x) - n * b;
 }
 
-// sin(r) for |r| <= pi/2.
+// sin(r) for |r| <= pi/2, within 2^-25 of it.
 template <class D>
 QKR_INLINE D half_turn_sine(D r) {
   constexpr double A1 = 0x1.000000089705fp0, A3 = -0x1.55554ae8ba1bdp-3, A5 = 0x1.110ee64cd0933p-7,
@@ -50,7 +49,7 @@ struct SinSingle : SingleKernel<QKR_BASELINE ? 1 : 2> {
   QKR_INLINE static V core(V x) {
     return sine(x, x, 0.0);
   }
-  QKR_INLINE static void scalar(ptrdiff_t i, Arrays<float> v) { _vxmsSin_SC_HA(i, v.a, v.r); }
+  static void treat(ptrdiff_t i, Arrays<float> v) { _vxmsSin_SC_HA(i, v.a, v.r); }
 };
 
 struct CosSingle : SingleKernel<QKR_BASELINE ? 1 : 2> {
@@ -59,13 +58,14 @@ struct CosSingle : SingleKernel<QKR_BASELINE ? 1 : 2> {
   QKR_INLINE static V core(V x) {
     return sine(x, x + half_pi, 0.5);
   }
-  QKR_INLINE static void scalar(ptrdiff_t i, Arrays<float> v) { _vxmsCos_SC_HA(i, v.a, v.r); }
+  static void treat(ptrdiff_t i, Arrays<float> v) { _vxmsCos_SC_HA(i, v.a, v.r); }
 };
 
 constexpr double quarter_turn_hi = -1.5707963267923333, quarter_turn_lo = 2.563344151594519e-12;
 
 struct SinCosSingle : SingleKernel<QKR_BASELINE ? 1 : 2> {
   static constexpr int results = 2;
+  // Sine and cosine for |r| <= pi/4, within 2^-28 and 2^-33 of the results.
   static constexpr double A1 = -0.16666654612881793, A2 = 0.008332160761521766, A3 = -0.00019515283190447318;
   static constexpr double B0 = -0.5, B1 = 0.04166664568297557, B2 = -0.0013887316254360454,
                           B3 = 2.443315705834904e-05;
@@ -81,10 +81,11 @@ struct SinCosSingle : SingleKernel<QKR_BASELINE ? 1 : 2> {
     return {real((s ^ swap) ^ ((quadrant & 2u) << 30)),
             real((c ^ swap) ^ (((quadrant ^ (quadrant >> 1)) & 1u) << 31))};
   }
-  QKR_INLINE static void scalar(ptrdiff_t i, Arrays<float> v) { _vxmsSinCos_SC_HA(i, v.a, v.r, v.q); }
+  static void treat(ptrdiff_t i, Arrays<float> v) { _vxmsSinCos_SC_HA(i, v.a, v.r, v.q); }
 };
 
 struct TanSingle : SingleKernel<1> {
+  // r (1 + P1 z) / (1 + Q1 z + Q2 z^2) for |r| <= pi/4, within 2^-25 of the tangent.
   static constexpr double P1 = -0.0958017723, Q1 = -0.429135777, Q2 = 0.00971685835;
   static constexpr double rounder = 6755399441055744.0;  // its sum with N has the parity of N as lowest bit
 
@@ -99,23 +100,15 @@ struct TanSingle : SingleKernel<1> {
     const auto quotient = real(p ^ swap) / real(q ^ swap);
     return narrow(real(bits(quotient) ^ (odd << 63)));
   }
-  QKR_INLINE static void scalar(ptrdiff_t i, Arrays<float> v) { _vxmsTan_SC_HA(i, v.a, v.r); }
+  static void treat(ptrdiff_t i, Arrays<float> v) { _vxmsTan_SC_HA(i, v.a, v.r); }
 };
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
 // The coefficients of these are what limits them.
-QKR_CONTRACT(_vxmsSin_HA, 0.802, 0x1.5e5d46p+3);
-QKR_CONTRACT(_vxmsCos_HA, 0.802, 0x1.98107cp+1);
-QKR_CONTRACT(_vxmsSinCos_HA, 0.563, 0x1.0723d2p+11);
-QKR_CONTRACT(_vxmsTan_HA, 0.936, 0x1.f044b6p+1);
 
-QKR_UNARY(_vxmsSin_HA, float, SinSingle)
-QKR_UNARY(_vxmsCos_HA, float, CosSingle)
-QKR_TWO_RESULTS(_vxmsSinCos_HA, float, SinCosSingle)
-QKR_UNARY(_vxmsTan_HA, float, TanSingle)
-QKR_UNARY_FORWARD(_vxmsSin_HA, _vxmsSin_21, float)
-QKR_UNARY_FORWARD(_vxmsCos_HA, _vxmsCos_21, float)
-QKR_TWO_RESULTS_FORWARD(_vxmsSinCos_HA, _vxmsSinCos_21, float)
-QKR_UNARY_FORWARD(_vxmsTan_HA, _vxmsTan_21, float)
+QKR_FUNCTION(_vxmsSin_HA, _vxmsSin_21, float, 0.802, 0x1.5e5d46p+3, SinSingle)
+QKR_FUNCTION(_vxmsCos_HA, _vxmsCos_21, float, 0.802, 0x1.98107cp+1, CosSingle)
+QKR_FUNCTION_TO_TWO(_vxmsSinCos_HA, _vxmsSinCos_21, float, 0.563, 0x1.0723d2p+11, SinCosSingle)
+QKR_FUNCTION(_vxmsTan_HA, _vxmsTan_21, float, 0.936, 0x1.f044b6p+1, TanSingle)

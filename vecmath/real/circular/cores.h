@@ -1,11 +1,8 @@
-// What the circular functions share: argument reduction and scalar cores in double; the per-element routines
-// are public.
+// What the circular functions share: scalar cores in double; the argument reduction and the per-element
+// routines are public.
 #pragma once
 
 #include <qkr/vecmath_elements.h>
-
-// Reduces x to x = n pi/2 + out[0] + out[1], |out[0]| at most about pi/4; returns n mod 4.
-extern "C" int32_t _vxmreduce_pio2d(double x, double *out);
 
 namespace qkr {
 

@@ -1,7 +1,6 @@
 // Sine and cosine in double: table of the sine and its slope at nodes of a regular grid, short polynomials
 // between them (S. Gal and B. Bachelis, ACM TOMS 17 (1991) 26, with a regular grid). Large arguments go
 // through argument_reduction.cpp one by one.
-#include "vecmath/frame/contract.h"
 #include "vecmath/frame/function.h"
 #include "vecmath/frame/numbers.h"
 #include "vecmath/real/circular/grid.h"
@@ -13,6 +12,7 @@ namespace {
 // Below this the count of grid steps times each of the first two parts of a step is exact.
 constexpr double fast_limit = 90112.0;  // 0x40F60000
 
+// Taylor's series: four terms for |r| <= pi/64, within 2^-65; three for |r| <= pi/128, within 2^-58.
 constexpr double S1 = -0.16666666666666666, S2 = 0.008333333333333333;
 constexpr double S3 = -0.0001984126984126984, S4 = 2.7557319223985893e-06;
 constexpr double C1 = -0.5, C2 = 0.041666666666666664, C3 = -0.001388888888888889, C4 = 2.48015873015873e-05;
@@ -102,7 +102,7 @@ struct Circular : UnaryKernel<double, QKR_BASELINE ? 2 : 4> {
     return sine_by_row<OneResult>(j, s);
 #endif
   }
-  QKR_INLINE static void scalar(ptrdiff_t i, Arrays<double> v) { per_element(i, v.a, v.r); }
+  static void treat(ptrdiff_t i, Arrays<double> v) { per_element(i, v.a, v.r); }
 };
 using SinDouble = Circular<0, _vxmdSin_SC_HA>;
 using CosDouble = Circular<1, _vxmdCos_SC_HA>;
@@ -128,7 +128,7 @@ struct SinCosDouble : UnaryKernel<double, 2> {
     return {sine_by_row<TwoResults>(j, s), sine_by_row<TwoResults>(j + 32u, s)};
 #endif
   }
-  QKR_INLINE static void scalar(ptrdiff_t i, Arrays<double> v) { _vxmdSinCos_SC_HA(i, v.a, v.r, v.q); }
+  static void treat(ptrdiff_t i, Arrays<double> v) { _vxmdSinCos_SC_HA(i, v.a, v.r, v.q); }
 };
 
 }  // namespace
@@ -144,19 +144,19 @@ static double sine_of(const sse2::Reduced<double> &s, unsigned rows_on) {
 }
 
 double qkr::sine_of_any(double x) {
-  if (__builtin_fabs(x) == infinity_double) return x * 0.0;
+  if (__builtin_fabs(x) == infinity<double>) return x * 0.0;
   if (x != x) return x * x;
   return sse2::tiny(x) ? sse2::itself_if_tiny(x) : sine_of(sse2::reduce_any(x, no_reduction), 0);
 }
 
 double qkr::cosine_of_any(double x) {
-  if (__builtin_fabs(x) == infinity_double) return x * 0.0;
+  if (__builtin_fabs(x) == infinity<double>) return x * 0.0;
   if (x != x) return x * x;
   return sse2::tiny(x) ? 1.0 - __builtin_fabs(x) : sine_of(sse2::reduce_any(x, no_reduction), 16);
 }
 
 void qkr::sine_and_cosine_of_any(double x, double *sine, double *cosine) {
-  if (sse2::tiny(x) || !(__builtin_fabs(x) < infinity_double)) {
+  if (!__builtin_isless(__builtin_fabs(x), infinity<double>) || sse2::tiny(x)) {
     const double c = cosine_of_any(x);
     *sine = sine_of_any(x), *cosine = c;
     return;
@@ -167,13 +167,6 @@ void qkr::sine_and_cosine_of_any(double x, double *sine, double *cosine) {
 }
 #endif
 
-QKR_CONTRACT(_vxmdSin_HA, 0.53, -0x1.3bffffffffffp+3);
-QKR_CONTRACT(_vxmdCos_HA, 0.53, 0x1.fffffffffffcdp+16);
-QKR_CONTRACT(_vxmdSinCos_HA, 0.56, 0x1.20eda84dbbc25p+6);
-
-QKR_UNARY(_vxmdSin_HA, double, SinDouble)
-QKR_UNARY(_vxmdCos_HA, double, CosDouble)
-QKR_TWO_RESULTS(_vxmdSinCos_HA, double, SinCosDouble)
-QKR_UNARY_FORWARD(_vxmdSin_HA, _vxmdSin_50, double)
-QKR_UNARY_FORWARD(_vxmdCos_HA, _vxmdCos_50, double)
-QKR_TWO_RESULTS_FORWARD(_vxmdSinCos_HA, _vxmdSinCos_50, double)
+QKR_FUNCTION(_vxmdSin_HA, _vxmdSin_50, double, 0.53, -0x1.3bffffffffffp+3, SinDouble)
+QKR_FUNCTION(_vxmdCos_HA, _vxmdCos_50, double, 0.53, 0x1.fffffffffffcdp+16, CosDouble)
+QKR_FUNCTION_TO_TWO(_vxmdSinCos_HA, _vxmdSinCos_50, double, 0.56, 0x1.20eda84dbbc25p+6, SinCosDouble)

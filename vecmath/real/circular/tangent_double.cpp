@@ -2,7 +2,6 @@
 // pole, and the pole's term -1/s in two parts, s being the distance from it. (Tables on a regular grid: P. T.
 // P. Tang, Proc. 10th IEEE Symposium on Computer Arithmetic (1991) 232.) Large arguments go through
 // argument_reduction.cpp one by one.
-#include "vecmath/frame/contract.h"
 #include "vecmath/frame/function.h"
 #include "vecmath/frame/numbers.h"
 #include "vecmath/real/circular/grid.h"
@@ -59,7 +58,7 @@ struct TanDouble : UnaryKernel<double, 2> {
   QKR_INLINE static V core(V x) {
     return tangent(reduce<Grid64>(x, 0));
   }
-  QKR_INLINE static void scalar(ptrdiff_t i, Arrays<double> v) { _vxmdTan_SC_HA(i, v.a, v.r); }
+  static void treat(ptrdiff_t i, Arrays<double> v) { _vxmdTan_SC_HA(i, v.a, v.r); }
 };
 
 }  // namespace
@@ -69,14 +68,11 @@ struct TanDouble : UnaryKernel<double, 2> {
 using namespace qkr;
 
 double qkr::tangent_of_any(double x) {
-  if (__builtin_fabs(x) == infinity_double) return x * 0.0;
+  if (__builtin_fabs(x) == infinity<double>) return x * 0.0;
   if (x != x) return x * x;
   if (sse2::tiny(x)) return sse2::itself_if_tiny(x);
   return sse2::tangent(sse2::reduce_any(x, sse2::fast_limit));
 }
 #endif
 
-QKR_CONTRACT(_vxmdTan_HA, 0.68, -0x1.dcac81c98acb9p-5);
-
-QKR_UNARY(_vxmdTan_HA, double, TanDouble)
-QKR_UNARY_FORWARD(_vxmdTan_HA, _vxmdTan_50, double)
+QKR_FUNCTION(_vxmdTan_HA, _vxmdTan_50, double, 0.68, -0x1.dcac81c98acb9p-5, TanDouble)
