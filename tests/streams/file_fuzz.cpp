@@ -68,6 +68,7 @@ void use(const Stream &stream, std::mt19937 &engine) {
   std::vector<uint32_t> words(static_cast<size_t>(n) * (generator.WordSize / 4));
   std::vector<double> reals(static_cast<size_t>(n));
   std::vector<float> singles(static_cast<size_t>(n));
+  double pairs[64];
   StreamState *s = stream.get();
   for (int operation = 0; operation < 3; ++operation) {
     switch (engine() % 7) {
@@ -87,7 +88,7 @@ void use(const Stream &stream, std::mt19937 &engine) {
         __vxsLeapfrogStream(s, static_cast<int32_t>(engine() % 4), engine() % 2 ? 0x7fffffff : 3);
         break;
       case 5:
-        _vxsdRngGaussian(1, s, n % 64, reals.data(), 0, 1);
+        _vxsdRngGaussian(1, s, 1 + n % 64, pairs, 0, 1);
         break;
       default:
         __vxsCopyStream(&s, stream.get());
