@@ -93,7 +93,7 @@ int32_t both_of_each_pair(StreamState *stream, int32_t n, T *out) {
 
 // How much shorter the first block has to be, so that the second method never parts a pair between two.
 int32_t lead(const StreamState *stream) {
-  const auto *pending = static_cast<const PendingPair *>(__vxsSearchChunk(stream, pending_pair));
+  const auto *pending = find_record<const PendingPair>(stream, pending_pair);
   return pending && pending->u1 != none;
 }
 

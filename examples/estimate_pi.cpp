@@ -36,7 +36,8 @@ struct DeleteStream {
 };
 using Stream = std::unique_ptr<StreamState, DeleteStream>;
 
-// Of Sobol's generator, the seed is the number of dimensions.
+// Of Sobol's generator, the seed is the number of dimensions. One seed word serves one stream; seeds for many
+// that run side by side come from __vxsSeedWords().
 static Stream new_stream(uint32_t generator, uint32_t seed) {
   StreamState *stream = nullptr;
   const int32_t status = __vxsNewStreamEx(&stream, generator, 1, &seed);

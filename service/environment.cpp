@@ -18,15 +18,13 @@ bool filled(const char *value) { return value && *value; }
 
 }  // namespace
 
-// A thread that arrives between the stores may find the cache on, once, although it is about to be switched
-// off; its block is released all the same.
+// The decision is there before it counts as made, for threads that arrive meanwhile and for a fork.
 int32_t QKR_read_env() {
   qkr_serv_lock();
   if (environment_read != 1) {
-    __atomic_store_n(&environment_read, 1, __ATOMIC_RELAXED);
-    __atomic_store_n(&cache_disabled, 0, __ATOMIC_RELAXED);
-    if (filled(getenv("QKR_DISABLE_FAST_MM")) || filled(getenv("QKR_MM_DISABLE")))
-      __atomic_store_n(&cache_disabled, 1, __ATOMIC_RELAXED);
+    const bool disabled = filled(getenv("QKR_DISABLE_FAST_MM")) || filled(getenv("QKR_MM_DISABLE"));
+    __atomic_store_n(&cache_disabled, disabled, __ATOMIC_RELAXED);
+    __atomic_store_n(&environment_read, 1, __ATOMIC_RELEASE);
   }
   qkr_serv_unlock();
   return 0;

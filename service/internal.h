@@ -25,6 +25,10 @@ extern QKR_THREAD_LOCAL ThreadCache thread_cache;  // the calling thread's
 extern ThreadCache *registered_caches[registry_size];
 extern int32_t registered_count;
 
+// In the child of a fork: the caches of the other threads are nobody's. If the registry was `in_change`, the
+// thread's own is empty from then on as well.
+void keep_own_cache_only(bool in_change);
+
 extern int32_t environment_read;  // -1: not yet, 1: read
 extern int32_t cache_disabled;    // 1: no cache; anything else: cache
 extern int32_t serial_decision;   // -1: not decided, 0: parallel, 1: serial

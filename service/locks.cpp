@@ -8,9 +8,22 @@ uint64_t dft_lock_word = 0;
 
 using namespace qkr;
 
+// The C library's way in for shared objects; its own pthread_atfork needs start-up code that this one has
+// not.
+extern "C" int __register_atfork(void (*prepare)(), void (*parent)(), void (*child)(), void *object);
+
 namespace {
 
+// The thread that holds a lock is not copied by a fork, so nobody would open it. What the lock guarded may
+// be half changed.
+void open_in_child() {
+  keep_own_cache_only(service_lock_word != 0);
+  service_lock_word = dft_lock_word = 0;
+}
+
 void acquire(uint64_t *word) {
+  static pthread_once_t once = PTHREAD_ONCE_INIT;
+  pthread_once(&once, [] { __register_atfork(nullptr, nullptr, open_in_child, nullptr); });
   uint64_t open = 0;
   while (!__atomic_compare_exchange_n(word, &open, 1, false, __ATOMIC_ACQUIRE, __ATOMIC_RELAXED)) open = 0;
 }

@@ -42,7 +42,7 @@ void take(AbstractState<T> &state, int32_t count, T *out, Map map) {
 template <class T, class Map>
 int32_t read(StreamState *stream, int32_t n, T *out, Map map) {
   AbstractState<T> &state = payload_of<AbstractState<T>>(stream);
-  if (!state.buffer) return VXS_STATUS_NULL_POINTER;
+  if (!state.buffer || !state.callback) return VXS_STATUS_NULL_POINTER;
   while (n > 0) {
     if (state.free == state.size) {  // nothing is unread
       int32_t size = state.size, free = state.free, position = state.first, count = n < free ? n : free;
@@ -85,6 +85,15 @@ int32_t init_stream(int32_t method, StreamState *stream, const void *params) {
   return VXS_STATUS_OK;
 }
 
+template <class T>
+bool disconnect(StreamState *stream) {
+  AbstractState<T> &state = payload_of<AbstractState<T>>(stream);
+  state.buffer = nullptr;
+  state.callback = nullptr;
+  return state.size > 0 && state.first >= 0 && state.first < state.size && state.free >= 0 &&
+         state.free <= state.size;
+}
+
 // `words` counts the parameters in words: an address is two.
 int32_t new_stream(StreamState **out, uint32_t id, bool valid, int32_t words, const void *const *params) {
   if (!valid) return VXS_STATUS_BAD_ARGUMENT;
@@ -102,6 +111,11 @@ int32_t new_real_stream(StreamState **out, uint32_t id, int32_t size, T *buffer,
 }
 
 }  // namespace
+
+bool qkr::disconnect_abstract(StreamState *stream) {
+  if (stream->brng == abstract_integers) return disconnect<uint32_t>(stream);
+  return stream->brng == abstract_doubles ? disconnect<double>(stream) : disconnect<float>(stream);
+}
 
 extern "C" {
 

@@ -5,6 +5,8 @@
 
 #include "streams/internal.h"
 
+using namespace qkr;
+
 namespace {
 
 constexpr uint32_t magic = 0x474e52, magic_bits = 0xffffff;
@@ -43,6 +45,13 @@ void read_chunk(int32_t *status, FILE *file, StreamState *stream) {
   if (*status < 0) free(data);
 }
 
+// The bytes of a damaged file may be no state that can be drawn from. Addresses mean nothing here.
+void accept_state(int32_t *status, StreamState *stream) {
+  if (*status < 0) return;
+  const bool sound = is_abstract(stream) ? disconnect_abstract(stream) : is_sound(stream);
+  require(status, sound, VXS_STATUS_FILE_FORMAT);
+}
+
 }  // namespace
 
 extern "C" {
@@ -73,6 +82,7 @@ int32_t __vxsLoadStreamF(StreamState **out, const char *name) {
   __vxsCreateStream(&status, &header, out);
   __vxsReadStreamStateFromFile(&status, file, &header, *out);
   __vxsReadChunksFromFile(&status, file, &header, *out);
+  accept_state(&status, *out);
   __vxsCloseFile(&status, &file);
   __vxsDeallocateStream(&status, out);
   return status;
@@ -99,9 +109,12 @@ void __vxsFillInFileHeader(int32_t *status, StreamFileHeader *header, const Stre
   const uint32_t id = __vxsGetStreamStateBrng(stream);
   *status = __vxsGetBrngProperties(static_cast<int32_t>(id), &record);
   if (*status < 0) return;
+  const int64_t payload = record.StateSize - static_cast<int64_t>(sizeof(StreamState));
+  require(status, payload >= 0 && payload <= UINT16_MAX, VXS_STATUS_BAD_STATE_SIZE);
+  if (*status < 0) return;
   *header = {magic | version << version_shift,
              sizeof(StreamFileHeader),
-             static_cast<uint16_t>(record.StateSize - sizeof(StreamState)),
+             static_cast<uint16_t>(payload),
              static_cast<uint16_t>(__vxsGetNumChunks(stream)),
              0,
              id};

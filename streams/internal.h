@@ -1,4 +1,4 @@
-// The registry's own data.
+// What the files of streams, registry and files share.
 #pragma once
 
 #include "streams/generators/payload.h"
@@ -18,5 +18,17 @@ extern const LegacyTable legacy_generators;
 extern BrngRecord current_generators[current_rows];
 extern int32_t family_sizes[current_rows];  // members of each row of current_generators
 extern int32_t current_generator_count;
+
+// Whether the stream can be drawn from; see generators/soundness.h. User generators count as sound.
+bool is_sound(const StreamState *stream);
+
+inline bool is_abstract(const StreamState *stream) {
+  return stream->brng == abstract_integers || stream->brng == abstract_doubles ||
+         stream->brng == abstract_singles;
+}
+
+// Takes an abstract stream's addresses away, which are those of another process. Returns whether the rest of
+// its state is sound.
+bool disconnect_abstract(StreamState *stream);
 
 }  // namespace qkr

@@ -5,6 +5,12 @@
 
 using namespace qkr;
 
+const StreamChunk *qkr::find_chunk(const StreamState *stream, uint32_t id) {
+  const StreamChunk *chunk = stream->chunks;
+  while (chunk && chunk->id != id) chunk = chunk->next;
+  return chunk;
+}
+
 extern "C" {
 
 int32_t __vxsNewStreamEx(StreamState **out, uint32_t id, int32_t n, const void *params) {
@@ -21,15 +27,18 @@ int32_t __vxsAllocateStream(StreamState **out, const BrngRecord *table, uint32_t
                             int32_t member) {
   const int32_t status = __vxsIsBrngValid(table, row, member);
   if (status != VXS_STATUS_OK) return status;
-  // A registered generator may declare a size of 0; the head is there all the same.
-  const size_t size = static_cast<size_t>(table[row].StateSize);
-  *out = static_cast<StreamState *>(malloc(size < sizeof(StreamState) ? sizeof(StreamState) : size));
+  // A registered generator may declare a size of 0; the head is there all the same. What a generator does not
+  // set has defined bytes, which files show.
+  const size_t declared = static_cast<size_t>(table[row].StateSize);
+  const size_t size = declared < sizeof(StreamState) ? sizeof(StreamState) : declared;
+  *out = static_cast<StreamState *>(calloc(1, size));
   if (!*out) return VXS_STATUS_NO_MEMORY;
   **out = {id, 1, nullptr};
   return VXS_STATUS_OK;
 }
 
 int32_t __vxsDeleteStream(StreamState **stream) {
+  if (!*stream) return VXS_STATUS_NULL_POINTER;
   __vxsDeleteChunks(*stream);
   free(*stream);
   *stream = nullptr;
@@ -47,10 +56,8 @@ int32_t __vxsAddChunk(StreamState *stream, uint32_t id, void *data, uint32_t siz
 }
 
 void *__vxsSearchChunk(const StreamState *stream, uint32_t id) {
-  for (const StreamChunk *chunk = stream->chunks; chunk; chunk = chunk->next) {
-    if (chunk->id == id) return chunk->data;
-  }
-  return nullptr;
+  const StreamChunk *chunk = find_chunk(stream, id);
+  return chunk ? chunk->data : nullptr;
 }
 
 int32_t __vxsGetNumChunks(const StreamState *stream) {

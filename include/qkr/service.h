@@ -64,8 +64,11 @@ QKR_API void qkr_serv_deallocate(void *block);
  *
  * A thread registers with its first cached request and never again: blocks that it caches after this call are
  * out of reach of the next. The registry holds 1024 threads; the cache of a thread that comes later works,
- * but this call does not reach it. Nothing happens at thread end, so call it while the threads that used the
- * cache still exist, and while none of them is inside the library. */
+ * but this call does not reach it. Call it while no other thread is inside the library.
+ *
+ * A thread that ends frees its own blocks and leaves the registry. A block that is still lent then goes to
+ * `i_free` when it is given back, on any thread. In the child of a fork only the calling thread's blocks are
+ * registered. */
 QKR_API void qkr_serv_freebuffers(void);
 
 /** Reads the environment variables of the cache, once in a process; qkr_serv_allocate() and its companions do
@@ -78,7 +81,8 @@ QKR_API pthread_t QKR_ThreadID(void);
 /** @name Spin locks
  * One lock guards the registry of the cache and the reading of the environment, the other the threaded
  * transforms. They spin without pause, know no owner and are not recursive. Hold them for a few stores at
- * most, and call nothing else of the library meanwhile.
+ * most, and call nothing else of the library meanwhile. In the child of a fork both are open, whoever held
+ * them; the work-buffer cache is empty there if the fork came while its lock was held.
  * @{ */
 QKR_API void qkr_serv_lock(void);
 QKR_API void qkr_serv_unlock(void);

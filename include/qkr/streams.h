@@ -42,15 +42,15 @@ QKR_BEGIN_DECLS
 /** What the functions of random streams and distributions return. */
 enum {
   VXS_STATUS_OK = 0,
-  VXS_STATUS_BAD_METHOD = -2,         /**< a method that the function does not have */
-  VXS_STATUS_BAD_ARGUMENT = -3,       /**< a constructor of abstract streams: bad argument */
-  VXS_STATUS_NO_MEMORY = -4,          /**< memory could not be allocated */
-  VXS_STATUS_NULL_POINTER = -5,       /**< a null entry point, or the null buffer of an abstract stream */
+  VXS_STATUS_BAD_METHOD = -2,   /**< a method that the function does not have */
+  VXS_STATUS_BAD_ARGUMENT = -3, /**< a bad argument, or a stream whose seeding was refused for one */
+  VXS_STATUS_NO_MEMORY = -4,    /**< memory could not be allocated */
+  VXS_STATUS_NULL_POINTER = -5, /**< null: entry point, stream, or an abstract stream's buffer or callback */
   VXS_STATUS_BAD_GENERATOR = -1000,   /**< the id names no generator or no member of its family */
   VXS_STATUS_NO_LEAPFROG = -1002,     /**< the generator does not leapfrog this way */
   VXS_STATUS_NO_SKIP_AHEAD = -1003,   /**< the generator does not skip ahead this way */
   VXS_STATUS_OTHER_GENERATOR = -1005, /**< the two streams are of different generators */
-  VXS_STATUS_BAD_STATE_SIZE = -1008,  /**< registration: negative StateSize */
+  VXS_STATUS_BAD_STATE_SIZE = -1008,  /**< registration: negative StateSize; saving: one that no file holds */
   VXS_STATUS_BAD_WORD_SIZE = -1009,   /**< registration: WordSize other than 4, 8, 16 */
   VXS_STATUS_BAD_SEED_WORDS = -1010,  /**< registration: SeedWords below 1 */
   VXS_STATUS_BAD_BITS = -1011,        /**< registration: Bits below 1 */
@@ -58,7 +58,7 @@ enum {
   VXS_STATUS_FILE_OPEN = -1101,       /**< a stream file could not be opened */
   VXS_STATUS_FILE_WRITE = -1102,      /**< a stream file could not be written */
   VXS_STATUS_FILE_READ = -1103,       /**< a stream file could not be read, or ends early */
-  VXS_STATUS_FILE_FORMAT = -1110,     /**< the header of a stream file is not valid */
+  VXS_STATUS_FILE_FORMAT = -1110,     /**< the header or the state in a stream file is not valid */
   VXS_STATUS_FILE_VERSION = -1111,    /**< the version of a stream file is not supported */
   VXS_STATUS_BAD_UPDATE = -1120,      /**< abstract stream: the callback reported an impossible count */
   VXS_STATUS_NO_NUMBERS = -1121,      /**< abstract stream: the callback reported no numbers */
@@ -138,25 +138,50 @@ QKR_API int32_t __vxsRegisterBrng(const BrngRecord *record);
 /** @} */
 
 /** @name Streams
- * No function checks a stream against null.
+ * No function but __vxsDeleteStream() checks a stream against null.
  * @{ */
 
 /** Makes a stream and seeds it.
  * @param[out] out the stream; also when seeding fails, so that the caller always deletes what is not null
  * @param id generator id; abstract streams have constructors of their own
- * @param n, params seed words; how many count, and what none or too few mean, is the generator's matter
+ * @param n, params seed words; how many count, and what none or too few mean, is the generator's matter.
+ * Several streams at once: see __vxsSeedWords()
  * @return VXS_STATUS_BAD_GENERATOR or VXS_STATUS_NO_MEMORY, or what the generator's InitStream returns */
 QKR_API int32_t __vxsNewStreamEx(StreamState **out, uint32_t id, int32_t n, const void *params);
 
-/** Allocates the record of a stream without seeding it.
+/** Allocates the record of a stream without seeding it; what follows the head is zero.
  * @param[out] out the record; null if there is no memory, as it was if there is no such generator
  * @param table, id, row, member as for __vxsGetBrngBaseOffset()
  * @return VXS_STATUS_OK, VXS_STATUS_BAD_GENERATOR or VXS_STATUS_NO_MEMORY */
 QKR_API int32_t __vxsAllocateStream(StreamState **out, const BrngRecord *table, uint32_t id, int32_t row,
                                     int32_t member);
 
-/** Frees a stream with its chunks and sets the caller's pointer to null. @return VXS_STATUS_OK */
+/** Frees a stream with its chunks and sets the caller's pointer to null.
+ * @return VXS_STATUS_OK, or VXS_STATUS_NULL_POINTER if the pointer is null already, as after a failed
+ * __vxsNewStreamEx() */
 QKR_API int32_t __vxsDeleteStream(StreamState **stream);
+
+/** Seed words for one of many streams that are to be independent: from one seed for all of them and the
+ * stream's own index, by a hash.
+ *
+ *     uint32_t words[4];
+ *     __vxsSeedWords(seed, k, 4, words);
+ *     status = __vxsNewStreamEx(&streams[k], 0x500000 + k, 4, words);
+ *
+ * Generators take their seeds as they come, so that streams with equal or similar seeds begin alike: members
+ * of a family with one seed for all of them, or streams with the seeds 1, 2, 3. These words have nothing in
+ * common from one index, or one seed, to the next. Draw as many as the generator takes: 1 for MCG31M1, 2 for
+ * MCG59, 4 for WH, 6 for MRG32K3A, 250 for R250, any number for the twisters, for which 4 are plenty.
+ *
+ * Word 2 i and word 2 i + 1 are the lower and the upper half of number i of SplitMix64 (G. L. Steele, D. Lea
+ * and C. H. Flood, Fast splittable pseudorandom number generators, OOPSLA (2014) 453) started from
+ * mix(mix(seed + g) + (index + 1) g), where mix is its output function and g its increment. The starting
+ * points of two indices of one seed always differ.
+ *
+ * @param seed, index any numbers
+ * @param n how many words; none if it is not above 0
+ * @param[out] words n words */
+QKR_API void __vxsSeedWords(uint64_t seed, uint64_t index, int32_t n, uint32_t *words);
 
 /** The generator id that the stream was made with. */
 QKR_API uint32_t __vxsGetStreamStateBrng(const StreamState *stream);

@@ -3,7 +3,7 @@
  * generator. Distributions draw from them as from any other stream.
  *
  * An abstract stream can be read through the block entry of its type only; the two others return
- * VXS_STATUS_OTHER_TYPE. Reading also returns VXS_STATUS_NULL_POINTER if there is no buffer, and
+ * VXS_STATUS_OTHER_TYPE. Reading also returns VXS_STATUS_NULL_POINTER if there is no buffer or callback, and
  * VXS_STATUS_BAD_UPDATE or VXS_STATUS_NO_NUMBERS for what the callback reports. It can be neither split nor
  * moved. */
 #ifndef QKR_STREAMS_ABSTRACT_H
@@ -29,6 +29,10 @@ typedef int32_t (*AbstractUpdateS)(StreamState *stream, int32_t *size, float *bu
 /** @} */
 
 /** @name Constructors
+ * They hand their arguments to the generator's InitStream, as VXS_INIT_SEED and an array of addresses: of
+ * size, buffer, for reals lower and upper, and callback. A stream that was loaded from a file, and draws
+ * VXS_STATUS_NULL_POINTER, is connected again by that call.
+ *
  * What the buffer holds at the call is not read: the first draw calls the callback.
  *
  * @param[out] out the stream

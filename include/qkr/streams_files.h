@@ -17,20 +17,22 @@ QKR_BEGIN_DECLS
 /** Writes a stream to a file, which is replaced if it exists. Chunks of size 0 and records without a payload
  * cannot be written.
  *
- * What is left after a failure is the incomplete file. Addresses are written as they are, so an abstract
- * stream, or a quasi-random stream with more dimensions than its record holds, does not come back to life in
- * another process.
+ * What is left after a failure is the incomplete file. A generator of your own whose StateSize is below 16 or
+ * above 65551 has no place in a file: VXS_STATUS_BAD_STATE_SIZE, and no file is opened.
  *
  * @param stream the stream, not in use by another thread
  * @param name path; `length` characters, or up to the terminating 0 if length is negative
  * @return VXS_STATUS_OK, or what came first of VXS_STATUS_NO_MEMORY, VXS_STATUS_BAD_GENERATOR,
- * VXS_STATUS_FILE_OPEN, VXS_STATUS_FILE_WRITE; but always VXS_STATUS_FILE_CLOSE, if the file could not be
+ * VXS_STATUS_BAD_STATE_SIZE, VXS_STATUS_FILE_OPEN, VXS_STATUS_FILE_WRITE; but always VXS_STATUS_FILE_CLOSE, if the file could not be
  * closed */
 QKR_API int32_t __vxsSaveStreamF(const StreamState *stream, const char *name, int32_t length);
 
 /** Makes a stream from a file. It continues where the saved one was; its list of chunks runs the other way.
  *
- * The header is checked, the state is not: read files that you trust.
+ * Header and state are checked, so that a damaged file is refused or gives a stream that draws some numbers;
+ * the state of a generator of your own is yours to check. An abstract stream comes back without buffer and
+ * callback: draws answer VXS_STATUS_NULL_POINTER until the InitStream of its generator sets them anew, with
+ * params as in qkr/streams_abstract.h.
  *
  * @param[out] out the stream. It must be null or hold no live stream at the call: after any failure, what it
  * points at is deleted.
@@ -44,8 +46,8 @@ QKR_API int32_t __vxsLoadStreamF(StreamState **out, const char *name);
 /** @name Copies
  * @{ */
 
-/** Makes a second stream with the same id and state. The chunks are not copied: both streams point at the
- * same list, which only one of them may delete.
+/** Makes a second stream with the same id, state and chunks, each with data of its own. The data are copied
+ * byte for byte.
  * @return VXS_STATUS_OK, VXS_STATUS_BAD_GENERATOR or VXS_STATUS_NO_MEMORY */
 QKR_API int32_t __vxsCopyStream(StreamState **out, const StreamState *source);
 
@@ -53,7 +55,11 @@ QKR_API int32_t __vxsCopyStream(StreamState **out, const StreamState *source);
  * WordSize bytes behind the head, as far as both records reach. What lies beyond stays: MT2203 keeps its
  * member's parameters, MCG31M1 and MCG59 their multipliers, which leapfrog may have changed. Members of one
  * family count as the same generator.
- * @return VXS_STATUS_OK, or VXS_STATUS_OTHER_GENERATOR, with the bytes copied all the same */
+ *
+ * Quasi-random streams of more dimensions than the record holds exchange states only with those of the same
+ * generator and as many dimensions. Between different generators the bytes are copied all the same, but for
+ * what the destination could not draw from: then it stays as it was, as abstract streams always do.
+ * @return VXS_STATUS_OK or VXS_STATUS_OTHER_GENERATOR */
 QKR_API int32_t __vxsCopyStreamState(StreamState *destination, const StreamState *source);
 /** @} */
 
@@ -90,7 +96,7 @@ typedef struct StreamFileHeader {
 
 /** The name as a terminated string: itself for a negative length, else a copy. VXS_STATUS_NO_MEMORY */
 QKR_API void __vxsCreateString(int32_t *status, const char **string, const char *name, int32_t length);
-/** The header of a stream. VXS_STATUS_BAD_GENERATOR */
+/** The header of a stream. VXS_STATUS_BAD_GENERATOR, VXS_STATUS_BAD_STATE_SIZE */
 QKR_API void __vxsFillInFileHeader(int32_t *status, StreamFileHeader *header, const StreamState *stream);
 /** Opens a file for writing. *file is null unless that worked. VXS_STATUS_FILE_OPEN */
 QKR_API void __vxsOpenFileToWrite(int32_t *status, FILE **file, const char *name);

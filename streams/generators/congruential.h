@@ -64,13 +64,14 @@ QKR_INLINE void draw_congruential(typename Modulus::Word &state, typename Modulu
   Group words = {pair, times<Modulus>(pair, Modulus::factor(power2))};
   const auto onward = Modulus::factor(Modulus::times(power2, power2));
 
-  int i = 0;
+  ptrdiff_t i = 0;  // so that i + group does not overflow
   for (; i + group <= n; i += group) {
     put(output, out + i, Modulus::number(words));
     words = times<Modulus>(words, onward);
   }
   store(line, words);
-  emit<typename Modulus::Stretch>(line, n - i, out + i, output, [](auto v) { return Modulus::number(v); });
+  emit<typename Modulus::Stretch>(line, (int)(n - i), out + i, output,
+                                  [](auto v) { return Modulus::number(v); });
   state = line[n - i];
 }
 

@@ -1,6 +1,7 @@
 // MCG31M1: x' = 1132489760 x mod 2^31 - 1. P. L'Ecuyer, Tables of linear congruential generators of different
 // sizes and good lattice structure, Mathematics of Computation 68 (1999) 249.
 #include "streams/generators/congruential.h"
+#include "streams/generators/soundness.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -53,6 +54,14 @@ QKR_INLINE void fill(StreamState *stream, int32_t n, typename Output::Element *o
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
+
+#if QKR_BASELINE
+bool qkr::is_sound_mcg31m1(const StreamState *stream) {
+  const auto &state = payload_of<sse2::CongruentialState<uint32_t>>(stream);
+  const auto is_residue = [](uint32_t x) { return x > 0 && x < sse2::modulus; };
+  return is_residue(state.x) && is_residue(state.a);
+}
+#endif
 
 QKR_INIT_STREAM(__vxsBRngMCG31M1InitStream, CongruentialMethods<Mersenne31>)
 QKR_WORD_ENTRY(__vxsiBRngMCG31M1, fill(stream, n, out, Words{}))

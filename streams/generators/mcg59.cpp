@@ -1,5 +1,6 @@
 // MCG59: x' = 13^13 x mod 2^59 (NAG Library Manual, Mark 7, 1979: its basic generator).
 #include "streams/generators/congruential.h"
+#include "streams/generators/soundness.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -64,6 +65,13 @@ QKR_INLINE void fill(StreamState *stream, int32_t n, typename Output::Element *o
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
+
+#if QKR_BASELINE
+bool qkr::is_sound_mcg59(const StreamState *stream) {
+  const auto &state = payload_of<sse2::CongruentialState<uint64_t>>(stream);
+  return state.x <= sse2::mask && state.a <= sse2::mask;
+}
+#endif
 
 QKR_INIT_STREAM(__vxsBRngMCG59InitStream, CongruentialMethods<Power59>)
 QKR_WORD_ENTRY(__vxsiBRngMCG59, fill(stream, n, reinterpret_cast<uint64_t *>(out), LongWords{}))

@@ -1,4 +1,5 @@
 // MT19937: the Mersenne twister with a state of 624 words.
+#include "streams/generators/soundness.h"
 #include "streams/generators/twister.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
@@ -71,6 +72,13 @@ struct Methods : NotPartitioned {
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
+
+#if QKR_BASELINE
+bool qkr::is_sound_mt19937(const StreamState *stream) {
+  const auto &state = payload_of<sse2::Mt19937>(stream);
+  return state.index >= 0 && state.index <= sse2::Mt19937::words;
+}
+#endif
 
 QKR_INIT_STREAM(__vxsBRngMT19937InitStream, Methods)
 QKR_WORD_ENTRY(__vxsiBRngMT19937, fill(stream, n, out, Words{}))

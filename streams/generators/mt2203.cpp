@@ -1,6 +1,7 @@
 // MT2203: a family of 1024 Mersenne twisters with a state of 69 words each. Every member has a recurrence of
 // its own, with period 2^2203 - 1. M. Matsumoto and T. Nishimura, Dynamic creation of pseudorandom number
 // generators, Monte Carlo and Quasi-Monte Carlo Methods 1998 (2000) 56.
+#include "streams/generators/soundness.h"
 #include "streams/generators/twister.h"
 #include "streams/tables/tables.h"
 
@@ -80,7 +81,7 @@ QKR_INLINE void fill(StreamState *stream, int32_t n, typename Output::Element *o
   memset(line.storage, 0, sizeof(uint32_t) * Line::lead);
   memcpy(line.start(), state.mt, sizeof state.mt);
   while (n > 0) {
-    const int needed = (n + words - 1) / words, blocks = needed < most_blocks ? needed : most_blocks;
+    const int needed = n / words + (n % words != 0), blocks = needed < most_blocks ? needed : most_blocks;
     const int made = blocks * words, count = n < made ? n : made;
     line.extend(made, state.twist);
     emit(line.start() + words, count, out, output, tempering);
@@ -106,6 +107,13 @@ struct Methods : NotPartitioned {
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
+
+#if QKR_BASELINE
+bool qkr::is_sound_mt2203(const StreamState *stream) {
+  const auto &state = payload_of<sse2::Mt2203>(stream);
+  return state.index >= 0 && state.index <= sse2::Mt2203::words;
+}
+#endif
 
 QKR_INIT_STREAM(__vxsBRngMT2203InitStream, Methods)
 QKR_WORD_ENTRY(__vxsiBRngMT2203, fill(stream, n, out, Words{}))

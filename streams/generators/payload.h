@@ -12,6 +12,13 @@ template <class Payload>
 inline __attribute__((always_inline)) Payload &payload_of(StreamState *stream) {
   return *reinterpret_cast<Payload *>(stream + 1);
 }
+template <class Payload>
+inline __attribute__((always_inline)) const Payload &payload_of(const StreamState *stream) {
+  return *reinterpret_cast<const Payload *>(stream + 1);
+}
+
+// The newest chunk with this id, or null.
+const StreamChunk *find_chunk(const StreamState *stream, uint32_t id);
 
 inline __attribute__((always_inline)) int32_t family_member(const StreamState *stream) {
   int32_t row, member;

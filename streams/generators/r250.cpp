@@ -2,6 +2,7 @@
 // Stoll, A very fast shift-register sequence random number generator, Journal of Computational Physics 40
 // (1981) 517.
 #include "streams/generators/generator.h"
+#include "streams/generators/soundness.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -78,6 +79,14 @@ struct Methods : NotPartitioned {
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
+
+#if QKR_BASELINE
+bool qkr::is_sound_r250(const StreamState *stream) {
+  const auto &state = payload_of<sse2::R250>(stream);
+  const auto is_index = [](int32_t i) { return i >= 0 && i < sse2::words; };
+  return is_index(state.oldest) && is_index(state.partner);
+}
+#endif
 
 QKR_INIT_STREAM(__vxsBRngR250InitStream, Methods)
 QKR_WORD_ENTRY(__vxsiBRngR250, fill(stream, n, out, Words{}))

@@ -3,6 +3,7 @@
 // Applied Statistics 38 (1989) 351). The residues are doubles here: products stay below 2^48, so they are
 // exact.
 #include "streams/generators/congruential.h"
+#include "streams/generators/soundness.h"
 #include "streams/tables/tables.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
@@ -52,7 +53,7 @@ QKR_INLINE void fill(StreamState *stream, int32_t n, typename Output::Element *o
     m[j] = wichmann_hill::moduli[member][j];
   }
 
-  int i = 0;
+  ptrdiff_t i = 0;
   if (n >= 2 * lanes) {
     double line[components][lanes], onward[components];
     Two<f64> v[components];
@@ -89,7 +90,7 @@ QKR_INLINE void fill_words(StreamState *stream, int32_t n, uint32_t *out) {
   }
 
   constexpr int in_flight = 2 * lanes / components;  // elements
-  int i = 0;
+  ptrdiff_t i = 0;
   if (n >= 2 * in_flight) {
     double line[2 * lanes], onward[lanes], moduli[lanes], inverses[lanes];
     for (int j = 0; j < components; ++j) {
@@ -155,6 +156,17 @@ struct Methods {
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
+
+#if QKR_BASELINE
+bool qkr::is_sound_wichmann_hill(const StreamState *stream) {
+  const auto &state = payload_of<sse2::WichmannHill>(stream);
+  for (int j = 0; j < sse2::components; ++j) {
+    // Members may have been given the state of another one, whose moduli are larger.
+    if (state.x[j] >> 24 != 0 || state.a[j] >> 24 != 0) return false;
+  }
+  return true;
+}
+#endif
 
 QKR_INIT_STREAM(__vxsBRngWHInitStream, Methods)
 QKR_WORD_ENTRY(__vxsiBRngWH, fill_words(stream, n, out))

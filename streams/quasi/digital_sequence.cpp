@@ -15,28 +15,23 @@ uint32_t change(const uint32_t *row, uint32_t bits) {
   return sum;
 }
 
-// One block holds the record of the chunk, the point, the row addresses and the rows, so that it goes with
-// its chunk; the chunk's size names the record alone.
-LargeSequence *allocate_large(int32_t dim) {
-  const size_t count = static_cast<size_t>(dim), row_bytes = direction_numbers * sizeof(uint32_t);
-  const size_t head = sizeof(LargeSequence) + count * sizeof(uint32_t *);
-  auto *data = static_cast<LargeSequence *>(malloc(head + count * (row_bytes + sizeof(uint32_t))));
-  if (!data) return nullptr;
-  data->v = reinterpret_cast<uint32_t **>(data + 1);
-  auto *rows = reinterpret_cast<uint32_t *>(data->v + count);
-  for (size_t j = 0; j < count; ++j) data->v[j] = rows + j * direction_numbers;
-  data->x = rows + count * direction_numbers;
-  return data;
-}
-
 }  // namespace
 
-int32_t add_large_sequence(StreamState *stream, uint32_t chunk_id, int32_t dim) {
-  LargeSequence *data = allocate_large(dim);
+int32_t add_chunk_for(StreamState *stream, uint32_t chunk_id, int32_t dim) {
+  void *data = calloc(1, chunk_bytes(dim));  // the spare word of each row has a defined value in files
   if (!data) return VXS_STATUS_NO_MEMORY;
-  const int32_t status = __vxsAddChunk(stream, chunk_id, data, sizeof *data);
+  const int32_t status = __vxsAddChunk(stream, chunk_id, data, static_cast<uint32_t>(chunk_bytes(dim)));
   if (status != VXS_STATUS_OK) free(data);
   return status;
+}
+
+bool is_sound(const StreamState *stream, int32_t largest_dim, const StreamChunk *chunk) {
+  const auto &at = payload_of<SequencePosition>(stream);
+  if (at.dim < 1 || at.only_dim < -1 || at.only_dim >= at.dim || at.pending < 0 || at.pending >= at.dim) {
+    return false;
+  }
+  if (at.dim <= largest_dim) return true;
+  return chunk && at.dim <= most_dimensions && chunk->size == chunk_bytes(at.dim);
 }
 
 void start(const Sequence &s) {

@@ -10,11 +10,11 @@
 namespace qkr {
 
 constexpr int32_t direction_numbers = 32;  // of one dimension
-constexpr int32_t row_stride = 33;         // words from one dimension to the next in a record
+constexpr int32_t row_stride = 33;         // words from one dimension to the next
 
 struct SequencePosition {
-  uint32_t seq;  // index of the current point; the first one given out has index 1
-  int32_t dim;
+  uint32_t seq;      // index of the current point; the first one given out has index 1
+  int32_t dim;       // 0 where seeding was refused
   int32_t only_dim;  // -1, or the one dimension that is given out
   int32_t pending;   // components of the current point not given out yet, 0 at a boundary
 };
@@ -27,11 +27,12 @@ struct SequenceRecord {
   uint32_t v[G::largest_dim][row_stride];
 };
 
-// The data of chunk G::chunk_id, for more dimensions.
-struct LargeSequence {
-  uint32_t *x;
-  uint32_t **v;  // 32 words for each dimension
-};
+// More dimensions lie in chunk G::chunk_id: x, then v, for as many as there are. No addresses are among them,
+// so that a copy of the chunk, or its bytes in a file, are the sequence. A chunk's size is a 32-bit number.
+constexpr size_t chunk_bytes(int32_t dim) {
+  return static_cast<size_t>(dim) * (1 + row_stride) * sizeof(uint32_t);
+}
+constexpr int32_t most_dimensions = UINT32_MAX / chunk_bytes(1);
 
 struct Sobol {
   static constexpr int32_t largest_dim = 40;
@@ -46,27 +47,29 @@ struct Niederreiter {
 struct Sequence {
   SequencePosition *position;
   uint32_t *x;
-  uint32_t *record_rows;
-  uint32_t **chunk_rows;  // null when the rows lie in the record
+  uint32_t *rows;
 
-  QKR_INLINE uint32_t *row(int32_t j) const {
-    return chunk_rows ? chunk_rows[j] : record_rows + row_stride * j;
-  }
-  QKR_INLINE Sequence from(int32_t j) const {
-    return {position, x + j, record_rows + row_stride * j, chunk_rows ? chunk_rows + j : nullptr};
-  }
+  QKR_INLINE uint32_t *row(ptrdiff_t j) const { return rows + row_stride * j; }
+  QKR_INLINE Sequence from(int32_t j) const { return {position, x + j, row(j)}; }
+
+  // Not where seeding was refused, nor where the chunk was deleted.
+  QKR_INLINE bool exists() const { return position->dim > 0 && x; }
 };
 
 template <class G>
-QKR_INLINE Sequence sequence_in_record(StreamState *stream) {
-  auto &record = payload_of<SequenceRecord<G>>(stream);
-  return {&record.position, record.x, record.v[0], nullptr};
-}
-template <class G>
 QKR_INLINE Sequence sequence_of(StreamState *stream) {
-  const auto *data = static_cast<const LargeSequence *>(__vxsSearchChunk(stream, G::chunk_id));
-  if (!data) return sequence_in_record<G>(stream);
-  return {&payload_of<SequencePosition>(stream), data->x, nullptr, data->v};
+  auto &record = payload_of<SequenceRecord<G>>(stream);
+  const int32_t dim = record.position.dim;
+  if (dim <= G::largest_dim) return {&record.position, record.x, record.v[0]};
+  auto *words = static_cast<uint32_t *>(__vxsSearchChunk(stream, G::chunk_id));
+  return {&record.position, words, words + dim};
+}
+
+// The chunk of a stream with more dimensions than its record holds, or null.
+template <class G>
+const StreamChunk *chunk_of(const StreamState *stream) {
+  const bool large = payload_of<SequencePosition>(stream).dim > G::largest_dim;
+  return large ? find_chunk(stream, G::chunk_id) : nullptr;
 }
 
 // Which direction number leads from the point of index `seq` to the next: as many as `seq` has ones at its

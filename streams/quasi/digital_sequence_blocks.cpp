@@ -10,11 +10,7 @@ namespace {
 template <class Function>
 QKR_INLINE void for_each_change(const Sequence &s, int32_t dim, Function function) {
   const int c = next_direction(s.position->seq++);
-  if (s.chunk_rows) {
-    for (int32_t j = 0; j < dim; ++j) function(s.x[j], s.chunk_rows[j][c]);
-  } else {
-    for (int32_t j = 0; j < dim; ++j) function(s.x[j], s.record_rows[row_stride * j + c]);
-  }
+  for (int32_t j = 0; j < dim; ++j) function(s.x[j], s.row(j)[c]);
 }
 
 // One point after the other, without preparation.
@@ -175,17 +171,21 @@ QKR_INLINE void draw_points(const Sequence &s, int32_t dim, int32_t points, Elem
 }
 
 template <class Output>
-QKR_NOINLINE void draw(const Sequence &s, int32_t n, Element<Output> *out, Output output) {
+QKR_NOINLINE int32_t draw(const Sequence &s, int32_t n, Element<Output> *out, Output output) {
   SequencePosition &at = *s.position;
-  if (n <= 0) return;
-  if (at.only_dim >= 0) return draw_points(s.from(at.only_dim), 1, n, out, output);
+  if (!s.exists()) return VXS_STATUS_BAD_ARGUMENT;
+  if (n <= 0) return VXS_STATUS_OK;
+  if (at.only_dim >= 0) {
+    draw_points(s.from(at.only_dim), 1, n, out, output);
+    return VXS_STATUS_OK;
+  }
   if (at.pending > 0) {
     const int32_t count = n < at.pending ? n : at.pending;
     emit_words(s.x + at.dim - at.pending, count, out, output);
     out += count;
     n -= count;
     at.pending -= count;
-    if (at.pending > 0) return;
+    if (at.pending > 0) return VXS_STATUS_OK;
     for_each_change(s, at.dim, [](uint32_t &x, uint32_t change) { x ^= change; });
   }
   const int32_t points = n / at.dim, rest = n % at.dim;
@@ -194,17 +194,25 @@ QKR_NOINLINE void draw(const Sequence &s, int32_t n, Element<Output> *out, Outpu
     emit_words(s.x, rest, out + (n - rest), output);
     at.pending = at.dim - rest;
   }
+  return VXS_STATUS_OK;
 }
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
 // In single precision the difference of the ends is taken before it is widened.
-#define QKR_SEQUENCE_ENTRIES(G, words, reals, singles_name)                                          \
-  QKR_WORD_ENTRY(words, draw(sequence_of<G>(stream), n, out, Words{}))                               \
-  QKR_REAL_ENTRY(reals, double, draw(sequence_of<G>(stream), n, out, doubles((b - a) * 0x1p-32, a))) \
-  QKR_REAL_ENTRY(singles_name, float,                                                                \
-                 draw(sequence_of<G>(stream), n, out, singles((double)(b - a) * 0x1p-32, a)))
+#define QKR_SEQUENCE_ENTRIES(G, words, reals, reals_in_single)                                            \
+  QKR_ENTRY_OF(int32_t, words, (StreamState * stream, int32_t n, uint32_t * out), (stream, n, out)) {     \
+    return draw(sequence_of<G>(stream), n, out, Words{});                                                 \
+  }                                                                                                       \
+  QKR_ENTRY_OF(int32_t, reals, (StreamState * stream, int32_t n, double *out, double a, double b),        \
+               (stream, n, out, a, b)) {                                                                  \
+    return draw(sequence_of<G>(stream), n, out, doubles((b - a) * 0x1p-32, a));                           \
+  }                                                                                                       \
+  QKR_ENTRY_OF(int32_t, reals_in_single, (StreamState * stream, int32_t n, float *out, float a, float b), \
+               (stream, n, out, a, b)) {                                                                  \
+    return draw(sequence_of<G>(stream), n, out, singles((double)(b - a) * 0x1p-32, a));                   \
+  }
 
 QKR_SEQUENCE_ENTRIES(Sobol, __vxsiBRngSobol, __vxsdBRngSobol, __vxssBRngSobol)
 QKR_SEQUENCE_ENTRIES(Niederreiter, __vxsiBRngNiederr, __vxsdBRngNiederr, __vxssBRngNiederr)

@@ -22,7 +22,15 @@ inline int32_t degree_of(uint32_t polynomial) { return polynomial ? 31 - __built
 void copy_rows(const Sequence &s, const uint32_t *words);
 
 // Memory for `dim` dimensions in a new chunk. Returns a status.
-int32_t add_large_sequence(StreamState *stream, uint32_t chunk_id, int32_t dim);
+int32_t add_chunk_for(StreamState *stream, uint32_t chunk_id, int32_t dim);
+
+// Whether the position, and the chunk where there are more than `largest_dim` dimensions, fit together: a
+// file may bring any.
+bool is_sound(const StreamState *stream, int32_t largest_dim, const StreamChunk *chunk);
+template <class G>
+bool is_sound_sequence(const StreamState *stream) {
+  return is_sound(stream, G::largest_dim, chunk_of<G>(stream));
+}
 
 // Puts a sequence whose rows are filled on its first point.
 void start(const Sequence &s);
@@ -35,20 +43,22 @@ void skip_ahead(const Sequence &s, int32_t count);
 
 template <class G>
 struct SequenceMethods {
+  // A stream without dimensions remains where seeding fails; draws from it tell.
   static int32_t seed(StreamState *stream, int32_t n, const uint32_t *params) {
-    const int32_t dim = n > 0 ? static_cast<int32_t>(params[0]) : 1;
-    const bool user_array = n > 1 && dim > 0 && G::is_valid(n, params);
-    // A word alone that is out of range means one dimension; at the head of an array it is a mistake.
-    if (!user_array && n > 1 && dim > G::largest_dim) return VXS_STATUS_BAD_ARGUMENT;
-
     memset(stream + 1, 0,
            sizeof(SequenceRecord<G>));  // what no dimension uses has defined bytes in files too
-    if (user_array && dim > G::largest_dim) {
-      const int32_t status = add_large_sequence(stream, G::chunk_id, dim);
+    int32_t dim = n > 0 ? static_cast<int32_t>(params[0]) : 1;
+    const bool user_array = n > 1 && dim > 0 && G::is_valid(n, params);
+    // A word alone that is out of range means one dimension; at the head of an array it is a mistake.
+    if (dim > (user_array ? most_dimensions : G::largest_dim) && n > 1) return VXS_STATUS_BAD_ARGUMENT;
+    if (!user_array && (dim <= 0 || dim > G::largest_dim)) dim = 1;
+
+    if (dim > G::largest_dim) {
+      const int32_t status = add_chunk_for(stream, G::chunk_id, dim);
       if (status != VXS_STATUS_OK) return status;
     }
+    payload_of<SequencePosition>(stream).dim = dim;
     const Sequence s = sequence_of<G>(stream);
-    s.position->dim = user_array || (dim > 0 && dim <= G::largest_dim) ? dim : 1;
     user_array ? G::user_rows(s, params) : G::default_rows(s);
     start(s);
     return VXS_STATUS_OK;
@@ -56,7 +66,8 @@ struct SequenceMethods {
 
   static int32_t leapfrog(StreamState *stream, int32_t stride, const int32_t *index) {
     const Sequence s = sequence_of<G>(stream);
-    if (stride != 0x7fffffff || static_cast<uint32_t>(*index) >= static_cast<uint32_t>(s.position->dim)) {
+    const bool is_dimension = static_cast<uint32_t>(*index) < static_cast<uint32_t>(s.position->dim);
+    if (stride != 0x7fffffff || !is_dimension || !s.exists()) {
       return VXS_STATUS_NO_LEAPFROG;
     }
     qkr::leapfrog(s, *index);
@@ -64,8 +75,9 @@ struct SequenceMethods {
   }
 
   static int32_t skip_ahead(StreamState *stream, int32_t count) {
-    if (count <= 0) return VXS_STATUS_NO_SKIP_AHEAD;
-    qkr::skip_ahead(sequence_of<G>(stream), count);
+    const Sequence s = sequence_of<G>(stream);
+    if (count <= 0 || !s.exists()) return VXS_STATUS_NO_SKIP_AHEAD;
+    qkr::skip_ahead(s, count);
     return VXS_STATUS_OK;
   }
 };

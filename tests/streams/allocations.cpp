@@ -9,15 +9,26 @@ constinit thread_local Allocations allocations;
 
 using qkr::tests::allocations;
 
+static bool fails() { return allocations.until_failure > 0 && --allocations.until_failure == 0; }
+
+static void *counted(void *block) {
+  allocations.live += block != nullptr;
+  return block;
+}
+
 extern "C" {
 void *__real_malloc(size_t size);
+void *__real_calloc(size_t count, size_t size);
 void __real_free(void *block);
 
 void *__wrap_malloc(size_t size) {
-  if (allocations.until_failure > 0 && --allocations.until_failure == 0) return nullptr;
-  void *block = __real_malloc(size);
-  allocations.live += block != nullptr;
-  return block;
+  if (fails()) return nullptr;
+  return counted(__real_malloc(size));
+}
+
+void *__wrap_calloc(size_t count, size_t size) {
+  if (fails()) return nullptr;
+  return counted(__real_calloc(count, size));
 }
 
 void __wrap_free(void *block) {

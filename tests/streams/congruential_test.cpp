@@ -74,6 +74,17 @@ TEST(Congruential, PowersAreRepeatedProducts) {
     EXPECT_EQ(__vxsiPowMod2P31M1(base & 0x3fffffff, exponent), mersenne);
     EXPECT_EQ(__vxsiPowMod2P59(base, exponent), binary);
   }
+  // No residues from bases of 2^31 and above: products are folded once, to 32 bits.
+  for (const uint32_t base : {0x7fffffffu, 0x80000000u, 0x80000001u, 0xdeadbeefu, 0xffffffffu}) {
+    const auto fold = [](uint64_t product) {
+      const auto sum = static_cast<uint32_t>((product & 0x7fffffff) + (product >> 31));
+      return sum >= 0x7fffffff ? sum - 0x7fffffff : sum;
+    };
+    EXPECT_EQ(__vxsiPowMod2P31M1(base, 0), 1u);
+    EXPECT_EQ(__vxsiPowMod2P31M1(base, 1), fold(base));
+    EXPECT_EQ(__vxsiPowMod2P31M1(base, 2), fold(fold(uint64_t{base} * base)));
+  }
+  EXPECT_NE(__vxsiPowMod2P31M1(0xffffffff, 2), 1u);  // its residue is
   EXPECT_EQ(__vxsiPowMod(7, 0, 1), 1u);
   EXPECT_EQ(__vxsiPowMod2P31M1(7, 0x7ffffffe), 1u);  // Fermat
 }

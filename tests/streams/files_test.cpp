@@ -133,6 +133,93 @@ TEST_F(StreamFiles, FilesThatAreRefused) {
   }
 }
 
+// Words of the state that no generator draws from are no stream, and those at the ends of their ranges are.
+TEST_F(StreamFiles, DamagedStatesAreRefused) {
+  const struct {
+    uint32_t id;
+    Seeds seeds;
+    size_t word;
+    std::vector<uint32_t> good, bad;
+  } rows[] = {{0x100000, {777}, 0, {1, 0x7ffffffe}, {0, 0x7fffffff, ~0u}},
+              {0x100000, {777}, 1, {1, 0x7ffffffe}, {0, 0x7fffffff}},
+              {0x400000, {777}, 1, {0, 0x07ffffff}, {0x08000000, ~0u}},
+              {0x500000, {777}, 3, {0, 0xffffff}, {0x1000000, ~0u}},
+              {0x500000, {777}, 4, {127}, {~0u}},
+              {0x200000, {777}, 250, {0, 249}, {250, ~0u, 0x7fffffff}},
+              {0x200000, {777}, 251, {0, 249}, {250, ~0u, 0x80000000}},
+              {0x800000, {777}, 624, {0, 624}, {625, ~0u, 0x7fffffff}},
+              {0x900000, {777}, 69, {0, 69}, {70, ~0u, 0x80000000}},
+              {0x600000, {3}, 1, {1, 40}, {0, 41, ~0u}},
+              {0x600000, {3}, 2, {~0u, 0, 2}, {3, ~1u, 0x7fffffff}},
+              {0x600000, {3}, 3, {0, 2}, {3, ~0u}},
+              {0x700000, {318}, 1, {1, 318}, {0, 319, 0x80000000}}};
+  for (const auto &row : rows) {
+    const Stream stream = new_stream(row.id, row.seeds);
+    ASSERT_EQ(__vxsSaveStreamF(stream.get(), file.c_str(), -1), VXS_STATUS_OK);
+    const std::string saved = contents();
+    const auto status_with = [&](uint32_t word) {
+      write(std::string(saved).replace(16 + 4 * row.word, 4, reinterpret_cast<char *>(&word), 4));
+      StreamState *loaded = nullptr;
+      const int32_t status = load(&loaded);
+      if (loaded) draw_words(Stream(loaded), 3000);
+      return status;
+    };
+    SCOPED_TRACE(testing::Message() << std::hex << row.id << ", word " << row.word);
+    for (const uint32_t word : row.good) EXPECT_EQ(status_with(word), VXS_STATUS_OK) << word;
+    for (const uint32_t word : row.bad) EXPECT_EQ(status_with(word), VXS_STATUS_FILE_FORMAT) << word;
+  }
+}
+
+// Addresses mean nothing after loading: an abstract stream waits for new ones.
+TEST_F(StreamFiles, AbstractStreamsComeBackUnconnected) {
+  static double buffer[5];
+  static int calls = 0;
+  const AbstractUpdateD callback = [](StreamState *, int32_t *, double *, int32_t *, int32_t *, int32_t *) {
+    return ++calls, 1;
+  };
+  StreamState *made = nullptr, *loaded = nullptr;
+  ASSERT_EQ(__vxsdNewAbstractStream(&made, 5, buffer, 0, 1, callback), VXS_STATUS_OK);
+  const Stream stream(made);
+  draw_doubles(stream, 3);
+  ASSERT_EQ(__vxsSaveStreamF(made, file.c_str(), -1), VXS_STATUS_OK);
+  ASSERT_EQ(load(&loaded), VXS_STATUS_OK);
+  const Stream again(loaded);
+  double number;
+  EXPECT_EQ(generator_of(again).dBrng(loaded, 1, &number, 0, 1), VXS_STATUS_NULL_POINTER);
+  EXPECT_EQ(calls, 3);
+
+  const int32_t size = 5;
+  const double lower = 0, upper = 1, *const numbers = buffer;
+  const void *const params[] = {&size, &numbers, &lower, &upper, &callback};
+  EXPECT_EQ(generator_of(again).InitStream(VXS_INIT_SEED, loaded, 10, params), VXS_STATUS_OK);
+  draw_doubles(again, 1);
+  EXPECT_EQ(calls, 4);
+
+  const std::string saved = contents();
+  for (const auto &[word, value] : {std::pair{0, 0}, {0, 2}, {1, 5}, {1, -1}, {2, 6}, {2, -1}}) {
+    write(std::string(saved).replace(16 + 4 * word, 4, reinterpret_cast<const char *>(&value), 4));
+    StreamState *refused = nullptr;
+    EXPECT_EQ(load(&refused), VXS_STATUS_FILE_FORMAT) << word << ' ' << value;
+  }
+}
+
+// Memory that held something else before shows in no file.
+TEST_F(StreamFiles, EveryByteIsDefined) {
+  for (const Generator &g : all_generators()) {
+    std::string saved[2];
+    for (const int fill : {0x11, 0xee}) {
+      const auto size = static_cast<size_t>(generator_of(new_stream(g.id, g.seeds)).StateSize);
+      void *dirty = malloc(size);
+      memset(dirty, fill, size);
+      free(dirty);
+      const Stream stream = new_stream(g.id, g.seeds);
+      ASSERT_EQ(__vxsSaveStreamF(stream.get(), file.c_str(), -1), VXS_STATUS_OK);
+      saved[fill == 0xee] = contents();
+    }
+    EXPECT_EQ(saved[0], saved[1]) << g.name;
+  }
+}
+
 TEST_F(StreamFiles, WhatCannotBeOpenedWrittenOrClosed) {
   const Stream small = new_stream(0, {1}), large = new_stream(0x700000, {318}), odd = new_stream(0, {1});
   StreamState *loaded = nullptr;
@@ -242,7 +329,7 @@ TEST_F(StreamFiles, AllocationsThatFailLeaveNothingBehind) {
   };
   uint32_t buffer[1];
   EXPECT_EQ(making([](auto s) { return __vxsNewStreamEx(s, 0x100000, 0, nullptr); }), 1);
-  EXPECT_EQ(making([&](auto s) { return __vxsCopyStream(s, plain.get()); }), 1);
+  EXPECT_EQ(making([&](auto s) { return __vxsCopyStream(s, stream.get()); }), 5);
   EXPECT_EQ(making([&](auto s) { return load(s); }), 5);
   EXPECT_EQ(making([&](auto s) { return __vxsiNewAbstractStream(s, 1, buffer, [](auto...) { return 0; }); }),
             1);
@@ -255,17 +342,46 @@ TEST_F(StreamFiles, AllocationsThatFailLeaveNothingBehind) {
             1);
 }
 
-TEST(StreamCopies, SharesTheChunks) {
-  const Stream stream = new_stream(0x300000, {1, 2});
-  add_chunk(stream, 2, "x");
+TEST(StreamCopies, HaveChunksOfTheirOwn) {
+  Stream stream = new_stream(0x300000, {1, 2});
+  for (const char *text : {"first", "second", "third"})
+    add_chunk(stream, static_cast<uint32_t>(text[0]), text);
+  ASSERT_EQ(__vxsAddChunk(stream.get(), 4, nullptr, 8), VXS_STATUS_OK);
   draw_words(stream, 99);
   const Stream copy = copy_of(stream);
-  EXPECT_EQ(copy->chunks, stream->chunks);
   EXPECT_EQ(copy->brng, stream->brng);
   EXPECT_EQ(draw_words(copy, 99), draw_words(stream, 99));
-  copy->chunks = nullptr;
+  const StreamChunk *theirs = stream->chunks;
+  std::string texts;
+  for (const StreamChunk *ours = copy->chunks; ours; ours = ours->next, theirs = theirs->next) {
+    ASSERT_NE(theirs, nullptr);
+    EXPECT_EQ(ours->id, theirs->id);
+    EXPECT_TRUE(ours != theirs && (!ours->data || ours->data != theirs->data));
+    if (ours->data) texts += std::string(static_cast<const char *>(ours->data), ours->size);
+  }
+  EXPECT_EQ(theirs, nullptr);
+  EXPECT_EQ(texts, "thirdsecondfirst");
+  stream.reset();
+  EXPECT_EQ(__vxsGetNumChunks(copy.get()), 4);
   StreamState unknown = {0x500111, 1, nullptr}, *none = nullptr;
   EXPECT_EQ(__vxsCopyStream(&none, &unknown), VXS_STATUS_BAD_GENERATOR);
+}
+
+// What the bytes of one generator would make of another stays out of it; an abstract stream keeps its addresses.
+TEST(StreamCopies, ForeignStatesDoNoHarm) {
+  uint32_t buffer[4];
+  StreamState *made = nullptr;
+  ASSERT_EQ(__vxsiNewAbstractStream(&made, 4, buffer, [](auto...) { return 1; }), VXS_STATUS_OK);
+  const Stream abstract(made);
+  const std::string connected = payload(abstract);
+  const Stream source = new_stream(0x800000, Seeds(5, 0xdeadbeef));
+  for (const uint32_t id : {0x100000u, 0x200000u, 0x600000u, 0x700000u, 0x900000u}) {
+    const Stream destination = new_stream(id, {3}), before = copy_of(destination);
+    EXPECT_EQ(__vxsCopyStreamState(destination.get(), source.get()), VXS_STATUS_OTHER_GENERATOR);
+    EXPECT_EQ(draw_words(destination, 5000), draw_words(before, 5000)) << id;
+  }
+  EXPECT_EQ(__vxsCopyStreamState(abstract.get(), source.get()), VXS_STATUS_OTHER_GENERATOR);
+  EXPECT_EQ(payload(abstract), connected);
 }
 
 // How many bytes of the payload move, and what stays.

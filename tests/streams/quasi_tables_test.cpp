@@ -64,8 +64,7 @@ TEST(QuasiRandomTables, NiederreiterDirectionsFollowTheDefinition) {
       for (int u = 0; u < e && r < 32; ++u, ++r)
         for (int c = 0; c < 32; ++c) expected[c] |= static_cast<uint32_t>(w[u + c]) << (31 - r);
     }
-    EXPECT_TRUE(std::equal(expected, expected + 32, sequence_in_record<Niederreiter>(stream.get()).row(j)))
-        << j;
+    EXPECT_TRUE(std::equal(expected, expected + 32, sequence_of<Niederreiter>(stream.get()).row(j))) << j;
   }
 }
 

@@ -8,6 +8,7 @@
 #include <memory>
 #include <numeric>
 #include <random>
+#include <unistd.h>
 #include <vector>
 
 #include "streams/quasi/digital_sequence.h"
@@ -202,6 +203,84 @@ TEST(QuasiRandom, FailingAllocations) {
     const Words array = user_array(id, dim, 4);
     const uint32_t generator = id;  // clang 14 captures no structured bindings
     EXPECT_EQ(fail_each_allocation([&] { return status_of_new_stream(generator, array); }), 3);
+  }
+}
+
+// A stream that was refused tells so at every draw.
+TEST(QuasiRandom, RefusedStreamsAnswerNoNumbers) {
+  for (const auto &[id, dim] : {std::pair{kSobol, 41u}, {kNiederreiter, 319u}}) {
+    const Words array = {dim, 1, 1, 0};
+    StreamState *made = nullptr;
+    EXPECT_EQ(__vxsNewStreamEx(&made, id, 4, array.data()), VXS_STATUS_BAD_ARGUMENT);
+    const Stream s(made);
+    EXPECT_EQ(payload(s), std::string(payload(s).size(), 0));
+    uint32_t word;
+    double real;
+    float single;
+    EXPECT_EQ(generator_of(s).iBrng(made, 1, &word), VXS_STATUS_BAD_ARGUMENT);
+    EXPECT_EQ(generator_of(s).dBrng(made, 1, &real, 0, 1), VXS_STATUS_BAD_ARGUMENT);
+    EXPECT_EQ(generator_of(s).sBrng(made, 1, &single, 0, 1), VXS_STATUS_BAD_ARGUMENT);
+    EXPECT_EQ(skip(s, 1), VXS_STATUS_NO_SKIP_AHEAD);
+    EXPECT_EQ(leapfrog(s, kOneDimension, 0), VXS_STATUS_NO_LEAPFROG);
+  }
+}
+
+// Streams of more dimensions than the record holds own their rows: a copy, and what comes from a file, go on
+// when the first is gone.
+TEST(QuasiRandom, LargeStreamsAreCopiedAndSaved) {
+  const std::string file = testing::TempDir() + "qkr_large_" + std::to_string(getpid());
+  for (const auto &[id, dim] : {std::pair{kSobol, 41u}, {kSobol, 500u}, {kNiederreiter, 319u}}) {
+    Stream first = new_stream(id, user_array(id, dim, 4));
+    draw_words(first, 3 * static_cast<int32_t>(dim) + 7);
+    const Stream copy = copy_of(first);
+    ASSERT_EQ(__vxsSaveStreamF(first.get(), file.c_str(), -1), VXS_STATUS_OK);
+    StreamState *loaded = nullptr;
+    ASSERT_EQ(__vxsLoadStreamF(&loaded, file.c_str()), VXS_STATUS_OK);
+    const Stream second(loaded);
+    const int32_t n = 100 * static_cast<int32_t>(dim);
+    const Words words = draw_words(first, n);
+    first.reset();
+    EXPECT_EQ(draw_words(copy, n), words);
+    EXPECT_EQ(draw_words(second, n), words);
+
+    // With a chunk of another size, or without it, the file is refused.
+    copy->chunks->size -= 4;
+    ASSERT_EQ(__vxsSaveStreamF(copy.get(), file.c_str(), -1), VXS_STATUS_OK);
+    EXPECT_EQ(__vxsLoadStreamF(&(loaded = nullptr), file.c_str()), VXS_STATUS_FILE_FORMAT);
+    __vxsDeleteChunks(copy.get());
+    ASSERT_EQ(__vxsSaveStreamF(copy.get(), file.c_str(), -1), VXS_STATUS_OK);
+    EXPECT_EQ(__vxsLoadStreamF(&(loaded = nullptr), file.c_str()), VXS_STATUS_FILE_FORMAT);
+    uint32_t word;
+    EXPECT_EQ(generator_of(copy).iBrng(copy.get(), 1, &word), VXS_STATUS_BAD_ARGUMENT);
+  }
+  remove(file.c_str());
+}
+
+TEST(QuasiRandom, StatesMoveWhereTheyFit) {
+  const struct {
+    uint32_t from, from_dim, to, to_dim;
+    bool fits;
+  } rows[] = {{kSobol, 40, kSobol, 40, true},
+              {kSobol, 41, kSobol, 41, true},
+              {kSobol, 60, kSobol, 50, false},
+              {kSobol, 50, kSobol, 60, false},
+              {kSobol, 60, kSobol, 3, false},
+              {kSobol, 3, kSobol, 60, false},
+              {kSobol, 350, kNiederreiter, 350, false},
+              {kNiederreiter, 350, kNiederreiter, 319, false},
+              {kNiederreiter, 319, kNiederreiter, 319, true},
+              {0x800000, 1, kSobol, 60, false}};
+  for (const auto &row : rows) {
+    SCOPED_TRACE(testing::Message() << row.from_dim << " to " << row.to_dim);
+    const auto make = [](uint32_t id, uint32_t dim) {
+      const bool large = (id == kSobol && dim > 40) || (id == kNiederreiter && dim > 318);
+      return new_stream(id, large ? user_array(id, dim, 4) : Words{dim});
+    };
+    const Stream from = make(row.from, row.from_dim), to = make(row.to, row.to_dim), before = copy_of(to);
+    draw_words(from, 100);
+    EXPECT_EQ(__vxsCopyStreamState(to.get(), from.get()),
+              row.fits ? VXS_STATUS_OK : VXS_STATUS_OTHER_GENERATOR);
+    EXPECT_EQ(draw_words(to, 5000), draw_words(row.fits ? from : before, 5000));
   }
 }
 

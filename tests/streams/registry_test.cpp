@@ -157,6 +157,27 @@ TEST(Registry, TakesUserGenerators) {
   EXPECT_EQ(__vxsCopyStreamState(copy.get(), head.get()), VXS_STATUS_OK);
 }
 
+// A state that no file holds is refused before there is a file.
+TEST(Registry, SizesThatCannotBeSaved) {
+  const auto nothing = [](int32_t, StreamState *, int32_t, const void *) { return 0; };
+  for (const auto &[size, status] : {std::pair{0, VXS_STATUS_BAD_STATE_SIZE},
+                                     {8, VXS_STATUS_BAD_STATE_SIZE},
+                                     {15, VXS_STATUS_BAD_STATE_SIZE},
+                                     {16, VXS_STATUS_FILE_WRITE},
+                                     {17, VXS_STATUS_OK},
+                                     {65551, VXS_STATUS_OK},
+                                     {65552, VXS_STATUS_BAD_STATE_SIZE},
+                                     {INT32_MAX, VXS_STATUS_BAD_STATE_SIZE}}) {
+    const BrngRecord generator = {size, 3, 1, 4, 32, nothing, no_singles, no_doubles, count};
+    const int32_t id = __vxsRegisterBrng(&generator);
+    ASSERT_GT(id, 0);
+    StreamState small = {static_cast<uint32_t>(id), 1, nullptr};  // nothing behind it is read if refused
+    const Stream stream = status == VXS_STATUS_BAD_STATE_SIZE ? nullptr : new_stream(small.brng, {});
+    EXPECT_EQ(__vxsSaveStreamF(stream ? stream.get() : &small, "/dev/null", -1), status) << size;
+    if (size < INT32_MAX) copy_of(new_stream(small.brng, {}));
+  }
+}
+
 TEST(Stream, BeginsWithItsHead) {
   for (const uint32_t id : {0u, 140u, 0x500003u, 0x900005u}) {
     const Stream stream = new_stream(id, {1});
@@ -182,6 +203,7 @@ TEST(Stream, DeletingClearsThePointer) {
   EXPECT_EQ(__vxsAddChunk(stream, 3, nullptr, 0), VXS_STATUS_OK);
   EXPECT_EQ(__vxsDeleteStream(&stream), VXS_STATUS_OK);
   EXPECT_EQ(stream, nullptr);
+  EXPECT_EQ(__vxsDeleteStream(&stream), VXS_STATUS_NULL_POINTER);
 }
 
 TEST(Chunks, TheNewestComesFirst) {
