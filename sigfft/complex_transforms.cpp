@@ -1,28 +1,53 @@
 // The complex transforms: checks, work buffer, choice of the path.
+#include <utility>
+
 #include "sigfft/arrays/memory.h"
 #include "sigfft/dispatch.h"
 
 namespace qkr::sigfft {
 namespace {
 
-// Numbers in as many arrays as `arrays` has: source and result interleaved, or each as real and imaginary
-// parts.
-template <EntrySet set, bool forward, class T, class... Arrays>
-zprStatus run(int32_t id, const void *opaque, uint8_t *work, Arrays... arrays) {
-  const auto plan = (const Plan<T> *)opaque;
+template <EntrySet set, class T, class... Arrays>
+zprStatus check(const Plan<T> *plan, int32_t id, Arrays... arrays) {
   if (!plan) return zprStsNullPtrErr;
   if (!is_of<set>(plan, id)) return zprStsContextMatchErr;
   if ((!arrays || ...)) return zprStsNullPtrErr;
+  return zprStsNoErr;
+}
+
+template <EntrySet set, bool forward, class T>
+zprStatus run(int32_t id, const void *opaque, uint8_t *work, const T *src, T *dst) {
+  const auto plan = (const Plan<T> *)opaque;
+  if (const zprStatus status = check<set>(plan, id, src, dst)) return status;
+  const bool norm = forward ? plan->forward_norm : plan->inverse_norm;
   if (plan->order <= largest_fixed_order) {
-    const bool norm = forward ? plan->forward_norm : plan->inverse_norm;
-    if constexpr (sizeof...(arrays) == 2)
-      fixed_code<T>.complex[forward][norm][plan->order](arrays..., plan->norm_factor);
-    else fixed_code<T>.split[forward][norm][plan->order](arrays..., plan->norm_factor);
+    fixed_code<T>.complex[forward][norm][plan->order](src, dst, plan->norm_factor);
     return zprStsNoErr;
   }
   const WorkBuffer<T> buffer(plan->work_bytes, work);
   if (buffer.failed) return zprStsMemAllocErr;
-  transform<set, forward>(plan, arrays..., plan->order, buffer.start);
+  transform<set, forward>(plan, src, dst, plan->order, norm, buffer.start);
+  return zprStsNoErr;
+}
+
+// The inverse transform of (re, im) is the forward one of (im, re), with the results exchanged as well.
+template <EntrySet set, bool forward, class T>
+zprStatus run_split(int32_t id, const void *opaque, uint8_t *work, const T *src_re, const T *src_im,
+                    T *dst_re, T *dst_im) {
+  if constexpr (!forward) {
+    std::swap(src_re, src_im);
+    std::swap(dst_re, dst_im);
+  }
+  const auto plan = (const Plan<T> *)opaque;
+  if (const zprStatus status = check<set>(plan, id, src_re, src_im, dst_re, dst_im)) return status;
+  const bool norm = forward ? plan->forward_norm : plan->inverse_norm;
+  if (plan->order <= largest_fixed_order) {
+    fixed_code<T>.split[norm][plan->order](src_re, src_im, dst_re, dst_im, plan->norm_factor);
+    return zprStsNoErr;
+  }
+  const WorkBuffer<T> buffer(plan->work_bytes, work);
+  if (buffer.failed) return zprStsMemAllocErr;
+  transform<set>(plan, src_re, src_im, dst_re, dst_im, plan->order, norm, buffer.start);
   return zprStsNoErr;
 }
 
@@ -41,7 +66,7 @@ using namespace qkr::sigfft;
 #define QKR_SPLIT(set, forward, T, p, name, in_place)                                                      \
   zprStatus name(const T *src_re, const T *src_im, T *dst_re, T *dst_im, const zprsFFTSpec_C_##p##f *plan, \
                  uint8_t *work) {                                                                          \
-    return run<EntrySet::set, forward, T>(id_C_##p##f, plan, work, src_re, src_im, dst_re, dst_im);        \
+    return run_split<EntrySet::set, forward>(id_C_##p##f, plan, work, src_re, src_im, dst_re, dst_im);     \
   }                                                                                                        \
   zprStatus in_place(T *data_re, T *data_im, const zprsFFTSpec_C_##p##f *plan, uint8_t *work) {            \
     return name(data_re, data_im, data_re, data_im, plan, work);                                           \

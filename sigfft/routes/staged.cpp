@@ -103,14 +103,13 @@ QKR_INLINE void transform(Source source, Area area, Target target, size_t n, con
 }  // namespace qkr::QKR_SIMD_LEVEL
 
 // The result's own memory serves as the work area where it is not also the source.
-#define QKR_STAGED(direction, forward, T, suffix)                                                    \
-  QKR_ENTRY(w6_zprs_staged##direction##_##suffix##c,                                                 \
-            (const T *src, T *dst, int32_t n, const T *twiddles, const uint32_t *reversal, T *work), \
-            (src, dst, n, twiddles, reversal, work)) {                                               \
-    const Interleaved<T> area = {src != dst && (size_t)dst % 16 == 0 ? dst : work};                  \
-    transform<forward>(Interleaved<const T>{src}, area, Interleaved<T>{dst}, n, twiddles, reversal); \
+#define QKR_STAGED(name, forward, T)                                                                       \
+  QKR_ENTRY(name, (const T *src, T *dst, int32_t n, const T *twiddles, const uint32_t *reversal, T *work), \
+            (src, dst, n, twiddles, reversal, work)) {                                                     \
+    const Interleaved<T> area = {src != dst && (size_t)dst % 16 == 0 ? dst : work};                        \
+    transform<forward>(Interleaved<const T>{src}, area, Interleaved<T>{dst}, n, twiddles, reversal);       \
   }
-QKR_STAGED(Fwd, true, double, 64f)
-QKR_STAGED(Inv, false, double, 64f)
-QKR_STAGED(Fwd, true, float, 32f)
-QKR_STAGED(Inv, false, float, 32f)
+QKR_STAGED(w6_zprs_stagedFwd_64fc, true, double)
+QKR_STAGED(w6_zprs_stagedInv_64fc, false, double)
+QKR_STAGED(w6_zprs_stagedFwd_32fc, true, float)
+QKR_STAGED(w6_zprs_stagedInv_32fc, false, float)
