@@ -1,54 +1,38 @@
 // The complex transforms: checks, work buffer, choice of the path.
-#include <utility>
-
 #include "sigfft/arrays/memory.h"
 #include "sigfft/dispatch.h"
 
 namespace qkr::sigfft {
 namespace {
 
-template <EntrySet set, class T, class... Arrays>
-zprStatus check(const Plan<T> *plan, int32_t id, Arrays... arrays) {
+// Numbers in as many arrays as `arrays` has: source and result interleaved, or each as real and imaginary
+// parts.
+template <EntrySet set, bool forward, class T, class... Arrays>
+zprStatus run(int32_t id, const void *opaque, uint8_t *work, Arrays... arrays) {
+  constexpr bool split = sizeof...(arrays) == 4;
+  const auto plan = (const Plan<T> *)opaque;
   if (!plan) return zprStsNullPtrErr;
   if (!is_of<set>(plan, id)) return zprStsContextMatchErr;
   if ((!arrays || ...)) return zprStsNullPtrErr;
-  return zprStsNoErr;
-}
-
-template <EntrySet set, bool forward, class T>
-zprStatus run(int32_t id, const void *opaque, uint8_t *work, const T *src, T *dst) {
-  const auto plan = (const Plan<T> *)opaque;
-  if (const zprStatus status = check<set>(plan, id, src, dst)) return status;
   const bool norm = forward ? plan->forward_norm : plan->inverse_norm;
   if (plan->order <= largest_fixed_order) {
-    fixed_code<T>.complex[forward][norm][plan->order](src, dst, plan->norm_factor);
+    if constexpr (split) fixed_code<T>.split[norm][plan->order](arrays..., plan->norm_factor);
+    else fixed_code<T>.complex[forward][norm][plan->order](arrays..., plan->norm_factor);
     return zprStsNoErr;
   }
   const WorkBuffer<T> buffer(plan->work_bytes, work);
   if (buffer.failed) return zprStsMemAllocErr;
-  transform<set, forward>(plan, src, dst, plan->order, norm, buffer.start);
+  if constexpr (split) transform<set>(plan, arrays..., plan->order, norm, buffer.start);
+  else transform<set, forward>(plan, arrays..., plan->order, norm, buffer.start);
   return zprStsNoErr;
 }
 
 // The inverse transform of (re, im) is the forward one of (im, re), with the results exchanged as well.
 template <EntrySet set, bool forward, class T>
-zprStatus run_split(int32_t id, const void *opaque, uint8_t *work, const T *src_re, const T *src_im,
-                    T *dst_re, T *dst_im) {
-  if constexpr (!forward) {
-    std::swap(src_re, src_im);
-    std::swap(dst_re, dst_im);
-  }
-  const auto plan = (const Plan<T> *)opaque;
-  if (const zprStatus status = check<set>(plan, id, src_re, src_im, dst_re, dst_im)) return status;
-  const bool norm = forward ? plan->forward_norm : plan->inverse_norm;
-  if (plan->order <= largest_fixed_order) {
-    fixed_code<T>.split[norm][plan->order](src_re, src_im, dst_re, dst_im, plan->norm_factor);
-    return zprStsNoErr;
-  }
-  const WorkBuffer<T> buffer(plan->work_bytes, work);
-  if (buffer.failed) return zprStsMemAllocErr;
-  transform<set>(plan, src_re, src_im, dst_re, dst_im, plan->order, norm, buffer.start);
-  return zprStsNoErr;
+zprStatus run_split(int32_t id, const void *plan, uint8_t *work, const T *src_re, const T *src_im, T *dst_re,
+                    T *dst_im) {
+  if constexpr (forward) return run<set, true, T>(id, plan, work, src_re, src_im, dst_re, dst_im);
+  else return run<set, false, T>(id, plan, work, src_im, src_re, dst_im, dst_re);
 }
 
 }  // namespace

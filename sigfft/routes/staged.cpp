@@ -76,27 +76,14 @@ QKR_NOINLINE void long_transform(Source source, Area area, Target target, size_t
   run_passes<forward>(Apart(), source, area, target, __builtin_ctzll(n), table, reversal);
 }
 
-template <bool forward, class Source, class Area, class Target, class T>
+template <bool forward, int order = largest_fixed_order + 1, class Source, class Area, class Target, class T>
 QKR_INLINE void transform(Source source, Area area, Target target, size_t n, const T *table,
                           const uint32_t *reversal) {
-  switch (n) {
-    case 1 << 4:
-      return short_transform<forward, 4>(source, area, target, table, reversal);
-    case 1 << 5:
-      return short_transform<forward, 5>(source, area, target, table, reversal);
-    case 1 << 6:
-      return short_transform<forward, 6>(source, area, target, table, reversal);
-    case 1 << 7:
-      return short_transform<forward, 7>(source, area, target, table, reversal);
-    case 1 << 8:
-      return short_transform<forward, 8>(source, area, target, table, reversal);
-    case 1 << 9:
-      return short_transform<forward, 9>(source, area, target, table, reversal);
-    case 1 << 10:
-      return short_transform<forward, 10>(source, area, target, table, reversal);
-    default:
-      return long_transform<forward>(source, area, target, n, table, reversal);
-  }
+  constexpr int longest_in_one = 10;
+  if (n == 1 << order) short_transform<forward, order>(source, area, target, table, reversal);
+  else if constexpr (order < longest_in_one)
+    transform<forward, order + 1>(source, area, target, n, table, reversal);
+  else long_transform<forward>(source, area, target, n, table, reversal);
 }
 
 }  // namespace
