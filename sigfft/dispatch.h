@@ -34,7 +34,8 @@ struct SplitKernels {
 template <class T>
 constexpr SplitKernels<T> split_kernels = {w6_zprs_staged_64f, w6_zprs_large_64f, zprs_plain_64f};
 template <>
-constexpr SplitKernels<float> split_kernels<float> = {w6_zprs_staged_32f, w6_zprs_large_32f, zprs_plain_32f};
+inline constexpr SplitKernels<float> split_kernels<float> = {w6_zprs_staged_32f, w6_zprs_large_32f,
+                                                             zprs_plain_32f};
 
 inline void multiply(double *data, ptrdiff_t count, double factor) { zprs_multiply_64f(data, count, factor); }
 inline void multiply(float *data, ptrdiff_t count, float factor) { zprs_multiply_32f(data, count, factor); }
