@@ -22,8 +22,8 @@ constexpr size_t best_alignment = 64;
 void *allocate_block(size_t bytes);
 void release_block(void *block);
 
-// The work buffer of one call: one of its own, or the caller's, which has 16 bytes more for the rounding of
-// its start.
+// The work buffer of one call: one of its own, or the caller's. That has 16 bytes more for the rounding of its
+// start, which leaves no room for the best alignment.
 template <class T>
 struct WorkBuffer {
   T *start = nullptr;
@@ -33,8 +33,7 @@ struct WorkBuffer {
   WorkBuffer(int32_t bytes, uint8_t *callers) {
     if (bytes <= 0) return;
     if (callers) {
-      const size_t address = (size_t)callers, best = round_up(address, best_alignment);
-      start = (T *)(best <= address + 16 ? best : align16(address));
+      start = (T *)align16(callers);
     } else {
       start = (T *)(own = allocate_block((size_t)bytes));
       failed = !own;
