@@ -9,21 +9,30 @@ namespace {
 // parts.
 template <EntrySet set, bool forward, class T, class... Arrays>
 zprStatus run(int32_t id, const void *opaque, uint8_t *work, Arrays... arrays) {
+  constexpr bool split = sizeof...(arrays) == 4;
   const auto plan = (const Plan<T> *)opaque;
   if (!plan) return zprStsNullPtrErr;
   if (!is_of<set>(plan, id)) return zprStsContextMatchErr;
   if ((!arrays || ...)) return zprStsNullPtrErr;
+  const bool norm = forward ? plan->forward_norm : plan->inverse_norm;
   if (plan->order <= largest_fixed_order) {
-    const bool norm = forward ? plan->forward_norm : plan->inverse_norm;
-    if constexpr (sizeof...(arrays) == 2)
-      fixed_code<T>.complex[forward][norm][plan->order](arrays..., plan->norm_factor);
-    else fixed_code<T>.split[forward][norm][plan->order](arrays..., plan->norm_factor);
+    if constexpr (split) fixed_code<T>.split[norm][plan->order](arrays..., plan->norm_factor);
+    else fixed_code<T>.complex[forward][norm][plan->order](arrays..., plan->norm_factor);
     return zprStsNoErr;
   }
   const WorkBuffer<T> buffer(plan->work_bytes, work);
   if (buffer.failed) return zprStsMemAllocErr;
-  transform<set, forward>(plan, arrays..., plan->order, buffer.start);
+  if constexpr (split) transform<set>(plan, arrays..., plan->order, norm, buffer.start);
+  else transform<set, forward>(plan, arrays..., plan->order, norm, buffer.start);
   return zprStsNoErr;
+}
+
+// The inverse transform of (re, im) is the forward one of (im, re), with the results exchanged as well.
+template <EntrySet set, bool forward, class T>
+zprStatus run_split(int32_t id, const void *plan, uint8_t *work, const T *src_re, const T *src_im, T *dst_re,
+                    T *dst_im) {
+  if constexpr (forward) return run<set, true, T>(id, plan, work, src_re, src_im, dst_re, dst_im);
+  else return run<set, false, T>(id, plan, work, src_im, src_re, dst_im, dst_re);
 }
 
 }  // namespace
@@ -41,7 +50,7 @@ using namespace qkr::sigfft;
 #define QKR_SPLIT(set, forward, T, p, name, in_place)                                                      \
   zprStatus name(const T *src_re, const T *src_im, T *dst_re, T *dst_im, const zprsFFTSpec_C_##p##f *plan, \
                  uint8_t *work) {                                                                          \
-    return run<EntrySet::set, forward, T>(id_C_##p##f, plan, work, src_re, src_im, dst_re, dst_im);        \
+    return run_split<EntrySet::set, forward>(id_C_##p##f, plan, work, src_re, src_im, dst_re, dst_im);     \
   }                                                                                                        \
   zprStatus in_place(T *data_re, T *data_im, const zprsFFTSpec_C_##p##f *plan, uint8_t *work) {            \
     return name(data_re, data_im, data_re, data_im, plan, work);                                           \

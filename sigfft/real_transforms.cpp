@@ -11,8 +11,8 @@ enum class Format { Perm, Pack, CCS };
 
 template <class T>
 struct RealKernels {
-  void (*recombine)(T *data, int32_t half, int32_t direction, const T *table);
-  void (*recombine_inverse)(const T *src, T *dst, int32_t half, int32_t direction, const T *table);
+  void (*recombine)(T *data, int32_t half, const T *table);
+  void (*recombine_inverse)(const T *src, T *dst, int32_t half, const T *table);
   void (*sixteen[2])(const Plan<T> *plan, const T *src, T *dst, int32_t last);  // inverse, forward
 };
 #define QKR_REAL_KERNELS(prefix, suffix)                                      \
@@ -73,9 +73,9 @@ void forward_transform(const Plan<T> *plan, const T *src, T *dst, T *work) {
   if (plan->order <= largest_fixed_order) {
     fixed_code<T>.real[true][plan->forward_norm][plan->order](src, dst, plan->norm_factor);
   } else {
-    transform<set, true>(plan, src, dst, plan->order - 1, work);
+    transform<set, true>(plan, src, dst, plan->order - 1, plan->forward_norm, work);
     butterfly(dst[0], dst[1], dst);
-    real_kernels<set, T>.recombine(dst, (int32_t)(n / 2), 1, plan->forward_real);
+    real_kernels<set, T>.recombine(dst, (int32_t)(n / 2), plan->forward_real);
   }
   from_perm<format>(dst, n);
 }
@@ -92,8 +92,8 @@ void inverse_transform(const Plan<T> *plan, const T *src, T *dst, T *work) {
     return fixed_code<T>.real[false][plan->inverse_norm][plan->order](src, dst, plan->norm_factor);
   }
   butterfly(src[0], src[format == Format::CCS ? n : 1], dst);
-  real_kernels<set, T>.recombine_inverse(src, dst, (int32_t)(n / 2), -1, plan->inverse_real);
-  transform<set, false>(plan, dst, dst, plan->order - 1, work);
+  real_kernels<set, T>.recombine_inverse(src, dst, (int32_t)(n / 2), plan->inverse_real);
+  transform<set, false>(plan, dst, dst, plan->order - 1, plan->inverse_norm, work);
 }
 
 template <EntrySet set, bool forward, Format format, class T>

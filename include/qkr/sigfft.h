@@ -4,8 +4,8 @@
  *
  * The functions come in two sets, with and without the prefix `w6_`, that take the same arguments, give the
  * same statuses and may share memory, but not plans. Prefer the `w6_` functions: they are the faster ones for
- * long transforms. Those without the prefix need less work memory: none at all up to 512 points (1024 in
- * single precision).
+ * long transforms. Those without the prefix need less work memory: none at all up to 2048 complex or 4096
+ * real points (twice as many in single precision).
  *
  * Every function returns a ::zprStatus; when it is not ::zprStsNoErr, nothing has been written to the
  * results. */
@@ -27,7 +27,7 @@ enum {
   zprStsMemAllocErr = -9,      /**< an allocation inside the call failed */
   zprStsFftOrderErr = -15,     /**< the order of a transform is not within 0 to 30 */
   zprStsFftFlagErr = -16,      /**< the normalisation flag is not 1, 2, 4 or 8 */
-  zprStsContextMatchErr = -17, /**< the plan is of another kind, or has been released */
+  zprStsContextMatchErr = -17, /**< the plan is of another kind or set, or has been released */
 };
 
 /** @name Complex elements
@@ -55,7 +55,7 @@ typedef struct {
 
 /** @name Plan types
  * Opaque records, made by the functions of sigfft_plan.h. A plan is used with functions of the set that made
- * it.
+ * it; those of the other set refuse it with ::zprStsContextMatchErr.
  * @{ */
 typedef struct zprsFFTSpec_C_32fc zprsFFTSpec_C_32fc;
 typedef struct zprsFFTSpec_C_32f zprsFFTSpec_C_32f;
@@ -66,8 +66,8 @@ typedef struct zprsFFTSpec_R_64f zprsFFTSpec_R_64f;
 /** @} */
 
 /** @name Allocation
- * An array of `len` elements at an address that is a multiple of 32, not initialised. Transforms work with
- * arrays of any alignment, and fastest with such.
+ * An array of `len` elements at an address that is a multiple of 64, not initialised. Transforms work with
+ * arrays and work buffers of any alignment, and fastest with such.
  * @return the array, or null if `len` is less than 1 or the system has no memory.
  * @{ */
 QKR_API uint8_t *w6_zprsMalloc_8u(int32_t len);

@@ -135,9 +135,9 @@ QKR_API zprStatus zprsConvert_16f16s_Sfs(const uint16_t *src, int16_t *dst, int3
  * mode truncates toward zero. The wider format holds every value of the narrower one, NaNs with their
  * fractions.
  *
- * In half precision every NaN becomes 0x7DFF with its sign, and what is too large becomes an infinity, also
- * in truncation. Of the values that round to zero or to the least subnormal number, half of that number,
- * 2^-25, goes up.
+ * In half precision every NaN becomes 0x7DFF with its sign, and what is too large, up to the largest number,
+ * becomes an infinity, also in truncation. Of the values that round to zero or to the least subnormal number,
+ * half of that number, 2^-25, goes up.
  * @{ */
 QKR_API zprStatus zprsConvert_16f32f(const uint16_t *src, float *dst, int32_t len);
 QKR_API zprStatus zprsConvert_32f16f(const float *src, uint16_t *dst, int32_t len, uint32_t mode);

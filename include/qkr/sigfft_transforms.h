@@ -5,12 +5,14 @@
  * the flag of its plan says. `dst` may be `src`; other overlap is not allowed. The functions with `_I` work
  * in place.
  *
- * `work` is a work buffer of at least as many bytes as GetBufSize of the plan tells, of any alignment, which
- * no other thread uses meanwhile; or null: then the call allocates one for itself.
+ * `work` is a work buffer of at least as many bytes as GetBufSize of the plan tells, which no other thread
+ * uses meanwhile; or null: then the call allocates one for itself. Its alignment is free, like that of the
+ * arrays, but addresses that are multiples of 64, as those of w6_zprsMalloc_8u, are the fastest.
  *
  * Accuracy: the relative root-mean-square error grows as the square root of `order`, from about 1e-16 at
  * order 4 to 3e-16 at order 18 (single precision: 0.5e-7 to 1.6e-7). Results are the same bits on every
- * processor, in place or not, whatever the alignment.
+ * processor, in place or not, whatever the alignment; where a result is a NaN, they agree in that, and not in
+ * its sign and fraction.
  *
  * Every function returns zprStsNullPtrErr (plan), zprStsContextMatchErr, zprStsNullPtrErr (data),
  * zprStsMemAllocErr (work buffer), in this order.
@@ -186,8 +188,8 @@ QKR_API zprStatus zprsFFTInv_CCSToR_64f_I(double *data, const zprsFFTSpec_R_64f 
  *
  * `table` is the list of pairs for n: with rev the reversal of order - 2 bits, it holds 4 j and 4 rev(j) for
  * each j below n / 4 with j < rev(j); then 0; then, up to element n / 4 - 1, the numbers 4 j above 0 with
- * j = rev(j), in descending order; and 0 in element n / 4. `BitRev1` of n below 4 and `BitRev2` do not read
- * it.
+ * j = rev(j), in descending order; and 0 in element n / 4. `BitRev1` of n below 4 and `BitRev2` do not
+ * read it.
  * @{
  */
 QKR_API void w6_zprs_BitRev1_4(void *data, int32_t n, const uint32_t *table);

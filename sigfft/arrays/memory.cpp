@@ -8,10 +8,9 @@
 namespace qkr::sigfft {
 
 void *allocate_block(size_t bytes) {
-  constexpr size_t alignment = 32;
-  const auto start = (char *)malloc(bytes + alignment + sizeof(void *));
+  const auto start = (char *)malloc(bytes + best_alignment + sizeof(void *));
   if (!start) return nullptr;
-  const auto block = (void **)(((size_t)start + alignment + sizeof(void *) - 1) & ~(alignment - 1));
+  const auto block = (void **)round_up((size_t)start + sizeof(void *), best_alignment);
   block[-1] = start;
   return block;
 }

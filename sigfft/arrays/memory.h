@@ -6,18 +6,24 @@
 
 namespace qkr::sigfft {
 
-// Memory at a multiple of 32, or null; release_block is zprsFree.
-void *allocate_block(size_t bytes);
-void release_block(void *block);
-
-constexpr size_t align16(size_t bytes) { return (bytes + 15) & ~size_t{15}; }
+constexpr size_t round_up(size_t address, size_t alignment) {
+  return (address + alignment - 1) & ~(alignment - 1);
+}
+constexpr size_t align16(size_t bytes) { return round_up(bytes, 16); }
 template <class Pointer>
 Pointer align16(Pointer p) {
   return (Pointer)align16((size_t)p);
 }
 
-// The work buffer of one call, of `bytes` bytes: the caller's, or one of its own. 16 bytes of the caller's
-// are there for the rounding.
+// A line of the cache, and the widest register.
+constexpr size_t best_alignment = 64;
+
+// Memory at a multiple of that, or null; release_block is zprsFree.
+void *allocate_block(size_t bytes);
+void release_block(void *block);
+
+// The work buffer of one call: one of its own, or the caller's. That has 16 bytes more for the rounding of its
+// start, which leaves no room for the best alignment.
 template <class T>
 struct WorkBuffer {
   T *start = nullptr;
@@ -29,8 +35,7 @@ struct WorkBuffer {
     if (callers) {
       start = (T *)align16(callers);
     } else {
-      own = allocate_block((size_t)bytes + 32);
-      start = (T *)(((size_t)own + 63) & ~size_t{63});  // what the widest registers like best
+      start = (T *)(own = allocate_block((size_t)bytes));
       failed = !own;
     }
   }

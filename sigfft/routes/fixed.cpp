@@ -118,8 +118,8 @@ using namespace qkr::sse2;
 #define QKR_FIXED(f, T) \
   { QKR_DIRECTION(f, false, T), QKR_DIRECTION(f, true, T) }
 const FixedCode<double> fixed_code_64f = {QKR_FIXED(complex_fixed, double), QKR_FIXED(real_fixed, double),
-                                          QKR_FIXED(split_fixed, double)};
+                                          QKR_DIRECTION(split_fixed, true, double)};
 const FixedCode<float> fixed_code_32f = {QKR_FIXED(complex_fixed, float), QKR_FIXED(real_fixed, float),
-                                         QKR_FIXED(split_fixed, float)};
+                                         QKR_DIRECTION(split_fixed, true, float)};
 
 }  // namespace qkr::sigfft

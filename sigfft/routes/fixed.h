@@ -13,7 +13,7 @@ struct FixedCode {
   using Interleaved = void (*)(const T *src, T *dst, T factor);
   using Split = void (*)(const T *src_re, const T *src_im, T *dst_re, T *dst_im, T factor);
   Interleaved complex[2][2][4], real[2][2][4];
-  Split split[2][2][4];
+  Split split[2][4];  // forward: the inverse has real and imaginary parts exchanged
 };
 extern const FixedCode<double> fixed_code_64f;
 extern const FixedCode<float> fixed_code_32f;

@@ -115,12 +115,11 @@ QKR_INLINE void first_pass(Source source, Data data, bool in_place, int order, T
 
 // All passes of a block but the first.
 template <bool forward, class Data, class T>
-void finish_block(const qkr::sigfft::Plan<T> *plan, Data block, int order) {
+void finish_block(const qkr::sigfft::Plan<T> *plan, Data block, int order, bool norm) {
   const Passes passes = staged_passes<T>(order);
   passes_by_sections<forward>(Apart(), block, order, passes, passes.count,
                               Progress<T>{1, passes.bits[0], plan->twiddles});
-  if (forward ? plan->forward_norm : plan->inverse_norm)
-    normalise(block, size_t{1} << order, plan->norm_factor);
+  if (norm) normalise(block, size_t{1} << order, plan->norm_factor);
 }
 
 // One pass across the blocks over `together` columns: from the rows, which are `length` apart, or the work
@@ -149,14 +148,15 @@ QKR_NOINLINE void column_pass(Data data, size_t length, size_t rows, Area work, 
 }
 
 template <bool forward, bool natural, class Data, class T>
-void combine(const qkr::sigfft::Plan<T> *plan, Data data, int order, int level, Interleaved<T> work) {
+void combine(const qkr::sigfft::Plan<T> *plan, Data data, int order, bool norm, int level,
+             Interleaved<T> work) {
   const Blocking blocking = w6_blocking<T>(order);
   const int block_order = order - blocking.blocks;
   const size_t length = size_t{1} << block_order, rows = size_t{1} << blocking.blocks;
   for (size_t row = 0; row < rows; ++row) {
     if (block_order <= largest_staged_order<EntrySet::w6, T>)
-      finish_block<forward>(plan, data + row * length, block_order);
-    else combine<forward, false>(plan, data + row * length, block_order, level + 1, work);
+      finish_block<forward>(plan, data + row * length, block_order, norm);
+    else combine<forward, false>(plan, data + row * length, block_order, norm, level + 1, work);
   }
   const size_t together = size_t{1} << (blocking.buffer - blocking.blocks);
   const Passes passes = column_passes(blocking.blocks);
@@ -176,31 +176,35 @@ void combine(const qkr::sigfft::Plan<T> *plan, Data data, int order, int level, 
 
 template <bool forward, class Source, class Data, class T>
 QKR_INLINE void run_large(const qkr::sigfft::Plan<T> *plan, Source source, Data data, bool in_place,
-                          int order, T *work) {
+                          int order, bool norm, T *work) {
   first_pass<forward>(source, data, in_place, order, TileReversal(plan, order));
-  combine<forward, true>(plan, data, order, 0, Interleaved<T>{work});
+  combine<forward, true>(plan, data, order, norm, 0, Interleaved<T>{work});
 }
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-#define QKR_LARGE(direction, forward, T, suffix)                                                       \
-  QKR_ENTRY(w6_zprs_large##direction##_##suffix##c,                                                    \
-            (const qkr::sigfft::Plan<T> *plan, const T *src, T *dst, int32_t order, T *work),          \
-            (plan, src, dst, order, work)) {                                                           \
-    run_large<forward>(plan, Interleaved<const T>{src}, Interleaved<T>{dst}, src == dst, order, work); \
-  }                                                                                                    \
-  QKR_ENTRY(w6_zprs_large##direction##_##suffix,                                                       \
+#define QKR_LARGE(name, forward, T)                                                                          \
+  QKR_ENTRY(name,                                                                                            \
+            (const qkr::sigfft::Plan<T> *plan, const T *src, T *dst, int32_t order, bool norm, T *work),     \
+            (plan, src, dst, order, norm, work)) {                                                           \
+    run_large<forward>(plan, Interleaved<const T>{src}, Interleaved<T>{dst}, src == dst, order, norm, work); \
+  }
+QKR_LARGE(w6_zprs_largeFwd_64fc, true, double)
+QKR_LARGE(w6_zprs_largeInv_64fc, false, double)
+QKR_LARGE(w6_zprs_largeFwd_32fc, true, float)
+QKR_LARGE(w6_zprs_largeInv_32fc, false, float)
+
+#define QKR_LARGE_SPLIT(name, T)                                                                       \
+  QKR_ENTRY(name,                                                                                      \
             (const qkr::sigfft::Plan<T> *plan, const T *src_re, const T *src_im, T *dst_re, T *dst_im, \
-             int32_t order, T *work),                                                                  \
-            (plan, src_re, src_im, dst_re, dst_im, order, work)) {                                     \
+             int32_t order, bool norm, T *work),                                                       \
+            (plan, src_re, src_im, dst_re, dst_im, order, norm, work)) {                               \
     const bool re_in_place = src_re == dst_re, im_in_place = src_im == dst_im;                         \
     if (re_in_place && !im_in_place) memcpy(dst_im, src_im, sizeof(T) << order);                       \
     if (im_in_place && !re_in_place) memcpy(dst_re, src_re, sizeof(T) << order);                       \
-    run_large<forward>(plan, Split<const T>{src_re, src_im}, Split<T>{dst_re, dst_im},                 \
-                       re_in_place || im_in_place, order, work);                                       \
+    run_large<true>(plan, Split<const T>{src_re, src_im}, Split<T>{dst_re, dst_im},                    \
+                    re_in_place || im_in_place, order, norm, work);                                    \
   }
-QKR_LARGE(Fwd, true, double, 64f)
-QKR_LARGE(Inv, false, double, 64f)
-QKR_LARGE(Fwd, true, float, 32f)
-QKR_LARGE(Inv, false, float, 32f)
+QKR_LARGE_SPLIT(w6_zprs_large_64f, double)
+QKR_LARGE_SPLIT(w6_zprs_large_32f, float)

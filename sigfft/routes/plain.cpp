@@ -68,15 +68,10 @@ QKR_INLINE void short_reversed_transform(Data data, int order, const T *rows) {
 }
 
 template <bool forward, class Data, class T>
-QKR_INLINE void normalise_where_wanted(const Plan<T> *plan, Data data, int order) {
-  if (forward ? plan->forward_norm : plan->inverse_norm)
-    normalise(data, size_t{1} << order, plan->norm_factor);
-}
-template <bool forward, class Data, class T>
-QKR_INLINE void staged_block(const Plan<T> *plan, Data data, bool reversed, int order) {
+QKR_INLINE void staged_block(const Plan<T> *plan, Data data, bool reversed, int order, bool norm) {
   if (reversed) short_reversed_transform<forward>(data, order, plan->twiddles);
   else short_transform<forward>(as_source(data), data, order, plan->twiddles);
-  normalise_where_wanted<forward>(plan, data, order);
+  if (norm) normalise(data, size_t{1} << order, plan->norm_factor);
 }
 
 // Transforms of `length` numbers side by side become transforms of twice the length, until there is but one.
@@ -196,14 +191,15 @@ QKR_NOINLINE void deal_in_place(Element *data, size_t n, int block_bits) {
 
 // Blocks of numbers, in natural or in bit-reversed order, become transforms, and these are combined.
 template <bool forward, class Data, class T>
-void plain_transform(const Plan<T> *plan, Data data, bool reversed, int order, int level, T *work) {
+void plain_transform(const Plan<T> *plan, Data data, bool reversed, int order, bool norm, int level,
+                     T *work) {
   constexpr int staged = largest_staged_order<EntrySet::plain, T>;
-  if (order <= staged) return staged_block<forward>(plan, data, reversed, order);
+  if (order <= staged) return staged_block<forward>(plan, data, reversed, order, norm);
   const size_t n = size_t{1} << order;
   const int blocks = plain_blocks<T>(order), block_order = blocks ? order - blocks : staged;
   const size_t length = size_t{1} << block_order;
   for (size_t block = 0; block < n; block += length)
-    plain_transform<forward>(plan, data + block, reversed, block_order, level + 1, work);
+    plain_transform<forward>(plan, data + block, reversed, block_order, norm, level + 1, work);
   if (!blocks) return merge_by_two<forward>(data, n, length, plan->merge_twiddles);
   for (size_t column = 0; column < length; column += 4)
     four_columns<forward>(FourColumns<Data>{data + column, length}, blocks,
@@ -214,10 +210,11 @@ void plain_transform(const Plan<T> *plan, Data data, bool reversed, int order, i
 // Out of place, numbers are dealt to blocks in natural order; so they are in place by way of the stack, as
 // long as they fit the first cache. Beyond that blocks come in bit-reversed order.
 template <bool forward, class Source, class Data, class T>
-QKR_INLINE void run(const Plan<T> *plan, Source source, Data data, int order, T *work) {
+QKR_INLINE void run(const Plan<T> *plan, Source source, Data data, int order, bool norm, T *work) {
   if (order <= largest_staged_order<EntrySet::plain, T>) {
     short_transform<forward>(source, data, order, plan->twiddles);
-    return normalise_where_wanted<forward>(plan, data, order);
+    if (norm) normalise(data, size_t{1} << order, plan->norm_factor);
+    return;
   }
   const size_t n = size_t{1} << order;
   const int block_bits = innermost_blocks<T>(order);
@@ -232,32 +229,29 @@ QKR_INLINE void run(const Plan<T> *plan, Source source, Data data, int order, T 
       deal(from, to, n, block_bits);
     }
   });
-  plain_transform<forward>(plan, data, reversed, order, 0, work);
+  plain_transform<forward>(plan, data, reversed, order, norm, 0, work);
 }
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-#define QKR_PLAIN(direction, forward, T, suffix)                                                             \
-  QKR_ENTRY(zprs_reversed##direction##_##suffix##c, (T * data, int32_t n, const T *rows), (data, n, rows)) { \
-    short_reversed_transform<forward>(Interleaved<T>{data}, __builtin_ctz(n), rows);                         \
-  }                                                                                                          \
-  QKR_ENTRY(zprs_reversed##direction##_##suffix, (T * re, T * im, int32_t n, const T *rows),                 \
-            (re, im, n, rows)) {                                                                             \
-    short_reversed_transform<forward>(Split<T>{re, im}, __builtin_ctz(n), rows);                             \
-  }                                                                                                          \
-  QKR_ENTRY(zprs_plain##direction##_##suffix##c,                                                             \
-            (const qkr::sigfft::Plan<T> *plan, const T *src, T *dst, int32_t order, T *work),                \
-            (plan, src, dst, order, work)) {                                                                 \
-    run<forward>(plan, Interleaved<const T>{src}, Interleaved<T>{dst}, order, work);                         \
-  }                                                                                                          \
-  QKR_ENTRY(zprs_plain##direction##_##suffix,                                                                \
-            (const qkr::sigfft::Plan<T> *plan, const T *src_re, const T *src_im, T *dst_re, T *dst_im,       \
-             int32_t order, T *work),                                                                        \
-            (plan, src_re, src_im, dst_re, dst_im, order, work)) {                                           \
-    run<forward>(plan, Split<const T>{src_re, src_im}, Split<T>{dst_re, dst_im}, order, work);               \
+#define QKR_PLAIN(name, forward, T)                                                                      \
+  QKR_ENTRY(name,                                                                                        \
+            (const qkr::sigfft::Plan<T> *plan, const T *src, T *dst, int32_t order, bool norm, T *work), \
+            (plan, src, dst, order, norm, work)) {                                                       \
+    run<forward>(plan, Interleaved<const T>{src}, Interleaved<T>{dst}, order, norm, work);               \
   }
-QKR_PLAIN(Fwd, true, double, 64f)
-QKR_PLAIN(Inv, false, double, 64f)
-QKR_PLAIN(Fwd, true, float, 32f)
-QKR_PLAIN(Inv, false, float, 32f)
+QKR_PLAIN(zprs_plainFwd_64fc, true, double)
+QKR_PLAIN(zprs_plainInv_64fc, false, double)
+QKR_PLAIN(zprs_plainFwd_32fc, true, float)
+QKR_PLAIN(zprs_plainInv_32fc, false, float)
+
+#define QKR_PLAIN_SPLIT(name, T)                                                                       \
+  QKR_ENTRY(name,                                                                                      \
+            (const qkr::sigfft::Plan<T> *plan, const T *src_re, const T *src_im, T *dst_re, T *dst_im, \
+             int32_t order, bool norm, T *work),                                                       \
+            (plan, src_re, src_im, dst_re, dst_im, order, norm, work)) {                               \
+    run<true>(plan, Split<const T>{src_re, src_im}, Split<T>{dst_re, dst_im}, order, norm, work);      \
+  }
+QKR_PLAIN_SPLIT(zprs_plain_64f, double)
+QKR_PLAIN_SPLIT(zprs_plain_32f, float)

@@ -133,28 +133,24 @@ QKR_INLINE void transform_sixteen(const Plan<T> *plan, const T *src, T *dst, int
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-// The direction, 1 or -1, is that of the function.
-#define QKR_REAL(prefix, set, T, suffix)                                                                     \
-  QKR_ENTRY(prefix##zprs_recombineFwd_##suffix, (T * data, int32_t half, int32_t direction, const T *table), \
-            (data, half, direction, table)) {                                                                \
-    (void)direction;                                                                                         \
-    recombine<EntrySet::set, true>(data, data, (size_t)half, table);                                         \
-  }                                                                                                          \
-  QKR_ENTRY(prefix##zprs_recombineInv_##suffix,                                                              \
-            (const T *src, T *dst, int32_t half, int32_t direction, const T *table),                         \
-            (src, dst, half, direction, table)) {                                                            \
-    (void)direction;                                                                                         \
-    recombine<EntrySet::set, false>(src, dst, (size_t)half, table);                                          \
-  }                                                                                                          \
-  QKR_ENTRY(prefix##zprs_sixteenFwd_##suffix,                                                                \
-            (const qkr::sigfft::Plan<T> *plan, const T *src, T *dst, int32_t last),                          \
-            (plan, src, dst, last)) {                                                                        \
-    transform_sixteen<EntrySet::set, true>(plan, src, dst, last);                                            \
-  }                                                                                                          \
-  QKR_ENTRY(prefix##zprs_sixteenInv_##suffix,                                                                \
-            (const qkr::sigfft::Plan<T> *plan, const T *src, T *dst, int32_t last),                          \
-            (plan, src, dst, last)) {                                                                        \
-    transform_sixteen<EntrySet::set, false>(plan, src, dst, last);                                           \
+#define QKR_REAL(prefix, set, T, suffix)                                                              \
+  QKR_ENTRY(prefix##zprs_recombineFwd_##suffix, (T * data, int32_t half, const T *table),             \
+            (data, half, table)) {                                                                    \
+    recombine<EntrySet::set, true>(data, data, (size_t)half, table);                                  \
+  }                                                                                                   \
+  QKR_ENTRY(prefix##zprs_recombineInv_##suffix, (const T *src, T *dst, int32_t half, const T *table), \
+            (src, dst, half, table)) {                                                                \
+    recombine<EntrySet::set, false>(src, dst, (size_t)half, table);                                   \
+  }                                                                                                   \
+  QKR_ENTRY(prefix##zprs_sixteenFwd_##suffix,                                                         \
+            (const qkr::sigfft::Plan<T> *plan, const T *src, T *dst, int32_t last),                   \
+            (plan, src, dst, last)) {                                                                 \
+    transform_sixteen<EntrySet::set, true>(plan, src, dst, last);                                     \
+  }                                                                                                   \
+  QKR_ENTRY(prefix##zprs_sixteenInv_##suffix,                                                         \
+            (const qkr::sigfft::Plan<T> *plan, const T *src, T *dst, int32_t last),                   \
+            (plan, src, dst, last)) {                                                                 \
+    transform_sixteen<EntrySet::set, false>(plan, src, dst, last);                                    \
   }
 QKR_REAL(w6_, w6, double, 64f)
 QKR_REAL(w6_, w6, float, 32f)

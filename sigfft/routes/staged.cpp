@@ -76,41 +76,27 @@ QKR_NOINLINE void long_transform(Source source, Area area, Target target, size_t
   run_passes<forward>(Apart(), source, area, target, __builtin_ctzll(n), table, reversal);
 }
 
-template <bool forward, class Source, class Area, class Target, class T>
+template <bool forward, int order = largest_fixed_order + 1, class Source, class Area, class Target, class T>
 QKR_INLINE void transform(Source source, Area area, Target target, size_t n, const T *table,
                           const uint32_t *reversal) {
-  switch (n) {
-    case 1 << 4:
-      return short_transform<forward, 4>(source, area, target, table, reversal);
-    case 1 << 5:
-      return short_transform<forward, 5>(source, area, target, table, reversal);
-    case 1 << 6:
-      return short_transform<forward, 6>(source, area, target, table, reversal);
-    case 1 << 7:
-      return short_transform<forward, 7>(source, area, target, table, reversal);
-    case 1 << 8:
-      return short_transform<forward, 8>(source, area, target, table, reversal);
-    case 1 << 9:
-      return short_transform<forward, 9>(source, area, target, table, reversal);
-    case 1 << 10:
-      return short_transform<forward, 10>(source, area, target, table, reversal);
-    default:
-      return long_transform<forward>(source, area, target, n, table, reversal);
-  }
+  constexpr int longest_in_one = 10;
+  if (n == 1 << order) short_transform<forward, order>(source, area, target, table, reversal);
+  else if constexpr (order < longest_in_one)
+    transform<forward, order + 1>(source, area, target, n, table, reversal);
+  else long_transform<forward>(source, area, target, n, table, reversal);
 }
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
 // The result's own memory serves as the work area where it is not also the source.
-#define QKR_STAGED(direction, forward, T, suffix)                                                    \
-  QKR_ENTRY(w6_zprs_staged##direction##_##suffix##c,                                                 \
-            (const T *src, T *dst, int32_t n, const T *twiddles, const uint32_t *reversal, T *work), \
-            (src, dst, n, twiddles, reversal, work)) {                                               \
-    const Interleaved<T> area = {src != dst && (size_t)dst % 16 == 0 ? dst : work};                  \
-    transform<forward>(Interleaved<const T>{src}, area, Interleaved<T>{dst}, n, twiddles, reversal); \
+#define QKR_STAGED(name, forward, T)                                                                       \
+  QKR_ENTRY(name, (const T *src, T *dst, int32_t n, const T *twiddles, const uint32_t *reversal, T *work), \
+            (src, dst, n, twiddles, reversal, work)) {                                                     \
+    const Interleaved<T> area = {src != dst && (size_t)dst % 16 == 0 ? dst : work};                        \
+    transform<forward>(Interleaved<const T>{src}, area, Interleaved<T>{dst}, n, twiddles, reversal);       \
   }
-QKR_STAGED(Fwd, true, double, 64f)
-QKR_STAGED(Inv, false, double, 64f)
-QKR_STAGED(Fwd, true, float, 32f)
-QKR_STAGED(Inv, false, float, 32f)
+QKR_STAGED(w6_zprs_stagedFwd_64fc, true, double)
+QKR_STAGED(w6_zprs_stagedInv_64fc, false, double)
+QKR_STAGED(w6_zprs_stagedFwd_32fc, true, float)
+QKR_STAGED(w6_zprs_stagedInv_32fc, false, float)

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <limits>
 #include <thread>
 
 #include "engines.h"
@@ -211,6 +212,32 @@ TYPED_TEST(Transforms, NormalisationIsThatOfTheFlag) {
       }
 }
 
+// Levels agree in which results are NaNs, and in all others, where the input has NaNs and infinities.
+TYPED_TEST(Transforms, AgreeWhereNumbersEnd) {
+  using T = TypeParam;
+  using Limits = std::numeric_limits<T>;
+  for (const auto &f : functions<T>)
+    for (const int order : {1, 3, 4, 7, 10, 12, 15}) {
+      const size_t n = size_t{1} << order;
+      const Plan<T> complex_plan(f, interleaved, order), real_plan(f, real, order);
+      for (const T odd : {Limits::quiet_NaN(), -Limits::quiet_NaN(), Limits::infinity(), -Limits::max()}) {
+        auto x = signal<T>(2 * n);
+        for (size_t i = n / 3; i < n; i += n / 2 + 1) x[i] = odd;
+        std::vector<T> first;
+        for_each_level([&](const char *level) {
+          std::vector<T> y(2 * n), spectrum(n);
+          f.complex[true](x.data(), y.data(), complex_plan, nullptr);
+          f.real[true][perm](x.data(), spectrum.data(), real_plan, nullptr);
+          y.insert(y.end(), spectrum.begin(), spectrum.end());
+          for (T &number : y)
+            if (number != number) number = Limits::quiet_NaN();
+          if (first.empty()) first = y;
+          EXPECT_TRUE(same_bits(first.data(), y.data(), y.size())) << f.name << ' ' << order << ' ' << level;
+        });
+      }
+    }
+}
+
 // Plan before kind before data, and nothing written.
 TYPED_TEST(Transforms, ChecksComeFirst) {
   using T = TypeParam;
@@ -232,6 +259,17 @@ TYPED_TEST(Transforms, ChecksComeFirst) {
         EXPECT_EQ(f.real[forward][format](a.data(), none, nullptr, nullptr), zprStsNullPtrErr);
         EXPECT_EQ(f.real[forward][format](none, b.data(), complex_plan, nullptr), zprStsContextMatchErr);
         EXPECT_EQ(f.real[forward][format](none, b.data(), real_plan, nullptr), zprStsNullPtrErr);
+      }
+    }
+    const auto &other_set = functions<T>[&f == functions<T>];
+    for (const int order : {2, 5, 16}) {
+      const Plan<T> complex_other(other_set, interleaved, order), split_other(other_set, split, order),
+          real_other(other_set, real, order);
+      for (const bool forward : {false, true}) {
+        EXPECT_EQ(f.complex[forward](a.data(), b.data(), complex_other, nullptr), zprStsContextMatchErr);
+        EXPECT_EQ(f.split_in_place[forward](a.data(), b.data(), split_other, nullptr), zprStsContextMatchErr);
+        for (const Format format : {perm, pack, ccs})
+          EXPECT_EQ(f.real[forward][format](a.data(), b.data(), real_other, nullptr), zprStsContextMatchErr);
       }
     }
     EXPECT_TRUE(a == std::vector<T>(66, T(1)) && b == std::vector<T>(66, T(2)) &&

@@ -59,8 +59,9 @@ void fixed_transform(const AnyLengthPlan<T> *plan, const T *src_re, const T *src
     return scaled_or_not<forward>(plan, [=](auto scale) {
       three_points<forward>(Split<const T>{src_re, src_im}, Split<T>{dst_re, dst_im}, scale);
     });
-  fixed_code<T>.split[forward][is_scaled(plan, forward)][fixed_order(plan)](src_re, src_im, dst_re, dst_im,
-                                                                            plan->norm_factor);
+  const auto code = fixed_code<T>.split[is_scaled(plan, forward)][fixed_order(plan)];
+  if (forward) code(src_re, src_im, dst_re, dst_im, plan->norm_factor);
+  else code(src_im, src_re, dst_im, dst_re, plan->norm_factor);
 }
 template <bool forward, class T>
 void fixed_real_transform(const AnyLengthPlan<T> *plan, const T *src, T *dst) {
