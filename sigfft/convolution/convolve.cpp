@@ -67,24 +67,24 @@ zprStatus direct(Sequence<Sample> x, Sequence<Sample> h, Sample *dst, int32_t sc
   constexpr bool converted = sizeof(Sample) != sizeof(T);
   constexpr size_t longest_part = 4096;  // which stays in the cache while all of h passes over it
   const size_t overlap = h.count - 1;
-  T taps[longest_direct_filter], part[converted ? longest_part : 1];
-  Samples<Sample>::take(h.samples, taps, h.count);
-
-  T *sums;
-  if constexpr (converted) sums = (T *)allocate_block((x.count + overlap) * sizeof(T));
-  else sums = dst;
-  if (!sums) return zprStsMemAllocErr;
-  for (size_t start = 0; start < x.count; start += longest_part) {
-    const size_t count = smaller(x.count - start, longest_part);
-    if constexpr (converted) {
-      Samples<Sample>::take(x.samples + start, part, count);
-      Engine<T>::direct_sum(part, count, taps, h.count, start > 0, sums + start);
+  const auto for_each_part = [&](auto part) {
+    for (size_t start = 0; start < x.count; start += longest_part)
+      part(start, smaller(x.count - start, longest_part));
+  };
+  if constexpr (!converted) {
+    for_each_part([&](size_t start, size_t count) {
+      Engine<T>::direct_sum(x.samples + start, count, h.samples, h.count, start > 0, dst + start);
+    });
+  } else {
+    const auto sums = (T *)allocate_block((x.count + overlap) * sizeof(T));
+    if (!sums) return zprStsMemAllocErr;
+    T taps[longest_direct_filter], samples[longest_part];
+    Samples<Sample>::take(h.samples, taps, h.count);
+    for_each_part([&](size_t start, size_t count) {
+      Samples<Sample>::take(x.samples + start, samples, count);
+      Engine<T>::direct_sum(samples, count, taps, h.count, start > 0, sums + start);
       Samples<Sample>::give(sums + start, dst + start, count, scale);
-    } else {
-      Engine<T>::direct_sum(x.samples + start, count, taps, h.count, start > 0, sums + start);
-    }
-  }
-  if constexpr (converted) {
+    });
     if (overlap) Samples<Sample>::give(sums + x.count, dst + x.count, overlap, scale);
     release_block(sums);
   }

@@ -15,8 +15,9 @@ constexpr size_t lanes_of = sizeof(Native<T>) / sizeof(T);
 
 // Sums of `count` vectors from number k on, the last of which starts at number `last`. They go on from
 // `start`, or from 0 if that is null. term(k, j) is the vector of the products with h[j] from number k on.
+// Returns the lanes whose sums are not finite.
 template <int count, class T, class Term>
-QKR_INLINE void vectors_of_sums(size_t k, size_t last, const T *start, T *dst, size_t taps, Term term) {
+QKR_INLINE Flags vectors_of_sums(size_t k, size_t last, const T *start, T *dst, size_t taps, Term term) {
   const auto place = [=](int v) QKR_LAMBDA { return v == count - 1 ? last : k + v * lanes_of<T>; };
   Native<T> sum[count] = {};
   if (start)
@@ -25,117 +26,138 @@ QKR_INLINE void vectors_of_sums(size_t k, size_t last, const T *start, T *dst, s
   for (size_t j = 0; j < taps; ++j)
 #pragma GCC unroll 8
     for (int v = 0; v < count; ++v) sum[v] = sum[v] + term(place(v), j);
+  Flags not_finite = {};
 #pragma GCC unroll 8
-  for (int v = 0; v < count; ++v) store(dst + place(v), sum[v]);
+  for (int v = 0; v < count; ++v) {
+    not_finite = not_finite | beyond(sum[v], (T)__builtin_inf());
+    store(dst + place(v), sum[v]);
+  }
+  return not_finite;
 }
 
 // At most `count` vectors, and as many as it takes.
 template <int count, class T, class Term>
-QKR_INLINE void last_sums(size_t k, size_t results, const T *start, T *dst, size_t taps, Term term) {
+QKR_INLINE Flags last_sums(size_t k, size_t results, const T *start, T *dst, size_t taps, Term term) {
   if constexpr (count > 1)
     if (results - k <= (count - 1) * lanes_of<T>)
       return last_sums<count - 1>(k, results, start, dst, taps, term);
-  vectors_of_sums<count>(k, results - lanes_of<T>, start, dst, taps, term);
+  return vectors_of_sums<count>(k, results - lanes_of<T>, start, dst, taps, term);
 }
 
 // At least one vector of sums. Four together hide the latency of each other's additions. The last vector may
-// overlap the one before it, and is then the same once more.
+// overlap the one before it, and is then the same once more. False if a sum is not finite.
 template <class T, class Term>
-QKR_INLINE void all_sums(size_t results, const T *start, T *dst, size_t taps, Term term) {
+QKR_INLINE bool all_sums(size_t results, const T *start, T *dst, size_t taps, Term term) {
   constexpr size_t together = 4, width = together * lanes_of<T>;
+  Flags not_finite = {};
   size_t k = 0;
   for (; k + 2 * width < results; k += width)
-    vectors_of_sums<together>(k, k + width - lanes_of<T>, start, dst, taps, term);
-  last_sums<2 * together>(k, results, start, dst, taps, term);
+    not_finite = not_finite | vectors_of_sums<together>(k, k + width - lanes_of<T>, start, dst, taps, term);
+  not_finite = not_finite | last_sums<2 * together>(k, results, start, dst, taps, term);
+  return !any(not_finite, T());
 }
 
-// window[k + taps - 1] is the sample that meets h[0] in sum number k.
+// newest[k] is the sample that meets h[0] in sum number k.
 template <class T>
-QKR_NOINLINE void sums_of_products(const T *window, size_t results, const T *h, size_t taps, const T *start,
+QKR_NOINLINE bool sums_of_products(const T *newest, size_t results, const T *h, size_t taps, const T *start,
                                    T *dst) {
-  all_sums(results, start, dst, taps, [=](size_t k, size_t j) QKR_LAMBDA {
+  return all_sums(results, start, dst, taps, [=](size_t k, size_t j) QKR_LAMBDA {
     Native<T> v;
-    load(window + k + taps - 1 - j, v);
+    load(newest + k - j, v);
     return v * h[j];
   });
 }
 
-// The same of those places of the window where `inside` has all bits set.
+// The same without the places where `inside`, of the size of T, has no bits set.
 template <class T, class Bits>
-QKR_NOINLINE void sums_of_products_inside(const T *window, const Bits *inside, size_t results, const T *h,
+QKR_NOINLINE bool sums_of_products_inside(const T *newest, const Bits *inside, size_t results, const T *h,
                                           size_t taps, const T *start, T *dst) {
-  all_sums(results, start, dst, taps, [=](size_t k, size_t j) QKR_LAMBDA {
+  return all_sums(results, start, dst, taps, [=](size_t k, size_t j) QKR_LAMBDA {
     Native<T> v;
     decltype(bits(v)) mask;
-    load(window + k + taps - 1 - j, v);
-    load(inside + k + taps - 1 - j, mask);
+    load(newest + k - j, v);
+    load(inside + k - j, mask);
     return real(bits(v * h[j]) & mask);
   });
 }
 
+// Few enough for a call of the C library to be felt.
 template <class T>
-QKR_INLINE bool all_finite(const T *numbers, size_t count) {
-  Flags not_finite = {};
-  const auto look = [&](size_t k) QKR_LAMBDA {
+QKR_INLINE void copy_few(const T *src, T *dst, size_t count) {
+  constexpr size_t lanes = lanes_of<T>;
+  const auto copy = [=](size_t i) QKR_LAMBDA {
     Native<T> v;
-    load(numbers + k, v);
-    not_finite = not_finite | beyond(v, (T)__builtin_inf());
+    load(src + i, v);
+    store(dst + i, v);
   };
-  for (size_t k = 0; k < count - lanes_of<T>; k += lanes_of<T>) look(k);
-  look(count - lanes_of<T>);
-  return !any(not_finite, T());
-}
-
-// `samples` numbers: `before` zeros, `held` numbers of x, zeros. Few enough for calls to be felt.
-template <class T>
-QKR_INLINE void fill_window(T *window, size_t samples, const T *x, size_t before, size_t held) {
-  for (size_t i = 0; i < samples; i += lanes_of<T>) store(window + i, Native<T>{});
-  size_t i = 0;
-  for (; i + lanes_of<T> <= held; i += lanes_of<T>) {
-    Native<T> v;
-    load(x + i, v);
-    store(window + before + i, v);
+  if (count < lanes) {
+    memcpy(dst, src, count * sizeof(T));
+    return;
   }
-  for (; i < held; ++i) window[before + i] = x[i];
+  for (size_t i = 0; i < count - lanes; i += lanes) copy(i);
+  copy(count - lanes);
 }
-
-constexpr size_t few = 160;  // samples that one window takes in: more than those that h reaches over
-
-// Sums number `first` to first + results - 1 of a part; if they are `continued` they go on from dst. Zeros
-// stand for samples that are missing. They change no sum, since none that starts from +0 is ever -0; but
-// where h holds an infinity or a NaN they do. Sums that come out not finite are taken once more without them.
 template <class T>
-QKR_NOINLINE void sums_at_end(const T *x, size_t count, size_t first, size_t results, const T *h, size_t taps,
-                              bool continued, T *dst) {
-  constexpr size_t lanes = lanes_of<T>, margin = longest_direct_filter - 1, most = few + margin + lanes;
-  T window[most + margin + lanes], start[most], sums[most];
-  const bool direct = results >= lanes && !continued;
-  T *const target = direct ? dst : sums;
-  const size_t taken = results < lanes ? lanes : results, samples = taken + taps - 1;
-  // Place i of the window holds sample i + first - (taps - 1).
-  const size_t before = first < taps - 1 ? taps - 1 - first : 0, from = first + before - (taps - 1);
-  const size_t held = samples - before < count - from ? samples - before : count - from;
-  fill_window(window, samples, x + from, before, held);
-  if (continued) fill_window(start, taken, dst, 0, taps - 1);
-  const T *const from_start = continued ? start : nullptr;
-  sums_of_products(window, taken, h, taps, from_start, target);
-  if (!all_finite(target, taken)) [[unlikely]] {
-    decltype(bits(T())) inside[most + margin];
-    memset(inside, 0, samples * sizeof(T));
-    memset(inside + before, -1, held * sizeof(T));
-    sums_of_products_inside(window, inside, taken, h, taps, from_start, target);
-  }
-  if (!direct) memcpy(dst, sums, results * sizeof(T));
+QKR_INLINE void clear_few(T *dst, size_t count) {  // and up to the end of the last vector
+  for (size_t i = 0; i < count; i += lanes_of<T>) store(dst + i, Native<T>{});
 }
 
+constexpr size_t few = 1024, taps_together = 32;
+
+// Sums number `first` to first + results - 1 of up to `few` samples, the foremost of which go on from `start`
+// unless that is null. 32 samples of h at a time leave few of the sums that are computed without any term.
+// Zeros in front of the samples and behind them stand for those that are missing. They change no sum, since
+// none that starts from +0 is ever -0; but where h holds an infinity or a NaN they do. If a sum comes out not
+// finite, all are taken once more without the zeros.
+template <class T>
+QKR_NOINLINE void sums_of_few(const T *x, size_t count, const T *h, size_t taps, const T *start, size_t first,
+                              size_t results, T *dst) {
+  constexpr size_t lanes = lanes_of<T>, margin = taps_together, behind = taps_together + lanes;
+  T window[margin + few + behind + lanes], sums[few + longest_direct_filter + 3 * lanes];
+  clear_few(window, margin);
+  copy_few(x, window + margin, count);
+  clear_few(window + margin + count, behind);
+
+  // sum(padded, part, now, to) goes on with the sums in `to`, by `now` samples of h.
+  const auto take_sums = [&](auto sum) QKR_LAMBDA {
+    clear_few(sums, count + taps - 1 + lanes);
+    if (start) copy_few(start, sums, taps - 1);
+    bool finite = true;
+    for (size_t j = 0; j < taps; j += taps_together) {
+      const size_t now = taps - j < taps_together ? taps - j : taps_together;
+      const size_t padded = (count + now + lanes - 2) / lanes * lanes;
+      finite &= sum(padded, h + j, now, sums + j);
+    }
+    return finite;
+  };
+  const auto by_zeros = [&](size_t padded, const T *part, size_t now, T *to) QKR_LAMBDA {
+    return sums_of_products(window + margin, padded, part, now, (const T *)to, to);
+  };
+  // The simplest case needs no sums between.
+  const bool at_once = !start && taps <= taps_together && results >= lanes;
+  if (at_once && sums_of_products(window + margin + first, results, h, taps, start, dst)) [[likely]]
+    return;
+  const bool finite = !at_once && take_sums(by_zeros);
+  if (!finite) [[unlikely]] {
+    decltype(bits(T())) inside[sizeof window / sizeof(T)] = {};
+    memset(inside + margin, -1, count * sizeof(T));
+    take_sums([&](size_t padded, const T *part, size_t now, T *to) QKR_LAMBDA {
+      return sums_of_products_inside(window + margin, inside + margin, padded, part, now, to, to);
+    });
+  }
+  copy_few(sums + first, dst, results);
+}
+
+// In a longer part only the sums at its ends have missing terms.
 template <class T>
 QKR_INLINE void direct_sum(const T *x, size_t count, const T *h, size_t taps, bool continued, T *dst) {
   const size_t overlap = taps - 1;
-  if (count <= few) return sums_at_end(x, count, 0, count + overlap, h, taps, continued, dst);
-  sums_of_products(x, count - overlap, h, taps, (const T *)nullptr, dst + overlap);
+  const T *const start = continued ? dst : nullptr;
+  if (count <= few) return sums_of_few(x, count, h, taps, start, 0, count + overlap, dst);
+  sums_of_products(x + overlap, count - overlap, h, taps, (const T *)nullptr, dst + overlap);
   if (!overlap) return;
-  sums_at_end(x, count, 0, overlap, h, taps, continued, dst);
-  sums_at_end(x, count, count, overlap, h, taps, false, dst + count);
+  sums_of_few(x, overlap, h, taps, start, 0, overlap, dst);
+  sums_of_few(x + count - overlap, overlap, h, taps, (const T *)nullptr, overlap, overlap, dst + count);
 }
 
 }  // namespace
