@@ -1,6 +1,5 @@
 // The quarter wave that all twiddles come from.
-#include <math.h>
-
+#include "sigfft/plan/circle.h"
 #include "sigfft/plan/plan_tables.h"
 #include "sigfft/tables/tables.h"
 
@@ -13,10 +12,7 @@ T *fill_base_table(int order, T *table) {
     for (size_t i = 0; i < quarter; ++i) table[i] = (T)quarter_wave[i << (quarter_wave_order - order)];
     table[quarter] = 1;
   } else {
-    // Each octant by the function that is accurate there.
-    const double step = 2 * M_PI / (double)n;
-    for (size_t i = 0; i <= n / 8; ++i) table[i] = (T)::sin((double)i * step);
-    for (size_t i = n / 8 + 1; i <= quarter; ++i) table[i] = (T)::cos((double)(quarter - i) * step);
+    fill_quarter_sines(n, table);
   }
   return align16(table + quarter + 1);
 }
