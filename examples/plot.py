@@ -183,12 +183,55 @@ def plot_sunspots(out_dir):
     return figure, "sunspot_spectrum.png"
 
 
+def plot_ecg(out_dir):
+    signal, spectrum = read_csv(out_dir / "ecg_cleaned.csv"), read_csv(out_dir / "ecg_spectrum.csv")
+    figure = plt.figure(figsize=(12, 7.2))
+    grid = figure.add_gridspec(2, 2, width_ratios=(1, 1.15), height_ratios=(1, 1))
+    record, beats, lines = (figure.add_subplot(place) for place in (grid[0, :], grid[1, 0], grid[1, 1]))
+    record.plot(signal["second"], signal["raw"], color="0.6", linewidth=0.8, label="as recorded")
+    record.plot(signal["second"], signal["by_filter"], color=BLUE, linewidth=0.8, label="by convolution with a filter")
+    record.set(title="Electrocardiogram", xlabel="second", ylabel="millivolt", xlim=(0, 30))
+    record.legend(frameon=False, loc="upper right", ncols=2)
+
+    shown = (signal["second"] >= 12) & (signal["second"] <= 14)
+    beats.plot(signal["second"][shown], signal["raw"][shown], color="0.6", linewidth=1, label="as recorded")
+    beats.plot(signal["second"][shown], signal["by_filter"][shown], color=BLUE, linewidth=1.4, label="by convolution")
+    beats.plot(signal["second"][shown], signal["by_transform"][shown], color=RED, linewidth=1, linestyle="--",
+               label="through the spectrum")
+    beats.set(title="Two seconds of it", xlabel="second", ylabel="millivolt", ylim=(-1.2, 2.4))
+    beats.legend(frameon=False, loc="upper right", fontsize=9)
+
+    for name, color, label in (("raw", "0.6", "as recorded"), ("by_filter", BLUE, "by convolution")):
+        lines.semilogy(spectrum["frequency"], spectrum[name], color=color, linewidth=0.6, label=label)
+    lines.set(title="Spectrum: no drift near 0, no hum at 60 Hz", xlabel="frequency (Hz)", ylabel="amplitude (millivolt)",
+              xlim=(0, 70), ylim=(1e-5, 1))
+    lines.legend(frameon=False, loc="upper right")
+    for axes in (record, beats, lines):
+        axes.grid(alpha=0.25)
+    return figure, "ecg_filter.png"
+
+
+def plot_year(out_dir):
+    table = read_csv(out_dir / "co2_year.csv")
+    titles = {2236: "43 times 52 weeks", 2279: "43 times 53 weeks", 2244: "43 years", 2284: "the whole record"}
+    figure, grid = plt.subplots(1, 4, figsize=(12, 3.8), sharey=True)
+    for axes, (weeks, title) in zip(grid, titles.items()):
+        rows = table[table["weeks"] == weeks]
+        axes.vlines(rows["period"], 0, rows["amplitude"], color=BLUE, linewidth=2.5)
+        axes.axvline(365.2425 / 7, color=RED, linewidth=1, linestyle="--", label="a year")
+        axes.set(title=f"{title}: {weeks}", xlabel="period (weeks)", xlim=(47, 58), ylim=(0, None))
+        axes.grid(alpha=0.25)
+    grid[0].set_ylabel("carbon dioxide (ppm)")
+    grid[0].legend(frameon=False)
+    return figure, "co2_year.png"
+
+
 def main():
     if len(sys.argv) != 2:
         sys.exit("usage: plot.py OUT_DIR")
     out_dir = Path(sys.argv[1])
     for plot in (plot_co2, plot_tone_curve, plot_daylight, plot_pi, plot_option,
-                 plot_distributions, plot_sunspots):
+                 plot_distributions, plot_sunspots, plot_ecg, plot_year):
         try:
             figure, name = plot(out_dir)
             figure.savefig(out_dir / name)

@@ -30,6 +30,12 @@ printf '\nAn option by simulation, and nine distributions (examples/option_price
 printf '\nThe period of the sunspots (examples/sunspot_spectrum.cpp)\n\n'
 "$programs/sunspot_spectrum" "$here/data/sunspots_yearly.csv" "$out"
 
+printf '\nA heart without hum and drift (examples/ecg_filter.cpp)\n\n'
+"$programs/ecg_filter" "$here/data/ecg_360hz.csv" "$out"
+
+printf '\nHow many weeks a year has (examples/co2_year.cpp)\n\n'
+"$programs/co2_year" "$here/data/co2_weekly.csv" "$out"
+
 printf '\nPictures\n\n'
 if [[ -x $python ]]; then
   "$python" "$here/plot.py" "$out"

@@ -112,6 +112,7 @@ QKR_API void zprsFree(void *block);
 QKR_END_DECLS
 
 #include <qkr/sigfft_arrays.h>
+#include <qkr/sigfft_convolution.h>
 #include <qkr/sigfft_dft.h>
 #include <qkr/sigfft_plan.h>
 #include <qkr/sigfft_transforms.h>

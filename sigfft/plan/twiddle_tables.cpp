@@ -4,24 +4,18 @@
 namespace qkr::sigfft {
 namespace {
 
-// The twiddles of the columns k to k + group - 1 of one radix-2^bits butterfly: for each multiple m from 1 up
-// the cosines of m k, and then the negated sines.
+// The twiddles of `count` columns from k on of radix-2^bits butterflies. A group of columns has for each
+// multiple m from 1 up the cosines of m k, and then the negated sines.
 template <class T>
-T *append_group(T *table, const Circle<T> &circle, int bits, size_t k) {
-  for (size_t m = 1; m < size_t{1} << bits; ++m, table += 2 * group<T>)
-    for (int g = 0; g < group<T>; ++g) {
-      const auto w = circle[m * (k + g)];
-      table[g] = w.re, table[g + group<T>] = w.im;
-    }
-  return table;
-}
-
-// exp(-2 pi i k / n) as a number of the plain set's tables.
-template <class T>
-T *append_pair(T *table, const Circle<T> &circle, size_t k) {
-  const auto w = circle[k];
-  *table++ = w.re, *table++ = w.im;
-  return table;
+T *append_groups(T *table, const Circle<T> &circle, int bits, size_t k, size_t count) {
+  constexpr size_t g = group<T>;
+  const size_t multiples = (size_t{1} << bits) - 1;
+  for (size_t m = 1; m <= multiples; ++m)
+    circle.for_points(m * k, m, count, [=](size_t i, T re, T im) {
+      T *const place = table + (i / g * multiples + m - 1) * 2 * g + i % g;
+      place[0] = re, place[g] = im;
+    });
+  return table + 2 * multiples * count;
 }
 
 template <class T>
@@ -30,8 +24,7 @@ T *fill_passes(int order, const T *base, int base_order, T *table) {
   T *t = table;
   for (int p = 1, done = passes.bits[0]; p < passes.count; ++p) {
     const int bits = passes.bits[p];
-    const Circle<T> circle = {base, base_order, done + bits};
-    for (size_t k = 0; k < size_t{1} << done; k += group<T>) t = append_group(t, circle, bits, k);
+    t = append_groups(t, Circle<T>{base, base_order, done + bits}, bits, 0, size_t{1} << done);
     done += bits;
   }
   return align16(table + (size_t{2} << order));
@@ -40,11 +33,14 @@ T *fill_passes(int order, const T *base, int base_order, T *table) {
 // Rows of the twiddles of k, 2 k and 3 k, which the radix-4 passes step through.
 template <class T>
 T *fill_rows(int order, const T *base, int base_order, T *table) {
-  const size_t quarter = size_t{1} << (order - 2);
+  const size_t rows = (size_t{1} << (order - 2)) + 1;
   const Circle<T> circle = {base, base_order, order};
-  for (size_t k = 0; k <= quarter; ++k)
-    for (size_t m = 1; m <= 3; ++m) table = append_pair(table, circle, m * k);
-  return align16(table);
+  for (size_t m = 1; m <= 3; ++m)
+    circle.for_points(0, m, rows, [=](size_t k, T re, T im) {
+      T *const place = table + 6 * k + 2 * (m - 1);
+      place[0] = re, place[1] = im;
+    });
+  return align16(table + 6 * rows);
 }
 
 template <class T>
@@ -64,8 +60,7 @@ void fill_columns(Plan<T> &plan, int order, const T *base, int base_order, int l
     for (int p = 0, done = 0; p < passes.count; done += passes.bits[p++]) {
       const Circle<T> circle = {base, base_order, block_order + done + passes.bits[p]};
       for (size_t block = 0; block < size_t{1} << done; ++block)
-        for (size_t k = 0; k < together; k += group<T>)
-          table = append_group(table, circle, passes.bits[p], column + block * length + k);
+        table = append_groups(table, circle, passes.bits[p], column + block * length, together);
     }
   table = align16(table);
 }
@@ -83,19 +78,29 @@ void fill_plain_blocks(Plan<T> &plan, int order, const T *base, int base_order, 
     plan.twiddles = table;
     plan.merge_twiddles = table = fill_rows(staged, base, base_order, table);
     const Circle<T> circle = {base, base_order, order};
-    for (size_t k = 0; k < size_t{1} << (order - 2); ++k) table = append_pair(table, circle, k);
+    const size_t quarter = size_t{1} << (order - 2);
+    circle.for_points(0, 1, quarter, [=](size_t k, T re, T im) { table[2 * k] = re, table[2 * k + 1] = im; });
+    table += 2 * quarter;
     return;
   }
   fill_plain_blocks(plan, block_order, base, base_order, level + 1, table);
   plan.across_twiddles[level] = table;
   plan.column_twiddles[level] = table = fill_rows(blocks, base, base_order, table);
   const Circle<T> circle = {base, base_order, order};
-  constexpr size_t together = 4;
-  for (size_t column = 0; column < size_t{1} << block_order; column += together) {
+  // Four columns of all blocks lie together. Some more are filled at a time, so that what is written stays in
+  // the cache.
+  constexpr size_t together = 4, filled = 64;
+  const size_t length = size_t{1} << block_order, block_count = size_t{1} << blocks;
+  for (size_t column = 0; column < length; column += filled) {
     ReversedCounter frequency(blocks);
-    for (size_t block = 0; block < size_t{1} << blocks; ++block, frequency.next())
-      for (size_t k = column; k < column + together; ++k)
-        table = append_pair(table, circle, frequency.value() * k);
+    for (size_t block = 0; block < block_count; ++block, frequency.next()) {
+      const size_t f = frequency.value();
+      circle.for_points(f * column, f, filled, [=](size_t i, T re, T im) {
+        T *const place = table + 2 * ((i / together * block_count + block) * together + i % together);
+        place[0] = re, place[1] = im;
+      });
+    }
+    table += 2 * filled * block_count;
   }
 }
 

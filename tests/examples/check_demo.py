@@ -2,6 +2,7 @@
 
 check_demo.py EXAMPLES_DIR BUILD_DIR SCRATCH_DIR
 """
+import bisect
 import cmath
 import csv
 import datetime
@@ -122,6 +123,67 @@ class Demo(unittest.TestCase):
         self.assertAlmostEqual(period, 11, delta=0.3)
         self.assertAlmostEqual(period, 4096 / top, delta=0.1)
 
+    def test_ecg(self):
+        """Drift and hum, by the sums that define them, and the convolution at a few places."""
+        lines = (examples / "data/ecg_360hz.csv").read_text().splitlines()[2:]
+        raw, record = list(map(float, lines)), rows(out / "ecg_cleaned.csv")
+        self.assertEqual([float(row["raw"]) for row in record], raw)
+        half, width = 4 * 360, 0.5
+        taps = range(-half, half + 1)
+        window = [0.42 + 0.5 * math.cos(math.pi * i / (half + 1)) + 0.08 * math.cos(2 * math.pi * i / (half + 1))
+                  for i in taps]
+        low_pass = [w * (math.sin(2 * math.pi * width * i / 360) / (2 * math.pi * width * i / 360) if i else 1)
+                    for w, i in zip(window, taps)]
+        total = sum(low_pass)
+        weights = [(i == 0) - p / total * (1 + 2 * math.cos(math.pi * i / 3)) for p, i in zip(low_pass, taps)]
+        for place in (0, 1, 1439, 1440, 1441, 10000, 20000, 21599):
+            exact = sum(w * raw[place - i] for w, i in zip(weights, taps) if 0 <= place - i < len(raw))
+            self.assertAlmostEqual(float(record[place]["by_filter"]), exact, places=8)
+
+        def amplitude(name, k):
+            return abs(sum(float(row[name]) * cmath.exp(-2j * math.pi * k * i / 21600)
+                           for i, row in enumerate(record))) / 10800
+
+        spectrum = rows(out / "ecg_spectrum.csv")
+        for name in ("raw", "by_transform", "by_filter"):
+            for k in (5, 3599, 3600):
+                self.assertAlmostEqual(float(spectrum[k][name]), amplitude(name, k), places=8)
+        for name, most in (("by_transform", 1e-9), ("by_filter", 0.02)):  # of what there was
+            for k in (5, 3599):
+                self.assertLess(float(spectrum[k][name]), most * float(spectrum[k]["raw"]), (name, k))
+            for k in (300, 1200, 4000):  # beats stay
+                self.assertAlmostEqual(float(spectrum[k][name]) / float(spectrum[k]["raw"]), 1, delta=0.05)
+        self.assertLess(float(re.search(r"the two ways differ by (.*) mV", self.report)[1]), 0.05)
+
+    def test_year(self):
+        """A year of 52.18 weeks; one line as Python sums it."""
+        self.assertRegex(self.report, r"43 years +\(2244\): line 43, 52.19 weeks, 2.79 ppm, 99.2 %")
+        lines = {(int(row["weeks"]), int(row["line"])): float(row["amplitude"]) for row in rows(out / "co2_year.csv")}
+        self.assertEqual({weeks for weeks, _ in lines}, {43 * 52, 43 * 53, 2244, 2284})
+        for weeks in (43 * 52, 43 * 53, 2284):  # whose lines hold less of the year
+            self.assertLess(max(a for (n, _), a in lines.items() if n == weeks), lines[2244, 43])
+        values = [line.split(",")[1] for line in (examples / "data/co2_weekly.csv").read_text().splitlines()[2:]]
+        known = [i for i, value in enumerate(values) if value]
+        ppm = []
+        for i in range(len(values)):
+            after = bisect.bisect_left(known, i)
+            right, left = known[after], known[after - (known[after] != i)]
+            share = (i - left) / (right - left) if right != left else 0
+            ppm.append(float(values[left]) * (1 - share) + float(values[right]) * share)
+        signal = ppm[-2244:]
+        basis = []
+        for degree in range(4):
+            power = [(2 * i / 2243 - 1) ** degree for i in range(2244)]
+            for lower in basis:
+                share = sum(map(math.prod, zip(power, lower))) / sum(v * v for v in lower)
+                power = [a - share * b for a, b in zip(power, lower)]
+            share = sum(map(math.prod, zip(signal, power))) / sum(v * v for v in power)
+            signal = [a - share * b for a, b in zip(signal, power)]
+            basis.append(power)
+        for k in (42, 43, 44):
+            exact = abs(sum(y * cmath.exp(-2j * math.pi * k * i / 2244) for i, y in enumerate(signal))) / 1122
+            self.assertAlmostEqual(lines[2244, k], exact, places=7)
+
     def test_error_policy(self):
         status = {}
         for row in rows(out / "error_policy.csv"):
@@ -219,7 +281,7 @@ class Demo(unittest.TestCase):
             self.assertIn("plots skipped", self.report)
             return
         for name in ("co2_growth.png", "tone_curve.png", "daylight.png", "pi_error.png",
-                     "option_error.png", "distributions.png", "sunspot_spectrum.png"):
+                     "option_error.png", "distributions.png", "sunspot_spectrum.png", "ecg_filter.png", "co2_year.png"):
             self.assertIn(str(out / name), self.report)
             picture = (out / name).read_bytes()
             self.assertEqual(picture[:8], b"\x89PNG\r\n\x1a\n")
@@ -254,6 +316,10 @@ class Demo(unittest.TestCase):
                 ("daylight", [examples / "data/stations.csv", out / "nowhere"], "cannot write"),
                 ("sunspot_spectrum", [bad_year, out], "line 3"),
                 ("sunspot_spectrum", [examples / "data/sunspots_yearly.csv", out / "nowhere"], "cannot write"),
+                ("ecg_filter", [co2, out], "line 2"),
+                ("ecg_filter", [examples / "data/ecg_360hz.csv", out / "nowhere"], "cannot write"),
+                ("co2_year", [bad_row, out], "too little data"),
+                ("co2_year", [co2, out / "nowhere"], "cannot write"),
                 ("error_policy", [out / "nowhere"], "cannot write"),
                 ("estimate_pi", [out / "nowhere"], "cannot write"),
                 ("option_price", [out / "nowhere"], "cannot write"),

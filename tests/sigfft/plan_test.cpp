@@ -1,29 +1,10 @@
 // Plans: their sizes, the order of checks, memory of their own and of the caller, failing allocations.
 #include <cstring>
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include "allocations.h"
 #include "engines.h"
 #include "sigfft/plan/decomposition.h"
-
-namespace qkr::tests {
-thread_local int requests_until_failure = -1, blocks_in_use = 0;
-}
-using qkr::tests::blocks_in_use, qkr::tests::requests_until_failure;
-extern "C" {
-void *__real_malloc(size_t size);
-void __real_free(void *block);
-void *__wrap_malloc(size_t size) {
-  if (requests_until_failure >= 0 && requests_until_failure-- == 0) return nullptr;
-  ++blocks_in_use;
-  return __real_malloc(size);
-}
-void __wrap_free(void *block) {
-  if (block) --blocks_in_use;
-  __real_free(block);
-}
-}
 
 namespace qkr::tests {
 namespace {

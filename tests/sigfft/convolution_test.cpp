@@ -1,0 +1,335 @@
+// Linear convolution: each method to the last bit as it is told, all of them against sums in long double, at
+// all borders between methods and parts.
+#include <algorithm>
+
+#include "allocations.h"
+#include "convolution_functions.h"
+#include "tests/support/guarded.h"
+#include "tests/support/levels.h"
+
+namespace qkr::tests {
+namespace {
+
+template <class T>
+struct Engine;
+#define QKR_ENGINE(T, p)                                         \
+  template <>                                                    \
+  struct Engine<T> {                                             \
+    using Plan = zprsFFTSpec_R_##p##f;                           \
+    static constexpr auto convolve = zprsConv_##p##f;            \
+    static constexpr auto make_plan = zprsFFTInitAlloc_R_##p##f; \
+    static constexpr auto release = zprsFFTFree_R_##p##f;        \
+    static constexpr auto forward = zprsFFTFwd_RToPerm_##p##f_I; \
+    static constexpr auto inverse = zprsFFTInv_PermToR_##p##f_I; \
+    static constexpr auto multiply = zprsMulPerm_##p##f_I;       \
+  };
+QKR_ENGINE(double, 64)
+QKR_ENGINE(float, 32)
+#undef QKR_ENGINE
+
+template <class T>
+using Numbers = std::vector<T>;
+
+template <class T>
+class Convolution : public testing::Test {};
+using Precisions = testing::Types<double, float>;
+TYPED_TEST_SUITE(Convolution, Precisions);
+
+// x is the longer sequence; in parts of 4096 if there are as many samples.
+template <class T>
+Numbers<T> plain_sums(const Numbers<T> &x, const Numbers<T> &h) {
+  const size_t part = x.size() < 4096 ? x.size() : 4096;
+  Numbers<T> dst(x.size() + h.size() - 1);
+  for (size_t start = 0; start < x.size(); start += part)
+    for (size_t j = 0; j < h.size(); ++j)
+      for (size_t i = start; i < std::min(start + part, x.size()); ++i) dst[i + j] += x[i] * h[j];
+  return dst;
+}
+
+// Cyclic convolutions of 2^order points, each of `step` new results.
+template <class T>
+Numbers<T> by_transforms(const Numbers<T> &x, const Numbers<T> &h, int order, bool one_block) {
+  using E = Engine<T>;
+  typename E::Plan *plan = nullptr;
+  E::make_plan(&plan, order, 2, 0);
+  const size_t n = size_t{1} << order, overlap = one_block ? 0 : h.size() - 1, step = n - overlap;
+  Numbers<T> spectrum(h), dst;
+  spectrum.resize(n);
+  E::forward(spectrum.data(), plan, nullptr);
+  const size_t results = x.size() + h.size() - 1;
+  for (size_t done = 0; done < results; done += step) {
+    const size_t dropped = done ? overlap : 0;
+    Numbers<T> block(n);
+    for (size_t i = 0; i < step + dropped && done + i - dropped < x.size(); ++i)
+      block[i] = x[done + i - dropped];
+    E::forward(block.data(), plan, nullptr);
+    E::multiply(one_block ? block.data() : spectrum.data(), one_block ? spectrum.data() : block.data(),
+                (int)n);
+    Numbers<T> &product = one_block ? spectrum : block;
+    E::inverse(product.data(), plan, nullptr);
+    const auto first = product.begin() + (ptrdiff_t)dropped;
+    dst.insert(dst.end(), first, first + (ptrdiff_t)std::min(step, results - done));
+  }
+  E::release(plan);
+  return dst;
+}
+
+int order_for(size_t length) { return std::max(2, (int)std::ceil(std::log2((double)length))); }
+
+enum Method { direct, one_transform, overlap_save };
+template <class T>
+Numbers<T> as_told(const Numbers<T> &x, const Numbers<T> &h, Method method) {
+  switch (method) {
+    case direct:
+      return plain_sums(x, h);
+    case one_transform:
+      return by_transforms(x, h, order_for(x.size() + h.size() - 1), true);
+    default:
+      return by_transforms(x, h, order_for(2 * h.size()) + 1, false);
+  }
+}
+
+template <class T>
+Numbers<T> convolved(const Numbers<T> &x, const Numbers<T> &h) {
+  Numbers<T> dst(x.size() + h.size() - 1, T(77));
+  EXPECT_EQ(Engine<T>::convolve(x.data(), (int)x.size(), h.data(), (int)h.size(), dst.data()), zprStsNoErr);
+  return dst;
+}
+
+struct Border {
+  size_t longer, shorter;
+  Method method;
+};
+constexpr Border borders[] = {
+    {1, 1, direct},
+    {2, 1, direct},
+    {2, 2, direct},
+    {75, 75, direct},
+    {76, 75, one_transform},
+    {75, 74, direct},
+    {118, 32, direct},
+    {119, 32, overlap_save},
+    {119, 31, direct},
+    {96, 32, direct},
+    {113, 38, one_transform},
+    {114, 38, overlap_save},
+    {128, 128, one_transform},
+    {129, 128, one_transform},
+    {128, 129 - 64, one_transform},
+    {500, 167, one_transform},
+    {501, 167, overlap_save},
+    {1000, 32, overlap_save},
+    {1000, 33, overlap_save},
+    {4095, 31, direct},
+    {4096, 31, direct},
+    {4097, 31, direct},
+    {4127, 31, direct},
+    {8192, 2, direct},
+    {8191, 1, direct},
+    {8193, 31, direct},
+    {8222, 31, direct},
+    {20000, 31, direct},
+    {20000, 32, overlap_save},
+    {5000, 1000, overlap_save},
+    {3000, 2500, one_transform},
+    {226, 32, overlap_save},
+    {193, 32, overlap_save},
+    {194, 32, overlap_save},
+};
+
+TYPED_TEST(Convolution, FollowsItsMethodToTheLastBit) {
+  using T = TypeParam;
+  for (const auto &[a, b, method] : borders) {
+    SCOPED_TRACE(testing::Message() << a << " and " << b);
+    const auto x = random_vector<T>(a, 1), h = random_vector<T>(b, 2);
+    for_each_level([&](const char *level) {
+      SCOPED_TRACE(level);
+      const auto expected = as_told(x, h, method);
+      EXPECT_TRUE(same_bits(convolved(x, h), expected));
+      // Of sequences of one length the first is x; but products commute.
+      EXPECT_TRUE(same_bits(convolved(h, x), a == b ? as_told(h, x, method) : expected));
+    });
+  }
+}
+
+TYPED_TEST(Convolution, IsNearTheSumsInLongDouble) {
+  using T = TypeParam;
+  for (const auto &[a, b, method] : borders) {
+    if (a * b > 5000000) continue;
+    const auto x = random_vector<T>(a, 3), h = random_vector<T>(b, 4);
+    const auto actual = convolved(x, h);
+    long double squares_x = 0, squares_h = 0;
+    for (const T v : x) squares_x += (long double)v * v;
+    for (const T v : h) squares_h += (long double)v * v;
+    const double bound = 2 * std::numeric_limits<T>::epsilon() * (double)std::sqrt(squares_x * squares_h);
+    Numbers<long double> exact(a + b - 1);
+    for (size_t i = 0; i < a; ++i)
+      for (size_t j = 0; j < b; ++j) exact[i + j] += (long double)x[i] * h[j];
+    for (size_t k = 0; k < exact.size(); ++k)
+      ASSERT_NEAR(actual[k], (double)exact[k], bound) << a << " and " << b << ", result " << k;
+  }
+}
+
+// Values of h and of x that make a term special, at both ends and in the middle of each sequence.
+TYPED_TEST(Convolution, DirectSumsHaveTheBitsOfThePlainLoop) {
+  using T = TypeParam;
+  constexpr T infinity = std::numeric_limits<T>::infinity(), least = std::numeric_limits<T>::denorm_min();
+  const auto check = [](const Numbers<T> &x, const Numbers<T> &h, const char *what) {
+    const auto expected = plain_sums(x, h);
+    for_each_level([&](const char *level) {
+      ASSERT_TRUE(same_bits(convolved(x, h), expected))
+          << level << ", " << x.size() << " and " << h.size() << ' ' << what;
+    });
+  };
+  for (size_t a = 1; a <= 75; ++a)
+    for (size_t b = 1; b <= a; ++b) check(random_vector<T>(a, 5), random_vector<T>(b, 6), "random");
+  for (const size_t a : {76, 118, 159, 160, 161, 170, 191, 192, 193, 500, 4095, 4096, 4100, 8196})
+    for (const size_t b : {1, 2, 3, 7, 16, 17, 30, 31}) {
+      const auto x = random_vector<T>(a, 7), h = random_vector<T>(b, 8);
+      check(x, h, "random");
+      for (const T special : {infinity, -infinity, (T)NAN, T(-0.0), least, std::numeric_limits<T>::max()})
+        for (const int place : {0, 1, 2}) {
+          auto x2 = x, h2 = h;
+          x2[place * (a - 1) / 2] = special;
+          check(x2, h, "special x");
+          h2[place * (b - 1) / 2] = special;
+          check(x, h2, "special h");
+          check(x2, h2, "special x and h");
+        }
+      check(Numbers<T>(a, T(-0.0)), h, "negative zeros");
+    }
+}
+
+TYPED_TEST(Convolution, TouchesOnlyItsArrays) {
+  using T = TypeParam;
+  for (const auto &[a, b, method] : borders)
+    for (const Edge edge : {Edge::end, Edge::start}) {
+      Guarded<T> x(a, edge), h(b, edge), dst(a + b - 1, edge);
+      x.data()[0] = h.data()[0] = 1;
+      for_each_level([&](const char *level) {
+        for (size_t k = 0; k < a + b - 1; ++k) dst.data()[k] = 77;
+        EXPECT_EQ(Engine<T>::convolve(x.data(), (int)a, h.data(), (int)b, dst.data()), zprStsNoErr);
+        for (size_t k = 0; k < a + b - 1; ++k)
+          ASSERT_NEAR(dst.data()[k], k == 0, 1e-6) << level << ", " << a << " and " << b << ", result " << k;
+      });
+    }
+}
+
+TYPED_TEST(Convolution, ReportsFailingAllocations) {
+  using T = TypeParam;
+  for (const auto &[a, b, method] :
+       {Border{4000, 31, direct}, {300, 150, one_transform}, {3000, 150, overlap_save}}) {
+    const auto x = random_vector<T>(a, 1), h = random_vector<T>(b, 2);
+    Numbers<T> dst(a + b - 1);
+    const int in_use = blocks_in_use;
+    const int made = fail_each_request(
+        [&, a = a, b = b] { return Engine<T>::convolve(x.data(), (int)a, h.data(), (int)b, dst.data()); },
+        [&](zprStatus status, bool failed) {
+          EXPECT_EQ(status, failed ? zprStsMemAllocErr : zprStsNoErr);
+          EXPECT_EQ(blocks_in_use, in_use);
+        });
+    if (method == direct) {
+      EXPECT_EQ(made, 0);
+    } else {
+      EXPECT_GE(made, 4);
+    }  // plan, its tables, areas
+  }
+}
+
+template <class Sample, class... Scale>
+void check_arguments(zprStatus (*convolve)(const Sample *, int32_t, const Sample *, int32_t, Sample *,
+                                           Scale...),
+                     Scale... scale) {
+  Sample x[2] = {1, 1}, dst[1] = {77};
+  for (const int32_t len : {-1, 0, 1}) {
+    EXPECT_EQ(convolve(nullptr, len, x, len, dst, scale...), zprStsNullPtrErr);
+    EXPECT_EQ(convolve(x, len, nullptr, len, dst, scale...), zprStsNullPtrErr);
+    EXPECT_EQ(convolve(x, len, x, len, nullptr, scale...), zprStsNullPtrErr);
+  }
+  constexpr int32_t half = 1 << 30;
+  struct Row {
+    int32_t len1, len2, status;
+  };
+  // No such arrays are read. The last three need transforms of 2^31 points.
+  for (const auto &[len1, len2, status] :
+       {Row{0, 1, zprStsSizeErr}, Row{1, 0, zprStsSizeErr}, Row{1, INT32_MIN, zprStsSizeErr},
+        Row{half, half + 1, zprStsSizeErr}, Row{INT32_MAX, 2, zprStsSizeErr},
+        Row{INT32_MAX, INT32_MAX, zprStsSizeErr}, Row{half, half, zprStsFftOrderErr},
+        Row{half / 2 + 1, half / 2 + 1, zprStsFftOrderErr}, Row{half, half / 4 + 1, zprStsFftOrderErr}}) {
+    EXPECT_EQ(convolve(x, len1, x, len2, dst, scale...), status) << len1 << ", " << len2;
+    EXPECT_EQ(convolve(x, len2, x, len1, dst, scale...), status) << len1 << ", " << len2;
+  }
+  EXPECT_EQ(dst[0], 77);
+}
+
+TEST(ConvolutionArguments, AreCheckedInOrder) {
+  check_arguments(zprsConv_32f);
+  check_arguments(zprsConv_64f);
+  check_arguments(zprsConv_16s_Sfs, 0);
+}
+
+Numbers<int16_t> convolved(const Numbers<int16_t> &x, const Numbers<int16_t> &h, int scale) {
+  Numbers<int16_t> dst(x.size() + h.size() - 1);
+  EXPECT_EQ(zprsConv_16s_Sfs(x.data(), (int)x.size(), h.data(), (int)h.size(), dst.data(), scale),
+            zprStsNoErr);
+  return dst;
+}
+
+// Sums that single precision holds exactly, or as near as a transform comes, rounded to nearest even.
+TEST(IntegerConvolution, RoundsAndSaturatesTheSums) {
+  for (const auto &[a, b, method] : borders) {
+    auto x = random_vector<int16_t>(a, 1), h = random_vector<int16_t>(b, 2);
+    for (auto &v : x) v = (int16_t)(v % 64);
+    for (auto &v : h) v = (int16_t)(v % 8);
+    Numbers<int64_t> sums(a + b - 1);
+    for (size_t i = 0; i < a; ++i)
+      for (size_t j = 0; j < b; ++j) sums[i + j] += x[i] * h[j];
+    for (const int scale : {0, 1, 3, -3, -6, 40, -40}) {
+      if ((scale > 0 || scale < -6) && method != direct) continue;  // the transform has an error
+      Numbers<int16_t> expected;
+      for (const int64_t sum : sums) {
+        const double value = std::nearbyint(std::ldexp((double)sum, -scale));
+        expected.push_back((int16_t)std::clamp(value, -32768.0, 32767.0));
+      }
+      for_each_level([&](const char *level) {
+        SCOPED_TRACE(testing::Message() << level << ", " << a << " and " << b << ", scale " << scale);
+        EXPECT_EQ(convolved(x, h, scale), expected);
+        EXPECT_EQ(convolved(h, x, scale), expected);
+      });
+    }
+  }
+}
+
+// In single precision throughout: what zprsConv_32f makes of the same numbers, converted.
+TEST(IntegerConvolution, IsThatOfSinglePrecisionConverted) {
+  for (const auto &[a, b, method] : borders) {
+    const auto x = random_vector<int16_t>(a, 3), h = random_vector<int16_t>(b, 4);
+    const auto sums = convolved(Numbers<float>(x.begin(), x.end()), Numbers<float>(h.begin(), h.end()));
+    for (const int scale : {0, 16, 18}) {
+      Numbers<int16_t> expected(sums.size());
+      zprsConvert_32f16s_Sfs(sums.data(), expected.data(), (int)sums.size(), 1, scale);
+      EXPECT_EQ(convolved(x, h, scale), expected) << a << " and " << b << ", scale " << scale;
+    }
+  }
+}
+
+TEST(IntegerConvolution, ReportsFailingAllocations) {
+  for (const auto &[a, b, method] :
+       {Border{5000, 31, direct}, {300, 150, one_transform}, {3000, 150, overlap_save}}) {
+    const auto x = random_vector<int16_t>(a, 1), h = random_vector<int16_t>(b, 2);
+    Numbers<int16_t> dst(a + b - 1);
+    const int in_use = blocks_in_use;
+    const int made = fail_each_request(
+        [&, a = a, b = b] { return zprsConv_16s_Sfs(x.data(), (int)a, h.data(), (int)b, dst.data(), 0); },
+        [&](zprStatus status, bool failed) {
+          EXPECT_EQ(status, failed ? zprStsMemAllocErr : zprStsNoErr);
+          EXPECT_EQ(blocks_in_use, in_use);
+        });
+    if (method == direct) {
+      EXPECT_EQ(made, 1);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace qkr::tests
