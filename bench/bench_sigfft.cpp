@@ -90,7 +90,8 @@ void add_transforms(const Form &form, int order, const std::regex &filter) {
         });
   };
   add_peer("fftw_measure", true, [=, &form](Arrays<T> a) { return fftw(form, 1 << order, a, FFTW_MEASURE); });
-  add_peer("fftw_estimate", false, [=, &form](Arrays<T> a) { return fftw(form, 1 << order, a, FFTW_ESTIMATE); });
+  add_peer("fftw_estimate", false,
+           [=, &form](Arrays<T> a) { return fftw(form, 1 << order, a, FFTW_ESTIMATE); });
   if (order <= 16 && kissfft(form, order, Arrays<T>{}))
     add_peer("kissfft", false, [=, &form](Arrays<T> a) { return kissfft(form, order, a); });
 }

@@ -1,7 +1,7 @@
 // Measures the errors of transforms beside FFTW's in the same precision, both against FFTW in long double (up
 // to 2^12 points against the defining sum), and prints them as Markdown tables; fails if one of ours exceeds
-// 1.2 times FFTW's, 1.3 times for lengths that are no powers of two. Lengths beyond have self-tests: an impulse, whose transform
-// is known, and the way back from the transform of a random signal.
+// 1.2 times FFTW's, 1.3 times for lengths that are no powers of two. Lengths beyond have self-tests: an
+// impulse, whose transform is known, and the way back from the transform of a random signal.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
