@@ -1,12 +1,13 @@
-// Convolution beside the plain loop at -O3 and overlap-add written on FFTW, on the same arrays in one process.
+// Convolution beside the plain loop at -O3 and overlap-add written on FFTW, on the same arrays in one
+// process.
 //
 //   bench_sigfft_convolution [--quick] [--filter REGEX] [--benchmark_out=FILE.json ...]
 //
-// A benchmark is named FORM/LEVEL/N/CONTENDER, for instance sFilter16/avx512/4096/qkr: N samples by a filter of
-// 16. In Equal both sequences have N samples, Plan is what Equal spends on making its plan, taken apart. Ours
-// makes a plan in each call, and so does `fftw`, our reference where transforms are at work; `fftw_kept` has
-// plans and memory made before. Of direct sums the reference is the loop that -O3 makes for every processor;
-// `loop` is made for the level.
+// A benchmark is named FORM/LEVEL/N/CONTENDER, for instance sFilter16/avx512/4096/qkr: N samples by a filter
+// of 16. In Equal both sequences have N samples, Plan is what Equal spends on making its plan, taken apart.
+// Ours makes a plan in each call, and so does `fftw`, our reference where transforms are at work; `fftw_kept`
+// has plans and memory made before. Of direct sums the reference is the loop that -O3 makes for every
+// processor; `loop` is made for the level.
 #include <memory>
 #include <qkr/sigfft.h>
 #include <random>

@@ -1,6 +1,6 @@
-// The year in the carbon dioxide of the air. A transform sees a line sharply if its length holds a whole number of
-// the line's periods, and a year is neither 52 nor 53 weeks: so take 43 years as 52 and as 53 weeks each, as they
-// are, and all weeks of the record. None of the lengths is a power of two.
+// The year in the carbon dioxide of the air. A transform sees a line sharply if its length holds a whole
+// number of the line's periods, and a year is neither 52 nor 53 weeks: so take 43 years as 52 and as 53 weeks
+// each, as they are, and all weeks of the record. None of the lengths is a power of two.
 //
 // co2_year CSV_FILE OUT_DIR
 // CSV_FILE has rows "yyyymmdd,ppm", the number left out where it was not measured. Writes OUT_DIR/co2_year.csv.

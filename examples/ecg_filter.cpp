@@ -1,5 +1,5 @@
-// A minute of an electrocardiogram without the drift of the skin's voltage and without the hum of the power line,
-// taken out in two ways that should agree:
+// A minute of an electrocardiogram without the drift of the skin's voltage and without the hum of the power
+// line, taken out in two ways that should agree:
 // - through the spectrum: a minute at 360 samples a second has 21600, and at that very length 60 Hz is a
 //   frequency of the transform, so that the hum stands in one place;
 // - by convolution with a long filter, as it would be done while the record goes on.
@@ -90,8 +90,8 @@ static Signal clean_by_transform(const Signal &signal) {
   return transform.inverse(spectrum);
 }
 
-// An impulse less a low pass, which is centred on 0 and, times a cosine of 60 Hz, on the power line as well: a
-// sine over its angle under Blackman's window, 8 seconds long.
+// An impulse less a low pass, which is centred on 0 and, times a cosine of 60 Hz, on the power line as well:
+// a sine over its angle under Blackman's window, 8 seconds long.
 static Signal cleaning_filter() {
   constexpr int32_t half = static_cast<int32_t>(4 * samples_per_second), taps = 2 * half + 1;
   Signal angle(taps), window(taps), hum(taps), low_pass(taps), filter(taps);

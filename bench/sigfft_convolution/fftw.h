@@ -31,8 +31,8 @@ QKR_FFTW(double, fftw)
 QKR_FFTW(float, fftwf)
 #undef QKR_FFTW
 
-// Length of the transforms: the least of 2^k, 3 2^k and 5 2^k that holds all, or the power of two that makes a
-// result cheapest.
+// Length of the transforms: the least of 2^k, 3 2^k and 5 2^k that holds all, or the power of two that makes
+// a result cheapest.
 inline int fftw_length(size_t a, size_t b) {
   if (a < 3 * b) {
     size_t best = SIZE_MAX;

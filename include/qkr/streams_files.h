@@ -23,8 +23,8 @@ QKR_BEGIN_DECLS
  * @param stream the stream, not in use by another thread
  * @param name path; `length` characters, or up to the terminating 0 if length is negative
  * @return VXS_STATUS_OK, or what came first of VXS_STATUS_NO_MEMORY, VXS_STATUS_BAD_GENERATOR,
- * VXS_STATUS_BAD_STATE_SIZE, VXS_STATUS_FILE_OPEN, VXS_STATUS_FILE_WRITE; but always VXS_STATUS_FILE_CLOSE, if the file could not be
- * closed */
+ * VXS_STATUS_BAD_STATE_SIZE, VXS_STATUS_FILE_OPEN, VXS_STATUS_FILE_WRITE; but always VXS_STATUS_FILE_CLOSE,
+ * if the file could not be closed */
 QKR_API int32_t __vxsSaveStreamF(const StreamState *stream, const char *name, int32_t length);
 
 /** Makes a stream from a file. It continues where the saved one was; its list of chunks runs the other way.

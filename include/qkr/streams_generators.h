@@ -32,8 +32,8 @@ QKR_BEGIN_DECLS
  * refused: VXS_STATUS_BAD_ARGUMENT. A user's array may ask for any number of dimensions where the table says
  * so. Leapfrog keeps a single dimension: n is 0x7fffffff and the index the dimension, from 0; a stream cannot
  * be widened again. Skip-ahead counts components, n of them, more than 0. A stream of more dimensions than
- * its record holds, 31580641 at most, keeps them in a chunk of 136 d bytes, which copies and files take along.
- * A stream whose array was refused has no dimensions: draws answer VXS_STATUS_BAD_ARGUMENT.
+ * its record holds, 31580641 at most, keeps them in a chunk of 136 d bytes, which copies and files take
+ * along. A stream whose array was refused has no dimensions: draws answer VXS_STATUS_BAD_ARGUMENT.
  *
  *   | word of params | content                                        |
  *   |----------------|------------------------------------------------|
@@ -58,12 +58,12 @@ QKR_BEGIN_DECLS
  * - MT19937: the Mersenne twister (M. Matsumoto and T. Nishimura, ACM TOMACS 8 (1998) 3). Any number of seed
  *   words, all of which count; none are the single word 1.
  * - MT2203: 1024 small twisters with recurrences of their own, for parallel streams (M. Matsumoto and T.
- *   Nishimura, Dynamic creation of pseudorandom number generators, 2000). Seeded like MT19937. Members with the
- *   same seed begin alike and part only after some 500 numbers: give member k the seed words {seed, k}.
+ *   Nishimura, Dynamic creation of pseudorandom number generators, 2000). Seeded like MT19937. Members with
+ *   the same seed begin alike and part only after some 500 numbers: give member k the seed words {seed, k}.
  * - iAbstract, dAbstract, sAbstract: see qkr/streams_abstract.h.
  *
- * Similar seeds show in the first numbers of MCG31M1, MCG59, WH and MRG32K3A, and the same seed in all members
- * of WH: __vxsSeedWords() makes seed words for many streams out of one seed.
+ * Similar seeds show in the first numbers of MCG31M1, MCG59, WH and MRG32K3A, and the same seed in all
+ * members of WH: __vxsSeedWords() makes seed words for many streams out of one seed.
  *
  * Reals of R250, MRG32K3A, MT19937 and MT2203 are x (b - a) / m + a in double precision, where m is m1 for
  * MRG32K3A and 2^32 for the others; those in single precision are then rounded, so that b itself can come
@@ -95,9 +95,10 @@ QKR_GENERATOR(sAbstract)
  * of the exponent count as an unsigned number.
  * @{ */
 QKR_API uint32_t __vxsiPowMod(uint32_t base, int32_t exponent, uint32_t modulus); /**< modulo `modulus` */
-/** modulo 2^31 - 1, for a base below 2^31. Each product p is folded once, to the low 32 bits of p mod 2^31 + p
- * / 2^31, less 2^31 - 1 if they are not below that: the product of two residues becomes a residue, but
- * that of larger bases need not, and a base of 2^31 or more does not give its power. Reduce it first. */
+/** modulo 2^31 - 1, for a base below 2^31. Each product p is folded once, to the low 32 bits of
+ * p mod 2^31 + p / 2^31, less 2^31 - 1 if they are not below that: the product of two residues becomes a
+ * residue, but that of larger bases need not, and a base of 2^31 or more does not give its power. Reduce it
+ * first. */
 QKR_API uint32_t __vxsiPowMod2P31M1(uint32_t base, int32_t exponent);
 QKR_API uint64_t __vxsiPowMod2P59(uint64_t base, int32_t exponent); /**< modulo 2^59 */
 /** @} */

@@ -22,8 +22,8 @@ constexpr size_t best_alignment = 64;
 void *allocate_block(size_t bytes);
 void release_block(void *block);
 
-// The work buffer of one call: one of its own, or the caller's. That has 16 bytes more for the rounding of its
-// start, which leaves no room for the best alignment.
+// The work buffer of one call: one of its own, or the caller's. That has 16 bytes more for the rounding of
+// its start, which leaves no room for the best alignment.
 template <class T>
 struct WorkBuffer {
   T *start = nullptr;

@@ -367,7 +367,8 @@ TEST(StreamCopies, HaveChunksOfTheirOwn) {
   EXPECT_EQ(__vxsCopyStream(&none, &unknown), VXS_STATUS_BAD_GENERATOR);
 }
 
-// What the bytes of one generator would make of another stays out of it; an abstract stream keeps its addresses.
+// What the bytes of one generator would make of another stays out of it; an abstract stream keeps its
+// addresses.
 TEST(StreamCopies, ForeignStatesDoNoHarm) {
   uint32_t buffer[4];
   StreamState *made = nullptr;

@@ -1,7 +1,7 @@
 // Seeds of many streams: the words of __vxsSeedWords, and members of families at their start.
 //
-// The seeds are fixed, so a test passes always or never. With a seed drawn at random, independent streams would
-// fail each row with probability 4e-7 at the most.
+// The seeds are fixed, so a test passes always or never. With a seed drawn at random, independent streams
+// would fail each row with probability 4e-7 at the most.
 #include <cmath>
 #include <gsl/gsl_cdf.h>
 #include <set>
@@ -50,8 +50,8 @@ TEST(SeedWords, DoNotRepeat) {
   EXPECT_EQ(seen.size(), 100000u);
 }
 
-// How plausible the first numbers of some streams are, as tails of independent ones: the mean over the streams
-// of each of the first numbers, and the products of successive streams.
+// How plausible the first numbers of some streams are, as tails of independent ones: the mean over the
+// streams of each of the first numbers, and the products of successive streams.
 struct Tails {
   double means, products;
 };
