@@ -3,6 +3,7 @@
 
 #include "sigfft/any_length/plan/engine.h"
 #include "sigfft/any_length/routes/kernels.h"
+#include "sigfft/any_length/routes/short.h"
 
 namespace qkr::sigfft {
 
@@ -13,6 +14,7 @@ struct AnyLengthKernels {
   void (*factors)(Spec, const T *src, T *dst, T *work);
   void (*factors_split)(Spec, const T *src_re, const T *src_im, T *dst_re, T *dst_im, T *work);
   void (*out_of_order)(Spec, const T *src, T *dst);
+  void (*short_factors)(Spec, const T *src, T *dst);
   void (*real_factors)(Spec, const T *src, T *dst, T *work);
   void (*direct)(const T *src, T *dst, int32_t points, const T *circle);
   void (*direct_split)(const T *src_re, const T *src_im, T *dst_re, T *dst_im, int32_t points,
@@ -20,12 +22,13 @@ struct AnyLengthKernels {
   void (*real_direct)(const T *src, T *dst, int32_t points, const T *circle);
   void (*recombine)(const T *src, T *dst, int32_t half, const T *table);
 };
-#define QKR_KERNELS(direction, suffix)                                                    \
-  {                                                                                       \
-    zprs_factors##direction##_##suffix##c, zprs_factors##direction##_##suffix,            \
-        zprs_outOfOrder##direction##_##suffix##c, zprs_realFactors##direction##_##suffix, \
-        zprs_direct##direction##_##suffix##c, zprs_direct##direction##_##suffix,          \
-        zprs_realDirect##direction##_##suffix, zprs_recombineHalf##direction##_##suffix   \
+#define QKR_KERNELS(direction, suffix)                                                 \
+  {                                                                                    \
+    zprs_factors##direction##_##suffix##c, zprs_factors##direction##_##suffix,         \
+        zprs_outOfOrder##direction##_##suffix##c, zprs_short##direction##_##suffix##c, \
+        zprs_realFactors##direction##_##suffix, zprs_direct##direction##_##suffix##c,  \
+        zprs_direct##direction##_##suffix, zprs_realDirect##direction##_##suffix,      \
+        zprs_recombineHalf##direction##_##suffix                                       \
   }
 template <bool forward, class T>
 constexpr AnyLengthKernels<T> any_length_kernels = forward ? AnyLengthKernels<T> QKR_KERNELS(Fwd, 64f)
@@ -66,6 +69,7 @@ zprStatus run_route(const AnyLengthPlan<T> *plan, const T *src, T *dst, T *work)
   if (plan->route == Route::chirp) return chirp_transform<forward>(plan, src, dst, work);
   if (plan->route == Route::direct) kernels.direct(src, dst, plan->complex_length, plan->circle);
   else if (plan->out_of_order) kernels.out_of_order(plan, src, dst);
+  else if (is_short(plan->complex_length)) kernels.short_factors(plan, src, dst);
   else kernels.factors(plan, src, dst, work);
   return zprStsNoErr;
 }
