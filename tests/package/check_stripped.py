@@ -19,7 +19,7 @@ def sections(path):
 faults = [f"{path.name} has debug information" for path in (library, archive) if ".debug_info" in sections(path)]
 subprocess.run([cmake, "--install", build, "--prefix", stage, "--component", "debug"], check=True)
 faults += ["no debug information in the file for it"] * (".debug_info" not in sections(debug_file))
-link = subprocess.run(["readelf", "--string-dump=.gnu_debuglink", library], capture_output=True, text=True).stdout
+link = subprocess.run(["readelf", "--string-dump=.gnu_debuglink", library], capture_output=True, text=True, errors="replace").stdout
 faults += [f"{library.name} does not name {debug_file.name}"] * (debug_file.name not in link)
 print(*(f"{path.name}: {path.stat().st_size / 1e6:.1f} MB" for path in (library, archive, debug_file)), sep=", ")
 sys.exit("\n".join(faults) or 0)

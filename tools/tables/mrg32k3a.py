@@ -22,7 +22,7 @@ from lattice import Reduced
 
 COMPONENTS = [(4294967087, (0, 1403580, -810728)), (4294944443, (527612, 0, -1370589))]
 LAGS = (24, 32, 40, 48, 56)
-SOURCE = Path(__file__).resolve().parents[2] / "streams" / "mrg32k3a.cpp"
+SOURCE = Path(__file__).resolve().parents[2] / "streams" / "generators" / "mrg32k3a.cpp"
 
 
 def dot(a, b):
