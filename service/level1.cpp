@@ -1,5 +1,5 @@
-// Scaling and copying of strided vectors. Unit strides, on which the transforms stand, run over whole vectors of
-// the processor; all others element by element.
+// Scaling and copying of strided vectors. Unit strides, on which the transforms stand, run over whole vectors
+// of the processor; all others element by element.
 #include <qkr/service_level1.h>
 
 #include "simd/entry.h"
@@ -66,9 +66,9 @@ QKR_INLINE void copy(int64_t n, const void *source, int64_t stride_x, void *targ
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-#define QKR_SCALE(name, parts, T, Vector)                                                              \
+#define QKR_SCALE(name, parts, T, Vector)                                                                    \
   QKR_ENTRY(name, (const int32_t *n, const T *alpha, Vector *x, const int32_t *incx), (n, alpha, x, incx)) { \
-    scale<parts>(*n, *alpha, (T *)x, *incx);                                                           \
+    scale<parts>(*n, *alpha, (T *)x, *incx);                                                                 \
   }
 QKR_SCALE(qkr_blas_def_sscal, 1, float, float)
 QKR_SCALE(qkr_blas_def_dscal, 1, double, double)
@@ -76,9 +76,9 @@ QKR_SCALE(qkr_blas_def_csscal, 2, float, void)
 QKR_SCALE(qkr_blas_def_zdscal, 2, double, void)
 
 #if QKR_BASELINE
-#define QKR_COPY(name, bytes, Vector)                                                                       \
-  void name(const int32_t *n, const Vector *x, const int32_t *incx, Vector *y, const int32_t *incy) {       \
-    qkr::sse2::copy<bytes>(*n, x, *incx, y, *incy);                                                         \
+#define QKR_COPY(name, bytes, Vector)                                                                 \
+  void name(const int32_t *n, const Vector *x, const int32_t *incx, Vector *y, const int32_t *incy) { \
+    qkr::sse2::copy<bytes>(*n, x, *incx, y, *incy);                                                   \
   }
 QKR_COPY(qkr_blas_def_scopy, 4, float)
 QKR_COPY(qkr_blas_def_dcopy, 8, double)

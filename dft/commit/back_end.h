@@ -1,5 +1,5 @@
-// Back ends: the ways to transform the lines of one dimension in one direction. Each is one file with two answers,
-// whether it applies to a record and making it; commit takes the first that applies.
+// Back ends: the ways to transform the lines of one dimension in one direction. Each is one file with two
+// answers, whether it applies to a record and making it; commit takes the first that applies.
 #pragma once
 
 #include "dft/descriptor/record.h"
@@ -21,6 +21,7 @@ struct BackEnd {
 // In the order in which commit tries them.
 extern const BackEnd scrambled_engine, complex_engine;
 extern const BackEnd real_engine;
+extern const BackEnd short_columns, columns_by_lines;
 
 // One of two by the precision: transforms are templates over the element type.
 template <class Entry>

@@ -9,11 +9,13 @@ namespace qkr::dft {
 namespace {
 
 constexpr const BackEnd *complex_lines[] = {&scrambled_engine, &complex_engine};
+constexpr const BackEnd *complex_columns[] = {&short_columns, &columns_by_lines};
 constexpr const BackEnd *real_lines[] = {&real_engine};
 
 // The last of each list applies always.
 template <int count>
-int32_t make_first(const BackEnd *const (&back_ends)[count], const DftDescriptor *head, DftDescriptor *record) {
+int32_t make_first(const BackEnd *const (&back_ends)[count], const DftDescriptor *head,
+                   DftDescriptor *record) {
   for (const Direction direction : {forward, backward}) {
     const Wish wish = {head, record, direction};
     const BackEnd *const *chosen = back_ends;
@@ -23,12 +25,15 @@ int32_t make_first(const BackEnd *const (&back_ends)[count], const DftDescriptor
   return DFTX_NO_ERROR;
 }
 
-// A real transform runs along its first dimension as real lines and along the others as complex ones; in a packed
-// format, the columns of real numbers make real lines there too.
+// A real transform runs along its first dimension as real lines and along the others as complex ones; in a
+// packed format, the columns of real numbers make real lines there too.
 int32_t make_record(const DftDescriptor *head, DftDescriptor *record) {
   const bool first = record == head;
   int32_t code = DFTX_NO_ERROR;
-  if (is_complex(head) || !first) code = make_first(complex_lines, head, record);
+  if (is_complex(head) || !first) {
+    code = make_first(complex_lines, head, record);
+    if (!code) code = make_first(complex_columns, head, record);
+  }
   if (!code && !is_complex(head)) code = make_first(real_lines, head, record);
   return code;
 }
@@ -80,7 +85,8 @@ int32_t make_work_buffer(DftDescriptor *head) {
 // One line at unit strides, short enough that looking at anything else would be felt.
 bool is_direct(const DftDescriptor *head) {
   const Configuration &set = head->configuration;
-  if (set.thread_limit > 1 || head->dimension != 1 || set.number_of_transforms != 1 || !has_unit_strides(head))
+  if (set.thread_limit > 1 || head->dimension != 1 || set.number_of_transforms != 1 ||
+      !has_unit_strides(head))
     return false;
   const bool in_double = head->precision == DFTX_DOUBLE;
   if (is_complex(head)) return head->length < (in_double ? 512 : 1024);

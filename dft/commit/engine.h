@@ -8,7 +8,9 @@
 namespace qkr::dft {
 
 inline int32_t code_of_status(zprStatus status) {
-  return status == zprStsNoErr ? DFTX_NO_ERROR : status == zprStsMemAllocErr ? DFTX_MEMORY_ERROR : DFTX_ENGINE_ERROR;
+  return status == zprStsNoErr         ? DFTX_NO_ERROR
+         : status == zprStsMemAllocErr ? DFTX_MEMORY_ERROR
+                                       : DFTX_ENGINE_ERROR;
 }
 
 // A kind of plan without its type, and its transforms by direction.
@@ -25,41 +27,42 @@ inline int32_t order_of(int32_t length) {
   return (length & (length - 1)) == 0 ? __builtin_ctz(static_cast<unsigned>(length)) : 31;
 }
 
-#define QKR_PLAN_KIND(Spec, InitAlloc, GetBufSize, Free)                                                       \
-  {                                                                                                            \
-    [](void **plan, int32_t length) {                                                                          \
-      return InitAlloc(reinterpret_cast<Spec **>(plan), order_of(length), unscaled, no_hint);                  \
-    },                                                                                                         \
-        [](const void *plan, int32_t *bytes) { return GetBufSize(static_cast<const Spec *>(plan), bytes); },   \
-        [](void *plan) { return Free(static_cast<Spec *>(plan)); }                                             \
+#define QKR_PLAN_KIND(Spec, InitAlloc, GetBufSize, Free)                                                     \
+  {                                                                                                          \
+    [](void **plan, int32_t length) {                                                                        \
+      return InitAlloc(reinterpret_cast<Spec **>(plan), order_of(length), unscaled, no_hint);                \
+    },                                                                                                       \
+        [](const void *plan, int32_t *bytes) { return GetBufSize(static_cast<const Spec *>(plan), bytes); }, \
+        [](void *plan) { return Free(static_cast<Spec *>(plan)); }                                           \
   }
 
 template <class T>
 struct Engine;
 
-#define QKR_ENGINE(T, C, R)                                                                                    \
-  template <>                                                                                                  \
-  struct Engine<T> {                                                                                           \
-    using Number = zpr##C;                                                                                     \
-    using ComplexPlan = zprsFFTSpec_C_##C;                                                                     \
-    using ScrambledPlan = zprsFFTSpec_C_##C;                                                                   \
-    using RealPlan = zprsFFTSpec_R_##R;                                                                        \
-    static constexpr PlanKind complex = QKR_PLAN_KIND(                                                         \
-        ComplexPlan, w6_zprsFFTInitAlloc_C_##C, w6_zprsFFTGetBufSize_C_##C, w6_zprsFFTFree_C_##C);             \
-    static constexpr PlanKind scrambled = QKR_PLAN_KIND(                                                       \
-        ComplexPlan, w6_zprsFFTInitAlloc_C_##C, w6_zprsFFTGetBufSize_C_##C, w6_zprsFFTFree_C_##C);             \
-    static constexpr PlanKind real = QKR_PLAN_KIND(RealPlan, w6_zprsFFTInitAlloc_R_##R,                        \
-                                                   w6_zprsFFTGetBufSize_R_##R, w6_zprsFFTFree_R_##R);          \
-                                                                                                               \
-    static constexpr zprStatus (*complex_line[])(const Number *, Number *, const ComplexPlan *, uint8_t *) = { \
-        w6_zprsFFTInv_CToC_##C, w6_zprsFFTFwd_CToC_##C};                                                       \
-    static constexpr zprStatus (*scrambled_line[])(const Number *, Number *, const ScrambledPlan *,            \
-                                                   uint8_t *) = {w6_zprsFFTInv_CToC_##C,                       \
-                                                                 w6_zprsFFTFwd_CToC_##C};                      \
-    static constexpr zprStatus (*real_line[][2])(const T *, T *, const RealPlan *, uint8_t *) = {              \
-        {w6_zprsFFTInv_CCSToR_##R, w6_zprsFFTFwd_RToCCS_##R},                                                  \
-        {w6_zprsFFTInv_PackToR_##R, w6_zprsFFTFwd_RToPack_##R},                                                \
-        {w6_zprsFFTInv_PermToR_##R, w6_zprsFFTFwd_RToPerm_##R}}; /* by format, from DFTX_CCS_FORMAT on */      \
+#define QKR_ENGINE(T, C, R)                                                                                \
+  template <>                                                                                              \
+  struct Engine<T> {                                                                                       \
+    using Number = zpr##C;                                                                                 \
+    using ComplexPlan = zprsFFTSpec_C_##C;                                                                 \
+    using ScrambledPlan = zprsFFTSpec_C_##C;                                                               \
+    using RealPlan = zprsFFTSpec_R_##R;                                                                    \
+    static constexpr PlanKind complex = QKR_PLAN_KIND(ComplexPlan, w6_zprsFFTInitAlloc_C_##C,              \
+                                                      w6_zprsFFTGetBufSize_C_##C, w6_zprsFFTFree_C_##C);   \
+    static constexpr PlanKind scrambled = QKR_PLAN_KIND(ComplexPlan, w6_zprsFFTInitAlloc_C_##C,            \
+                                                        w6_zprsFFTGetBufSize_C_##C, w6_zprsFFTFree_C_##C); \
+    static constexpr PlanKind real = QKR_PLAN_KIND(RealPlan, w6_zprsFFTInitAlloc_R_##R,                    \
+                                                   w6_zprsFFTGetBufSize_R_##R, w6_zprsFFTFree_R_##R);      \
+                                                                                                           \
+    static constexpr zprStatus (*complex_line[])(const Number *, Number *, const ComplexPlan *,            \
+                                                 uint8_t *) = {w6_zprsFFTInv_CToC_##C,                     \
+                                                               w6_zprsFFTFwd_CToC_##C};                    \
+    static constexpr zprStatus (*scrambled_line[])(const Number *, Number *, const ScrambledPlan *,        \
+                                                   uint8_t *) = {w6_zprsFFTInv_CToC_##C,                   \
+                                                                 w6_zprsFFTFwd_CToC_##C};                  \
+    static constexpr zprStatus (*real_line[][2])(const T *, T *, const RealPlan *, uint8_t *) = {          \
+        {w6_zprsFFTInv_CCSToR_##R, w6_zprsFFTFwd_RToCCS_##R},                                              \
+        {w6_zprsFFTInv_PackToR_##R, w6_zprsFFTFwd_RToPack_##R},                                            \
+        {w6_zprsFFTInv_PermToR_##R, w6_zprsFFTFwd_RToPerm_##R}}; /* by format, from DFTX_CCS_FORMAT on */  \
   };
 QKR_ENGINE(float, 32fc, 32f)
 QKR_ENGINE(double, 64fc, 64f)

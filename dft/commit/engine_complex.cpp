@@ -26,8 +26,8 @@ int32_t line(const void *input, void *output, const DftDescriptor *record, uint8
     status = E::scrambled_line[direction](
         source, target, static_cast<const typename E::ScrambledPlan *>(record->outord_spec), work);
   else
-    status = E::complex_line[direction](source, target,
-                                        static_cast<const typename E::ComplexPlan *>(record->spec_complex), work);
+    status = E::complex_line[direction](
+        source, target, static_cast<const typename E::ComplexPlan *>(record->spec_complex), work);
   scale(record->length, scale_of<T>(record, direction), output);
   return code_of_status(status);
 }

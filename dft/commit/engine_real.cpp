@@ -25,7 +25,8 @@ int32_t line(const void *input, void *output, const DftDescriptor *record, uint8
   using E = Engine<T>;
   T *target = static_cast<T *>(output);
   const zprStatus status = E::real_line[format - DFTX_CCS_FORMAT][direction](
-      static_cast<const T *>(input), target, static_cast<const typename E::RealPlan *>(record->spec_real), work);
+      static_cast<const T *>(input), target, static_cast<const typename E::RealPlan *>(record->spec_real),
+      work);
   scale(scaled_numbers(format, direction, record->length), scale_of<T>(record, direction), target);
   if (direction == backward && format == DFTX_CCS_FORMAT && input == output) target[record->length] = 0;
   return code_of_status(status);
@@ -33,8 +34,9 @@ int32_t line(const void *input, void *output, const DftDescriptor *record, uint8
 
 template <int32_t format>
 LineTransform choose(const Wish &wish) {
-  return wish.direction == forward ? of_precision(wish, line<float, forward, format>, line<double, forward, format>)
-                                   : of_precision(wish, line<float, backward, format>, line<double, backward, format>);
+  return wish.direction == forward
+             ? of_precision(wish, line<float, forward, format>, line<double, forward, format>)
+             : of_precision(wish, line<float, backward, format>, line<double, backward, format>);
 }
 
 bool always(const Wish &) { return true; }

@@ -39,8 +39,9 @@ void fill(DftDescriptor *head, int32_t precision, int32_t domain, int32_t dimens
 
 }  // namespace
 
-int32_t qkr_dft_def_create_descriptor_highd(DftDescriptor **handle, const int32_t *precision, const int32_t *domain,
-                                            const int32_t *dimension, const int32_t *lengths) {
+int32_t qkr_dft_def_create_descriptor_highd(DftDescriptor **handle, const int32_t *precision,
+                                            const int32_t *domain, const int32_t *dimension,
+                                            const int32_t *lengths) {
   const int32_t count = *dimension;
   if (count < 1 || count > largest_named_dimension) return DFTX_INVALID_ARGUMENT;
   for (int32_t i = 0; i < count; ++i)
@@ -64,8 +65,9 @@ int32_t qkr_dft_def_create_descriptor_highd(DftDescriptor **handle, const int32_
   return DFTX_NO_ERROR;
 }
 
-int32_t qkr_dft_def_create_descriptor_1d(DftDescriptor **handle, const int32_t *precision, const int32_t *domain,
-                                         const int32_t *dimension, const int32_t *lengths) {
+int32_t qkr_dft_def_create_descriptor_1d(DftDescriptor **handle, const int32_t *precision,
+                                         const int32_t *domain, const int32_t *dimension,
+                                         const int32_t *lengths) {
   return qkr_dft_def_create_descriptor_highd(handle, precision, domain, dimension, lengths);
 }
 

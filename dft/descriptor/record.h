@@ -1,5 +1,5 @@
-// The descriptor: one record a dimension, all in one block. The first record, the head, also holds the configuration
-// and what the dimensions share.
+// The descriptor: one record a dimension, all in one block. The first record, the head, also holds the
+// configuration and what the dimensions share.
 #pragma once
 
 #include <qkr/dft.h>
@@ -8,14 +8,14 @@ namespace qkr::dft {
 
 enum Direction { backward, forward };
 
-// Transforms one line of neighbouring numbers, `input` and `output` being the same or apart. `work` is one thread's
-// slice of the work memory.
-using LineTransform = int32_t (*)(const void *input, void *output, const DftDescriptor *record, uint8_t *work);
+// Transforms one line of neighbouring numbers, `input` and `output` being the same or apart. `work` is one
+// thread's slice of the work memory.
+using LineTransform = int32_t (*)(const void *input, void *output, const DftDescriptor *record,
+                                  uint8_t *work);
 
-// Lines that stand side by side, so that element i of line j is input[i * stride + j], as many as `count`. Strides in
-// complex numbers. The result is multiplied by `scale`.
-using ColumnTransform = void (*)(const void *input, ptrdiff_t input_stride, void *output, ptrdiff_t output_stride,
-                                 int64_t count, double scale);
+// Lines of 2^order complex numbers that stand side by side, `count` of them: see dft/codelets/columns.h.
+using ColumnTransform = void (*)(int order, const void *source, ptrdiff_t source_stride, void *target,
+                                 ptrdiff_t target_stride, int64_t count, double scale);
 
 constexpr int32_t not_committed = 31, committed = 30;
 constexpr int32_t largest_dimension = 3, largest_named_dimension = 7;
@@ -43,9 +43,9 @@ struct DftDescriptor {
 
   // What commit chose for lines of this dimension, by direction.
   qkr::dft::LineTransform complex_line[2];
-  qkr::dft::LineTransform real_line[2];       // in the packed format of the descriptor
-  qkr::dft::LineTransform real_line_of_perm;  // backward, from DFTX_PERM_FORMAT
-  qkr::dft::ColumnTransform columns[2];       // null: there is none for this length
+  qkr::dft::LineTransform real_line[2];          // in the packed format of the descriptor
+  qkr::dft::LineTransform real_line_of_perm;     // backward, from DFTX_PERM_FORMAT
+  qkr::dft::ColumnTransform columns[2];          // null: there is none for this length
   void *spec_complex, *spec_real, *outord_spec;  // plans of the engine, owned
   void *radix_table;                             // of the own radix core, owned
   int32_t work_size;                             // bytes that one line needs
@@ -54,11 +54,11 @@ struct DftDescriptor {
   qkr::dft::Configuration configuration;
   int32_t total_size;  // product of the lengths
   int32_t commit_state;
-  int32_t threads;            // that a compute call may use
-  bool direct_call;           // one line with unit stride: compute calls its transform and nothing else
-  ptrdiff_t slice;            // bytes of work memory of each thread
-  uint8_t *work_buffer;       // owned
-  int32_t *thread_slots;      // thread_limit words, 1 while one of the caller's threads computes; owned
+  int32_t threads;        // that a compute call may use
+  bool direct_call;       // one line with unit stride: compute calls its transform and nothing else
+  ptrdiff_t slice;        // bytes of work memory of each thread
+  uint8_t *work_buffer;   // owned
+  int32_t *thread_slots;  // thread_limit words, 1 while one of the caller's threads computes; owned
 };
 
 namespace qkr::dft {

@@ -12,7 +12,8 @@ int32_t set_integer(DftDescriptor *head, int32_t parameter, int32_t value) {
     word = value;
     return DFTX_NO_ERROR;
   };
-  // A storage that other parameters or other libraries know is refused as unimplemented, anything else as no value.
+  // A storage that other parameters or other libraries know is refused as unimplemented, anything else as no
+  // value.
   const auto refused_storage = [value] {
     const bool known = value == DFTX_COMPLEX_COMPLEX || value == DFTX_COMPLEX_REAL || value == DFTX_REAL_REAL;
     return known ? DFTX_UNIMPLEMENTED : DFTX_INVALID_ARGUMENT;
@@ -42,7 +43,8 @@ int32_t set_integer(DftDescriptor *head, int32_t parameter, int32_t value) {
     case DFTX_OUTPUT_DISTANCE:
       return store(set.output_distance);
     case DFTX_ORDERING:
-      if (value != DFTX_ORDERED && (value != DFTX_SCRAMBLED || !is_complex(head))) return DFTX_INVALID_ARGUMENT;
+      if (value != DFTX_ORDERED && (value != DFTX_SCRAMBLED || !is_complex(head)))
+        return DFTX_INVALID_ARGUMENT;
       return store(set.ordering);
     case DFTX_PACKED_FORMAT:
       if (value < DFTX_CCS_FORMAT || value > DFTX_CCE_FORMAT) return DFTX_INVALID_ARGUMENT;
@@ -69,7 +71,8 @@ int32_t qkr_dft_def_set_value_intval(DftDescriptor **handle, const int32_t *para
   return code ? code : set_integer(*handle, *parameter, *value);
 }
 
-// The scale is applied once to a whole transform: by the first dimension that does anything, or else by the first.
+// The scale is applied once to a whole transform: by the first dimension that does anything, or else by the
+// first.
 int32_t qkr_dft_def_set_value_dblval(DftDescriptor **handle, const int32_t *parameter, const double *value) {
   DftDescriptor *head = *handle;
   if (const int32_t code = open_for_change(head)) return code;
@@ -82,7 +85,8 @@ int32_t qkr_dft_def_set_value_dblval(DftDescriptor **handle, const int32_t *para
   return DFTX_NO_ERROR;
 }
 
-int32_t qkr_dft_set_strides(DftDescriptor **handle, const int32_t *input_strides, const int32_t *output_strides) {
+int32_t qkr_dft_set_strides(DftDescriptor **handle, const int32_t *input_strides,
+                            const int32_t *output_strides) {
   DftDescriptor *head = *handle;
   if (const int32_t code = open_for_change(head)) return code;
   if (!output_strides && is_complex(head)) output_strides = input_strides;

@@ -1,5 +1,6 @@
-// Complex lines. Contiguous ones are transformed where they stand. Neighbouring columns are transformed lane by lane
-// where the length is short enough, or gathered in strips into rows of a scratch. Any others are copied one by one.
+// Complex lines. Contiguous ones are transformed where they stand. Neighbouring columns are transformed lane
+// by lane where the length is short enough, or gathered in strips into rows of a scratch. Any others are
+// copied one by one.
 #include "dft/drivers/lines.h"
 #include "dft/drivers/row_copy.h"
 #include "dft/drivers/scratch.h"
@@ -36,7 +37,8 @@ struct ComplexLines {
       gather(width, from, source.stride / 2, length, rows, pitch);
       int32_t code = DFTX_NO_ERROR;
       for (int r = 0; r < width; ++r) code = transform(rows + r * pitch, rows + r * pitch, record, work);
-      if (!code) scatter(width, rows, pitch, length, reinterpret_cast<Complex *>(target.line(i)), target.stride / 2);
+      if (!code)
+        scatter(width, rows, pitch, length, reinterpret_cast<Complex *>(target.line(i)), target.stride / 2);
       return code;
     });
   }
@@ -66,14 +68,15 @@ int32_t transform_complex_lines(const DftDescriptor *record, Direction direction
   if (!source.is_interleaved(2) || !target.is_interleaved(2)) return lines.one_by_one(first, last);
   const ColumnTransform columns = record->columns[direction];
   if (!columns) return lines.by_strips(first, last);
-  columns(source.line(first), source.stride / 2, target.line(first), target.stride / 2, last - first,
+  const int order = __builtin_ctz(static_cast<unsigned>(record->length));
+  columns(order, source.line(first), source.stride / 2, target.line(first), target.stride / 2, last - first,
           record->scale[direction]);
   return DFTX_NO_ERROR;
 }
 
-#define QKR_INSTANTIATE(T)                                                                                       \
-  template int32_t transform_complex_lines(const DftDescriptor *, Direction, Place<const T>, Place<T>, int64_t, \
-                                           int64_t, uint8_t *);
+#define QKR_INSTANTIATE(T)                                                                             \
+  template int32_t transform_complex_lines(const DftDescriptor *, Direction, Place<const T>, Place<T>, \
+                                           int64_t, int64_t, uint8_t *);
 QKR_INSTANTIATE(float)
 QKR_INSTANTIATE(double)
 

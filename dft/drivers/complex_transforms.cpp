@@ -1,5 +1,5 @@
-// Complex transforms. Two dimensions are a pass over the rows and one over the columns; three are that for each slice,
-// and a pass over the columns through the slices.
+// Complex transforms. Two dimensions are a pass over the rows and one over the columns; three are that for
+// each slice, and a pass over the columns through the slices.
 #include "dft/drivers/transforms.h"
 
 namespace qkr::dft {
@@ -16,8 +16,8 @@ struct Grid {
   // Lines first to last - 1 along one dimension, side by side along another.
   int32_t lines(T *base, int along, int beside, int64_t first, int64_t last, uint8_t *work) const {
     const Place<T> place = {base, step(along), step(beside)};
-    return transform_complex_lines<T>(head + along, direction, {base, place.stride, place.distance}, place, first,
-                                      last, work);
+    return transform_complex_lines<T>(head + along, direction, {base, place.stride, place.distance}, place,
+                                      first, last, work);
   }
 
   int32_t slice(T *base, const Workers &workers) const {
@@ -56,11 +56,13 @@ int32_t complex_transforms(const DftDescriptor *head, Direction direction, T *da
   if (head->dimension == 1) {
     const Place<T> place = {data, 2 * ptrdiff_t{head->input_stride}, distance};
     return share(workers, count, [&](int64_t first, int64_t last, uint8_t *work) {
-      return transform_complex_lines<T>(head, direction, {data, place.stride, distance}, place, first, last, work);
+      return transform_complex_lines<T>(head, direction, {data, place.stride, distance}, place, first, last,
+                                        work);
     });
   }
   const Grid<T> grid = {head, direction};
-  return batch(workers, count, [&](int64_t t, const Workers &who) { return grid.transform(data + t * distance, who); });
+  return batch(workers, count,
+               [&](int64_t t, const Workers &who) { return grid.transform(data + t * distance, who); });
 }
 
 template int32_t complex_transforms(const DftDescriptor *, Direction, float *, int64_t, const Workers &);

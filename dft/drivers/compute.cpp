@@ -15,14 +15,15 @@ int32_t check(const DftDescriptor *head, int32_t domain, const void *input, cons
   if (head->magic[0] != 'D') return DFTX_BAD_DESCRIPTOR;
   if (head->commit_state != committed) return DFTX_NOT_COMMITTED;
   const int32_t precision = sizeof(T) == 8 ? DFTX_DOUBLE : DFTX_SINGLE;
-  return head->forward_domain == domain && head->precision == precision ? DFTX_NO_ERROR : DFTX_INVALID_ARGUMENT;
+  return head->forward_domain == domain && head->precision == precision ? DFTX_NO_ERROR
+                                                                        : DFTX_INVALID_ARGUMENT;
 }
 
 // Sizes below which a fork costs more than it brings.
 constexpr int32_t smallest_shared_grid = 32000, smallest_shared_plane = 2048;
 
-// Whether a transform of a descriptor that may use a team is shared out: batches and planes are, small grids and
-// single lines are not.
+// Whether a transform of a descriptor that may use a team is shared out: batches and planes are, small grids
+// and single lines are not.
 template <class T>
 bool is_shared_complex(const DftDescriptor *head, Direction direction) {
   if (head->configuration.number_of_transforms != 1) return true;
@@ -63,8 +64,8 @@ int32_t compute_complex(DftDescriptor *head, void *data) {
   if (const int32_t code = check<T>(head, DFTX_COMPLEX, data, data)) return code;
   if (head->direct_call) return head->complex_line[direction](data, data, head, head->work_buffer);
   return run(head, head->threads > 1 && is_shared_complex<T>(head, direction), [&](const Workers &workers) {
-    return complex_transforms(head, direction, static_cast<T *>(data), head->configuration.number_of_transforms,
-                              workers);
+    return complex_transforms(head, direction, static_cast<T *>(data),
+                              head->configuration.number_of_transforms, workers);
   });
 }
 
@@ -90,9 +91,9 @@ QKR_COMPLEX(qkr_dft_def_compute_backward_c, float, backward)
 QKR_COMPLEX(qkr_dft_def_compute_forward_z, double, forward)
 QKR_COMPLEX(qkr_dft_def_compute_backward_z, double, backward)
 
-#define QKR_REAL(name, T, direction, Input, Output)                               \
-  int32_t name(DftDescriptor **handle, const Input *input, Output *output) {      \
-    return compute_real<T, direction>(*handle, input, output);                    \
+#define QKR_REAL(name, T, direction, Input, Output)                          \
+  int32_t name(DftDescriptor **handle, const Input *input, Output *output) { \
+    return compute_real<T, direction>(*handle, input, output);               \
   }
 QKR_REAL(qkr_dft_def_compute_forward_sc_out, float, forward, float, void)
 QKR_REAL(qkr_dft_def_compute_backward_cs_out, float, backward, void, float)

@@ -1,10 +1,10 @@
 // Real transforms of two and three dimensions with a complex half spectrum.
 //
-// Forward, the rows become half spectra in the output, whose columns are then transformed in place. Backward is the
-// mirror. In one array it works in place as well. With an array of its own, which has room for the real numbers only,
-// the columns go from the input straight to the rows of the output, in the order of DFTX_PERM_FORMAT; there is no room
-// for the imaginary parts of X[0] and X[H] there, which are zero once all columns are done: those two planes are
-// transformed in a scratch.
+// Forward, the rows become half spectra in the output, whose columns are then transformed in place. Backward
+// is the mirror. In one array it works in place as well. With an array of its own, which has room for the
+// real numbers only, the columns go from the input straight to the rows of the output, in the order of
+// DFTX_PERM_FORMAT; there is no room for the imaginary parts of X[0] and X[H] there, which are zero once all
+// columns are done: those two planes are transformed in a scratch.
 #include "dft/drivers/scratch.h"
 #include "dft/drivers/transforms.h"
 
@@ -62,7 +62,8 @@ struct Forward : Shape {
 
   int32_t transform(const Workers &workers) const {
     if (length(2) == 1) return slice(0, workers);
-    const int32_t code = batch(workers, length(2), [&](int64_t i2, const Workers &who) { return slice(i2, who); });
+    const int32_t code =
+        batch(workers, length(2), [&](int64_t i2, const Workers &who) { return slice(i2, who); });
     if (code) return code;
     return share(workers, half() * length(1), [&](int64_t first, int64_t last, uint8_t *work) {
       return for_each_run(first, last, half(), [&](int64_t i1, int64_t start, int64_t stop) {
@@ -92,7 +93,8 @@ struct BackwardInPlace : Shape {
     if (code) return code;
     const RealTransform row = rows(backward, head->real_line[backward], DFTX_CCS_FORMAT);
     return share(workers, length(1), [&](int64_t first, int64_t last, uint8_t *work) {
-      return transform_real_lines<T>(row, {base, 2, steps.along[1]}, {base, 1, steps.along[1]}, first, last, work);
+      return transform_real_lines<T>(row, {base, 2, steps.along[1]}, {base, 1, steps.along[1]}, first, last,
+                                     work);
     });
   }
   int32_t transform(const Workers &workers) const {
@@ -156,11 +158,12 @@ struct BackwardApart : Shape {
       for (; first < last && first < planes(); ++first)
         if (const int32_t code = plane(first, work)) return code;
       if (pairs() == 0) return static_cast<int32_t>(DFTX_NO_ERROR);
-      return for_each_run(first - planes(), last - planes(), pairs(), [&](int64_t i1, int64_t start, int64_t stop) {
-        return transform_complex_lines<T>(head + last_dimension, backward,
-                                          spectrum_columns(last_dimension, i1 * in.along[1]),
-                                          packed_columns(last_dimension, i1 * out.along[1]), start, stop, work);
-      });
+      return for_each_run(
+          first - planes(), last - planes(), pairs(), [&](int64_t i1, int64_t start, int64_t stop) {
+            return transform_complex_lines<T>(
+                head + last_dimension, backward, spectrum_columns(last_dimension, i1 * in.along[1]),
+                packed_columns(last_dimension, i1 * out.along[1]), start, stop, work);
+          });
     });
   }
 
@@ -172,16 +175,16 @@ struct BackwardApart : Shape {
       code = share(workers, pairs(), [&](int64_t first, int64_t last, uint8_t *work) {
         const Place<T> place = packed_columns(1, offset);
         return transform_complex_lines<T>(head + 1, backward,
-                                          {place.base, place.stride, place.distance, place.imaginary}, place, first,
-                                          last, work);
+                                          {place.base, place.stride, place.distance, place.imaginary}, place,
+                                          first, last, work);
       });
     if (code) return code;
     const RealTransform row = rows(backward, head->real_line_of_perm, DFTX_PERM_FORMAT);
     T *base = output + offset;
     const ptrdiff_t step = out.along[0];
     return share(workers, length(1), [&](int64_t first, int64_t last, uint8_t *work) {
-      return transform_real_lines<T>(row, {base, 2 * step, out.along[1], step}, {base, step, out.along[1]}, first,
-                                     last, work);
+      return transform_real_lines<T>(row, {base, 2 * step, out.along[1], step}, {base, step, out.along[1]},
+                                     first, last, work);
     });
   }
 
@@ -209,7 +212,8 @@ int32_t half_spectrum_transform(const DftDescriptor *head, Direction direction, 
   const int width = direction == forward ? 1 : 2;
   Steps in = shape.steps(width, &DftDescriptor::input_stride);
   const Steps out = shape.steps(3 - width, &DftDescriptor::output_stride);
-  const bool in_place = input == output && (direction == forward ? share_rows(shape, in, out) : share_rows(shape, out, in));
+  const bool in_place =
+      input == output && (direction == forward ? share_rows(shape, in, out) : share_rows(shape, out, in));
   const bool copies = input == output && !in_place;
   const Scratch<T> copy(copies ? 2 * shape.half() * shape.rows_of_all() : 0);
   if (copies) {
@@ -231,7 +235,8 @@ int32_t half_spectrum_transform(const DftDescriptor *head, Direction direction, 
   return BackwardApart<T>{shape, input, output, in, out}.transform(workers);
 }
 
-template int32_t half_spectrum_transform(const DftDescriptor *, Direction, const float *, float *, const Workers &);
+template int32_t half_spectrum_transform(const DftDescriptor *, Direction, const float *, float *,
+                                         const Workers &);
 template int32_t half_spectrum_transform(const DftDescriptor *, Direction, const double *, double *,
                                          const Workers &);
 

@@ -1,6 +1,6 @@
-// Real transforms of two dimensions in a packed format: a matrix of real numbers whose rows are packed spectra. The
-// columns of numbers that are real then are real lines, packed in the same format downward; the others stand in pairs
-// and are complex lines.
+// Real transforms of two dimensions in a packed format: a matrix of real numbers whose rows are packed
+// spectra. The columns of numbers that are real then are real lines, packed in the same format downward; the
+// others stand in pairs and are complex lines.
 #include <initializer_list>
 #include <type_traits>
 
@@ -56,7 +56,8 @@ struct Packed {
       for (; first < last && first < real_columns(); ++first) {
         const T *column = source + first * layout.nyquist * from.along;
         T *result = output + first * target.nyquist * out.along;
-        const Place<const T> signal = {column, from.down, 0}, spectrum = {column, 2 * from.down, 0, from.down};
+        const Place<const T> signal = {column, from.down, 0},
+                             spectrum = {column, 2 * from.down, 0, from.down};
         const Place<T> to_signal = {result, out.down, 0}, to_spectrum = {result, 2 * out.down, 0, out.down};
         const bool ahead = direction == forward;
         const int32_t code = transform_real_lines<T>(real, ahead ? signal : spectrum,
@@ -68,16 +69,17 @@ struct Packed {
                                                             2 * steps.along, steps.along};
       };
       return transform_complex_lines<T>(head + 1, direction, complex(source, from, layout),
-                                        complex(output, out, target), first - real_columns(), last - real_columns(),
-                                        work);
+                                        complex(output, out, target), first - real_columns(),
+                                        last - real_columns(), work);
     });
   }
 
   int32_t forward_transform(const Workers &workers) const {
-    const RealTransform row = {head, head->real_line[forward], forward, spectrum_numbers(output_format, length())};
+    const RealTransform row = {head, head->real_line[forward], forward,
+                               spectrum_numbers(output_format, length())};
     const int32_t code = share(workers, height(), [&](int64_t first, int64_t last, uint8_t *work) {
-      return transform_real_lines<T>(row, {input, in.along, in.down}, {output, 2 * out.along, out.down, out.along},
-                                     first, last, work);
+      return transform_real_lines<T>(row, {input, in.along, in.down},
+                                     {output, 2 * out.along, out.down, out.along}, first, last, work);
     });
     return code ? code : columns(workers, output, out, output_format);
   }
@@ -101,7 +103,8 @@ void copy_input(const DftDescriptor *head, Direction direction, const T *input, 
   const int32_t format = line_format(head);
   const int64_t length = head[0].length, height = head[1].length;
   const int64_t numbers = direction == forward ? length : spectrum_numbers(format, length);
-  for (int64_t i = 0; i < height; ++i) copy_numbers(numbers, input + i * in.down, in.along, copy + i * pitch, 1);
+  for (int64_t i = 0; i < height; ++i)
+    copy_numbers(numbers, input + i * in.down, in.along, copy + i * pitch, 1);
   if (direction == forward || height == 1) return;
   // Below, the spectrum's real columns alone go on.
   const ptrdiff_t nyquist = length % 2 == 0 ? layout_of(format, length).nyquist : 0;
@@ -118,7 +121,8 @@ int32_t packed_transform(const DftDescriptor *head, Direction direction, const T
   const int32_t format = line_format(head);
   const int64_t row_numbers = format == DFTX_CCS_FORMAT ? head[0].length + 2 : head[0].length;
   const bool ahead = direction == forward;
-  Matrix in = {head[0].input_stride, head[1].input_stride}, out = {head[0].output_stride, head[1].output_stride};
+  Matrix in = {head[0].input_stride, head[1].input_stride},
+         out = {head[0].output_stride, head[1].output_stride};
   if (!head->configuration.strides_set) (ahead ? out : in) = {1, row_numbers};
 
   const bool in_place = input == output && in == out && (!ahead || in.along == 1);
@@ -130,13 +134,15 @@ int32_t packed_transform(const DftDescriptor *head, Direction direction, const T
     input = copy.numbers;
     in = {1, row_numbers};
   }
-  if (ahead) return Packed<T>{head, direction, input, output, in, out, format, format}.forward_transform(workers);
+  if (ahead)
+    return Packed<T>{head, direction, input, output, in, out, format, format}.forward_transform(workers);
   // Rows with numbers of their own have no room for more than the real ones.
   const int32_t rows_format = in_place ? format : int32_t{DFTX_PERM_FORMAT};
   return Packed<T>{head, direction, input, output, in, out, format, rows_format}.backward_transform(workers);
 }
 
 template int32_t packed_transform(const DftDescriptor *, Direction, const float *, float *, const Workers &);
-template int32_t packed_transform(const DftDescriptor *, Direction, const double *, double *, const Workers &);
+template int32_t packed_transform(const DftDescriptor *, Direction, const double *, double *,
+                                  const Workers &);
 
 }  // namespace qkr::dft

@@ -1,5 +1,5 @@
-// Real lines. Contiguous ones are transformed where they stand, neighbouring columns in strips, any others one by one
-// through a scratch.
+// Real lines. Contiguous ones are transformed where they stand, neighbouring columns in strips, any others
+// one by one through a scratch.
 #include "dft/drivers/lines.h"
 #include "dft/drivers/row_copy.h"
 #include "dft/drivers/scratch.h"
@@ -38,7 +38,8 @@ struct RealLines {
     gather(width, reinterpret_cast<const Pair *>(source.line(i)), source.stride / 2, count / 2,
            reinterpret_cast<Pair *>(rows), pitch / 2);
     if (count % 2)
-      for (int r = 0; r < width; ++r) rows[r * pitch + count - 1] = source.line(i + r)[count / 2 * source.stride];
+      for (int r = 0; r < width; ++r)
+        rows[r * pitch + count - 1] = source.line(i + r)[count / 2 * source.stride];
   }
   void put_strip(int64_t i, int width, const T *rows, ptrdiff_t pitch) const {
     if (transform.direction == backward) {
@@ -51,7 +52,8 @@ struct RealLines {
     scatter(width, reinterpret_cast<const Pair *>(rows), pitch / 2, count / 2,
             reinterpret_cast<Pair *>(target.line(i)), target.stride / 2);
     if (count % 2)
-      for (int r = 0; r < width; ++r) target.line(i + r)[count / 2 * target.stride] = rows[r * pitch + count - 1];
+      for (int r = 0; r < width; ++r)
+        target.line(i + r)[count / 2 * target.stride] = rows[r * pitch + count - 1];
   }
 
   int32_t by_strips(int64_t first, int64_t last) const {
@@ -87,8 +89,8 @@ struct RealLines {
 }  // namespace
 
 template <class T>
-int32_t transform_real_lines(const RealTransform &transform, Place<const T> source, Place<T> target, int64_t first,
-                             int64_t last, uint8_t *work) {
+int32_t transform_real_lines(const RealTransform &transform, Place<const T> source, Place<T> target,
+                             int64_t first, int64_t last, uint8_t *work) {
   const RealLines<T> lines = {transform, source, target, work};
   const int source_width = transform.direction == forward ? 1 : 2, target_width = 3 - source_width;
   if (source.is_contiguous(source_width) && target.is_contiguous(target_width))
@@ -98,7 +100,7 @@ int32_t transform_real_lines(const RealTransform &transform, Place<const T> sour
   return lines.one_by_one(first, last);
 }
 
-#define QKR_INSTANTIATE(T)                                                                                   \
+#define QKR_INSTANTIATE(T)                                                                                 \
   template int32_t transform_real_lines(const RealTransform &, Place<const T>, Place<T>, int64_t, int64_t, \
                                         uint8_t *);
 QKR_INSTANTIATE(float)

@@ -4,8 +4,8 @@
 namespace qkr::dft {
 
 template <class T>
-int32_t real_transforms(const DftDescriptor *head, Direction direction, const T *input, T *output, int64_t count,
-                        const Workers &workers) {
+int32_t real_transforms(const DftDescriptor *head, Direction direction, const T *input, T *output,
+                        int64_t count, const Workers &workers) {
   const Configuration &set = head->configuration;
   // A spectrum's elements are pairs of numbers.
   const ptrdiff_t input_width = direction == forward ? 1 : 2, output_width = 3 - input_width;
@@ -20,13 +20,16 @@ int32_t real_transforms(const DftDescriptor *head, Direction direction, const T 
       return transform_real_lines<T>(transform, source, target, first, last, work);
     });
   }
-  const auto whole = set.conjugate_even_storage == DFTX_COMPLEX_COMPLEX ? half_spectrum_transform<T> : packed_transform<T>;
+  const auto whole =
+      set.conjugate_even_storage == DFTX_COMPLEX_COMPLEX ? half_spectrum_transform<T> : packed_transform<T>;
   return batch(workers, count, [&](int64_t t, const Workers &who) {
     return whole(head, direction, input + t * input_distance, output + t * output_distance, who);
   });
 }
 
-template int32_t real_transforms(const DftDescriptor *, Direction, const float *, float *, int64_t, const Workers &);
-template int32_t real_transforms(const DftDescriptor *, Direction, const double *, double *, int64_t, const Workers &);
+template int32_t real_transforms(const DftDescriptor *, Direction, const float *, float *, int64_t,
+                                 const Workers &);
+template int32_t real_transforms(const DftDescriptor *, Direction, const double *, double *, int64_t,
+                                 const Workers &);
 
 }  // namespace qkr::dft

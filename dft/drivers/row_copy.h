@@ -1,14 +1,14 @@
-// The row copier's kernels: a strip of neighbouring columns becomes rows that a line transform can take, and back.
+// The row copier's kernels: a strip of neighbouring columns becomes rows that a line transform can take, and
+// back.
 //   gather   rows[r * pitch + j] = source[j * stride + r]
 //   scatter  target[j * stride + r] = rows[r * pitch + j]
-// for r below the width of the strip and j below the length. One row of the strip at a time, so that each line of the
-// cache is finished before the next: transposes in registers keep more of them in flight and lose at strides of a
-// power of two. One kernel for each width, from one template.
+// for r below the width of the strip and j below the length. One row of the strip at a time, so that each
+// line of the cache is finished before the next: transposes in registers keep more of them in flight and lose
+// at strides of a power of two. One kernel for each width, from one template.
 #pragma once
 
 #include <stddef.h>
 #include <stdint.h>
-
 #include <utility>
 
 namespace qkr::dft {

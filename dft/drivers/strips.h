@@ -12,9 +12,9 @@ struct Strip {
   ptrdiff_t pitch;
 };
 
-// At strides of a large power of two all elements of a column fall into a few sets of the first cache: the more
-// columns then share each line the better, and the scratch rows, a line longer than they need, must not fall into one
-// set of their own.
+// At strides of a large power of two all elements of a column fall into a few sets of the first cache: the
+// more columns then share each line the better, and the scratch rows, a line longer than they need, must not
+// fall into one set of their own.
 template <class T>
 Strip strip_of(int64_t count, ptrdiff_t stride, int64_t row_numbers) {
   constexpr ptrdiff_t line = 64 / sizeof(T);

@@ -12,8 +12,8 @@ int32_t complex_transforms(const DftDescriptor *head, Direction direction, T *da
 
 // From `input` to `output`, which are the same or apart.
 template <class T>
-int32_t real_transforms(const DftDescriptor *head, Direction direction, const T *input, T *output, int64_t count,
-                        const Workers &workers);
+int32_t real_transforms(const DftDescriptor *head, Direction direction, const T *input, T *output,
+                        int64_t count, const Workers &workers);
 
 // A real transform of two or three dimensions with a complex half spectrum, and of two in a packed format.
 template <class T>
@@ -23,7 +23,8 @@ template <class T>
 int32_t packed_transform(const DftDescriptor *head, Direction direction, const T *input, T *output,
                          const Workers &workers);
 
-// Items first to last - 1 of a grid of `inner` by whatever: body(outer, inner first, inner last) for each run.
+// Items first to last - 1 of a grid of `inner` by whatever: body(outer, inner first, inner last) for each
+// run.
 template <class Body>
 int32_t for_each_run(int64_t first, int64_t last, int64_t inner, Body body) {
   while (first < last) {

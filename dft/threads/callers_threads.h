@@ -1,5 +1,5 @@
-// The caller's own threads on one descriptor: each takes a slot, and with it a slice of the work memory, for the time
-// of its call.
+// The caller's own threads on one descriptor: each takes a slot, and with it a slice of the work memory, for
+// the time of its call.
 #pragma once
 
 #include "dft/descriptor/record.h"

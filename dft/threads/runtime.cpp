@@ -1,6 +1,6 @@
-// Finds the OpenMP runtime. It is no dependency of the library: a program that brings one with it, at whatever
-// version, shares it, so that there are not two of them; otherwise libomp.so.5 is loaded; and where that is missing
-// everything runs on the caller's thread.
+// Finds the OpenMP runtime. It is no dependency of the library: a program that brings one with it, at
+// whatever version, shares it, so that there are not two of them; otherwise libomp.so.5 is loaded; and where
+// that is missing everything runs on the caller's thread.
 #include "dft/threads/runtime.h"
 
 #include <dlfcn.h>

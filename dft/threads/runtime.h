@@ -21,8 +21,9 @@ struct OpenMP {
   void (*__kmpc_fork_call)(Location *, int32_t arguments, Region, ...);
   void (*__kmpc_serialized_parallel)(Location *, int32_t thread);
   void (*__kmpc_end_serialized_parallel)(Location *, int32_t thread);
-  void (*__kmpc_for_static_init_4)(Location *, int32_t thread, int32_t schedule, int32_t *last, int32_t *lower,
-                                   int32_t *upper, int32_t *stride, int32_t increment, int32_t chunk);
+  void (*__kmpc_for_static_init_4)(Location *, int32_t thread, int32_t schedule, int32_t *last,
+                                   int32_t *lower, int32_t *upper, int32_t *stride, int32_t increment,
+                                   int32_t chunk);
   void (*__kmpc_for_static_fini)(Location *, int32_t thread);
   void (*__kmpc_barrier)(Location *, int32_t thread);
   void (*__kmpc_critical)(Location *, int32_t thread, CriticalName *);

@@ -17,8 +17,8 @@ struct Workers {
 // Items first to last - 1 of a step, on memory of one thread; a code.
 using Piece = int32_t (*)(const void *step, int64_t first, int64_t last, uint8_t *work);
 
-// Runs all items on a team of the OpenMP runtime, or on this thread where the runtime wants no fork. The first
-// failure that is noticed is the answer; the other pieces of the step run all the same.
+// Runs all items on a team of the OpenMP runtime, or on this thread where the runtime wants no fork. The
+// first failure that is noticed is the answer; the other pieces of the step run all the same.
 int32_t fork_team(const Workers &workers, int64_t items, Piece piece, const void *step);
 
 // piece(first, last, work) for all items, whole or in chunks.

@@ -22,7 +22,8 @@ class Codes : public testing::Test {
  protected:
   DftDescriptor *descriptor = nullptr;
   void make(int32_t domain, const std::vector<int32_t> &lengths) {
-    ASSERT_EQ(create(&descriptor, DFTX_DOUBLE, domain, static_cast<int32_t>(lengths.size()), lengths), DFTX_NO_ERROR);
+    ASSERT_EQ(create(&descriptor, DFTX_DOUBLE, domain, static_cast<int32_t>(lengths.size()), lengths),
+              DFTX_NO_ERROR);
   }
   int32_t commit() { return qkr_dft_def_commit_descriptor_external(&descriptor); }
   void TearDown() override {
@@ -62,8 +63,9 @@ TEST_F(Codes, OfCreate) {
     EXPECT_EQ(create(&handle, c.precision, c.domain, c.dimension, c.lengths), c.code);
     EXPECT_EQ(handle, c.touches ? nullptr : untouched);
     handle = untouched;
-    EXPECT_EQ(qkr_dft_def_create_descriptor_1d(&handle, &c.precision, &c.domain, &c.dimension, c.lengths.data()),
-              c.code);
+    EXPECT_EQ(
+        qkr_dft_def_create_descriptor_1d(&handle, &c.precision, &c.domain, &c.dimension, c.lengths.data()),
+        c.code);
   }
 }
 
@@ -168,7 +170,8 @@ TEST_F(Codes, OfCompute) {
   EXPECT_EQ(forward(), DFTX_NO_ERROR);
   // A call of the wrong kind would find another transform, or none.
   EXPECT_EQ(qkr_dft_def_compute_forward_z(&descriptor, x), DFTX_INVALID_ARGUMENT);
-  EXPECT_EQ(qkr_dft_def_compute_forward_sc_out(&descriptor, reinterpret_cast<float *>(x), y), DFTX_INVALID_ARGUMENT);
+  EXPECT_EQ(qkr_dft_def_compute_forward_sc_out(&descriptor, reinterpret_cast<float *>(x), y),
+            DFTX_INVALID_ARGUMENT);
 
   // Every change, also a refused one, asks for another commit.
   const int32_t strides[] = {0};
@@ -205,7 +208,8 @@ TEST_F(Codes, StorageAndFormat) {
     EXPECT_EQ(qkr_dft_def_compute_forward_dz_out(&descriptor, x, y), DFTX_NO_ERROR);
     return std::vector<double>(y, y + 6);
   };
-  const std::vector<double> ccs = {11, 0, -2, 3, -3, 0}, pack = {11, -2, 3, -3, -1, -1}, perm = {11, -3, -2, 3, -1, -1};
+  const std::vector<double> ccs = {11, 0, -2, 3, -3, 0}, pack = {11, -2, 3, -3, -1, -1},
+                            perm = {11, -3, -2, 3, -1, -1};
   EXPECT_EQ(forward(), ccs);
   set(&descriptor, DFTX_PACKED_FORMAT, DFTX_PERM_FORMAT);
   EXPECT_EQ(forward(), perm);
@@ -219,7 +223,8 @@ TEST_F(Codes, StorageAndFormat) {
 
 // A scale belongs to the first dimension that does anything, once.
 TEST_F(Codes, ScaleIsAppliedOnce) {
-  for (const std::vector<int32_t> &lengths : std::vector<std::vector<int32_t>>{{2}, {1, 2}, {2, 2}, {1, 1, 1}, {1, 2, 2}}) {
+  for (const std::vector<int32_t> &lengths :
+       std::vector<std::vector<int32_t>>{{2}, {1, 2}, {2, 2}, {1, 1, 1}, {1, 2, 2}}) {
     make(DFTX_COMPLEX, lengths);
     EXPECT_EQ(set_scale(&descriptor, DFTX_FORWARD_SCALE, 3), DFTX_NO_ERROR);
     EXPECT_EQ(set_scale(&descriptor, DFTX_FORWARD_SCALE, 0.5), DFTX_NO_ERROR);

@@ -145,7 +145,8 @@ Settings settings_of(const Case &c, bool input) {
   }
   const int32_t numbers_of_row = c.lengths[0] / 2 + 1;
   // Room for one transform, in pairs or in single numbers, also for the other array if the two are one.
-  const int32_t room = static_cast<int32_t>(product(c.lengths) / c.lengths[0]) * std::max(c.lengths[0], numbers_of_row);
+  const int32_t room =
+      static_cast<int32_t>(product(c.lengths) / c.lengths[0]) * std::max(c.lengths[0], numbers_of_row);
   switch (c.layout) {
     case Layout::contiguous: {
       const bool pairs = !is_signal(c, input);
@@ -158,7 +159,8 @@ Settings settings_of(const Case &c, bool input) {
       for (int32_t &s : strides) s *= packed_plane ? 2 * n : n;
       return {strides, 1, true};
     default:
-      for (size_t d = 0; d < strides.size(); ++d) strides[d] = (strides[d] * 3 + static_cast<int32_t>(d)) * (packed_plane ? 2 : 1);
+      for (size_t d = 0; d < strides.size(); ++d)
+        strides[d] = (strides[d] * 3 + static_cast<int32_t>(d)) * (packed_plane ? 2 : 1);
       return {strides, 4 * (room + c.lengths[0]) * 3 + 50, true};
   }
 }
@@ -196,12 +198,14 @@ template <class T>
 int32_t call(const Case &c, DftDescriptor *d, T *input, T *output) {
   if constexpr (sizeof(T) == 8) {
     if (c.domain == DFTX_COMPLEX)
-      return c.forward ? qkr_dft_def_compute_forward_z(&d, output) : qkr_dft_def_compute_backward_z(&d, output);
+      return c.forward ? qkr_dft_def_compute_forward_z(&d, output)
+                       : qkr_dft_def_compute_backward_z(&d, output);
     return c.forward ? qkr_dft_def_compute_forward_dz_out(&d, input, output)
                      : qkr_dft_def_compute_backward_zd_out(&d, input, output);
   } else {
     if (c.domain == DFTX_COMPLEX)
-      return c.forward ? qkr_dft_def_compute_forward_c(&d, output) : qkr_dft_def_compute_backward_c(&d, output);
+      return c.forward ? qkr_dft_def_compute_forward_c(&d, output)
+                       : qkr_dft_def_compute_backward_c(&d, output);
     return c.forward ? qkr_dft_def_compute_forward_sc_out(&d, input, output)
                      : qkr_dft_def_compute_backward_cs_out(&d, input, output);
   }
@@ -227,8 +231,10 @@ Outcome compute_in(const Case &c, DftDescriptor *descriptor) {
       for (auto &number : y) number *= product(c.lengths);
     }
     for (auto &number : y) number *= c.scale;
-    for (const Word &w : words_of(c, x, true, in)) input_words.push_back({w.place + t * in.distance, w.value});
-    for (const Word &w : words_of(c, y, false, target)) output_words.push_back({w.place + t * target.distance, w.value});
+    for (const Word &w : words_of(c, x, true, in))
+      input_words.push_back({w.place + t * in.distance, w.value});
+    for (const Word &w : words_of(c, y, false, target))
+      output_words.push_back({w.place + t * target.distance, w.value});
   }
   int64_t input_size = 1, output_size = 1;
   for (const Word &w : input_words) input_size = std::max(input_size, w.place + 1);
@@ -270,14 +276,15 @@ std::string name(const Case &c) {
        << (c.domain == DFTX_REAL ? "real" : "complex");
   for (const int32_t n : c.lengths) text << ' ' << n;
   text << " storage " << c.storage << " format " << c.format << " placement " << c.placement << " ordering "
-       << c.ordering << " transforms " << c.transforms << " layout " << static_cast<int>(c.layout) << " scale " << c.scale
-       << " limit " << c.thread_limit << (c.in_place ? " one array" : "");
+       << c.ordering << " transforms " << c.transforms << " layout " << static_cast<int>(c.layout)
+       << " scale " << c.scale << " limit " << c.thread_limit << (c.in_place ? " one array" : "");
   return text.str();
 }
 
 int32_t prepare(const Case &c, DftDescriptor **handle) {
   const int32_t dimension = static_cast<int32_t>(c.lengths.size());
-  int32_t code = qkr_dft_def_create_descriptor_highd(handle, &c.precision, &c.domain, &dimension, c.lengths.data());
+  int32_t code =
+      qkr_dft_def_create_descriptor_highd(handle, &c.precision, &c.domain, &dimension, c.lengths.data());
   if (code) return code;
   const Settings in = settings_of(c, true), out = settings_of(c, false);
   const auto set = [&](int32_t parameter, int32_t value) {

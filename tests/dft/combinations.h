@@ -32,8 +32,8 @@ std::string name(const Case &c);
 int32_t prepare(const Case &c, DftDescriptor **handle);
 
 struct Outcome {
-  int32_t code = -1;        // of prepare, or of compute
-  double error = 0;         // root of the sum of squares of the differences, divided by that of the exact numbers
+  int32_t code = -1;  // of prepare, or of compute
+  double error = 0;   // root of the sum of squares of the differences, divided by that of the exact numbers
   bool strayed = false;     // numbers that are no output were written, or input that is to stay
   std::vector<char> bytes;  // the output array
 };

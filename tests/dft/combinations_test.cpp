@@ -1,8 +1,8 @@
 // Every combination of settings against plain sums, those that are refused included.
+#include "tests/dft/combinations.h"
+
 #include <cmath>
 #include <gtest/gtest.h>
-
-#include "tests/dft/combinations.h"
 
 namespace qkr::tests {
 namespace {

@@ -1,5 +1,5 @@
-// The level-1 kernels against plain loops, bit for bit: every length around the vectors, all alignments, strides
-// of both signs and zero, at each level, and nothing touched beyond the elements.
+// The level-1 kernels against plain loops, bit for bit: every length around the vectors, all alignments,
+// strides of both signs and zero, at each level, and nothing touched beyond the elements.
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -43,7 +43,8 @@ void check_scaling(void (*scale)(const int32_t *, const T *, Vector *, const int
           for (int32_t i = 0; i < n; ++i)
             for (int p = 0; p < parts; ++p) expected[start + i * step + p] *= alpha;
           for_each_level([&](const char *level) {
-            SCOPED_TRACE(testing::Message() << level << " n " << n << " stride " << stride << " start " << start);
+            SCOPED_TRACE(testing::Message()
+                         << level << " n " << n << " stride " << stride << " start " << start);
             std::vector<T> x = found;
             scale(&n, &alpha, x.data() + start, &stride);
             expect_same_bits(x, expected);
