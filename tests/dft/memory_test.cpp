@@ -35,14 +35,14 @@ namespace {
 
 // Without the cache, whose blocks outlive their use.
 class Memory : public testing::Test {
-  int32_t disabled_ = disable_fast_mm;
+  int32_t disabled_ = cache_disabled;
 
  protected:
   void SetUp() override {
     QKR_read_env();
-    disable_fast_mm = 1;
+    cache_disabled = 1;
   }
-  void TearDown() override { disable_fast_mm = disabled_; }
+  void TearDown() override { cache_disabled = disabled_; }
 };
 
 // Runs `operation` until it gets through: how many allocations it makes, or -1.

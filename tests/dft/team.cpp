@@ -72,15 +72,15 @@ const dft::OpenMP standard_threads = {thread_number,  ok_to_fork,  fork_call,   
                                       end_serialized, static_init, static_fini, barrier,
                                       enter,          leave,       in_parallel, max_threads};
 
-WithTeam::WithTeam(int32_t threads) : serial_before_(qkr_serial) {
-  qkr_serial = 0;
+WithTeam::WithTeam(int32_t threads) : serial_before_(serial_decision) {
+  serial_decision = 0;
   team = {};
   team.threads = threads;
   dft::force_runtime(&standard_threads);
 }
 WithTeam::~WithTeam() {
   dft::force_runtime(nullptr);
-  qkr_serial = serial_before_;
+  serial_decision = serial_before_;
 }
 
 }  // namespace qkr::tests

@@ -105,7 +105,7 @@ TEST(Threads, RunAloneWhereTheyAreNotWanted) {
     team.in_parallel = false;
     EXPECT_EQ(compute(c, descriptor).bytes, alone.bytes);
     EXPECT_EQ(team.forks, at_commit ? 0 : 2);
-    qkr_serial = 1;
+    serial_decision = 1;
     EXPECT_EQ(compute(c, descriptor).bytes, alone.bytes);
     EXPECT_EQ(team.forks, at_commit ? 0 : 2);
     qkr_dft_def_free_descriptor_external(&descriptor);
