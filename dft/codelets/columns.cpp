@@ -135,13 +135,17 @@ struct Columns {
     alignas(64) T copy[line_bytes / sizeof(T) << order] = {};
     constexpr ptrdiff_t pitch = line_bytes / sizeof(T);
     constexpr size_t rows = size_t{1} << order;
-    const size_t size = 2 * width * sizeof(T);
-    for (size_t row = 0; row < rows; ++row)
-      memcpy(copy + row * pitch, source + 2 * i + row * source_pitch, size);
+    // A whole line by moves of a size that the compiler knows.
+    const auto copy_rows = [=](T *to, ptrdiff_t to_pitch, const T *from, ptrdiff_t from_pitch) QKR_LAMBDA {
+      const size_t size = 2 * width * sizeof(T);
+      for (size_t row = 0; row < rows; ++row, to += to_pitch, from += from_pitch)
+        if (width == in_line) memcpy(to, from, line_bytes);
+        else memcpy(to, from, size);
+    };
+    copy_rows(copy, pitch, source + 2 * i, source_pitch);
     for (int64_t k = 0; k < width; k += together)
       vector<order, forward>(copy + 2 * k, pitch, copy + 2 * k, pitch);
-    for (size_t row = 0; row < rows; ++row)
-      memcpy(target + 2 * i + row * target_pitch, copy + row * pitch, size);
+    copy_rows(target + 2 * i, target_pitch, copy, pitch);
   }
 
   template <int order, bool forward>

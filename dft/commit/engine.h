@@ -1,7 +1,7 @@
 // The transforms of the signal engine that lines are made of, by precision.
 #pragma once
 
-#include <qkr/sigfft.h>
+#include <qkr/sigfft_dft.h>
 
 #include "dft/commit/back_end.h"
 
@@ -13,7 +13,7 @@ inline int32_t code_of_status(zprStatus status) {
                                        : DFTX_ENGINE_ERROR;
 }
 
-// A kind of plan without its type, and its transforms by direction.
+// A kind of plan without its type.
 struct PlanKind {
   zprStatus (*make)(void **plan, int32_t length);
   zprStatus (*work_size)(const void *plan, int32_t *bytes);
@@ -22,53 +22,50 @@ struct PlanKind {
 
 constexpr int32_t unscaled = 8, no_hint = 0;
 
-// Lengths other than powers of two: not yet.
-inline int32_t order_of(int32_t length) {
-  return (length & (length - 1)) == 0 ? __builtin_ctz(static_cast<unsigned>(length)) : 31;
-}
-
 #define QKR_PLAN_KIND(Spec, InitAlloc, GetBufSize, Free)                                                     \
   {                                                                                                          \
     [](void **plan, int32_t length) {                                                                        \
-      return InitAlloc(reinterpret_cast<Spec **>(plan), order_of(length), unscaled, no_hint);                \
+      return InitAlloc(reinterpret_cast<Spec **>(plan), length, unscaled, no_hint);                          \
     },                                                                                                       \
         [](const void *plan, int32_t *bytes) { return GetBufSize(static_cast<const Spec *>(plan), bytes); }, \
         [](void *plan) { return Free(static_cast<Spec *>(plan)); }                                           \
   }
 
+// Plans, and by direction the transforms of a line: complex ones in natural order and in the engine's own, real
+// ones by format, from DFTX_CCS_FORMAT on.
 template <class T>
 struct Engine;
 
-#define QKR_ENGINE(T, C, R)                                                                                \
-  template <>                                                                                              \
-  struct Engine<T> {                                                                                       \
-    using Number = zpr##C;                                                                                 \
-    using ComplexPlan = zprsFFTSpec_C_##C;                                                                 \
-    using ScrambledPlan = zprsFFTSpec_C_##C;                                                               \
-    using RealPlan = zprsFFTSpec_R_##R;                                                                    \
-    static constexpr PlanKind complex = QKR_PLAN_KIND(ComplexPlan, w6_zprsFFTInitAlloc_C_##C,              \
-                                                      w6_zprsFFTGetBufSize_C_##C, w6_zprsFFTFree_C_##C);   \
-    static constexpr PlanKind scrambled = QKR_PLAN_KIND(ComplexPlan, w6_zprsFFTInitAlloc_C_##C,            \
-                                                        w6_zprsFFTGetBufSize_C_##C, w6_zprsFFTFree_C_##C); \
-    static constexpr PlanKind real = QKR_PLAN_KIND(RealPlan, w6_zprsFFTInitAlloc_R_##R,                    \
-                                                   w6_zprsFFTGetBufSize_R_##R, w6_zprsFFTFree_R_##R);      \
-                                                                                                           \
-    static constexpr zprStatus (*complex_line[])(const Number *, Number *, const ComplexPlan *,            \
-                                                 uint8_t *) = {w6_zprsFFTInv_CToC_##C,                     \
-                                                               w6_zprsFFTFwd_CToC_##C};                    \
-    static constexpr zprStatus (*scrambled_line[])(const Number *, Number *, const ScrambledPlan *,        \
-                                                   uint8_t *) = {w6_zprsFFTInv_CToC_##C,                   \
-                                                                 w6_zprsFFTFwd_CToC_##C};                  \
-    static constexpr zprStatus (*real_line[][2])(const T *, T *, const RealPlan *, uint8_t *) = {          \
-        {w6_zprsFFTInv_CCSToR_##R, w6_zprsFFTFwd_RToCCS_##R},                                              \
-        {w6_zprsFFTInv_PackToR_##R, w6_zprsFFTFwd_RToPack_##R},                                            \
-        {w6_zprsFFTInv_PermToR_##R, w6_zprsFFTFwd_RToPerm_##R}}; /* by format, from DFTX_CCS_FORMAT on */  \
+#define QKR_ENGINE(T, C, R)                                                                                 \
+  template <>                                                                                               \
+  struct Engine<T> {                                                                                        \
+    using Number = zpr##C;                                                                                  \
+    using ComplexPlan = zprsDFTSpec_C_##C;                                                                  \
+    using ScrambledPlan = zprsDFTOutOrdSpec_C_##C;                                                          \
+    using RealPlan = zprsDFTSpec_R_##R;                                                                     \
+    static constexpr PlanKind complex = QKR_PLAN_KIND(ComplexPlan, w6_zprsDFTInitAlloc_C_##C,               \
+                                                      w6_zprsDFTGetBufSize_C_##C, w6_zprsDFTFree_C_##C);    \
+    static constexpr PlanKind scrambled =                                                                   \
+        QKR_PLAN_KIND(ScrambledPlan, w6_zprsDFTOutOrdInitAlloc_C_##C, w6_zprsDFTOutOrdGetBufSize_C_##C,     \
+                      w6_zprsDFTOutOrdFree_C_##C);                                                          \
+    static constexpr PlanKind real = QKR_PLAN_KIND(RealPlan, w6_zprsDFTInitAlloc_R_##R,                     \
+                                                   w6_zprsDFTGetBufSize_R_##R, w6_zprsDFTFree_R_##R);       \
+                                                                                                            \
+    static constexpr zprStatus (*complex_line[])(const Number *, Number *, const ComplexPlan *,             \
+                                                 uint8_t *) = {w6_zprsDFTInv_CToC_##C,                      \
+                                                               w6_zprsDFTFwd_CToC_##C};                     \
+    static constexpr zprStatus (*scrambled_line[])(const Number *, Number *, const ScrambledPlan *,         \
+                                                   uint8_t *) = {w6_zprsDFTOutOrdInv_CToC_##C,              \
+                                                                 w6_zprsDFTOutOrdFwd_CToC_##C};             \
+    static constexpr zprStatus (*real_line[][2])(const T *, T *, const RealPlan *, uint8_t *) = {           \
+        {w6_zprsDFTInv_CCSToR_##R, w6_zprsDFTFwd_RToCCS_##R},                                               \
+        {w6_zprsDFTInv_PackToR_##R, w6_zprsDFTFwd_RToPack_##R},                                             \
+        {w6_zprsDFTInv_PermToR_##R, w6_zprsDFTFwd_RToPerm_##R}};                                            \
   };
 QKR_ENGINE(float, 32fc, 32f)
 QKR_ENGINE(double, 64fc, 64f)
 #undef QKR_ENGINE
 #undef QKR_PLAN_KIND
-
 inline const PlanKind &complex_plan(const DftDescriptor *head) {
   return head->precision == DFTX_DOUBLE ? Engine<double>::complex : Engine<float>::complex;
 }
