@@ -175,8 +175,8 @@ QKR_INLINE void by_order(int wanted, const Columns<T> &columns, int64_t count) {
             (int order, const void *source, ptrdiff_t source_stride, void *target, ptrdiff_t target_stride, \
              int64_t count, double scale),                                                                  \
             (order, source, source_stride, target, target_stride, count, scale)) {                          \
-    by_order<T, forward>(                                                                                   \
-        order, {(const T *)source, 2 * source_stride, (T *)target, 2 * target_stride, (T)scale}, count);    \
+    by_order<T, forward>(order, {(const T *)source, source_stride, (T *)target, target_stride, (T)scale},   \
+                         count);                                                                            \
   }
 QKR_COLUMNS(dft_columns_forward_32fc, float, true)
 QKR_COLUMNS(dft_columns_backward_32fc, float, false)

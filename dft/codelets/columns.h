@@ -12,9 +12,9 @@ constexpr int largest_column_order = 8;
 
 }  // namespace qkr::dft
 
-// Element j of column i is source[j * source_stride + i], a complex number, for i below `count` and j below
-// 2^order; the result, times `scale`, goes to target[j * target_stride + i]. Both may be the same array with
-// the same stride.
+// Element j of column i is the i-th complex number behind source + j * source_stride, for i below `count` and
+// j below 2^order; the result, times `scale`, goes behind target + j * target_stride. Both may be the same
+// array with the same stride. Strides count single numbers, and may be odd.
 #define QKR_COLUMNS(name)                                                                    \
   extern "C" void name(int order, const void *source, ptrdiff_t source_stride, void *target, \
                        ptrdiff_t target_stride, int64_t count, double scale);

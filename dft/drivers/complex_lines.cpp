@@ -25,20 +25,17 @@ struct ComplexLines {
 
   // The code of a strip is that of its last line.
   int32_t by_strips(int64_t first, int64_t last) const {
-    using Complex = Element<T, 2>;
     const int64_t length = record->length;
     const Strip strip = strip_of<T>(last - first, source.stride, 2 * length);
     const Scratch<T> scratch(strip.width * strip.pitch);
-    if (!scratch.numbers) return DFTX_MEMORY_ERROR;
-    const auto rows = reinterpret_cast<Complex *>(scratch.numbers);
-    const ptrdiff_t pitch = strip.pitch / 2;
+    T *rows = scratch.numbers;
+    if (!rows) return DFTX_MEMORY_ERROR;
     return for_each_strip(first, last, strip.width, [&](int64_t i, int width) {
-      const auto from = reinterpret_cast<const Complex *>(source.line(i));
-      gather(width, from, source.stride / 2, length, rows, pitch);
+      gather<2, T>(width, {source.line(i), source.stride}, length, {rows, strip.pitch});
       int32_t code = DFTX_NO_ERROR;
-      for (int r = 0; r < width; ++r) code = transform(rows + r * pitch, rows + r * pitch, record, work);
-      if (!code)
-        scatter(width, rows, pitch, length, reinterpret_cast<Complex *>(target.line(i)), target.stride / 2);
+      for (int r = 0; r < width; ++r)
+        code = transform(rows + r * strip.pitch, rows + r * strip.pitch, record, work);
+      if (!code) scatter<2, T>(width, {rows, strip.pitch}, length, {target.line(i), target.stride});
       return code;
     });
   }
@@ -69,7 +66,7 @@ int32_t transform_complex_lines(const DftDescriptor *record, Direction direction
   const ColumnTransform columns = record->columns[direction];
   if (!columns) return lines.by_strips(first, last);
   const int order = __builtin_ctz(static_cast<unsigned>(record->length));
-  columns(order, source.line(first), source.stride / 2, target.line(first), target.stride / 2, last - first,
+  columns(order, source.line(first), source.stride, target.line(first), target.stride, last - first,
           record->scale[direction]);
   return DFTX_NO_ERROR;
 }

@@ -26,31 +26,22 @@ struct RealLines {
     return DFTX_NO_ERROR;
   }
 
-  // The pairs of a strip, and the number that an odd count leaves over.
+  // The pairs of a spectrum, and the number that an odd count leaves over.
   void take_strip(int64_t i, int width, T *rows, ptrdiff_t pitch) const {
-    if (transform.direction == forward) {
-      using Real = Element<T, 1>;
-      return gather(width, reinterpret_cast<const Real *>(source.line(i)), source.stride, signal_numbers(),
-                    reinterpret_cast<Real *>(rows), pitch);
-    }
-    using Pair = Element<T, 2>;
+    const Columns<const T> columns = {source.line(i), source.stride};
+    if (transform.direction == forward) return gather<1, T>(width, columns, signal_numbers(), {rows, pitch});
     const int64_t count = transform.spectrum_numbers;
-    gather(width, reinterpret_cast<const Pair *>(source.line(i)), source.stride / 2, count / 2,
-           reinterpret_cast<Pair *>(rows), pitch / 2);
+    gather<2, T>(width, columns, count / 2, {rows, pitch});
     if (count % 2)
       for (int r = 0; r < width; ++r)
         rows[r * pitch + count - 1] = source.line(i + r)[count / 2 * source.stride];
   }
   void put_strip(int64_t i, int width, const T *rows, ptrdiff_t pitch) const {
-    if (transform.direction == backward) {
-      using Real = Element<T, 1>;
-      return scatter(width, reinterpret_cast<const Real *>(rows), pitch, signal_numbers(),
-                     reinterpret_cast<Real *>(target.line(i)), target.stride);
-    }
-    using Pair = Element<T, 2>;
+    const Columns<T> columns = {target.line(i), target.stride};
+    if (transform.direction == backward)
+      return scatter<1, T>(width, {rows, pitch}, signal_numbers(), columns);
     const int64_t count = transform.spectrum_numbers;
-    scatter(width, reinterpret_cast<const Pair *>(rows), pitch / 2, count / 2,
-            reinterpret_cast<Pair *>(target.line(i)), target.stride / 2);
+    scatter<2, T>(width, {rows, pitch}, count / 2, columns);
     if (count % 2)
       for (int r = 0; r < width; ++r)
         target.line(i + r)[count / 2 * target.stride] = rows[r * pitch + count - 1];

@@ -90,11 +90,11 @@ TYPED_TEST(ColumnTest, BitsOfTheEngine) {
                           << "row " << j << " column " << c;
                     }
                 };
-                Engine<T>::columns[forward](order, source.data(), stride, target.data(), stride, count,
-                                            scale);
+                Engine<T>::columns[forward](order, source.data(), 2 * stride, target.data(), 2 * stride,
+                                            count, scale);
                 check(target.data());
-                Engine<T>::columns[forward](order, source.data(), stride, source.data(), stride, count,
-                                            scale);
+                Engine<T>::columns[forward](order, source.data(), 2 * stride, source.data(), 2 * stride,
+                                            count, scale);
                 check(source.data());
                 for (int j = 0; j + 1 < rows; ++j)
                   for (int c = count; c < stride; ++c)

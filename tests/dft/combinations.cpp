@@ -160,8 +160,8 @@ Settings settings_of(const Case &c, bool input) {
       return {strides, 1, true};
     default:
       for (size_t d = 0; d < strides.size(); ++d)
-        strides[d] = (strides[d] * 3 + static_cast<int32_t>(d)) * (packed_plane ? 2 : 1);
-      return {strides, 4 * (room + c.lengths[0]) * 3 + 50, true};
+        strides[d] = d == 0 ? 3 : strides[d - 1] * (c.lengths[d - 1] + 4) + 1;
+      return {strides, strides.back() * (c.lengths.back() + 3) + 50, true};
   }
 }
 

@@ -62,7 +62,7 @@ int fail_each(Operation operation) {
 std::vector<Case> cases() {
   std::vector<Case> all;
   for (const std::vector<int32_t> &lengths :
-       std::vector<std::vector<int32_t>>{{64}, {512}, {16, 32}, {16, 512}, {4, 8, 16}})
+       std::vector<std::vector<int32_t>>{{64}, {512}, {60}, {1009}, {16, 32}, {12, 512}, {4, 8, 15}})
     for (const int32_t domain : {DFTX_COMPLEX, DFTX_REAL})
       for (const bool forward : {true, false})
         for (const Layout layout : {Layout::contiguous, Layout::interleaved, Layout::spread})

@@ -82,7 +82,7 @@ class Sequence {
     if (handle_) return release();
     const int32_t precision = 34 + below(4), domain = 31 + below(4), dimension = below(9);
     int32_t lengths[9];
-    for (int32_t &n : lengths) n = below(30) == 0 ? -below(3) : 1 << below(3);
+    for (int32_t &n : lengths) n = below(30) == 0 ? -below(3) : 1 + below(6);
     bool positive = true;
     for (int32_t i = 0; i < dimension; ++i) positive = positive && lengths[i] > 0;
     int32_t expected = DFTX_NO_ERROR;
