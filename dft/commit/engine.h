@@ -36,31 +36,31 @@ constexpr int32_t unscaled = 8, no_hint = 0;
 template <class T>
 struct Engine;
 
-#define QKR_ENGINE(T, C, R)                                                                                 \
-  template <>                                                                                               \
-  struct Engine<T> {                                                                                        \
-    using Number = zpr##C;                                                                                  \
-    using ComplexPlan = zprsDFTSpec_C_##C;                                                                  \
-    using ScrambledPlan = zprsDFTOutOrdSpec_C_##C;                                                          \
-    using RealPlan = zprsDFTSpec_R_##R;                                                                     \
-    static constexpr PlanKind complex = QKR_PLAN_KIND(ComplexPlan, w6_zprsDFTInitAlloc_C_##C,               \
-                                                      w6_zprsDFTGetBufSize_C_##C, w6_zprsDFTFree_C_##C);    \
-    static constexpr PlanKind scrambled =                                                                   \
-        QKR_PLAN_KIND(ScrambledPlan, w6_zprsDFTOutOrdInitAlloc_C_##C, w6_zprsDFTOutOrdGetBufSize_C_##C,     \
-                      w6_zprsDFTOutOrdFree_C_##C);                                                          \
-    static constexpr PlanKind real = QKR_PLAN_KIND(RealPlan, w6_zprsDFTInitAlloc_R_##R,                     \
-                                                   w6_zprsDFTGetBufSize_R_##R, w6_zprsDFTFree_R_##R);       \
-                                                                                                            \
-    static constexpr zprStatus (*complex_line[])(const Number *, Number *, const ComplexPlan *,             \
-                                                 uint8_t *) = {w6_zprsDFTInv_CToC_##C,                      \
-                                                               w6_zprsDFTFwd_CToC_##C};                     \
-    static constexpr zprStatus (*scrambled_line[])(const Number *, Number *, const ScrambledPlan *,         \
-                                                   uint8_t *) = {w6_zprsDFTOutOrdInv_CToC_##C,              \
-                                                                 w6_zprsDFTOutOrdFwd_CToC_##C};             \
-    static constexpr zprStatus (*real_line[][2])(const T *, T *, const RealPlan *, uint8_t *) = {           \
-        {w6_zprsDFTInv_CCSToR_##R, w6_zprsDFTFwd_RToCCS_##R},                                               \
-        {w6_zprsDFTInv_PackToR_##R, w6_zprsDFTFwd_RToPack_##R},                                             \
-        {w6_zprsDFTInv_PermToR_##R, w6_zprsDFTFwd_RToPerm_##R}};                                            \
+#define QKR_ENGINE(T, C, R)                                                                              \
+  template <>                                                                                            \
+  struct Engine<T> {                                                                                     \
+    using Number = zpr##C;                                                                               \
+    using ComplexPlan = zprsDFTSpec_C_##C;                                                               \
+    using ScrambledPlan = zprsDFTOutOrdSpec_C_##C;                                                       \
+    using RealPlan = zprsDFTSpec_R_##R;                                                                  \
+    static constexpr PlanKind complex = QKR_PLAN_KIND(ComplexPlan, w6_zprsDFTInitAlloc_C_##C,            \
+                                                      w6_zprsDFTGetBufSize_C_##C, w6_zprsDFTFree_C_##C); \
+    static constexpr PlanKind scrambled =                                                                \
+        QKR_PLAN_KIND(ScrambledPlan, w6_zprsDFTOutOrdInitAlloc_C_##C, w6_zprsDFTOutOrdGetBufSize_C_##C,  \
+                      w6_zprsDFTOutOrdFree_C_##C);                                                       \
+    static constexpr PlanKind real = QKR_PLAN_KIND(RealPlan, w6_zprsDFTInitAlloc_R_##R,                  \
+                                                   w6_zprsDFTGetBufSize_R_##R, w6_zprsDFTFree_R_##R);    \
+                                                                                                         \
+    static constexpr zprStatus (*complex_line[])(const Number *, Number *, const ComplexPlan *,          \
+                                                 uint8_t *) = {w6_zprsDFTInv_CToC_##C,                   \
+                                                               w6_zprsDFTFwd_CToC_##C};                  \
+    static constexpr zprStatus (*scrambled_line[])(const Number *, Number *, const ScrambledPlan *,      \
+                                                   uint8_t *) = {w6_zprsDFTOutOrdInv_CToC_##C,           \
+                                                                 w6_zprsDFTOutOrdFwd_CToC_##C};          \
+    static constexpr zprStatus (*real_line[][2])(const T *, T *, const RealPlan *, uint8_t *) = {        \
+        {w6_zprsDFTInv_CCSToR_##R, w6_zprsDFTFwd_RToCCS_##R},                                            \
+        {w6_zprsDFTInv_PackToR_##R, w6_zprsDFTFwd_RToPack_##R},                                          \
+        {w6_zprsDFTInv_PermToR_##R, w6_zprsDFTFwd_RToPerm_##R}};                                         \
   };
 QKR_ENGINE(float, 32fc, 32f)
 QKR_ENGINE(double, 64fc, 64f)
