@@ -7,6 +7,7 @@ every level, and the contender `qkr` is ours. Counters of a benchmark:
   ulp        largest error on a sample; a contender without it counts as exact
   reference  this is what ours is compared with for its aim, and not a peer
   bytes      that an element has, where the rate at which ours writes them is of interest
+  wall       the time counts by the clock, and not what the calling thread worked: others work for it
   aim        of ours: the largest ratio of times that is wanted, to the reference, or where there is none to the
              fastest peer within 1 ulp
 """
@@ -70,7 +71,8 @@ def read(path):
         function, level, size, contender = run["run_name"].split("/")[:4]
         to_ns = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}[run["time_unit"]]
         timing = timings[function, level, int(size)][contender]
-        timing.ns = min(timing.ns, run["cpu_time"] * to_ns / run.get("elements", 1))
+        time = run["real_time" if run.get("wall") else "cpu_time"]
+        timing.ns = min(timing.ns, time * to_ns / run.get("elements", 1))
         timing.ulp = run.get("ulp", 0.0)
         timing.reference = bool(run.get("reference"))
         timing.aim = run.get("aim", math.inf)

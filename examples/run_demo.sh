@@ -36,6 +36,10 @@ printf '\nA heart without hum and drift (examples/ecg_filter.cpp)\n\n'
 printf '\nHow many weeks a year has (examples/co2_year.cpp)\n\n'
 "$programs/co2_year" "$here/data/co2_weekly.csv" "$out"
 
+printf '\nA photograph blurred and restored, on one thread and on two (examples/photo_transform.cpp)\n\n'
+QKR_SERIAL=YES "$programs/photo_transform" "$here/data/photo.pgm" "$out"
+OMP_NUM_THREADS=2 QKR_SERIAL=NO "$programs/photo_transform" "$here/data/photo.pgm" "$out"
+
 printf '\nPictures\n\n'
 if [[ -x $python ]]; then
   "$python" "$here/plot.py" "$out"

@@ -3,8 +3,10 @@
 #ifndef QKR_QKR_H
 #define QKR_QKR_H
 
+#include <qkr/dft.h>
 #include <qkr/distributions.h>
 #include <qkr/service.h>
+#include <qkr/service_level1.h>
 #include <qkr/sigfft.h>
 #include <qkr/streams.h>
 #include <qkr/streams_abstract.h>

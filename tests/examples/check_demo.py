@@ -43,6 +43,20 @@ class Demo(unittest.TestCase):
         code, cls.report = run(examples / "run_demo.sh", build, out)
         assert code == 0, cls.report
 
+    def test_photo(self):
+        """Restoring undoes most of the blur, and two threads give the pictures of one."""
+        lines = re.findall(r"blurred they differ by (\S+) grey levels, restored by (\S+)\n", self.report)
+        self.assertEqual(len(lines), 2)
+        self.assertEqual(lines[0], lines[1])
+        blurred, restored = map(float, lines[0])
+        self.assertLess(restored, blurred / 2)
+        photo = pixels(examples / "data/photo.pgm")
+        for name, difference in (("blurred", blurred), ("restored", restored)):
+            found = pixels(out / f"photo_{name}.pgm")
+            self.assertAlmostEqual(math.dist(photo, found) / 512, difference, delta=0.7)
+        spectrum = pixels(out / "photo_spectrum.pgm")
+        self.assertEqual(max(spectrum), spectrum[256 * 512 + 256])
+
     def test_growth(self):
         """The same line through the same logarithms, by Python's own."""
         points = []

@@ -1,0 +1,184 @@
+// Short transforms of neighbouring columns where they stand, one column a lane: nothing is gathered,
+// transposed or permuted. The passes, their butterflies and their twiddles are those of the engine's
+// transform of one line, so the bits are the same whichever way a line is taken.
+#include "dft/codelets/columns.h"
+
+#include "dft/codelets/circle.h"
+#include "sigfft/passes/butterfly.h"
+#include "sigfft/plan/decomposition.h"
+#include "simd/entry.h"
+
+namespace qkr::QKR_SIMD_LEVEL {
+namespace {
+
+using qkr::dft::CirclePoint;
+
+// Twiddles of the columns k below 2^done of a butterfly of radix 2^bits: row k, multiples 1, 2, ... of it.
+template <class T, int done, int bits>
+struct Twiddles {
+  CirclePoint<T> row[1 << done][(1 << bits) - 1];
+  constexpr Twiddles() : row() {
+    for (size_t k = 0; k < size_t{1} << done; ++k)
+      for (size_t m = 1; m < size_t{1} << bits; ++m) row[k][m - 1] = dft::circle_point<T>(done + bits, m * k);
+  }
+};
+template <class T, int done, int bits>
+constexpr Twiddles<T, done, bits> twiddles_of;
+
+constexpr int line_bytes = 64;
+
+// Rows of numbers, `pitch` numbers from one to the next, of which `bytes` are worked on.
+template <class T, int bytes>
+struct SourceRows {
+  const T *base;
+  ptrdiff_t pitch;
+  QKR_INLINE Paired<T, bytes> get(size_t row) const {
+    return {load_vector<Vector<T, bytes>>(base + row * pitch)};
+  }
+};
+template <class T, int bytes>
+struct ResultRows {
+  T *base;
+  ptrdiff_t pitch;
+  bool scaled;
+  T scale;
+  QKR_INLINE void put(size_t row, Paired<T, bytes> x) const {
+    store_vector(base + row * pitch, scaled ? x.v * scale : x.v);
+  }
+};
+// Between passes the rows stand one behind the other.
+template <class T, int bytes>
+struct WorkRows {
+  T *base;
+  static constexpr size_t pitch = bytes / sizeof(T);
+  QKR_INLINE Paired<T, bytes> get(size_t row) const {
+    return {load_vector<Vector<T, bytes>>(base + row * pitch)};
+  }
+  QKR_INLINE void put(size_t row, Paired<T, bytes> x) const { store_vector(base + row * pitch, x.v); }
+};
+
+// The pass that has 2^done finished columns in each of its blocks. Sub-transform m of block j is block
+// j + m * blocks of the pass before.
+template <int order, int done, int bits, bool forward, class In, class Out>
+QKR_INLINE void column_pass(In in, Out out) {
+  using T = typename decltype(in.get(0))::Element;
+  using V = decltype(in.get(0).v);
+  constexpr int radix = 1 << bits;
+  constexpr size_t columns = size_t{1} << done, blocks = (size_t{1} << order) / columns / radix;
+  for (size_t j = 0; j < blocks; ++j)
+    for (size_t k = 0; k < columns; ++k)
+      butterfly<radix, forward>(
+          [&](int m) QKR_LAMBDA {
+            const auto x = in.get((j + m * blocks) * columns + k);
+            if (done == 0 || m == 0) return x;
+            const CirclePoint<T> w = twiddles_of<T, done, bits>.row[k][m - 1];
+            return times<forward>(x, w.c - V{}, w.s - V{});  // which keeps the sign of a zero
+          },
+          [&](int q, auto value) QKR_LAMBDA { out.put(j * columns * radix + q * columns + k, value); });
+}
+
+template <int order, int pass, int done, bool forward, class In, class Out, class Work>
+QKR_INLINE void passes_from(In in, Out out, Work here, Work there) {
+  using T = typename decltype(in.get(0))::Element;
+  constexpr sigfft::Passes passes = sigfft::staged_passes<T>(order);
+  constexpr int bits = passes.bits[pass];
+  if constexpr (pass + 1 == passes.count) {
+    column_pass<order, done, bits, forward>(in, out);
+  } else {
+    column_pass<order, done, bits, forward>(in, here);
+    passes_from<order, pass + 1, done + bits, forward>(here, out, there, here);
+  }
+}
+
+template <int order, bool forward, class In, class Out>
+QKR_INLINE void column_transform(In in, Out out) {
+  if constexpr (order == 0) {
+    out.put(0, in.get(0));
+  } else if constexpr (order == 1) {
+    const auto a = in.get(0), b = in.get(1);
+    out.put(0, a + b);
+    out.put(1, a - b);
+  } else if constexpr (order <= sigfft::largest_fixed_order) {
+    butterfly<1 << order, forward>([&](int m) QKR_LAMBDA { return in.get(m); },
+                                   [&](int q, auto value) QKR_LAMBDA { out.put(q, value); });
+  } else {
+    using T = typename decltype(in.get(0))::Element;
+    constexpr int bytes = sizeof(in.get(0).v);
+    alignas(64) T here[bytes / sizeof(T) << order], there[bytes / sizeof(T) << order];
+    using Work = WorkRows<T, bytes>;
+    passes_from<order, 0, 0, forward>(in, out, Work{here}, Work{there});
+  }
+}
+
+template <class T>
+struct Columns {
+  const T *source;
+  ptrdiff_t source_pitch;
+  T *target;
+  ptrdiff_t target_pitch;  // in numbers
+  T scale;
+
+  static constexpr int bytes = QKR_SIMD_BYTES;
+  static constexpr int64_t together = bytes / 2 / sizeof(T), in_line = line_bytes / 2 / sizeof(T);
+
+  // Columns from number i on, a vector of them.
+  template <int order, bool forward>
+  QKR_INLINE void vector(const T *from, ptrdiff_t from_pitch, T *to, ptrdiff_t to_pitch) const {
+    column_transform<order, forward>(SourceRows<T, bytes>{from, from_pitch},
+                                     ResultRows<T, bytes>{to, to_pitch, scale != 1, scale});
+  }
+
+  // Up to a line of columns by way of a copy: the last few, and, where the rows are so far apart that they
+  // fall into few sets of the cache, all of them, so that each line is fetched once.
+  template <int order, bool forward>
+  QKR_NOINLINE void tile(int64_t i, int64_t width) const {
+    alignas(64) T copy[line_bytes / sizeof(T) << order] = {};
+    constexpr ptrdiff_t pitch = line_bytes / sizeof(T);
+    constexpr size_t rows = size_t{1} << order;
+    // A whole line by moves of a size that the compiler knows.
+    const auto copy_rows = [=](T *to, ptrdiff_t to_pitch, const T *from, ptrdiff_t from_pitch) QKR_LAMBDA {
+      const size_t size = 2 * width * sizeof(T);
+      for (size_t row = 0; row < rows; ++row, to += to_pitch, from += from_pitch)
+        if (width == in_line) memcpy(to, from, line_bytes);
+        else memcpy(to, from, size);
+    };
+    copy_rows(copy, pitch, source + 2 * i, source_pitch);
+    for (int64_t k = 0; k < width; k += together)
+      vector<order, forward>(copy + 2 * k, pitch, copy + 2 * k, pitch);
+    copy_rows(target + 2 * i, target_pitch, copy, pitch);
+  }
+
+  template <int order, bool forward>
+  QKR_NOINLINE void run(int64_t count) const {
+    constexpr ptrdiff_t set_distance = 1024;
+    const bool collides = bytes < line_bytes && source_pitch * (ptrdiff_t)sizeof(T) % set_distance == 0;
+    int64_t i = 0;
+    if (collides)
+      for (; i + in_line <= count; i += in_line) tile<order, forward>(i, in_line);
+    for (; i + together <= count; i += together)
+      vector<order, forward>(source + 2 * i, source_pitch, target + 2 * i, target_pitch);
+    if (i < count) tile<order, forward>(i, count - i);
+  }
+};
+
+template <class T, bool forward, int order = 0>
+QKR_INLINE void by_order(int wanted, const Columns<T> &columns, int64_t count) {
+  if (wanted == order) return columns.template run<order, forward>(count);
+  if constexpr (order < dft::largest_column_order) by_order<T, forward, order + 1>(wanted, columns, count);
+}
+
+}  // namespace
+}  // namespace qkr::QKR_SIMD_LEVEL
+
+#define QKR_COLUMNS(name, T, forward)                                                                       \
+  QKR_ENTRY(name,                                                                                           \
+            (int order, const void *source, ptrdiff_t source_stride, void *target, ptrdiff_t target_stride, \
+             int64_t count, double scale),                                                                  \
+            (order, source, source_stride, target, target_stride, count, scale)) {                          \
+    by_order<T, forward>(order, {(const T *)source, source_stride, (T *)target, target_stride, (T)scale},   \
+                         count);                                                                            \
+  }
+QKR_COLUMNS(dft_columns_forward_32fc, float, true)
+QKR_COLUMNS(dft_columns_backward_32fc, float, false)
+QKR_COLUMNS(dft_columns_forward_64fc, double, true)
+QKR_COLUMNS(dft_columns_backward_64fc, double, false)

@@ -1,0 +1,172 @@
+// Teams of the library and threads of the caller: the same bits at any number, and who is let in.
+#include <atomic>
+#include <gtest/gtest.h>
+#include <thread>
+
+#include "dft/descriptor/record.h"
+#include "service/internal.h"
+#include "tests/dft/combinations.h"
+#include "tests/dft/team.h"
+#include "tests/support/levels.h"
+
+namespace qkr::tests {
+namespace {
+
+// Shapes with every way of sharing out: batches, planes and grids, small and large, with fewer items than
+// threads.
+std::vector<Case> cases_to_share() {
+  const struct {
+    std::vector<int32_t> lengths;
+    int32_t transforms;
+  } shapes[] = {{{64}, 1},      {{8}, 3},          {{16}, 33},      {{256}, 5},
+                {{32, 64}, 1},  {{128, 64}, 1},    {{4, 8}, 7},     {{1024, 2}, 1},
+                {{2048, 1}, 1}, {{32, 32, 32}, 1}, {{16, 4, 8}, 1}, {{64, 1, 512}, 1},
+                {{60}, 9},      {{151}, 4},        {{45, 75}, 1},   {{15, 33, 70}, 1}};
+  std::vector<Case> cases;
+  for (const auto &shape : shapes)
+    for (const int32_t precision : {DFTX_SINGLE, DFTX_DOUBLE})
+      for (const bool forward : {true, false})
+        for (const Layout layout : {Layout::contiguous, Layout::interleaved})
+          for (const bool in_place : {false, true})
+            for (const int kind : {0, 1, 2}) {  // complex, half spectrum, packed
+              if (kind == 2 && shape.lengths.size() == 3) continue;
+              if (in_place && (kind == 0 || layout == Layout::interleaved)) continue;
+              Case c;
+              c.precision = precision;
+              c.lengths = shape.lengths;
+              c.transforms = shape.transforms;
+              c.forward = forward;
+              c.layout = layout;
+              c.in_place = in_place;
+              c.scale = 0.7;
+              c.domain = kind == 0 ? DFTX_COMPLEX : DFTX_REAL;
+              c.storage = kind == 1 ? DFTX_COMPLEX_COMPLEX : DFTX_COMPLEX_REAL;
+              c.format = kind == 1 ? DFTX_CCE_FORMAT : DFTX_PERM_FORMAT;
+              cases.push_back(c);
+            }
+  return cases;
+}
+
+TEST(Threads, SameBitsOnAnyTeam) {
+  int forks = 0;
+  for (const Case &c : cases_to_share()) {
+    SCOPED_TRACE(name(c));
+    const Outcome alone = run(c);
+    ASSERT_EQ(alone.code, DFTX_NO_ERROR);
+    for (const int32_t threads : {2, 3, 8}) {
+      const WithTeam with(threads);
+      const Outcome shared = run(c);
+      ASSERT_EQ(shared.code, DFTX_NO_ERROR);
+      ASSERT_EQ(shared.bytes, alone.bytes) << threads << " threads";
+      forks += team.forks;
+    }
+  }
+  EXPECT_GT(forks, 0);
+}
+
+TEST(Threads, SameBitsAtEveryLevel) {
+  for (const Case &c : cases_to_share()) {
+    SCOPED_TRACE(name(c));
+    std::vector<char> first;
+    for_each_level([&](const char *level) {
+      const Outcome outcome = run(c);
+      ASSERT_EQ(outcome.code, DFTX_NO_ERROR);
+      if (first.empty()) first = outcome.bytes;
+      EXPECT_EQ(outcome.bytes, first) << level;
+    });
+  }
+}
+
+Case plane() {
+  Case c;
+  c.lengths = {128, 64};
+  return c;
+}
+
+// A runtime that does not want to fork, a call from within a region of the caller, a process that is to run
+// serial, and a program without a runtime.
+TEST(Threads, RunAloneWhereTheyAreNotWanted) {
+  const Case c = plane();
+  const Outcome alone = run(c);
+  {
+    const WithTeam with(4);
+    team.may_fork = false;
+    EXPECT_EQ(run(c).bytes, alone.bytes);
+    EXPECT_EQ(team.forks, 0);
+    EXPECT_EQ(team.serialized, 2);
+  }
+  for (const bool at_commit : {true, false}) {
+    const WithTeam with(4);
+    DftDescriptor *descriptor = nullptr;
+    team.in_parallel = at_commit;
+    ASSERT_EQ(prepare(c, &descriptor), DFTX_NO_ERROR);
+    team.in_parallel = !at_commit;
+    EXPECT_EQ(compute(c, descriptor).bytes, alone.bytes);
+    EXPECT_EQ(team.forks, 0);
+    team.in_parallel = false;
+    EXPECT_EQ(compute(c, descriptor).bytes, alone.bytes);
+    EXPECT_EQ(team.forks, at_commit ? 0 : 2);
+    serial_decision = 1;
+    EXPECT_EQ(compute(c, descriptor).bytes, alone.bytes);
+    EXPECT_EQ(team.forks, at_commit ? 0 : 2);
+    qkr_dft_def_free_descriptor_external(&descriptor);
+  }
+  const WithTeam with(4);
+  dft::force_runtime(nullptr);
+  EXPECT_EQ(run(c).bytes, alone.bytes);
+}
+
+// A failure in one chunk is the answer; the others run on.
+TEST(Threads, FailureOfAChunkIsTheAnswer) {
+  const WithTeam with(4);
+  DftDescriptor *descriptor = nullptr;
+  const Case c = plane();
+  ASSERT_EQ(prepare(c, &descriptor), DFTX_NO_ERROR);
+  static std::atomic<int> calls;
+  calls = 0;
+  descriptor->complex_line[dft::forward] = [](const void *, void *, const DftDescriptor *, uint8_t *) {
+    return calls++ == 5 ? int32_t{DFTX_ENGINE_ERROR} : int32_t{DFTX_NO_ERROR};
+  };
+  EXPECT_EQ(compute(c, descriptor).code, DFTX_ENGINE_ERROR);
+  EXPECT_EQ(team.forks, 1);
+  EXPECT_GE(calls, 48);
+  qkr_dft_def_free_descriptor_external(&descriptor);
+}
+
+class CallersThreads : public testing::TestWithParam<int> {};
+
+TEST_P(CallersThreads, ComputeAtATime) {
+  std::vector<Case> cases = {plane(), plane(), plane()};
+  cases[1].lengths = {64};
+  cases[2].domain = DFTX_REAL;
+  for (Case c : cases) {
+    SCOPED_TRACE(name(c));
+    const Outcome alone = run(c);
+    c.thread_limit = GetParam();
+    DftDescriptor *descriptor = nullptr;
+    ASSERT_EQ(prepare(c, &descriptor), DFTX_NO_ERROR);
+    std::atomic<int> wrong = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < GetParam(); ++i)
+      threads.emplace_back([&] {
+        for (int round = 0; round < 20; ++round) {
+          const Outcome outcome = compute(c, descriptor);
+          wrong += outcome.code != DFTX_NO_ERROR || outcome.bytes != alone.bytes;
+        }
+      });
+    for (std::thread &thread : threads) thread.join();
+    EXPECT_EQ(wrong, 0);
+    for (int i = 0; i < GetParam(); ++i) EXPECT_EQ(descriptor->thread_slots[i], 0);
+    // One more than that is turned away, without harm to the next.
+    for (int i = 0; i < GetParam(); ++i) descriptor->thread_slots[i] = 1;
+    EXPECT_EQ(compute(c, descriptor).code, DFTX_NO_FREE_SLOT);
+    EXPECT_EQ(compute(c, descriptor).code, DFTX_NO_FREE_SLOT);
+    descriptor->thread_slots[GetParam() - 1] = 0;
+    EXPECT_EQ(compute(c, descriptor).bytes, alone.bytes);
+    qkr_dft_def_free_descriptor_external(&descriptor);
+  }
+}
+INSTANTIATE_TEST_SUITE_P(Of, CallersThreads, testing::Values(2, 3, 8));
+
+}  // namespace
+}  // namespace qkr::tests
