@@ -2,8 +2,8 @@
 // Generation, Research Memorandum 81-4, Purdue University (1981), with inversion of a table for small means; or
 // normal numbers, corrected.
 #include "distributions/chunks.h"
-#include "distributions/hat.h"
-#include "distributions/table_search.h"
+#include "distributions/counts/hat.h"
+#include "distributions/counts/table_search.h"
 #include "simd/simd.h"
 
 namespace qkr {

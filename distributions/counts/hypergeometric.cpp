@@ -1,9 +1,9 @@
 // Hypergeometric numbers: the marked ones in a sample. Inversion of a table, and for large modes algorithm H2PE of
 // V. Kachitvichyanukul and B. W. Schmeiser, Journal of Statistical Computation and Simulation 22 (1985) 127.
 #include "distributions/chunks.h"
-#include "distributions/mountain.h"
-#include "distributions/stirling.h"
-#include "distributions/table_search.h"
+#include "distributions/counts/mountain.h"
+#include "distributions/counts/stirling.h"
+#include "distributions/counts/table_search.h"
 
 namespace qkr {
 constexpr double rejection_from = 40.0;  // the mode

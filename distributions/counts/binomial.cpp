@@ -1,9 +1,9 @@
 // Binomial numbers: inversion of a table for small means, and for large ones algorithm BTPE of
 // V. Kachitvichyanukul and B. W. Schmeiser, Communications of the ACM 31 (1988) 216.
 #include "distributions/chunks.h"
-#include "distributions/hat.h"
-#include "distributions/stirling.h"
-#include "distributions/table_search.h"
+#include "distributions/counts/hat.h"
+#include "distributions/counts/stirling.h"
+#include "distributions/counts/table_search.h"
 
 namespace qkr {
 constexpr double table_below = 30.0;     // the mean from which rejection serves

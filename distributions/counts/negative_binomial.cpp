@@ -1,10 +1,10 @@
 // Negative binomial numbers: the failures before success number a, for any positive a. Inversion of a table, and
 // for large modes rejection under a table mountain.
 #include "distributions/chunks.h"
-#include "distributions/mountain.h"
+#include "distributions/counts/mountain.h"
+#include "distributions/counts/stirling.h"
+#include "distributions/counts/table_search.h"
 #include "distributions/near_one.h"
-#include "distributions/stirling.h"
-#include "distributions/table_search.h"
 
 namespace qkr {
 constexpr double rejection_from = 100.0;  // the mode
