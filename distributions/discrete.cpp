@@ -56,7 +56,7 @@ int32_t bernoulli(StreamState *stream, int32_t n, int32_t *out, double p) {
   const bool certain = p >= 1.0;  // also for a uniform number that was rounded to 1
   return from_singles(
       stream, n, out, [](int32_t, float *) {},
-      [=](double u) -> int32_t { return (u >= p) & !certain ? 0 : 1; });
+      [=](double u) -> int32_t { return ((u >= p) & !certain) ? 0 : 1; });
 }
 
 int32_t geometric(StreamState *stream, int32_t n, int32_t *out, double p) {
