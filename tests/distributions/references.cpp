@@ -329,7 +329,7 @@ Definition<int32_t> by_mountain(Real mode, Real reach, Real highest, LnMass ln_m
         v *= on_left ? (u - p1) * left : (u - p2) * right;
       }
       if (x < 0 || x >= highest + 1) continue;
-      const Real y = std::trunc(x);
+      const Real y = std::trunc(double(x));  // rounding may lead to the border
       if (below_mass(v, ln_mass(y) - ln_mass(mode), slack, mapped(y) == cursor.given))
         return Number{mapped(y), 0};
     }
