@@ -90,8 +90,9 @@ void set_up_mountain(Setup &s, const Lot &lot, double mode) {
                           ((lot.size - lot.marked) / lot.size) / (lot.size - 1.0);
   set_up_products(s.table, lot, mode);
   s.ln_mode = ln_products(lot, mode);
-  s.mountain = mountain_over(mode, std::trunc(plateau_deviations * square_root(variance)), 0.0, lot.highest(),
-                             [&](double y) { return exp(ln_products(lot, y) - s.ln_mode); });
+  s.mountain = mountain_over(
+      mode, std::trunc(plateau_deviations * square_root(variance)), 0.0, lot.highest(),
+      [&](double y) { return exp(ln_products(lot, y) - s.ln_mode); }, [&](double y) { return lot.ratio(y); });
 }
 
 double relative_mass(const Setup &s, const Lot &lot, double y, double v) {

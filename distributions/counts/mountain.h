@@ -21,22 +21,21 @@ struct Mountain {
   double p1, p2, p3;   // shares of plateau, left and right tail, added up
 };
 
-// The plateau lies `reach` to either side of the mode; mass(y) is relative to that of the mode.
-template <class Mass>
-Mountain mountain_over(double mode, double reach, double lowest, double highest, Mass mass) {
+// The plateau lies `reach` to either side of the mode; mass(y) is relative to that of the mode, ratio(y) that
+// of y + 1 to that of y.
+template <class Mass, class Ratio>
+Mountain mountain_over(double mode, double reach, double lowest, double highest, Mass mass, Ratio ratio) {
   Mountain s;
   s.mode = mode;
   s.first = mode - reach > lowest ? mode - reach : lowest;
   s.end = mode + reach < highest ? mode + reach + 1.0 : highest + 1.0;
-  // Four points: both ends of the plateau, and what is next to them outside.
-  const double at_first = mass(s.first), at_last = mass(s.end - 1.0);
-  const double before = s.first > lowest ? mass(s.first - 1.0) : 0.0,
-               behind = s.end <= highest ? mass(s.end) : 0.0;
+  // The rates come from the ratios of masses at the ends, which are exact where the masses themselves are not.
+  const bool has_left = s.first > lowest, has_right = s.end <= highest;
   s.p1 = s.end - s.first;
-  s.left = before > 0.0 ? ln(at_first / before) : 1.0;
-  s.right = behind > 0.0 ? ln(at_last / behind) : 1.0;
-  s.p2 = s.p1 + (before > 0.0 ? at_first / s.left : 0.0);
-  s.p3 = s.p2 + (behind > 0.0 ? at_last / s.right : 0.0);
+  s.left = has_left ? ln(ratio(s.first - 1.0)) : 1.0;
+  s.right = has_right ? -ln(ratio(s.end - 1.0)) : 1.0;
+  s.p2 = s.p1 + (has_left ? mass(s.first) / s.left : 0.0);
+  s.p3 = s.p2 + (has_right ? mass(s.end - 1.0) / s.right : 0.0);
   return s;
 }
 

@@ -72,8 +72,9 @@ void set_up_mountain(Setup &s) {
   s.mountain.mode = mode;
   // 1 + d, d being small: (q (a + mode) - (mode + 1)) / (mode + 1)
   s.ln_ratio = ln_of_one_plus(((q * s.a - 1.0) - s.p * mode) / (mode + 1.0));
-  s.mountain = mountain_over(mode, std::trunc(1.1 * square_root(s.a * q) / s.p), 0.0, unlimited,
-                             [&](double y) { return mass_of(s, y); });
+  s.mountain = mountain_over(
+      mode, std::trunc(1.1 * square_root(s.a * q) / s.p), 0.0, unlimited,
+      [&](double y) { return mass_of(s, y); }, [&](double y) { return q * (s.a + y) / (y + 1.0); });
 }
 
 int32_t by_rejection_from_mountain(StreamState *stream, int32_t n, int32_t *out, Setup &s) {
