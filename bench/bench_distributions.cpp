@@ -74,6 +74,24 @@ Contenders<T> of_gsl(Draw draw) {
   return {{"gsl-mt19937", with(gsl_rng_mt19937)}, {"gsl-gfsr4", with(gsl_rng_gfsr4)}};
 }
 
+// A distribution made anew for each number, and one for each call.
+template <class Engine, class Draw>
+Contenders<int32_t> of_means(const char *name, Draw draw, const std::vector<double> &means) {
+  return {{name, [=, engine = Engine(), &means](int n, int32_t *out) mutable {
+             for (int i = 0; i < n; ++i) out[i] = draw(engine, means[size_t(i)]);
+           }}};
+}
+#define NEW_STD(D, ...)                                                        \
+  Contenders<T> {                                                              \
+    {                                                                          \
+      "std-mt19937", [engine = std::mt19937(), k = 0](int n, T *out) mutable { \
+        const double shift = 1e-9 * (k = (k + 1) % 1000);                      \
+        std::D##_distribution<T> d(__VA_ARGS__);                               \
+        for (int i = 0; i < n; ++i) out[i] = d(engine);                        \
+      }                                                                        \
+    }                                                                          \
+  }
+
 struct Choice {
   bool quick;
   const std::regex &filter;
@@ -166,6 +184,56 @@ void add_all(bool quick, const std::regex &filter) {
                 of_boost<T>(boost::random::bernoulli_distribution<double>(0.3)), GSL(bernoulli, 0.3));
   choice.row<T>("Geometric.i32", QKR_INTEGERS(Geometric, 0.3), STD(geometric, 0.3),
                 of_boost<T>(boost::random::geometric_distribution<T, double>(0.3)), GSL(geometric, 0.3));
+
+  // With one set of parameters, whose set-up is kept, and with others for each call, which std:: and Boost also
+  // have to set up.
+#define GSL_WHOLE(draw, ...) of_gsl<T>([](gsl_rng *engine) { return T(gsl_ran_##draw(engine, __VA_ARGS__)); })
+#define QKR_NEW(D, ...)                                 \
+  [k = 0](StreamState *stream, int n, T *out) mutable { \
+    const double shift = 1e-9 * (k = (k + 1) % 1000);   \
+    _vxsiRng##D(0, stream, n, out, __VA_ARGS__);        \
+  }
+  const auto row = [&](const char *name, const auto &...contenders) { choice.row<T>(name, contenders...); };
+  row("Binomial_50_0.3.i32", QKR_INTEGERS(Binomial, 50, 0.3), STD(binomial, 50, 0.3),
+      of_boost<T>(boost::random::binomial_distribution<T>(50, 0.3)), GSL_WHOLE(binomial, 0.3, 50));
+  row("Binomial_1000_0.4.i32", QKR_INTEGERS(Binomial, 1000, 0.4), STD(binomial, 1000, 0.4),
+      of_boost<T>(boost::random::binomial_distribution<T>(1000, 0.4)), GSL_WHOLE(binomial, 0.4, 1000));
+  row("Binomial_1000_0.4_new.i32", QKR_NEW(Binomial, 1000, 0.4 + shift), NEW_STD(binomial, 1000, 0.4 + shift),
+      GSL_WHOLE(binomial, 0.4, 1000));
+  row("Hypergeometric_small.i32", QKR_INTEGERS(Hypergeometric, 1000, 100, 200),
+      GSL_WHOLE(hypergeometric, 200, 800, 100));
+  row("Hypergeometric_large.i32", QKR_INTEGERS(Hypergeometric, 10000, 1000, 4000),
+      GSL_WHOLE(hypergeometric, 4000, 6000, 1000));
+  row("Negbinomial_5_0.3.i32", QKR_INTEGERS(Negbinomial, 5, 0.3), STD(negative_binomial, 5, 0.3),
+      of_boost<T>(boost::random::negative_binomial_distribution<T>(5, 0.3)),
+      GSL_WHOLE(negative_binomial, 0.3, 5));
+  row("Negbinomial_200_0.3.i32", QKR_INTEGERS(Negbinomial, 200, 0.3), STD(negative_binomial, 200, 0.3),
+      of_boost<T>(boost::random::negative_binomial_distribution<T>(200, 0.3)),
+      GSL_WHOLE(negative_binomial, 0.3, 200));
+  row("Poisson_5.i32", QKR_INTEGERS(Poisson, 5), STD(poisson, 5),
+      of_boost<T>(boost::random::poisson_distribution<T>(5)), GSL_WHOLE(poisson, 5));
+  row("Poisson_500.i32", QKR_INTEGERS(Poisson, 500), STD(poisson, 500),
+      of_boost<T>(boost::random::poisson_distribution<T>(500)), GSL_WHOLE(poisson, 500));
+  row("Poisson_500_new.i32", QKR_NEW(Poisson, 500 + shift), NEW_STD(poisson, 500 + shift),
+      GSL_WHOLE(poisson, 500));
+  row(
+      "Poisson1_500.i32", [](StreamState *stream, int n, T *out) { _vxsiRngPoisson(1, stream, n, out, 500); },
+      STD(poisson, 500), of_boost<T>(boost::random::poisson_distribution<T>(500)), GSL_WHOLE(poisson, 500));
+  static const std::vector<double> means = [] {
+    std::vector<double> all(1000000);
+    for (size_t i = 0; i < all.size(); ++i) all[i] = 0.5 + double((i * 2654435761u) % 1000);
+    return all;
+  }();
+  row(
+      "PoissonV.i32",
+      [](StreamState *stream, int n, T *out) { _vxsiRngPoissonV(0, stream, n, out, means.data()); },
+      of_means<std::mt19937>(
+          "std-mt19937", [](auto &engine, double mean) { return std::poisson_distribution<T>(mean)(engine); },
+          means),
+      of_means<boost::random::taus88>(
+          "boost-taus88",
+          [](auto &engine, double mean) { return boost::random::poisson_distribution<T>(mean)(engine); },
+          means));
 }
 
 }  // namespace

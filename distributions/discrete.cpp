@@ -2,13 +2,10 @@
 #include <cstring>
 
 #include "distributions/near_one.h"
+#include "distributions/whole.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
-
-// Numbers of another type that stand in an array of int32_t until they are replaced.
-using DoubleInPlace = double __attribute__((may_alias));
-using SingleInPlace = float __attribute__((may_alias));
 
 void floors(int32_t n, const double *x, int32_t *out) {
   for (int32_t i = 0; i < n; ++i) {
@@ -59,19 +56,15 @@ int32_t bernoulli(StreamState *stream, int32_t n, int32_t *out, double p) {
   const bool certain = p >= 1.0;  // also for a uniform number that was rounded to 1
   return from_singles(
       stream, n, out, [](int32_t, float *) {},
-      [=](double u) -> int32_t { return (u >= p) & !certain ? 0 : 1; });
+      [=](double u) -> int32_t { return ((u >= p) & !certain) ? 0 : 1; });
 }
 
 int32_t geometric(StreamState *stream, int32_t n, int32_t *out, double p) {
   return with_finite_logarithms<float, ActsOn::every_error>([=] {
-    constexpr double largest = INT32_MAX;
     const double factor = 1.0 / ln_of_one_plus(-p);
     return from_singles(
         stream, n, out, [](int32_t m, float *x) { _vxmsLn_HA(m, x, x); },
-        [=](double ln_u) {
-          const double x = ln_u * factor;
-          return static_cast<int32_t>(x < largest ? x : largest);
-        });
+        [=](double ln_u) { return whole(ln_u * factor); });
   });
 }
 

@@ -163,6 +163,22 @@ def plot_distributions(out_dir):
     return figure, "distributions.png"
 
 
+def plot_queue_and_trial(out_dir):
+    queue, trial = read_csv(out_dir / "queue.csv"), read_csv(out_dir / "trial.csv")
+    figure, (waits, powers) = plt.subplots(1, 2, figsize=(11, 4.4))
+    waits.plot(queue["load"], queue["expected"], color=RED, linewidth=1.4, label="closed form")
+    waits.plot(queue["load"], queue["simulated"], "o", color=BLUE, label="simulated")
+    waits.set(title="Waiting in a queue", xlabel="load", ylabel="mean wait (slots)", yscale="log")
+    powers.plot(trial["gain"], trial["normal"], color=RED, linewidth=1.4, label="normal approximation")
+    powers.plot(trial["gain"], trial["simulated"], "o", color=BLUE, label="simulated")
+    powers.set(title="Noticing the better of two versions", xlabel="more buyers (% of the visitors)",
+               ylabel="noticed (% of the trials)", ylim=(0, 100))
+    for axes in (waits, powers):
+        axes.grid(alpha=0.25)
+        axes.legend(frameon=False, loc="upper left")
+    return figure, "queue_and_trial.png"
+
+
 def plot_sunspots(out_dir):
     signal, spectrum = read_csv(out_dir / "sunspots.csv"), read_csv(out_dir / "sunspot_spectrum.csv")
     figure, (record, lines) = plt.subplots(1, 2, figsize=(12, 4.4), width_ratios=(1.4, 1))
@@ -231,7 +247,7 @@ def main():
         sys.exit("usage: plot.py OUT_DIR")
     out_dir = Path(sys.argv[1])
     for plot in (plot_co2, plot_tone_curve, plot_daylight, plot_pi, plot_option,
-                 plot_distributions, plot_sunspots, plot_ecg, plot_year):
+                 plot_distributions, plot_queue_and_trial, plot_sunspots, plot_ecg, plot_year):
         try:
             figure, name = plot(out_dir)
             figure.savefig(out_dir / name)

@@ -27,6 +27,9 @@ printf '\nPi from random and from evenly spread points (examples/estimate_pi.cpp
 printf '\nAn option by simulation, and nine distributions (examples/option_price.cpp)\n\n'
 "$programs/option_price" "$out"
 
+printf '\nA queue, and a trial of two versions (examples/queue_and_trial.cpp)\n\n'
+"$programs/queue_and_trial" "$out"
+
 printf '\nThe period of the sunspots (examples/sunspot_spectrum.cpp)\n\n'
 "$programs/sunspot_spectrum" "$here/data/sunspots_yearly.csv" "$out"
 

@@ -5,9 +5,9 @@
  * - `_vxsdRng...` gives doubles, `_vxssRng...` floats, `_vxsiRng...` 32-bit integers. The two real forms take
  *   the same steps, each in its own precision throughout.
  * - `method` is ignored where no table of methods stands; pass 0. Where one stands, others are answered with
- *   VXS_STATUS_BAD_METHOD, and nothing is drawn. `stream` is read and moved on, by one thread at a time. `n`
- * numbers, 0 or more, go to `out`, which must not overlap the stream. The parameters of the distribution
- * follow. No argument is checked.
+ *   VXS_STATUS_BAD_METHOD, and nothing is drawn.
+ *   `stream` is read and moved on, by one thread at a time. `n` numbers, 0 or more, go to `out`, which must not
+ *   overlap the stream. The parameters of the distribution follow. Arguments are checked only where that is told.
  * - The result is the status of the stream's generator: VXS_STATUS_OK for those of the library. A negative
  *   status of a user's generator ends the call at once, with `out` unfinished.
  * - u, u1, u2 below are uniform numbers over [0, 1) in the order of the stream. Some generators yield 0 and,
@@ -215,6 +215,68 @@ QKR_API int32_t _vxsiRngBernoulli(int32_t method, StreamState *stream, int32_t n
  * success: the whole part of ln u / ln(1 - p), with ln u in single precision; 2147483647 where that is
  * larger, as it nearly always is below p = 2^-40. Inversion. */
 QKR_API int32_t _vxsiRngGeometric(int32_t method, StreamState *stream, int32_t n, int32_t *out, double p);
+
+/** @name Binomial, Hypergeometric, Negbinomial, Poisson
+ * What a call has set up for its parameters stays on the stream, with which it is copied and saved: the next
+ * call with the same parameters skips it. VXS_STATUS_NO_MEMORY if there is no room for it, with nothing drawn.
+ * VXS_STATUS_BAD_ARGUMENT for parameters outside the stated ranges and for NaN, with nothing drawn. Numbers above
+ * 2147483647 come out as that. */
+/**@{*/
+
+/** The number of successes among `ntrial` independent trials of probability p: ntrial >= 0, 0 <= p <= 1. With
+ * p = 0 or ntrial = 0 all numbers are 0, with p = 1 all are ntrial.
+ *
+ * With p' the smaller of p and 1 - p: inversion of a table where ntrial p' < 30, else algorithm BTPE of
+ * V. Kachitvichyanukul and B. W. Schmeiser, Communications of the ACM 31 (1988) 216. */
+QKR_API int32_t _vxsiRngBinomial(int32_t method, StreamState *stream, int32_t n, int32_t *out, int32_t ntrial,
+                                 double p);
+
+/** How many of a sample of `s` without replacement are marked, where `m` of a lot of `l` are: 0 <= s <= l,
+ * 0 <= m <= l. Where nothing or all is sampled or marked, only one number is possible, and none is drawn.
+ *
+ * Inversion of a table where the mode of the reduced problem (sample and marked at most half of the lot) is below
+ * 40, else algorithm H2PE of V. Kachitvichyanukul and B. W. Schmeiser, Journal of Statistical Computation and
+ * Simulation 22 (1985) 127. */
+QKR_API int32_t _vxsiRngHypergeometric(int32_t method, StreamState *stream, int32_t n, int32_t *out,
+                                       int32_t l, int32_t s, int32_t m);
+
+/** The number of failures before success number `a`, in trials of probability p; by the formula of its law also
+ * for a that is no whole number: a >= 0, 0 < p <= 1. With a = 0 or p = 1 all numbers are 0.
+ *
+ * Inversion of a table where (a - 1) (1 - p) / p < 100; where its tail is long (p < 0.01), numbers beyond it are
+ * Poisson numbers of gamma means, with the errors of PoissonV. Else rejection under a plateau with two exponential
+ * tails, as in H2PE. */
+QKR_API int32_t _vxsiRngNegbinomial(int32_t method, StreamState *stream, int32_t n, int32_t *out, double a,
+                                    double p);
+
+/** Poisson of mean lambda >= 0; with lambda = 0 all numbers are 0.
+ *
+ * | method | numbers                                                                                        |
+ * |--------|------------------------------------------------------------------------------------------------|
+ * | 0      | inversion of a table where lambda < 27, else algorithm PTPE, in single precision               |
+ * | 1      | from lambda = 100 on normal numbers, corrected, with method 1 of Gaussian; below, inversion of |
+ * |        | a table by single-precision uniform numbers                                                    |
+ *
+ * B. W. Schmeiser and V. Kachitvichyanukul, Poisson Random Variate Generation, Research Memorandum 81-4, Purdue
+ * University (1981); M. B. Giles, ACM Transactions on Mathematical Software 42 (2016), Algorithm 955.
+ * Cumulative probabilities of method 1 are right within 6e-6. VXS_STATUS_BAD_METHOD for other methods. */
+QKR_API int32_t _vxsiRngPoisson(int32_t method, StreamState *stream, int32_t n, int32_t *out, double lambda);
+/**@}*/
+
+/** Poisson of mean lambda[i] for number i, with no set-up: a polynomial in a normal number (method 1 of Gaussian in
+ * single precision), the coefficients chosen by the power of two below the mean. Below 1/16 the series of the
+ * distribution function. The array of means must not overlap `out`. A mean that is negative or NaN gives 0.
+ *
+ * The laws are approximate. Their distance from Poisson's (half the sum of the absolute differences of all
+ * probabilities) is at most
+ *
+ * | means    | below 1/8 | 1/8 to 1/2 | 1/2 to 8 | 8 to 16 | 16 to 2^13        | from 2^13 on |
+ * |----------|-----------|------------|----------|---------|-------------------|--------------|
+ * | distance | 2e-4      | 6e-5       | 3e-4     | 1e-4    | 4e-5, falling to 1e-6 | 6e-4     |
+ *
+ * tools/tables/poisson_bands.py measures it for each power of two. */
+QKR_API int32_t _vxsiRngPoissonV(int32_t method, StreamState *stream, int32_t n, int32_t *out,
+                                 const double *lambda);
 
 QKR_END_DECLS
 

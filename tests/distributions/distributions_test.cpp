@@ -29,6 +29,7 @@ TYPED_TEST(Distributions, AgreeWithTheirDefinitions) {
     ASSERT_EQ(draw(a_case, recorded_stream().get(), n, numbers.data()), VXS_STATUS_OK);
     Cursor<T> u;
     const auto definition = definition_of<T>(a_case);
+    if (!definition) continue;
     for (int32_t i = 0; i < n; ++i) {
       u.given = numbers[i];
       const Number expected = definition(u);
@@ -96,17 +97,30 @@ int allocations_of(Draw draw) {
   });
 }
 
+// The stream, and a chunk and its data for what is kept; 0 where that depends on the numbers.
+int allocations_expected(const Case &a_case) {
+  const std::string family = a_case.family;
+  const std::vector<double> &p = a_case.parameters;
+  if (family == "Negbinomial" && p[1] < 0.01 && (p[0] - 1) * (1 - p[1]) / p[1] < 100) return 0;
+  const bool keeps =
+      family == "Lognormal" || (family == "Gaussian" && a_case.method == 1) ||
+      (family == "Gamma" && p[0] > 1) || family == "Binomial" || family == "Negbinomial" ||
+      (family == "Poisson" && (a_case.method == 0 || p[0] >= 100)) || family == "PoissonV" ||
+      (family == "Hypergeometric" && law_of<int32_t>(a_case).lowest < law_of<int32_t>(a_case).highest);
+  return keeps ? 3 : 1;
+}
+
 TYPED_TEST(Distributions, ReportWhatFails) {
   using T = TypeParam;
   std::vector<T> numbers(2600);
   for (const Case &a_case : cases<T>()) {
     const std::string name = name_of<T>(a_case), family = a_case.family;
-    expect_failures_passed_on(name, [&](StreamState *s) { return draw(a_case, s, 2600, numbers.data()); });
-    const bool holds_over = family == "Lognormal" || (family == "Gaussian" && a_case.method == 1) ||
-                            (family == "Gamma" && a_case.parameters[0] > 1);
-    EXPECT_EQ(allocations_of([&](StreamState *s) { return draw(a_case, s, 9, numbers.data()); }),
-              holds_over ? 3 : 1)  // the stream, chunk and data
-        << name;
+    const int expected = allocations_expected(a_case);
+    if (family != "Hypergeometric" || expected > 1)
+      expect_failures_passed_on(name, [&](StreamState *s) { return draw(a_case, s, 2600, numbers.data()); });
+    const int found = allocations_of([&](StreamState *s) { return draw(a_case, s, 9, numbers.data()); });
+    if (expected) EXPECT_EQ(found, expected) << name;
+    else EXPECT_GE(found, 3) << name;
   }
 }
 

@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "distributions/tables/tables.h"
+
 namespace qkr::tests {
 namespace {
 
@@ -249,6 +251,236 @@ Definition<T> standard(std::string_view family, int32_t method, const std::vecto
   throw std::logic_error("no definition");
 }
 
+using Wholes = Cursor<int32_t>;
+using Ratio = std::function<Real(Real k)>;   // mass(k + 1) / mass(k)
+using LnMass = std::function<Real(Real k)>;  // but for a constant
+
+// The first k with u < F(k), added up from 0. Next to F(k) the library is right within 1, and also in what it
+// makes of 0 and of 1, next to which its sums do not tell masses apart.
+Definition<int32_t> by_inversion(Real first_mass, Ratio ratio, bool single = false) {
+  return [=](Wholes &u) {
+    const double recorded = u.recorded();
+    const Real x = single ? Real(float(recorded)) : Real(recorded);
+    if (x > 1 - 1e-13L || x < 1e-13L) return Number{u.given, 0};
+    Real sum = first_mass, mass = first_mass, k = 0, near = std::abs(x - sum);
+    while (x >= sum && k < 1e5) {
+      mass *= ratio(k++);
+      sum += mass;
+      near = std::min(near, std::abs(x - sum));
+    }
+    return Number{k, near < 1e-12L ? 1.0L : 0.0L};
+  };
+}
+
+// Whether ln v is at most the logarithm of the mass of y; where rounding may decide, the library is right.
+bool below_mass(Real v, Real ln_mass, Real slack, bool is_given) {
+  const Real margin = ln_mass - ln<double>(v);
+  return std::abs(margin) > slack ? margin > 0 : is_given;
+}
+
+struct HatShape {
+  double mode, p1, p2 = 0, p3 = 0, p4 = 0, c = 0, left = 0, right = 0, highest = 0;
+  double xm() const { return mode + 0.5; }
+};
+
+// T is the precision of uniform numbers and heights. mapped(y) is what the library gives out for y.
+template <class T, class Mapped>
+Definition<int32_t> by_hat(HatShape s, LnMass ln_mass, Real slack, Mapped mapped) {
+  return [=](Wholes &cursor) {
+    for (;;) {
+      const double u = T(double(T(cursor.recorded())) * s.p4);
+      double v = T(cursor.recorded()), y;
+      const double xl = s.xm() - s.p1, xr = s.xm() + s.p1;
+      if (u <= s.p1) return Number{mapped(std::trunc(s.xm() - s.p1 * v + u)), 0};
+      if (u <= s.p2) {
+        const double x = xl + (u - s.p1) / s.c;
+        v = T(v * s.c + 1 - std::abs(s.xm() - x) / s.p1);
+        if (v > 1) continue;
+        y = std::trunc(x);
+      } else {
+        const bool on_left = u <= s.p3;
+        const double x = on_left ? xl + double(ln<double>(v)) / s.left : xr - double(ln<double>(v)) / s.right;
+        if (x < 0 || x >= s.highest + 1) continue;
+        y = std::trunc(x);
+        v = T(v * (on_left ? (u - s.p2) * s.left : (u - s.p3) * s.right));
+      }
+      if (below_mass(v, ln_mass(y) - ln_mass(s.mode), slack, mapped(y) == cursor.given))
+        return Number{mapped(y), 0};
+    }
+  };
+}
+
+// A plateau of `reach` numbers to either side of the mode, and exponential tails that go through the two masses at
+// its ends and next to them.
+template <class Mapped>
+Definition<int32_t> by_mountain(Real mode, Real reach, Real highest, LnMass ln_mass, Real slack,
+                                Mapped mapped) {
+  const auto mass = [=](Real y) { return std::exp(ln_mass(y) - ln_mass(mode)); };
+  const Real first = mode - reach, end = mode + reach + 1;
+  const Real left = ln_mass(first) - ln_mass(first - 1), right = ln_mass(end - 1) - ln_mass(end);
+  const Real p1 = end - first, p2 = p1 + mass(first) / left, p3 = p2 + mass(end - 1) / right;
+  return [=](Wholes &cursor) {
+    for (;;) {
+      const Real u = cursor.recorded() * p3;
+      Real v = cursor.recorded(), x = first + u;
+      if (u >= p1) {
+        const bool on_left = u <= p2;
+        x = on_left ? first + ln<double>(v) / left : end - ln<double>(v) / right;
+        v *= on_left ? (u - p1) * left : (u - p2) * right;
+      }
+      if (x < 0 || x >= highest + 1) continue;
+      const Real y = std::trunc(double(x));  // rounding may lead to the border
+      // The shares of the pieces come from factorials, whose logarithms lose digits in large lots.
+      const bool large = mode > 1e6, near = large && std::abs(mapped(y) - cursor.given) <= 2;
+      if (below_mass(v, ln_mass(y) - ln_mass(mode), slack, near || mapped(y) == cursor.given))
+        return Number{mapped(y), large ? 2.0L : 0.0L};
+    }
+  };
+}
+
+double tail_rate(double a) { return a * (1 + 0.5 * a); }
+
+Definition<int32_t> binomial(double n, double given) {
+  const bool flipped = given >= 0.5;
+  const double p = flipped ? 1 - given : given, q = 1 - p, np = n * p;
+  const auto mapped = [=](Real y) { return flipped ? n - y : y; };
+  if (np < 30) {
+    const auto table =
+        by_inversion(std::pow(Real(q), Real(n)), [=](Real k) { return (n - k) * p / ((k + 1) * q); });
+    return [=](Wholes &u) {
+      u.given = mapped(u.given);
+      const Number y = table(u);
+      return Number{mapped(y.value), y.magnitude};
+    };
+  }
+  const double ffm = np + p, mode = std::trunc(ffm);
+  HatShape s = {mode, std::trunc(2.195 * std::sqrt(np * q) - 4.6 * q) + 0.5};
+  s.c = 0.134 + 20.5 / (15.3 + mode);
+  const double xl = s.xm() - s.p1, xr = s.xm() + s.p1;
+  s.left = tail_rate((ffm - xl) / (ffm - xl * p));
+  s.right = tail_rate((xr - ffm) / (xr * q));
+  s.p2 = s.p1 * (1 + 2 * s.c);
+  s.p3 = s.p2 + s.c / s.left;
+  s.p4 = s.p3 + s.c / s.right;
+  s.highest = n;
+  const auto ln_mass = [=](Real y) {
+    return y * std::log(Real(p) / q) - std::lgamma(y + 1) - std::lgamma(n - y + 1);
+  };
+  return by_hat<double>(s, ln_mass, 1e-12L * n + 1e-9L, mapped);
+}
+
+Definition<int32_t> hypergeometric(double l, double sample, double marked) {
+  const double s = std::min(sample, l - sample), m = std::min(marked, l - marked);
+  const bool small = sample <= l - sample, large = marked > l - marked;
+  const auto mapped = [=](Real y) {
+    return small ? (large ? sample - y : y) : large ? y + sample - m : marked - y;
+  };
+  if (std::min(s, m) == 0) return [=](Wholes &) { return Number{mapped(0), 0}; };
+  const auto ln_mass = [=](Real y) {
+    return -std::lgamma(y + 1) - std::lgamma(s - y + 1) - std::lgamma(m - y + 1) -
+           std::lgamma(l - s - m + y + 1);
+  };
+  const double mode = std::trunc((s + 1) * (m + 1) / (l + 2));
+  if (mode < 40) {
+    const Real all = std::lgamma(l + 1.0L) - std::lgamma(s + 1.0L) - std::lgamma(l - s + 1.0L) -
+                     std::lgamma(m + 1.0L) - std::lgamma(l - m + 1.0L);
+    const auto table = by_inversion(std::exp(ln_mass(0) - all), [=](Real k) {
+      return k < std::min(s, m) ? (s - k) * (m - k) / ((k + 1) * (l - s - m + k + 1)) : 0;
+    });
+    return [=](Wholes &u) {
+      u.given = mapped(u.given) == 0 ? 0
+                : small              ? (large ? sample - u.given : u.given)
+                : large              ? u.given - sample + m
+                                     : marked - u.given;
+      const Number y = table(u);
+      return Number{mapped(y.value), l > 1e6 ? 1.0L : y.magnitude};
+    };
+  }
+  const double deviation = std::sqrt((l - s) * s * (m / l) * ((l - m) / l) / (l - 1));
+  return by_mountain(mode, std::trunc(1.5 * deviation), std::min(s, m), ln_mass, 1e-13L * l + 1e-9L, mapped);
+}
+
+Definition<int32_t> negative_binomial(double a, double p) {
+  const double mode = (a - 1) * (1 - p) / p;
+  const Real q = 1 - Real(p);
+  if (mode < 100 && p < 0.01) return nullptr;  // what is beyond the table is drawn in another way
+  if (mode < 100)
+    return by_inversion(std::pow(Real(p), Real(a)), [=](Real k) { return q * (a + k) / (k + 1); });
+  const auto ln_mass = [=](Real y) { return std::lgamma(a + y) - std::lgamma(y + 1) + y * std::log(q); };
+  return by_mountain(std::trunc(mode), std::trunc(1.1 * std::sqrt(a * (1 - p)) / p), INT32_MAX, ln_mass,
+                     1e-15L * a + 1e-9L, [](Real y) { return y; });
+}
+
+// What a normal number g of single precision is turned into: the whole part of quantile(g), which may be off by one
+// where the error of g decides.
+Definition<int32_t> by_normals(std::function<Real(Real g)> quantile) {
+  return [=, pairs = Pairs<float>(), singles = Cursor<float>()](Wholes &u) mutable {
+    singles.next = u.next;
+    const Real g = pairs(singles), r = quantile(g), error = 4e-7L * (1 + std::abs(g));
+    u.next = singles.next;
+    const bool doubtful = std::floor(quantile(g - error)) != std::floor(quantile(g + error));
+    return Number{std::min(std::floor(std::max(r, 0.0L)), 2147483647.0L),
+                  doubtful ? 1 + error * quantile(1) : 0};
+  };
+}
+
+Definition<int32_t> poisson(double mean, int32_t method) {
+  if (mean < (method ? 100 : 27))
+    return by_inversion(
+        std::exp(-Real(mean)), [=](Real k) { return mean / (k + 1); }, method);
+  if (method) {
+    const Real t = 1 / Real(mean), s = std::sqrt(Real(mean));
+    return by_normals([=](Real g) {
+      const Real centre =
+          mean + 1 + (-0.6666957198L + t * (-0.01941020862L + t * (-0.001288719308L + t * 0.001645153709L)));
+      const Real variance =
+          mean + (-0.05580667628L + t * (-0.000975814817L + t * (-0.005534854444L + t * 0.00519830812L)));
+      return centre + g * std::sqrt(variance) + g * g * (1 / 6.0L + 7 * t / 810) - g * g * g / (72 * s) +
+             g * g * g * g * t / 270;
+    });
+  }
+  const double mode = std::trunc(mean);
+  HatShape s = {mode, std::trunc(2.195 * std::sqrt(mean) - 2.2) + 0.5};
+  s.c = 0.133 + 8.56 / (6.83 + mean);
+  const double xl = s.xm() - s.p1, xr = s.xm() + s.p1;
+  s.left = tail_rate((mean - xl) / mean);
+  s.right = tail_rate((xr - mean) / xr);
+  s.p2 = s.p1 * (1 + 2 * s.c);
+  s.p3 = s.p2 + (0.109 + 8.25 / (10.86 + mean)) / s.left;
+  s.p4 = s.p3 + s.c / s.right;
+  s.highest = 0x1p60;
+  const auto ln_mass = [=](Real y) { return y * std::log(Real(mean)) - std::lgamma(y + 1); };
+  return by_hat<float>(s, ln_mass, 1e-16L * mean + 1e-7L, [](Real y) { return y; });
+}
+
+Definition<int32_t> poisson_of_mean(double mean) {
+  if (mean < 0.0625) {
+    return [=, pairs = Pairs<float>(), singles = Cursor<float>()](Wholes &u) mutable {
+      singles.next = u.next;
+      const Real share = std::abs(std::erf(pairs(singles) / std::sqrt(2.0L)));
+      u.next = singles.next;
+      Real k = 0, term = 1, sum = 1, near = 1;
+      while (k < 11 && share * std::exp(Real(mean)) > sum) {
+        near = std::abs(share * std::exp(Real(mean)) - sum);
+        sum += term *= mean / ++k;
+      }
+      near = std::min(near, std::abs(share * std::exp(Real(mean)) - sum));
+      return Number{k, near < 1e-6L ? 1.0L : 0.0L};
+    };
+  }
+  const int exponent = std::ilogb(mean), band = std::min(exponent + 4, 17);
+  const double *const t = _vxsdPoissonTab + 5 + 20 * band;
+  const Real m = mean / std::ldexp(1.0, exponent) - 1, s = std::sqrt(Real(mean)) + t[2] + t[3] * m;
+  return by_normals([=](Real g) {
+    Real sum = mean + t[0] + m * t[1] + 1, power = s;
+    for (int i = 4; i < 20; i += 4) {
+      power *= g;
+      sum += power * (t[i] + m * (t[i + 1] + m * (t[i + 2] + m * t[i + 3])));
+    }
+    return sum;
+  });
+}
+
 }  // namespace
 
 template <class T>
@@ -279,6 +511,11 @@ Definition<int32_t> definition_of(const Case &a_case) {
     return [=](Cursor<int32_t> &u) {
       return Number{float(u.recorded()) < p[0] || p[0] == 1 ? 1.0L : 0.0L, 0};
     };
+  if (family == "Binomial") return binomial(p[0], p[1]);
+  if (family == "Hypergeometric") return hypergeometric(p[0], p[1], p[2]);
+  if (family == "Negbinomial") return negative_binomial(p[0], p[1]);
+  if (family == "Poisson") return poisson(p[0], a_case.method);
+  if (family == "PoissonV") return poisson_of_mean(p[0]);
   // A whole number may be off by one where the logarithm rounds.
   return [=](Cursor<int32_t> &u) {
     const Real x = ln<float>(float(u.recorded())) / std::log1p(-Real(p[0]));

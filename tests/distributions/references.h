@@ -14,7 +14,7 @@ struct Number {
   long double magnitude;  // of what was rounded on the way
 };
 
-// The next number of a case.
+// The next number of a case; null where there is no definition as short as that.
 template <class T>
 using Definition = std::function<Number(Cursor<T> &u)>;
 template <class T>

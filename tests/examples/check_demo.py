@@ -290,12 +290,26 @@ class Demo(unittest.TestCase):
             self.assertGreater(cells, 60, name)
             self.assertLess(abs(squares - cells), 5 * math.sqrt(2 * cells), name)
 
+    def test_queue_and_trial(self):
+        for row in rows(out / "queue.csv"):
+            load, mean, square = float(row["load"]), 3, 9 + 4  # of a service: 1 + NB(2, 1/2)
+            arrivals = load / mean
+            expected = (arrivals * square + load ** 2 - load) / (2 * (1 - load))
+            self.assertAlmostEqual(float(row["expected"]), expected, delta=1e-4 * expected)
+            # Waits follow each other for about 1 / (1 - load)^2 slots.
+            self.assertAlmostEqual(float(row["simulated"]) / expected, 1, delta=0.003 / (1 - load))
+        trial = [(float(row["gain"]), float(row["simulated"]), float(row["normal"])) for row in rows(out / "trial.csv")]
+        self.assertEqual([gain for gain, _, _ in trial], [0.25 * i for i in range(9)])
+        for gain, simulated, normal in trial:  # the exact test is the more careful one, by a percent or two
+            self.assertTrue(normal - 6 < simulated < normal + 3, (gain, simulated, normal))
+
     def test_pictures(self):
         if importlib.util.find_spec("matplotlib") is None:
             self.assertIn("plots skipped", self.report)
             return
         for name in ("co2_growth.png", "tone_curve.png", "daylight.png", "pi_error.png",
-                     "option_error.png", "distributions.png", "sunspot_spectrum.png", "ecg_filter.png", "co2_year.png"):
+                     "option_error.png", "distributions.png", "queue_and_trial.png", "sunspot_spectrum.png",
+                     "ecg_filter.png", "co2_year.png"):
             self.assertIn(str(out / name), self.report)
             picture = (out / name).read_bytes()
             self.assertEqual(picture[:8], b"\x89PNG\r\n\x1a\n")
@@ -337,6 +351,7 @@ class Demo(unittest.TestCase):
                 ("error_policy", [out / "nowhere"], "cannot write"),
                 ("estimate_pi", [out / "nowhere"], "cannot write"),
                 ("option_price", [out / "nowhere"], "cannot write"),
+                ("queue_and_trial", [out / "nowhere"], "cannot write"),
                 ("error_policy", [], "usage: ")):
             with self.subTest(program=program, message=message):
                 code, text = run(build / "examples" / program, *arguments)

@@ -1,11 +1,13 @@
 #define BOOST_MATH_PROMOTE_DOUBLE_POLICY false
 #include "tests/support/distribution_cases.h"
 
+#include <algorithm>
 #include <boost/math/distributions.hpp>
 #include <charconv>
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <stdexcept>
 
 namespace qkr::tests {
@@ -82,6 +84,64 @@ Law geometric(double p) {
   return whole([=](double x) { return -std::expm1(x * std::log1p(-p)); }, 0, INT32_MAX);
 }
 
+// Of a law of whole numbers.
+template <class Distribution>
+Law discrete(Distribution d, double lowest, double highest) {
+  return whole([=](double x) { return x - 1 < lowest ? 0 : math::cdf(d, std::min(x - 1, highest)); }, lowest,
+               highest);
+}
+
+Law single(double number) {
+  return whole([](double) { return 0.0; }, number, number);
+}
+
+// Where Boost.Math takes long: masses from the mode on, with ratio(k) that of k + 1 to that of k.
+template <class Ratio>
+Law by_ratios(double mode, double deviation, double lowest, double highest, Ratio ratio) {
+  const double first = std::max(lowest, std::floor(mode - 12 * deviation - 12));
+  const double last = std::min(highest, std::ceil(mode + 12 * deviation + 12));
+  std::vector<long double> mass(size_t(last - first) + 1);
+  mass[size_t(mode - first)] = 1;
+  for (double k = mode; k < last; ++k) mass[size_t(k - first) + 1] = mass[size_t(k - first)] * ratio(k);
+  for (double k = mode; k > first; --k) mass[size_t(k - first) - 1] = mass[size_t(k - first)] / ratio(k - 1);
+  long double total = 0, sum = 0;
+  for (const long double p : mass) total += p;
+  const auto below = std::make_shared<std::vector<double>>();
+  for (const long double p : mass) {
+    below->push_back(double(sum / total));
+    sum += p;
+  }
+  below->push_back(1);
+  return whole([=](double x) { return (*below)[size_t(std::clamp(x - first, 0.0, last - first + 1))]; },
+               lowest, highest);
+}
+
+Law binomial(double n, double p) {
+  if (n == 0 || p == 0) return single(0);
+  if (p == 1) return single(n);
+  if (n < 1e5) return discrete(math::binomial(n, p), 0, n);
+  return by_ratios(std::floor((n + 1) * p), std::sqrt(n * p * (1 - p)), 0, n,
+                   [=](long double k) { return (n - k) * p / ((k + 1) * (1 - (long double)p)); });
+}
+
+Law hypergeometric(double l, double s, double m) {
+  const double lowest = std::max(0.0, s + m - l), highest = std::min(s, m);
+  if (lowest == highest) return single(lowest);
+  return by_ratios(std::floor((s + 1) * (m + 1) / (l + 2)),
+                   std::sqrt(s * (m / l) * (1 - m / l) * ((l - s) / (l - 1))), lowest, highest,
+                   [=](long double k) { return (s - k) * (m - k) / ((k + 1) * (l - s - m + k + 1)); });
+}
+
+Law negative_binomial(double a, double p) {
+  if (a == 0 || p == 1) return single(0);
+  if (a < 1e5) return discrete(math::negative_binomial(a, p), 0, INT32_MAX);
+  const long double q = 1 - (long double)p;
+  return by_ratios(double(std::floor((a - 1) * q / p)), double(std::sqrt(a * q) / p), 0, INT32_MAX,
+                   [=](long double k) { return q * (a + k) / (k + 1); });
+}
+
+Law poisson(double mean) { return mean > 0 ? discrete(math::poisson(mean), 0, INT32_MAX) : single(0); }
+
 template <class T>
 struct Family {
   const char *name;
@@ -129,7 +189,19 @@ const std::vector<Family<int32_t>> &families() {
   static const std::vector<Family<int32_t>> all = {
       WHOLE(Uniform, whole_uniform(p[0], p[1]), out, int32_t(p[0]), int32_t(p[1])),
       WHOLE(UniformBits, whole_uniform(-0x1p31, 0x1p31), reinterpret_cast<uint32_t *>(out)),
-      WHOLE(Bernoulli, bernoulli(p[0]), out, p[0]), WHOLE(Geometric, geometric(p[0]), out, p[0])};
+      WHOLE(Bernoulli, bernoulli(p[0]), out, p[0]),
+      WHOLE(Geometric, geometric(p[0]), out, p[0]),
+      WHOLE(Binomial, binomial(p[0], p[1]), out, int32_t(p[0]), p[1]),
+      WHOLE(Hypergeometric, hypergeometric(p[0], p[1], p[2]), out, int32_t(p[0]), int32_t(p[1]),
+            int32_t(p[2])),
+      WHOLE(Negbinomial, negative_binomial(p[0], p[1]), out, p[0], p[1]),
+      WHOLE(Poisson, poisson(p[0]), out, p[0]),
+      {"PoissonV",
+       [](int32_t method, StreamState *stream, int32_t n, int32_t *out, const double *p) {
+         const std::vector<double> means(size_t(n), p[0]);
+         return _vxsiRngPoissonV(method, stream, n, out, means.data());
+       },
+       [](const double *p) { return poisson(p[0]); }}};
   return all;
 }
 
@@ -192,26 +264,96 @@ const std::vector<Case> &cases<float>() {
   static const std::vector<Case> all = real_cases<float>();
   return all;
 }
+namespace {
+
+std::vector<Case> whole_cases() {
+  std::vector<Case> all = {{"Uniform", {-3, 4}},
+                           {"Uniform", {6, 7}},
+                           {"Uniform", {-1000, 1000}},
+                           {"Uniform", {INT32_MIN, INT32_MAX}},
+                           {"UniformBits", {}},
+                           {"Bernoulli", {0.0}},
+                           {"Bernoulli", {0.001}},
+                           {"Bernoulli", {0.3}},
+                           {"Bernoulli", {0.5}},
+                           {"Bernoulli", {0.999}},
+                           {"Bernoulli", {1.0}},
+                           {"Geometric", {0x1p-30}, 0, false},
+                           {"Geometric", {0x1p-54}, 0, false},
+                           {"Geometric", {0.001}},
+                           {"Geometric", {0.3}},
+                           {"Geometric", {0.5}},
+                           {"Geometric", {0.9}},
+                           {"Geometric", {0.999}}};
+  // Both sides of each border between methods, and what is degenerate.
+  for (const auto &[n, p] : {std::pair{0.0, 0.3},
+                             {10.0, 0.0},
+                             {10.0, 1.0},
+                             {1.0, 0.3},
+                             {40.0, 0.5},
+                             {59.0, 0.5},
+                             {60.0, 0.5},
+                             {61.0, 0.5},
+                             {99.0, 0.3},
+                             {100.0, 0.3},
+                             {100.0, 0.7},
+                             {1000.0, 0.0299},
+                             {1000.0, 0.03},
+                             {1e4, 0.4},
+                             {1e6, 0.999},
+                             {2147483647.0, 1e-8},
+                             {2147483647.0, 0.25}})
+    all.push_back({"Binomial", {n, p}});
+  const double lots[][3] = {{0, 0, 0},
+                            {10, 0, 5},
+                            {10, 10, 4},
+                            {10, 4, 10},
+                            {2, 1, 1},
+                            {20, 5, 7},
+                            {20, 15, 7},
+                            {20, 5, 14},
+                            {20, 15, 14},
+                            {1000, 100, 395},
+                            {1000, 100, 399},
+                            {1000, 200, 210},
+                            {1000, 800, 300},
+                            {1000, 800, 900},
+                            {1000, 300, 900},
+                            {5000, 2000, 2400},
+                            {1e6, 1e5, 3e5},
+                            {2147483647, 1e9, 1e9},
+                            {2147483647, 4e7, 1000}};
+  for (const auto &[l, s, m] : lots) all.push_back({"Hypergeometric", {l, s, m}});
+  for (const auto &[a, p] : {std::pair{0.0, 0.3},
+                             {3.0, 1.0},
+                             {1.0, 0.3},
+                             {0.1, 0.5},
+                             {0.3, 0.001},
+                             {1.0, 0.001},
+                             {1.5, 0.01},
+                             {40.0, 0.4},
+                             {100.0, 0.4976},
+                             {100.0, 0.4974},
+                             {2.0, 0.0099},
+                             {2.0, 0.01},
+                             {30.5, 1e-3},
+                             {1e6, 0.5},
+                             {1e9, 0.999999},
+                             {1e12, 0.9999999}})
+    all.push_back({"Negbinomial", {a, p}});
+  for (const double mean : {0.0, 1e-6, 0.3, 5.0, 26.999, 27.0, 30.0, 99.9, 100.0, 200.5, 1e4, 1e6, 1e9})
+    for (int32_t method = 0; method < 2; ++method) all.push_back({"Poisson", {mean}, method});
+  all.push_back({"PoissonV", {0.001}});
+  // The errors of their laws are too large for those counts: see Poisson's own tests.
+  for (double mean = 0.0625; mean < 3e5; mean *= 1.9) all.push_back({"PoissonV", {mean}, 0, false});
+  return all;
+}
+
+}  // namespace
+
 template <>
 const std::vector<Case> &cases<int32_t>() {
-  static const std::vector<Case> all = {{"Uniform", {-3, 4}},
-                                        {"Uniform", {6, 7}},
-                                        {"Uniform", {-1000, 1000}},
-                                        {"Uniform", {INT32_MIN, INT32_MAX}},
-                                        {"UniformBits", {}},
-                                        {"Bernoulli", {0.0}},
-                                        {"Bernoulli", {0.001}},
-                                        {"Bernoulli", {0.3}},
-                                        {"Bernoulli", {0.5}},
-                                        {"Bernoulli", {0.999}},
-                                        {"Bernoulli", {1.0}},
-                                        {"Geometric", {0x1p-30}, 0, false},
-                                        {"Geometric", {0x1p-54}, 0, false},
-                                        {"Geometric", {0.001}},
-                                        {"Geometric", {0.3}},
-                                        {"Geometric", {0.5}},
-                                        {"Geometric", {0.9}},
-                                        {"Geometric", {0.999}}};
+  static const std::vector<Case> all = whole_cases();
   return all;
 }
 

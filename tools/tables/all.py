@@ -5,7 +5,7 @@ import sys
 from pathlib import Path
 
 GENERATORS = ["circular", "error_function", "exponential", "hyperbolic", "inverse", "logarithm", "mrg32k3a",
-              "niederreiter", "power", "sobol", "square_root", "stream_scalars", "tangent", "twiddles", "unit_circle",
+              "niederreiter", "poisson_bands", "power", "sobol", "square_root", "stream_scalars", "tangent", "twiddles", "unit_circle",
               "wichmann_hill"]
 
 here = Path(__file__).resolve().parent
