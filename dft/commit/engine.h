@@ -31,8 +31,8 @@ constexpr int32_t unscaled = 8, no_hint = 0;
         [](void *plan) { return Free(static_cast<Spec *>(plan)); }                                           \
   }
 
-// Plans, and by direction the transforms of a line: complex ones in natural order and in the engine's own, real
-// ones by format, from DFTX_CCS_FORMAT on.
+// Plans, and by direction the transforms of a line: complex ones in natural order and in the engine's own,
+// real ones by format, from DFTX_CCS_FORMAT on.
 template <class T>
 struct Engine;
 

@@ -33,11 +33,11 @@
  * numbers by length 1 by length 2, strides counted in complex numbers. With ::DFTX_COMPLEX_REAL, the default,
  * it is one of the packed formats, in one or two dimensions. R and I are the parts of X:
  *
- * | format           | numbers, even (odd) N | order, even N                       | odd N                     |
- * |------------------|-----------------------|-------------------------------------|---------------------------|
- * | DFTX_CCS_FORMAT  | N + 2 (N + 1)         | R[0], 0, R[1], I[1], ..., R[H], 0   | R[0], 0, R[1], ..., I[H]  |
- * | DFTX_PACK_FORMAT | N                     | R[0], R[1], I[1], ..., R[H]         | R[0], R[1], ..., I[H]     |
- * | DFTX_PERM_FORMAT | N                     | R[0], R[H], R[1], I[1], ..., I[H-1] | R[0], R[1], ..., I[H]     |
+ * | format           | numbers       | order of an even length N           | of an odd one           |
+ * |------------------|---------------|-------------------------------------|-------------------------|
+ * | DFTX_CCS_FORMAT  | N + 2 (N + 1) | R[0], 0, R[1], I[1], ..., R[H], 0   | R[0], 0, R[1], ..., I[H] |
+ * | DFTX_PACK_FORMAT | N             | R[0], R[1], I[1], ..., R[H]         | R[0], R[1], ..., I[H]   |
+ * | DFTX_PERM_FORMAT | N             | R[0], R[H], R[1], I[1], ..., I[H-1] | R[0], R[1], ..., I[H]   |
  *
  * Distances of spectra count complex numbers (pairs of real ones) in every format, and so do strides in one
  * dimension. In two dimensions the packed spectrum is a matrix of real numbers: first each row is transformed
@@ -90,9 +90,9 @@ enum {
   DFTX_NUMBER_OF_TRANSFORMS = 7, /**< transforms of one compute call; default 1; none if below 1 */
   DFTX_COMPLEX_STORAGE = 8,      /**< DFTX_COMPLEX_COMPLEX only */
   DFTX_REAL_STORAGE = 9,         /**< DFTX_REAL_REAL only */
-  DFTX_CONJUGATE_EVEN_STORAGE =
-      10,                    /**< DFTX_COMPLEX_REAL (default) or DFTX_COMPLEX_COMPLEX; the latter also sets
-                                         DFTX_PACKED_FORMAT to DFTX_CCE_FORMAT */
+  /** DFTX_COMPLEX_REAL (default) or DFTX_COMPLEX_COMPLEX, which also sets DFTX_PACKED_FORMAT to
+   * DFTX_CCE_FORMAT */
+  DFTX_CONJUGATE_EVEN_STORAGE = 10,
   DFTX_PLACEMENT = 11,       /**< DFTX_INPLACE (default) or DFTX_NOT_INPLACE */
   DFTX_INPUT_DISTANCE = 14,  /**< between successive transforms of a batch; default 0 */
   DFTX_OUTPUT_DISTANCE = 15, /**< the same of the output */
@@ -148,8 +148,9 @@ QKR_API int32_t qkr_dft_def_create_descriptor_1d(DftDescriptor **handle, const i
                                                  const int32_t *lengths);
 /** @} */
 
-/** @name Set a value Changes one value of the configuration. The descriptor has to be committed again, even
- * when the value was refused.
+/** @name Set a value
+ * Changes one value of the configuration. The descriptor has to be committed again, even when the value was
+ * refused.
  *
  * A scale applies once to a whole transform. It is kept with the first dimension whose length is not 1; in
  * single precision it is rounded to that.
@@ -207,7 +208,8 @@ QKR_API int32_t qkr_dft_def_compute_backward_c(DftDescriptor **handle, void *dat
 QKR_API int32_t qkr_dft_def_compute_backward_z(DftDescriptor **handle, void *data);
 /** @} */
 
-/** @name Real transforms From real numbers to a spectrum (`sc` single, `dz` double precision) and back (`cs`,
+/** @name Real transforms
+ * From real numbers to a spectrum (`sc` single, `dz` double precision) and back (`cs`,
  * `zd`). `output` may be `input` if each transform of a batch then stays within its own memory; other overlap
  * is not allowed. Otherwise the input stays as it is. Backward does not read the numbers that are zero in a
  * spectrum (the imaginary parts of X[0] and X[H]; in several dimensions, those that X[0] and X[H] of the

@@ -33,8 +33,9 @@ QKR_API void qkr_blas_def_csscal(const int32_t *n, const float *alpha, void *x, 
 QKR_API void qkr_blas_def_zdscal(const int32_t *n, const double *alpha, void *x, const int32_t *incx);
 /** @} */
 
-/** @name Copying y = x, element for element in the order in which their strides walk. The vectors must not
- * overlap, but may be the same.
+/** @name Copying
+ * y = x, element for element in the order in which their strides walk. The vectors must not overlap, but may
+ * be the same.
  * @{ */
 QKR_API void qkr_blas_def_scopy(const int32_t *n, const float *x, const int32_t *incx, float *y,
                                 const int32_t *incy);
