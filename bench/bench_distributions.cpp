@@ -185,8 +185,8 @@ void add_all(bool quick, const std::regex &filter) {
   choice.row<T>("Geometric.i32", QKR_INTEGERS(Geometric, 0.3), STD(geometric, 0.3),
                 of_boost<T>(boost::random::geometric_distribution<T, double>(0.3)), GSL(geometric, 0.3));
 
-  // With one set of parameters, whose set-up is kept, and with others for each call, which std:: and Boost also
-  // have to set up.
+  // With one set of parameters, whose set-up is kept, and with others for each call, which std:: and Boost
+  // also have to set up.
 #define GSL_WHOLE(draw, ...) of_gsl<T>([](gsl_rng *engine) { return T(gsl_ran_##draw(engine, __VA_ARGS__)); })
 #define QKR_NEW(D, ...)                                 \
   [k = 0](StreamState *stream, int n, T *out) mutable { \

@@ -1,8 +1,8 @@
-// Whole random numbers at work. A queue: in each slot of time a Poisson number of customers arrives, each with a
-// service of 1 slot and a negative binomial number of further ones; the mean wait is compared with its closed form.
-// And a trial of two versions of a page: how often a real difference is noticed, with visitors who buy or not
-// (binomial), judged by the share of random divisions of all buyers into the two groups (hypergeometric) that
-// look at least as good.
+// Whole random numbers at work. A queue: in each slot of time a Poisson number of customers arrives, each
+// with a service of 1 slot and a negative binomial number of further ones; the mean wait is compared with
+// its closed form. And a trial of two versions of a page: how often a real difference is noticed, with
+// visitors who buy or not (binomial), judged by the share of random divisions of all buyers into the two
+// groups (hypergeometric) that look at least as good.
 //
 // queue_and_trial OUT_DIR
 // Writes OUT_DIR/queue.csv and OUT_DIR/trial.csv.
@@ -31,9 +31,9 @@ struct Service {
   double mean_square() const { return mean() * mean() + a * (1 - p) / (p * p); }
 };
 
-// The work that waits at the beginning of a slot, in slots, is what the first customer of the slot has to wait.
-// With A the work that arrives in a slot, it follows W' = max(W + A - 1, 0): E W' = E W makes the share of busy
-// slots E A, and E W'^2 = E W^2 then gives E W = (E A^2 - E A) / (2 (1 - E A)).
+// The work that waits at the beginning of a slot, in slots, is what the first customer of the slot has to
+// wait. With A the work that arrives in a slot, it follows W' = max(W + A - 1, 0): E W' = E W makes the
+// share of busy slots E A, and E W'^2 = E W^2 then gives E W = (E A^2 - E A) / (2 (1 - E A)).
 static double expected_wait(double arrivals, const Service &service) {
   const double load = arrivals * service.mean(), square = arrivals * service.mean_square() + load * load;
   return (square - load) / (2 * (1 - load));

@@ -1,6 +1,6 @@
-// Rejection under a hat of four pieces, each with its share of the first of two uniform numbers: a triangle that
-// lies below the law and needs no test, a parallelogram over it, and two exponential tails
-// (V. Kachitvichyanukul and B. W. Schmeiser, Communications of the ACM 31 (1988) 216).
+// Rejection under a hat of four pieces, each with its share of the first of two uniform numbers: a triangle
+// that lies below the law and needs no test, a parallelogram over it, and two exponential tails (V.
+// Kachitvichyanukul and B. W. Schmeiser, Communications of the ACM 31 (1988) 216).
 #pragma once
 
 #include <cmath>
@@ -38,9 +38,9 @@ struct Logarithms {
   void take() { _vxmdLn_HA(count, value, value); }
 };
 
-// Fills `out`. T is the precision of the uniform numbers and of the heights. `hat` has the borders p1 to p4 of
-// the pieces and their geometry; test(waiting) answers for what is not in the triangle. A cached hat may come
-// from a damaged file: where nothing at all is accepted, make() makes it anew.
+// Fills `out`. T is the precision of the uniform numbers and of the heights. `hat` has the borders p1 to p4
+// of the pieces and their geometry; test(waiting) answers for what is not in the triangle. A cached hat may
+// come from a damaged file: where nothing at all is accepted, make() makes it anew.
 template <class T, class Hat, class Test, class Make>
 int32_t by_hat(StreamState *stream, int32_t n, int32_t *out, const Hat &hat, double highest, Test test,
                Make make) {

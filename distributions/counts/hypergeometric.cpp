@@ -1,5 +1,6 @@
-// Hypergeometric numbers: the marked ones in a sample. Inversion of a table, and for large modes algorithm H2PE of
-// V. Kachitvichyanukul and B. W. Schmeiser, Journal of Statistical Computation and Simulation 22 (1985) 127.
+// Hypergeometric numbers: the marked ones in a sample. Inversion of a table, and for large modes algorithm
+// H2PE of V. Kachitvichyanukul and B. W. Schmeiser, Journal of Statistical Computation and Simulation 22
+// (1985) 127.
 #include "distributions/chunks.h"
 #include "distributions/counts/mountain.h"
 #include "distributions/counts/stirling.h"
@@ -26,8 +27,8 @@ namespace {
 
 constexpr int32_t table_size = 64, products = 32;
 
-// Doubles all, and in stream files too. `table` holds cumulative probabilities, or for large modes the masses of
-// mode - 1, ... and of mode + 1, ..., that of the mode being 1.
+// Doubles all, and in stream files too. `table` holds cumulative probabilities, or for large modes the
+// masses of mode - 1, ... and of mode + 1, ..., that of the mode being 1.
 struct Setup {
   double lot, sample, marked;
   Mountain mountain;
@@ -49,8 +50,8 @@ struct Lot {
   double ratio(double k) const { return (sample - k) * (marked - k) / ((rest() + k + 1.0) * (k + 1.0)); }
 };
 
-// ln(a! b! / (c! d!)), where a + b = c + d and c - a is `step`: with the logarithms of ratios, small as they are,
-// instead of those of four large numbers.
+// ln(a! b! / (c! d!)), where a + b = c + d and c - a is `step`: with the logarithms of ratios, small as
+// they are, instead of those of four large numbers.
 double ln_quotient_of_factorials(double a, double b, double c, double d) {
   if (a < 16.0 || b < 16.0 || c < 16.0 || d < 16.0)
     return ln_factorial(a) + ln_factorial(b) - ln_factorial(c) - ln_factorial(d);

@@ -1,6 +1,6 @@
-// Rejection under a table mountain: a plateau as high as the mode between two whole numbers, and an exponential
-// tail on either side (V. Kachitvichyanukul and B. W. Schmeiser, Journal of Statistical Computation and
-// Simulation 22 (1985) 127). Right for every law whose mass ratios fall.
+// Rejection under a table mountain: a plateau as high as the mode between two whole numbers, and an
+// exponential tail on either side (V. Kachitvichyanukul and B. W. Schmeiser, Journal of Statistical
+// Computation and Simulation 22 (1985) 127). Right for every law whose mass ratios fall.
 #pragma once
 
 #include <cmath>
@@ -29,7 +29,8 @@ Mountain mountain_over(double mode, double reach, double lowest, double highest,
   s.mode = mode;
   s.first = mode - reach > lowest ? mode - reach : lowest;
   s.end = mode + reach < highest ? mode + reach + 1.0 : highest + 1.0;
-  // The rates come from the ratios of masses at the ends, which are exact where the masses themselves are not.
+  // The rates come from the ratios of masses at the ends, which are exact where the masses themselves are
+  // not.
   const bool has_left = s.first > lowest, has_right = s.end <= highest;
   s.p1 = s.end - s.first;
   s.left = has_left ? ln(ratio(s.first - 1.0)) : 1.0;
@@ -39,9 +40,9 @@ Mountain mountain_over(double mode, double reach, double lowest, double highest,
   return s;
 }
 
-// Fills `out` with numbers from `lowest` to `highest`. accept(m, y, v, accepted) answers whether v is at most the
-// mass of y, for m candidates. A cached mountain may come from a damaged file: where nothing is accepted, make()
-// makes it anew.
+// Fills `out` with numbers from `lowest` to `highest`. accept(m, y, v, accepted) answers whether v is at
+// most the mass of y, for m candidates. A cached mountain may come from a damaged file: where nothing is
+// accepted, make() makes it anew.
 template <class Accept, class Make>
 int32_t by_mountain(StreamState *stream, int32_t n, int32_t *out, const Mountain &mountain, double lowest,
                     double highest, Accept accept, Make make) {

@@ -1,5 +1,5 @@
-// Negative binomial numbers: the failures before success number a, for any positive a. Inversion of a table, and
-// for large modes rejection under a table mountain.
+// Negative binomial numbers: the failures before success number a, for any positive a. Inversion of a
+// table, and for large modes rejection under a table mountain.
 #include "distributions/chunks.h"
 #include "distributions/counts/mountain.h"
 #include "distributions/counts/stirling.h"
@@ -92,8 +92,9 @@ int32_t by_rejection_from_mountain(StreamState *stream, int32_t n, int32_t *out,
   return by_mountain(stream, n, out, s.mountain, 0.0, unlimited, accept, [&] { set_up_mountain(s); });
 }
 
-// A number beyond the table where the tail is too long to be added up: Poisson numbers of gamma means, until one is
-// beyond the table. On the average that takes one draw for each number, whether it is beyond or not.
+// A number beyond the table where the tail is too long to be added up: Poisson numbers of gamma means,
+// until one is beyond the table. On the average that takes one draw for each number, whether it is beyond
+// or not.
 int32_t from_gamma_means(StreamState *stream, double a, double p, int32_t &out) {
   // The bound is for tables from damaged files.
   for (int32_t tries = 0; tries < 1 << 20; ++tries) {

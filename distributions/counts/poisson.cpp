@@ -1,6 +1,6 @@
-// Poisson numbers of one mean: algorithm PTPE of B. W. Schmeiser and V. Kachitvichyanukul, Poisson Random Variate
-// Generation, Research Memorandum 81-4, Purdue University (1981), with inversion of a table for small means; or
-// normal numbers, corrected.
+// Poisson numbers of one mean: algorithm PTPE of B. W. Schmeiser and V. Kachitvichyanukul, Poisson Random
+// Variate Generation, Research Memorandum 81-4, Purdue University (1981), with inversion of a table for
+// small means; or normal numbers, corrected.
 #include "distributions/chunks.h"
 #include "distributions/counts/hat.h"
 #include "distributions/counts/table_search.h"
@@ -50,7 +50,8 @@ namespace {
 
 constexpr int32_t table_size = 32, products = 16;
 
-// Doubles all, and in stream files too. Both regimes keep their mean, so that a small and a large one can alternate.
+// Doubles all, and in stream files too. Both regimes keep their mean, so that a small and a large one can
+// alternate.
 struct Hat {
   double mean, mode, inverse_mode, inverse_cube, ln_ratio;  // ln_ratio: ln(mode / mean)
   double p1, p2, p3, p4, c, inverse_c, inverse_p1, xm, xl, xr, left, right, inverse_left, inverse_right;
@@ -116,8 +117,8 @@ void set_up(Hat &s, double mean) {
   }
 }
 
-// The mass of y, that of the mode being 1: read, or beyond the products by the recurrence, which ends where the
-// mass is below v.
+// The mass of y, that of the mode being 1: read, or beyond the products by the recurrence, which ends where
+// the mass is below v.
 double relative_mass(const Hat &s, double y, double v) {
   const double distance = std::abs(y - s.mode);
   if (distance < 1.0) return 1.0;
@@ -182,8 +183,8 @@ int32_t by_long_table(StreamState *stream, int32_t n, int32_t *out, double mean)
   });
 }
 
-// The whole part of the continuous quantile that belongs to a normal number g (M. B. Giles, ACM Transactions on
-// Mathematical Software 42 (2016), Algorithm 955):
+// The whole part of the continuous quantile that belongs to a normal number g (M. B. Giles, ACM
+// Transactions on Mathematical Software 42 (2016), Algorithm 955):
 //   mean + g sqrt(mean) + 1/3 + g^2 / 6 - (g^3 + 2 g) / (72 sqrt(mean)) + (3 g^4 + 7 g^2 - 16) / (810 mean).
 // A corrected mean and deviation take up what belongs to g^0 and g, with a further term of either series.
 int32_t by_normals(StreamState *stream, int32_t n, int32_t *out, double mean) {

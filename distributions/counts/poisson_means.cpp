@@ -1,5 +1,6 @@
 // Poisson numbers of a mean for each: the quantile that belongs to a normal number, by a polynomial whose
-// coefficients are chosen by the power of two below the mean. tools/tables/poisson_bands.py tells how they were found.
+// coefficients are chosen by the power of two below the mean. tools/tables/poisson_bands.py tells how they
+// were found.
 #include "distributions/tables/tables.h"
 #include "distributions/whole.h"
 #include "simd/simd.h"

@@ -9,8 +9,8 @@ extern "C" const double _vxsdLogFactTab[16], _vxsdLogConstTab[5];  // ln 0! to l
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
-// What ln Gamma(x) is above (x - 1/2) ln x - x + ln sqrt(2 pi): Stirling's series, with an error below that of
-// its next term, 0.0019 x^-11.
+// What ln Gamma(x) is above (x - 1/2) ln x - x + ln sqrt(2 pi): Stirling's series, with an error below that
+// of its next term, 0.0019 x^-11.
 inline double stirling_rest(double x) {
   const double y = 1.0 / x, s = y * y;
   return y * (1.0 / 12 - s * (1.0 / 360 - s * (1.0 / 1260 - s * (1.0 / 1680 - s * (1.0 / 1188)))));

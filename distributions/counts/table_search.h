@@ -47,9 +47,9 @@ struct Rows {
   }
 };
 
-// The number for u, which is beyond the table; ratio(k) is the mass of k divided by that of k - 1. The loop is
-// bounded for the sake of tables from damaged files, far above what the callers' laws can need. A uniform number
-// may be 1 after rounding: then the last number with any mass comes out.
+// The number for u, which is beyond the table; ratio(k) is the mass of k divided by that of k - 1. The loop
+// is bounded for the sake of tables from damaged files, far above what the callers' laws can need. A
+// uniform number may be 1 after rounding: then the last number with any mass comes out.
 template <class Ratio>
 int32_t beyond_table(const double *cumulative, int32_t size, double u, Ratio ratio) {
   constexpr int32_t longest_tail = 1 << 13;
@@ -65,7 +65,8 @@ int32_t beyond_table(const double *cumulative, int32_t size, double u, Ratio rat
   return k;
 }
 
-// Fills `out` from blocks of uniform numbers of type Uniform. tail(u) gives the numbers of those beyond the table.
+// Fills `out` from blocks of uniform numbers of type Uniform. tail(u) gives the numbers of those beyond the
+// table.
 template <int32_t size, class Uniform = double, class Tail>
 int32_t by_table(StreamState *stream, int32_t n, int32_t *out, const double *cumulative, Tail tail) {
   const Rows<size> rows(cumulative);

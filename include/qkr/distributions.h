@@ -6,8 +6,9 @@
  *   the same steps, each in its own precision throughout.
  * - `method` is ignored where no table of methods stands; pass 0. Where one stands, others are answered with
  *   VXS_STATUS_BAD_METHOD, and nothing is drawn.
- *   `stream` is read and moved on, by one thread at a time. `n` numbers, 0 or more, go to `out`, which must not
- *   overlap the stream. The parameters of the distribution follow. Arguments are checked only where that is told.
+ *   `stream` is read and moved on, by one thread at a time. `n` numbers, 0 or more, go to `out`, which must
+ *   not overlap the stream. The parameters of the distribution follow. Arguments are checked only where
+ *   that is told.
  * - The result is the status of the stream's generator: VXS_STATUS_OK for those of the library. A negative
  *   status of a user's generator ends the call at once, with `out` unfinished.
  * - u, u1, u2 below are uniform numbers over [0, 1) in the order of the stream. Some generators yield 0 and,
@@ -218,9 +219,9 @@ QKR_API int32_t _vxsiRngGeometric(int32_t method, StreamState *stream, int32_t n
 
 /** @name Binomial, Hypergeometric, Negbinomial, Poisson
  * What a call has set up for its parameters stays on the stream, with which it is copied and saved: the next
- * call with the same parameters skips it. VXS_STATUS_NO_MEMORY if there is no room for it, with nothing drawn.
- * VXS_STATUS_BAD_ARGUMENT for parameters outside the stated ranges and for NaN, with nothing drawn. Numbers above
- * 2147483647 come out as that. */
+ * call with the same parameters skips it. VXS_STATUS_NO_MEMORY if there is no room for it, with nothing
+ * drawn. VXS_STATUS_BAD_ARGUMENT for parameters outside the stated ranges and for NaN, with nothing drawn.
+ * Numbers above 2147483647 come out as that. */
 /**@{*/
 
 /** The number of successes among `ntrial` independent trials of probability p: ntrial >= 0, 0 <= p <= 1. With
@@ -234,18 +235,18 @@ QKR_API int32_t _vxsiRngBinomial(int32_t method, StreamState *stream, int32_t n,
 /** How many of a sample of `s` without replacement are marked, where `m` of a lot of `l` are: 0 <= s <= l,
  * 0 <= m <= l. Where nothing or all is sampled or marked, only one number is possible, and none is drawn.
  *
- * Inversion of a table where the mode of the reduced problem (sample and marked at most half of the lot) is below
- * 40, else algorithm H2PE of V. Kachitvichyanukul and B. W. Schmeiser, Journal of Statistical Computation and
- * Simulation 22 (1985) 127. */
+ * Inversion of a table where the mode of the reduced problem (sample and marked at most half of the lot) is
+ * below 40, else algorithm H2PE of V. Kachitvichyanukul and B. W. Schmeiser, Journal of Statistical
+ * Computation and Simulation 22 (1985) 127. */
 QKR_API int32_t _vxsiRngHypergeometric(int32_t method, StreamState *stream, int32_t n, int32_t *out,
                                        int32_t l, int32_t s, int32_t m);
 
 /** The number of failures before success number `a`, in trials of probability p; by the formula of its law also
  * for a that is no whole number: a >= 0, 0 < p <= 1. With a = 0 or p = 1 all numbers are 0.
  *
- * Inversion of a table where (a - 1) (1 - p) / p < 100; where its tail is long (p < 0.01), numbers beyond it are
- * Poisson numbers of gamma means, with the errors of PoissonV. Else rejection under a plateau with two exponential
- * tails, as in H2PE. */
+ * Inversion of a table where (a - 1) (1 - p) / p < 100; where its tail is long (p < 0.01), numbers beyond
+ * it are Poisson numbers of gamma means, with the errors of PoissonV. Else rejection under a plateau with
+ * two exponential tails, as in H2PE. */
 QKR_API int32_t _vxsiRngNegbinomial(int32_t method, StreamState *stream, int32_t n, int32_t *out, double a,
                                     double p);
 
@@ -257,9 +258,10 @@ QKR_API int32_t _vxsiRngNegbinomial(int32_t method, StreamState *stream, int32_t
  * | 1      | from lambda = 100 on normal numbers, corrected, with method 1 of Gaussian; below, inversion of |
  * |        | a table by single-precision uniform numbers                                                    |
  *
- * B. W. Schmeiser and V. Kachitvichyanukul, Poisson Random Variate Generation, Research Memorandum 81-4, Purdue
- * University (1981); M. B. Giles, ACM Transactions on Mathematical Software 42 (2016), Algorithm 955.
- * Cumulative probabilities of method 1 are right within 6e-6. VXS_STATUS_BAD_METHOD for other methods. */
+ * B. W. Schmeiser and V. Kachitvichyanukul, Poisson Random Variate Generation, Research Memorandum 81-4,
+ * Purdue University (1981); M. B. Giles, ACM Transactions on Mathematical Software 42 (2016), Algorithm
+ * 955. Cumulative probabilities of method 1 are right within 6e-6. VXS_STATUS_BAD_METHOD for other methods.
+ * */
 QKR_API int32_t _vxsiRngPoisson(int32_t method, StreamState *stream, int32_t n, int32_t *out, double lambda);
 /**@}*/
 

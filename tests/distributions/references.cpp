@@ -310,8 +310,8 @@ Definition<int32_t> by_hat(HatShape s, LnMass ln_mass, Real slack, Mapped mapped
   };
 }
 
-// A plateau of `reach` numbers to either side of the mode, and exponential tails that go through the two masses at
-// its ends and next to them.
+// A plateau of `reach` numbers to either side of the mode, and exponential tails that go through the two
+// masses at its ends and next to them.
 template <class Mapped>
 Definition<int32_t> by_mountain(Real mode, Real reach, Real highest, LnMass ln_mass, Real slack,
                                 Mapped mapped) {
@@ -411,8 +411,8 @@ Definition<int32_t> negative_binomial(double a, double p) {
                      1e-15L * a + 1e-9L, [](Real y) { return y; });
 }
 
-// What a normal number g of single precision is turned into: the whole part of quantile(g), which may be off by one
-// where the error of g decides.
+// What a normal number g of single precision is turned into: the whole part of quantile(g), which may be
+// off by one where the error of g decides.
 Definition<int32_t> by_normals(std::function<Real(Real g)> quantile) {
   return [=, pairs = Pairs<float>(), singles = Cursor<float>()](Wholes &u) mutable {
     singles.next = u.next;

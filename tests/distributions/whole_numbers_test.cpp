@@ -1,5 +1,5 @@
-// What Binomial, Hypergeometric, Negbinomial and Poisson keep on a stream, and what they make of parameters outside
-// their ranges.
+// What Binomial, Hypergeometric, Negbinomial and Poisson keep on a stream, and what they make of parameters
+// outside their ranges.
 #include <cmath>
 #include <cstring>
 #include <limits>
