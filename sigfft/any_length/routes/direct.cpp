@@ -33,15 +33,18 @@ QKR_INLINE Quad<T> both_twice(const T *point) {
 template <int together, class T, class Put>
 QKR_INLINE void sums(const Quad<T> *pairs, Quad<T> start, int half, int k, SmallCircle<T> circle, Put put) {
   Quad<T> sum[together];
-  const uint32_t *places[together];
-  uint32_t place[together];
+  size_t place[together];
+  const auto from = (const char *)(circle.places + k);
 #pragma GCC unroll 8
-  for (int i = 0; i < together; ++i) sum[i] = start, places[i] = circle.places + k + i, place[i] = 0;
+  for (int i = 0; i < together; ++i) sum[i] = start, place[i] = 0;
   for (int j = 0; j < half; ++j)
 #pragma GCC unroll 8
     for (int i = 0; i < together; ++i) {
-      place[i] = places[i][place[i] / 2];
-      sum[i] += pairs[j] * both_twice(circle.points + place[i]);
+      // Twice a place, which counts two numbers for each index, is that index in bytes.
+      uint32_t next;
+      __builtin_memcpy(&next, from + 4 * i + 2 * place[i], sizeof next);
+      place[i] = next;
+      sum[i] += pairs[j] * both_twice(circle.points + next);
     }
 #pragma GCC unroll 8
   for (int i = 0; i < together; ++i) put(k + i, sum[i]);
