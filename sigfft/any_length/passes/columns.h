@@ -63,6 +63,22 @@ QKR_INLINE Paired<T, bytes> mirrored(Paired<T, bytes> x) {
   return conjugate(x);
 }
 
+template <int part, class V, int... i>
+QKR_INLINE V each_part_twice(V v, std::integer_sequence<int, i...>) {
+  return shuffle<((i & ~1) + part)...>(v, v);
+}
+
+// The cosines of complex numbers, each for both parts, and the sines.
+template <class V>
+struct Turns {
+  V c, s;
+};
+template <class T, int bytes>
+QKR_INLINE Turns<Vector<T, bytes>> turns(Paired<T, bytes> w) {
+  using Lanes = std::make_integer_sequence<int, bytes / (int)sizeof(T)>;
+  return {each_part_twice<0>(w.v, Lanes()), each_part_twice<1>(w.v, Lanes())};
+}
+
 // The twiddles of one multiple m of the columns, of a group of columns as make_twiddles lays them out.
 template <class T>
 struct ColumnTwiddles {
@@ -79,17 +95,29 @@ struct ColumnTwiddles {
   QKR_INLINE auto pairs(size_t m) const {
     return columns<bytes>(Interleaved<const T>{start + (m - 1) * row}, 0);
   }
+  template <int bytes>
+  QKR_INLINE auto turns_of(size_t m) const {
+    if constexpr (bytes < 32) {
+      return turns(pairs<bytes>(m));
+    } else {
+      // Each from memory by itself: the copies of a number cost no shuffle then.
+      using V = Vector<T, bytes>;
+      using Lanes = std::make_integer_sequence<int, bytes / (int)sizeof(T)>;
+      const T *const of_c = start + (m - 1) * row, *of_s = of_c;
+      asm("" : "+r"(of_s));
+      V c, s;
+      __builtin_memcpy(&c, of_c, sizeof c);
+      __builtin_memcpy(&s, of_s, sizeof s);
+      return Turns<V>{each_part_twice<0>(c, Lanes()), each_part_twice<1>(s, Lanes())};
+    }
+  }
 };
 
-template <int part, class V, int... i>
-QKR_INLINE V each_part_twice(V v, std::integer_sequence<int, i...>) {
-  return shuffle<((i & ~1) + part)...>(v, v);
-}
 // x times w, or times the conjugate of w.
 template <bool forward, class T, int bytes>
 QKR_INLINE Paired<T, bytes> times_pairs(Paired<T, bytes> x, Paired<T, bytes> w) {
-  using Lanes = std::make_integer_sequence<int, bytes / (int)sizeof(T)>;
-  return times<forward>(x, each_part_twice<0>(w.v, Lanes()), each_part_twice<1>(w.v, Lanes()));
+  const auto t = turns(w);
+  return times<forward>(x, t.c, t.s);
 }
 
 }  // namespace
