@@ -16,11 +16,12 @@ namespace {
 using namespace qkr::tests;
 
 constexpr const char usage[] =
-    "accuracy [FUNCTION...] [--points N] [--exhaustive] [--level sse2|avx2|avx512] [--peers] [--markdown "
+    "accuracy [FUNCTION...] [--points N] [--exhaustive] [--search RUNS] [--level sse2|avx2|avx512] [--peers] [--markdown "
     "FILE]\n"
     "  FUNCTION         _vxmdExp_HA, or Exp for both precisions; all if none is named\n"
     "  --points N       random inputs for each function, beside the neighbourhoods of notable ones\n"
     "  --exhaustive     every float for functions of one float\n"
+    "  --search RUNS    also search the worst input of each function, from RUNS different samples\n"
     "  --level LEVEL    run the kernels of this level\n"
     "  --peers          also measure libm, SLEEF u10 and libmvec, as far as they were found\n"
     "  --markdown FILE  also write the table to FILE\n";
@@ -39,6 +40,7 @@ constexpr const char introduction[] =
 struct Options {
   std::vector<std::string> functions;
   uint64_t points = 30'000'000;
+  int search_runs = 0;
   bool exhaustive = false, with_peers = false;
   const char *markdown = nullptr;
 };
@@ -67,6 +69,7 @@ Options parse(int count, char **words) {
     };
     if (word == "--points") options.points = strtoull(value(), nullptr, 10);
     else if (word == "--exhaustive") options.exhaustive = true;
+    else if (word == "--search") options.search_runs = atoi(value());
     else if (word == "--level") choose_level(value());
     else if (word == "--peers") options.with_peers = true;
     else if (word == "--markdown") options.markdown = value();
@@ -128,7 +131,11 @@ class Report {
   Errors<T> run(const VectorFunction<T> &f) const {
     if constexpr (sizeof(T) == 4)
       if (options_.exhaustive && f.entry.inputs() == 1) return measure_all(f);
-    return measure(f, options_.points);
+    Errors<T> errors = measure(f, options_.points);
+    if (options_.search_runs > 0)
+      if (const Worst<T> worst = search(f, options_.search_runs); worst.error > errors.normal.error)
+        errors.normal = worst;
+    return errors;
   }
 
   template <class T>

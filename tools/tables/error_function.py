@@ -5,7 +5,7 @@ Row j of every table belongs to the node x0 = y - 1, where y is number j of the 
 bits behind the leading one; its polynomial in d = x - x0 interpolates at the Chebyshev points of the x whose y = x + 1
 rounds to that of the row.
 
-erf_double:          T.hi, T.lo, c1, ..., c6 with erf(x0 + d) = T / 2**64 + d + d * (c1 + c2 * d + ... + c6 * d**5).
+erf_double:          T.hi, T.lo, c1, ..., c6 with erf(x0 + d) = T / 2**64 + d * 9/8 + d * (c1 + c2 * d + ... + c6 * d**5).
 erfc_double:         g, w0, ..., w6 with exp(x**2) * erfc(x) = g * (1 + w0 + w1 * d + ... + w6 * d**6) and g of 15
                      bits, so that its product with the 38 bits of an entry of exp_double is exact.
 erf_inverse_double:  g, c0, ..., c6 with erfinv(x) / x = g + (c0 + c1 * d + ... + c6 * d**6) at w0 + d, where
@@ -58,7 +58,7 @@ def leading(x, bits):
 def erf_row(x0, low, high):
     value = erf(x0)
     hi = to_double(value)
-    slope = interpolate(lambda d: (erf(x0 + d) - value - d) / d, low, high, 5)
+    slope = interpolate(lambda d: (erf(x0 + d) - value - d * 9 / 8) / d, low, high, 5)
     return tuple(to_double(c) for c in [SCALE * hi, SCALE * (value - hi), *slope])
 
 

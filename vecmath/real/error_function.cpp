@@ -17,7 +17,9 @@ struct ErfDouble : UnaryKernel<double, 2> {
   QKR_INLINE static Flags special(V x) {
     return beyond(x, infinity<double>);
   }
-  // erf x = T + d + d * (slope - 1): what follows the exact T.hi + d is small beside it. T is scaled up.
+  // erf x = T + d + d/8 + d * (slope - 9/8), T scaled up. The first three are added without error: what follows
+  // is below .0034 times the result in row 0 and below 2^-6 in the others, so that its rounding errors, five at
+  // most, come to less than .05 ulp.
   template <class V>
   QKR_INLINE static V core(V x) {
     const NearestRow<7, V> at(smaller(absolute<double>(x), one_from));
@@ -25,8 +27,9 @@ struct ErfDouble : UnaryKernel<double, 2> {
     look_up(erf_double::rows, at.row, t_hi, t_lo, c1, c2, c3, c4, c5, c6);
     const V d = at.distance;
     const V slope = c1 + d * (c2 + d * (c3 + d * (c4 + d * (c5 + d * c6))));
-    const V scaled = d * scaled_up, sum = t_hi + scaled, sum_error = (t_hi - sum) + scaled;
-    return scaled_down(sum + ((sum_error + t_lo) + scaled * slope), x);
+    const V scaled = d * scaled_up, first = t_hi + scaled, first_error = (t_hi - first) + scaled;
+    const V eighth = scaled * 0.125, sum = first + eighth, sum_error = (first - sum) + eighth;
+    return scaled_down(sum + (((first_error + t_lo) + sum_error) + scaled * slope), x);
   }
   static Outcome<double> scalar(double x) { return {x != x ? x + x : __builtin_copysign(1.0, x)}; }
 };
@@ -126,7 +129,7 @@ struct ErfcSingle : UnaryKernel<float, 1> {
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_FUNCTION(_vxmdErf_HA, _vxmdErf_50, double, 0.76, -0x1.b5bee6da8cf89p-12, ErfDouble)
+QKR_FUNCTION(_vxmdErf_HA, _vxmdErf_50, double, 0.57, 0x1.20f4ee12836f6p+2, ErfDouble)
 QKR_FUNCTION(_vxmsErf_HA, _vxmsErf_21, float, 0.508, -0x1.054204p+0, ErfSingle)
-QKR_FUNCTION(_vxmdErfc_HA, _vxmdErfc_50, double, 0.53, 0x1.e88ee595ca07p+3, ErfcDouble)
+QKR_FUNCTION(_vxmdErfc_HA, _vxmdErfc_50, double, 0.56, 0x1.e1fd70ef888c2p+3, ErfcDouble)
 QKR_FUNCTION(_vxmsErfc_HA, _vxmsErfc_21, float, 0.513, 0x1.87f4a8p+1, ErfcSingle)

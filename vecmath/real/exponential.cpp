@@ -96,5 +96,5 @@ struct ExpSingle : UnaryKernel<float, QKR_SIMD_BYTES == 64 ? 2 : 4> {
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_FUNCTION(_vxmdExp_HA, _vxmdExp_50, double, 0.53, -0x1.6c69c98ccaf31p+0, ExpDouble)
+QKR_FUNCTION(_vxmdExp_HA, _vxmdExp_50, double, 0.54, 0x1.f2a5086f737e3p+4, ExpDouble)
 QKR_FUNCTION(_vxmsExp_HA, _vxmsExp_21, float, 0.574, 0x1.30c77p+6, ExpSingle)

@@ -200,7 +200,7 @@ using SinhSingle = GrowingSingle<SinhValue>;
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_FUNCTION(_vxmdCosh_HA, _vxmdCosh_50, double, 0.56, -0x1.03ee211c0457dp+1, CoshDouble)
+QKR_FUNCTION(_vxmdCosh_HA, _vxmdCosh_50, double, 0.57, -0x1.03ee211c0457dp+1, CoshDouble)
 QKR_FUNCTION(_vxmsCosh_HA, _vxmsCosh_21, float, 0.503, -0x1.0a33bp+0, CoshSingle)
 QKR_FUNCTION(_vxmdSinh_HA, _vxmdSinh_50, double, 0.56, 0x1.63140974f32bp-8, SinhDouble)
 QKR_FUNCTION(_vxmsSinh_HA, _vxmsSinh_21, float, 0.504, 0x1.62e792p-2, SinhSingle)

@@ -161,9 +161,9 @@ struct Atanh : InverseHyperbolic<T> {
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_FUNCTION(_vxmdAsinh_HA, _vxmdAsinh_50, double, 0.59, 0x1.ff1645ca5d317p-11, Asinh<double>)
-QKR_FUNCTION(_vxmdAcosh_HA, _vxmdAcosh_50, double, 0.61, 0x1.0000007e21ea5p+0, Acosh<double>)
-QKR_FUNCTION(_vxmdAtanh_HA, _vxmdAtanh_50, double, 0.59, 0x1.ff87773540dccp-12, Atanh<double>)
+QKR_FUNCTION(_vxmdAsinh_HA, _vxmdAsinh_50, double, 0.60, 0x1.ff1645ca5d317p-11, Asinh<double>)
+QKR_FUNCTION(_vxmdAcosh_HA, _vxmdAcosh_50, double, 0.63, 0x1.000007fde6ce1p+0, Acosh<double>)
+QKR_FUNCTION(_vxmdAtanh_HA, _vxmdAtanh_50, double, 0.60, 0x1.ff87773540dccp-12, Atanh<double>)
 QKR_FUNCTION(_vxmsAsinh_HA, _vxmsAsinh_21, float, 0.503, 0x1.f76a4ap-6, Asinh<float>)
 QKR_FUNCTION(_vxmsAcosh_HA, _vxmsAcosh_21, float, 0.501, 0x1.469dcp+0, Acosh<float>)
 QKR_FUNCTION(_vxmsAtanh_HA, _vxmsAtanh_21, float, 0.503, 0x1.f79c84p-7, Atanh<float>)

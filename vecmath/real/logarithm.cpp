@@ -125,6 +125,6 @@ using Log10Single = Logarithm<CommonSingle>;
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_FUNCTION(_vxmdLn_HA, _vxmdLn_50, double, 0.59, 0x1.003ffeed01983p+0, LnDouble)
-QKR_FUNCTION(_vxmdLog10_HA, _vxmdLog10_50, double, 0.59, 0x1.ffdb60b21b953p-1, Log10Double)
+QKR_FUNCTION(_vxmdLn_HA, _vxmdLn_50, double, 0.60, 0x1.003ffeed01983p+0, LnDouble)
+QKR_FUNCTION(_vxmdLog10_HA, _vxmdLog10_50, double, 0.60, 0x1.ffdb60b21b953p-1, Log10Double)
 QKR_FUNCTION(_vxmsLog10_HA, _vxmsLog10_21, float, 0.75, 0x1.01d8bep+0, Log10Single)

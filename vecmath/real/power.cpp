@@ -137,7 +137,7 @@ Outcome<T> any_power(T x, T y) {
 
 // The base of the worst pair.
 
-QKR_FUNCTION_OF_TWO(_vxmdPow_HA, _vxmdPow_50, double, 0.53, 0x1.ea3d41330a7d7p-6, PowDouble)
+QKR_FUNCTION_OF_TWO(_vxmdPow_HA, _vxmdPow_50, double, 0.55, 0x1.aed0ae2780f45p+0, PowDouble)
 QKR_FUNCTION_OF_TWO(_vxmsPow_HA, _vxmsPow_21, float, 0.501, 0x1.ab8c6ep-4, PowSingle)
-QKR_FUNCTION_OF_NUMBER(_vxmdPowx_HA, _vxmdPowx_50, double, 0.53, 0x1.ea3d41330a7d7p-6, PowxDouble)
+QKR_FUNCTION_OF_NUMBER(_vxmdPowx_HA, _vxmdPowx_50, double, 0.55, 0x1.aed0ae2780f45p+0, PowxDouble)
 QKR_FUNCTION_OF_NUMBER(_vxmsPowx_HA, _vxmsPowx_21, float, 0.501, 0x1.ab8c6ep-4, PowxSingle)

@@ -5,1415 +5,1415 @@ namespace qkr::erf_double {
 
 alignas(64) const double rows[353][8] = {
     {
-    0.0, 0.0, 0x1.06eba8214db69p-3, -0x1.ef3065d962da3p-51,
+    0.0, 0.0, 0x1.baea08536da23p-9, -0x1.ef3065d962da3p-51,
     -0x1.812746b02c55dp-2, -0x1.8125d494edcfdp-29, 0x1.ce309504f3ae1p-4, -0x1.4a20f46d52b5ap-12,
     },
     {
-    0x1.20dbf3deb134p+57, 0x1.7896c5dd34a5ap+2, 0x1.06c78cbae42e4p-3, -0x1.20d8f1975c85dp-7,
+    0x1.20dbf3deb134p+57, 0x1.7896c5dd34a5ap+2, 0x1.b1e32eb90b91fp-9, -0x1.20d8f1975c85dp-7,
     -0x1.811539150596bp-2, 0x1.20d5ef54cabdcp-8, 0x1.ce0a619b7e2e1p-4, -0x1.8118abb706532p-10,
     },
     {
-    0x1.20d77083f17ap+58, 0x1.617952f7d6535p+3, 0x1.065b3dea2963bp-3, -0x1.20cb67bd452c7p-6,
+    0x1.20d77083f17ap+58, 0x1.617952f7d6535p+3, 0x1.96cf7a8a58ea1p-9, -0x1.20cb67bd452c7p-6,
     -0x1.80df1315ad3cfp-2, 0x1.20bf5f438fc1cp-7, 0x1.cd9e18a4edf9p-4, -0x1.80ee8e75c41dep-9,
     },
     {
-    0x1.b137e0cf584dcp+58, 0x1.334eb0c6cdd3ep-3, 0x1.05a6c5d61b60ap-3, -0x1.b10f451825222p-6,
+    0x1.b137e0cf584dcp+58, 0x1.334eb0c6cdd3ep-3, 0x1.69b17586d826dp-9, -0x1.b10f451825222p-6,
     -0x1.8084dd27af1c8p-2, 0x1.b0e6aba99697ap-7, 0x1.cce9b95aa79e4p-4, -0x1.207e4c3299c22p-8,
     },
     {
-    0x1.20c5645dd2538p+59, -0x1.b1f39547818dcp+1, 0x1.04aa35689e675p-3, -0x1.209546ad13ccfp-5,
+    0x1.20c5645dd2538p+59, -0x1.b1f39547818dcp+1, 0x1.2a8d5a2799d39p-9, -0x1.209546ad13ccfp-5,
     -0x1.8006a56242503p-2, 0x1.20652dcbe9741p-6, 0x1.cbed6b2de518bp-4, -0x1.80463cf5cae84p-8,
     },
     {
-    0x1.68e5d3bbc9526p+59, -0x1.b69db3aac240bp+5, 0x1.0365a44bd8a42p-3, -0x1.6887e1abd9d9ap-5,
+    0x1.68e5d3bbc9526p+59, -0x1.b69db3aac240bp+5, 0x1.b2d225ec5213cp-10, -0x1.6887e1abd9d9ap-5,
     -0x1.7f647f7b30412p-2, 0x1.6829fe49043fcp-6, 0x1.caa965473d1d6p-4, -0x1.dfba2e60c1016p-8,
     },
     {
-    0x1.b0fafef135745p+59, -0x1.8a402bf20f6bap+4, 0x1.01d930e680294p-3, -0x1.b058b92b3807cp-5,
+    0x1.b0fafef135745p+59, -0x1.8a402bf20f6bap+4, 0x1.d930e680293efp-11, -0x1.b058b92b3807cp-5,
     -0x1.7e9e84c28592p-2, 0x1.afb697e5b3a56p-6, 0x1.c91dee77223f2p-4, -0x1.1f62a6756c4fap-7,
     },
     {
-    0x1.f902a77bd3821p+59, 0x1.48d7762256095p+4, 0x1.000500571c022p-3, -0x1.f80118130e207p-5,
+    0x1.f902a77bd3821p+59, 0x1.48d7762256095p+4, 0x1.4015c700881c4p-17, -0x1.f80118130e207p-5,
     -0x1.7db4d41d09f39p-2, 0x1.f6ffd784024p-6, 0x1.c74b5d21fd3fp-4, -0x1.4ea9713f05cd2p-7,
     },
     {
-    0x1.207d480e90658p+60, 0x1.4c35c43362a08p+6, 0x1.fbd27cdc72d2bp-4, -0x1.1fbd27cdc72d3p-4,
+    0x1.207d480e90658p+60, 0x1.4c35c43362a08p+6, -0x1.0b60c8e34b52ep-10, -0x1.1fbd27cdc72d3p-4,
     -0x1.7ca791fd80709p-2, 0x1.1efd545ddb467p-5, 0x1.c5321727e95fbp-4, -0x1.7da72e22307bep-7,
     },
     {
-    0x1.44703e87e8593p+60, 0x1.9500dc6f9fda1p+5, 0x1.f70c3b4f2cc78p-4, -0x1.435edc2b9126p-4,
+    0x1.44703e87e8593p+60, 0x1.9500dc6f9fda1p+5, -0x1.1e78961a670ffp-9, -0x1.435edc2b9126p-4,
     -0x1.7b76e85cb2166p-2, 0x1.424e0421bd617p-5, 0x1.c2d291c81b0f2p-4, -0x1.ac51a834a1f22p-7,
     },
     {
-    0x1.68591a1e83b5dp+60, 0x1.41788d0c51d27p+6, 0x1.f1b7ae44867ecp-4, -0x1.66e2599d5a81ep-4,
+    0x1.68591a1e83b5dp+60, 0x1.41788d0c51d27p+6, -0x1.c90a376f3028ap-9, -0x1.66e2599d5a81ep-4,
     -0x1.7a2306b04535bp-2, 0x1.656c832a9b502p-5, 0x1.c02d517ffab6ep-4, -0x1.da9ec1e66505cp-7,
     },
     {
-    0x1.8c36beb8a8d23p+60, -0x1.17173bc438dcap+6, 0x1.ebd5552f795b5p-4, -0x1.8a445552146dep-4,
+    0x1.8c36beb8a8d23p+60, -0x1.17173bc438dcap+6, -0x1.42aaad086a4a9p-8, -0x1.8a445552146dep-4,
     -0x1.78ac21e063cdbp-2, 0x1.8853648678194p-5, 0x1.bd42e9e5fefa5p-4, -0x1.04423be9bdd2fp-6,
     },
     {
-    0x1.b0081148a873ap+60, -0x1.f00e81462af98p+3, 0x1.e565bca400d3ap-4, -0x1.ad8189af6013dp-4,
+    0x1.b0081148a873ap+60, -0x1.f00e81462af98p+3, -0x1.a9a435bff2c5cp-8, -0x1.ad8189af6013dp-4,
     -0x1.7712743c34085p-2, 0x1.aafd4760c53bfp-5, 0x1.ba13fd80531e3p-4, -0x1.1afc71c644cfep-6,
     },
     {
-    0x1.d3cbf7e70a4b3p+60, -0x1.e747506909ea3p+6, 0x1.de697e413d289p-4, -0x1.d096b6d2a0362p-4,
+    0x1.d3cbf7e70a4b3p+60, -0x1.e747506909ea3p+6, -0x1.0cb40df616bb9p-7, -0x1.d096b6d2a0362p-4,
     -0x1.75563d6d26029p-2, 0x1.cd64d82b5d6cfp-5, 0x1.b6a13d9757c13p-4, -0x1.31791f2acb164p-6,
     },
     {
-    0x1.f78159ec8bb5p+60, 0x1.dbe83edfdef42p+5, 0x1.d6e14099944a6p-4, -0x1.f380a310cc382p-4,
+    0x1.f78159ec8bb5p+60, 0x1.dbe83edfdef42p+5, -0x1.48f5fb335dacfp-7, -0x1.f380a310cc382p-4,
     -0x1.7377c2691a6edp-2, 0x1.ef84d1c3c8669p-5, 0x1.b2eb6a040d776p-4, -0x1.47b371ecfb143p-6,
     },
     {
-    0x1.0d939005f65e5p+61, 0x1.9a6067994f7c5p+5, 0x1.cecdb718d61c7p-4, -0x1.0b1e0dba748bbp-3,
+    0x1.0d939005f65e5p+61, 0x1.9a6067994f7c5p+5, -0x1.899247394f1c6p-7, -0x1.0b1e0dba748bbp-3,
     -0x1.71774d6365f07p-2, 0x1.08abff4a3b5cbp-4, 0x1.aef350fa7a3aap-4, -0x1.5da6aa6a3a9a8p-6,
     },
     {
-    0x1.1f5e1a35c3b89p+61, 0x1.d0b6d6493e0f4p+7, 0x1.c62fa1e869b63p-4, -0x1.1c62fa1e869b6p-3,
+    0x1.1f5e1a35c3b89p+61, 0x1.d0b6d6493e0f4p+7, -0x1.ce82f0bcb24e5p-7, -0x1.1c62fa1e869b6p-3,
     -0x1.6f552dbcb5611p-2, 0x1.196c9cd8d2f47p-4, 0x1.aab9ced01bfe9p-4, -0x1.734e1cd56c649p-6,
     },
     {
-    0x1.311fc15f56d14p+61, 0x1.9587ffb20cd61p+4, 0x1.bd07cdd189ac3p-4, -0x1.2d8d84aaea247p-3,
+    0x1.311fc15f56d14p+61, 0x1.9587ffb20cd61p+4, -0x1.0be0c8b9d94f4p-6, -0x1.2d8d84aaea247p-3,
     -0x1.6d11b7f1d77e3p-2, 0x1.2a01b7f8cf4fbp-4, 0x1.a63fcdbe7c09ap-4, -0x1.88a5327deea39p-6,
     },
     {
-    0x1.42d7fc2f64959p+61, -0x1.86fe607dab55fp+5, 0x1.b357141d95d4cp-4, -0x1.3e9c1f6a1488fp-3,
+    0x1.42d7fc2f64959p+61, -0x1.86fe607dab55fp+5, -0x1.32a3af89a8adp-6, -0x1.3e9c1f6a1488fp-3,
     -0x1.6aad458970cb7p-2, 0x1.3a68d080002a6p-4, 0x1.a18645a1f7fffp-4, -0x1.9da76b0f6954ap-6,
     },
     {
-    0x1.548642321d7c6p+61, 0x1.5e6e9b9bbf49dp+7, 0x1.a91e5a7481657p-4, -0x1.4f8d40b6a59a8p-3,
+    0x1.548642321d7c6p+61, 0x1.5e6e9b9bbf49dp+7, -0x1.5b86962dfa6a5p-6, -0x1.4f8d40b6a59a8p-3,
     -0x1.682835009ec1cp-2, 0x1.4a9f7035e7bbcp-4, 0x1.9c8e3bb4d6d27p-4, -0x1.b2505dca020cbp-6,
     },
     {
-    0x1.662a0bdf7a89fp+61, -0x1.ef80fee2b133cp+5, 0x1.9e5e92b964ab1p-4, -0x1.605f63767bdd6p-3,
+    0x1.662a0bdf7a89fp+61, -0x1.ef80fee2b133cp+5, -0x1.8685b51a6d53dp-6, -0x1.605f63767bdd6p-3,
     -0x1.6582e9b68faddp-2, 0x1.5aa32b57fe76ap-4, 0x1.9758c246c0fbdp-4, -0x1.c69bbab28df3ep-6,
     },
     {
-    0x1.77c2d2a765f9ep+61, 0x1.c984b0503c703p+6, 0x1.9318bae53a03dp-4, -0x1.71110754cdc25p-3,
+    0x1.77c2d2a765f9ep+61, 0x1.c984b0503c703p+6, -0x1.b39d146b17f0bp-6, -0x1.71110754cdc25p-3,
     -0x1.62bdcbd714e85p-2, 0x1.6a71a11b0fd03p-4, 0x1.91e6f870b4a87p-4, -0x1.da854bba5de0cp-6,
     },
     {
-    0x1.895010fdbdbfdp+61, 0x1.1ca1f789ebd0cp+7, 0x1.874ddcdfce246p-4, -0x1.81a0b0fb3bb72p-3,
+    0x1.895010fdbdbfdp+61, 0x1.1ca1f789ebd0cp+7, -0x1.e2c88c80c76eap-6, -0x1.81a0b0fb3bb72p-3,
     -0x1.5fd948443558p-2, 0x1.7a087c298d64cp-4, 0x1.8c3a09c58f8d7p-4, -0x1.ee08f5de43e04p-6,
     },
     {
-    0x1.9ad142662e14dp+61, -0x1.9261c227418c9p+7, 0x1.7aff0e56ec102p-4, -0x1.920cea49cf357p-3,
+    0x1.9ad142662e14dp+61, -0x1.9261c227418c9p+7, -0x1.0a01e35227dfcp-5, -0x1.920cea49cf357p-3,
     -0x1.5cd5d07ec6739p-2, 0x1.8965731eb6d7fp-4, 0x1.86532dff494d8p-4, -0x1.00915d1e3a7d4p-5,
     },
     {
-    0x1.ac45e37fe2526p+61, 0x1.48d48536c61e3p+7, 0x1.6e2d7093cd8c6p-4, -0x1.a254428ddb453p-3,
+    0x1.ac45e37fe2526p+61, 0x1.48d48536c61e3p+7, -0x1.23a51ed864e74p-5, -0x1.a254428ddb453p-3,
     -0x1.59b3da8e123aap-2, 0x1.988648fe75e1ap-4, 0x1.8033a8a8fa603p-4, -0x1.09e75b9076d5cp-5,
     },
     {
-    0x1.bdad72110a648p+61, -0x1.a1f28fa15fdf6p+7, 0x1.60da304ed92eap-4, -0x1.b2754eb7b3359p-3,
+    0x1.bdad72110a648p+61, -0x1.a1f28fa15fdf6p+7, -0x1.3e4b9f624da2cp-5, -0x1.b2754eb7b3359p-3,
     -0x1.5673e0e690dbdp-2, 0x1.a768cda9cf13cp-4, 0x1.79dcc8c5cc72ap-4, -0x1.1304948401a7p-5,
     },
     {
-    0x1.cf076d1233237p+61, -0x1.bedc0f6f5e5e9p+5, 0x1.53068581b780dp-4, -0x1.c26ea98f2ca31p-3,
+    0x1.cf076d1233237p+61, -0x1.bedc0f6f5e5e9p+5, -0x1.59f2f4fc90fe5p-5, -0x1.c26ea98f2ca31p-3,
     -0x1.5316624fbcfefp-2, 0x1.b60ade4fc90cfp-4, 0x1.734fe874f2397p-4, -0x1.1be735cb684f8p-5,
     },
     {
-    0x1.e05354b96ff36p+61, 0x1.877fef5c5ced7p+7, 0x1.44b3b337c90bcp-4, -0x1.d23ef3e6e2344p-3,
+    0x1.e05354b96ff36p+61, 0x1.877fef5c5ced7p+7, -0x1.769899906de87p-5, -0x1.d23ef3e6e2344p-3,
     -0x1.4f9be1c909e1ep-2, 0x1.c46a65daacfcap-4, 0x1.6c8e6c92c5957p-4, -0x1.248d7d4497c55p-5,
     },
     {
-    0x1.f190aa85540e2p+61, -0x1.e521a09cb1b7dp+7, 0x1.35e3075d076afp-4, -0x1.e1e4d4ce2ccfbp-3,
+    0x1.f190aa85540e2p+61, -0x1.e521a09cb1b7dp+7, -0x1.9439f145f12a2p-5, -0x1.e1e4d4ce2ccfbp-3,
     -0x1.4c04e66e02b33p-2, 0x1.d2855d5984949p-4, 0x1.6599c4572bd4dp-4, -0x1.2cf5b94a7b48ap-5,
     },
     {
-    0x1.015f78a3dcf3dp+62, -0x1.32de890580837p+7, 0x1.2695da8b5bddbp-4, -0x1.f15ef9c1c9682p-3,
+    0x1.015f78a3dcf3dp+62, -0x1.32de890580837p+7, -0x1.b2d44ae948449p-5, -0x1.f15ef9c1c9682p-3,
     -0x1.4851fb599ac8fp-2, 0x1.e059cc65bac8dp-4, 0x1.5e7368f160ae4p-4, -0x1.351e49211a2b9p-5,
     },
     {
-    0x1.09eed6982b948p+62, -0x1.530740ab874dfp+8, 0x1.16cd8fd67618p-4, -0x1.00560b6d90eb6p-2,
+    0x1.09eed6982b948p+62, -0x1.530740ab874dfp+8, -0x1.d264e05313dp-5, -0x1.00560b6d90eb6p-2,
     -0x1.4483af88b6891p-2, 0x1.ede5c984c606ap-4, 0x1.571cdd21495efp-4, -0x1.3d059d5c1422ep-5,
     },
     {
-    0x1.127631eb8de32p+62, -0x1.da66cb5e7a586p+7, 0x1.068b94962e5e2p-4, -0x1.07e5737f17cebp-2,
+    0x1.127631eb8de32p+62, -0x1.da66cb5e7a586p+7, -0x1.f2e8d6d3a343bp-5, -0x1.07e5737f17cebp-2,
     -0x1.409a95bbf507bp-2, 0x1.fb277a85c3de4p-4, 0x1.4f97acce720eep-4, -0x1.44aa383f5dc99p-5,
     },
     {
-    0x1.1af54e232d609p+62, -0x1.bee921fa4172bp+8, 0x1.eba2c05efc81bp-5, -0x1.0f5d1602f7e41p-2,
+    0x1.1af54e232d609p+62, -0x1.bee921fa4172bp+8, -0x1.0a2e9fd081bf3p-4, -0x1.0f5d1602f7e41p-2,
     -0x1.3c974458c28fcp-2, 0x1.040e8a6d77b9dp-3, 0x1.47e56c9cd851cp-4, -0x1.4c0aae1a21444p-5,
     },
     {
-    0x1.236bef825d9a2p+62, -0x1.9498e598cb61fp+7, 0x1.c940e7b837229p-5, -0x1.16bc5777afc6ep-2,
+    0x1.236bef825d9a2p+62, -0x1.9498e598cb61fp+7, -0x1.1b5f8c23e46ebp-4, -0x1.16bc5777afc6ep-2,
     -0x1.387a5549bc75dp-2, 0x1.0a626ef76eb5p-3, 0x1.4007b97fa6384p-4, -0x1.5325a59ba93a5p-5,
     },
     {
-    0x1.2bd9db0f7827fp+62, -0x1.8efaa1b53616fp+4, 0x1.a5f4b4e182d0dp-5, -0x1.1e02a0017cd7fp-2,
+    0x1.2bd9db0f7827fp+62, -0x1.8efaa1b53616fp+4, -0x1.2d05a58f3e97ap-4, -0x1.1e02a0017cd7fp-2,
     -0x1.344465de6ebe2p-2, 0x1.108e95bab4b1fp-3, 0x1.3800384a01fc4p-4, -0x1.59f9d8223eaf4p-5,
     },
     {
-    0x1.343ed6989b7d9p+62, 0x1.ef66b0a59aee5p+8, 0x1.81c1504466b27p-5, -0x1.252f5b7e5682ap-2,
+    0x1.343ed6989b7d9p+62, 0x1.ef66b0a59aee5p+8, -0x1.3f1f57ddcca6dp-4, -0x1.252f5b7e5682ap-2,
     -0x1.2ff616aa7445ep-2, 0x1.169231dc214dap-3, 0x1.2fd0953e16d73p-4, -0x1.60861203e4a01p-5,
     },
     {
-    0x1.3c9aa8b84bedap+62, 0x1.38e845397242dp+6, 0x1.5ca9f4920e451p-5, -0x1.2c41f99922807p-2,
+    0x1.3c9aa8b84bedap+62, 0x1.38e845397242dp+6, -0x1.51ab05b6f8dd7p-4, -0x1.2c41f99922807p-2,
     -0x1.2b900b6402427p-2, 0x1.1c6c7eef8343bp-3, 0x1.277a839a7c089p-4, -0x1.66c932d0deaap-5,
     },
     {
-    0x1.44ed18d9f6462p+62, -0x1.b70d4bd20fb3p+8, 0x1.36b1ee4882d6p-5, -0x1.3339eddc1eba4p-2,
+    0x1.44ed18d9f6462p+62, -0x1.b70d4bd20fb3p+8, -0x1.64a708dbbe95p-4, -0x1.3339eddc1eba4p-2,
     -0x1.2712eac1e809fp-2, 0x1.221cc1196cfbbp-3, 0x1.1effbd261f7d9p-4, -0x1.6cc22d8ff2649p-5,
     },
     {
-    0x1.4d35ef3e5372ep+62, 0x1.7de8a637a1e48p+5, 0x1.0fdc9b35a48ebp-5, -0x1.3a16afc27d9b5p-2,
+    0x1.4d35ef3e5372ep+62, 0x1.7de8a637a1e48p+5, -0x1.7811b2652db8bp-4, -0x1.3a16afc27d9b5p-2,
     -0x1.227f5e590c38p-2, 0x1.27a2452eb9421p-3, 0x1.166201bad9e3cp-4, -0x1.727008f45584bp-5,
     },
     {
-    0x1.5574f4ffac98ep+62, 0x1.de47ab06308dcp+8, 0x1.d05ad3eff9efap-6, -0x1.40d7bac931e27p-2,
+    0x1.5574f4ffac98ep+62, 0x1.de47ab06308dcp+8, -0x1.8be94b0401841p-4, -0x1.40d7bac931e27p-2,
     -0x1.1dd612797058bp-2, 0x1.2cfc60d1c1da8p-3, 0x1.0da316ced23e6p-4, -0x1.77d1df8d3d48fp-5,
     },
     {
-    0x1.5da9f415ff23fp+62, -0x1.a72e51e19194bp+5, 0x1.7f4fb2fb0a5e1p-6, -0x1.477c8e7ee733dp-2,
+    0x1.5da9f415ff23fp+62, -0x1.a72e51e19194bp+5, -0x1.a02c13413d688p-4, -0x1.477c8e7ee733dp-2,
     -0x1.1917b60ac4603p-2, 0x1.322a728d42592p-3, 0x1.04c4c6fcd7522p-4, -0x1.7ce6dfef06215p-5,
     },
     {
-    0x1.65d4b75b00471p+62, 0x1.ed725e7a131adp+8, 0x1.2c9ef100f4bfbp-6, -0x1.4e04ae9324e65p-2,
+    0x1.65d4b75b00471p+62, 0x1.ed725e7a131adp+8, -0x1.b4d843bfc2d01p-4, -0x1.4e04ae9324e65p-2,
     -0x1.1444fa6893455p-2, 0x1.372be1ece26fcp-3, 0x1.f791c317aad7fp-5, -0x1.81ae4cd5ecf14p-5,
     },
     {
-    0x1.6df50a8dff772p+62, -0x1.7db7addcf3bf3p+7, 0x1.b09f94096d7bbp-7, -0x1.546fa2e498bf6p-2,
+    0x1.6df50a8dff772p+62, -0x1.7db7addcf3bf3p+7, -0x1.c9ec0d7ed2509p-4, -0x1.546fa2e498bf6p-2,
     -0x1.0f5e933e122c4p-2, 0x1.3c001f93639dap-3, 0x1.e56273eb1e4d5p-5, -0x1.86277d4255bcfp-5,
     },
     {
-    0x1.760aba57a76bfp+62, 0x1.92ba783bfb6a8p+7, 0x1.04d32f14aa28fp-7, -0x1.5abcf78e87895p-2,
+    0x1.760aba57a76bfp+62, 0x1.92ba783bfb6a8p+7, -0x1.df659a1d6abaep-4, -0x1.5abcf78e87895p-2,
     -0x1.0a6536619b983p-2, 0x1.40a6a54e6ef1dp-3, 0x1.d2ff4ed97fc98p-5, -0x1.8a51dc8e9e007p-5,
     },
     {
-    0x1.7e15944d9d3e4p+62, -0x1.95fdc3865d9b7p+7, 0x1.579e7c30f5254p-9, -0x1.60ec3cf561a89p-2,
+    0x1.7e15944d9d3e4p+62, -0x1.95fdc3865d9b7p+7, -0x1.f5430c1e7856dp-4, -0x1.60ec3cf561a89p-2,
     -0x1.05599bafe02afp-2, 0x1.451ef6280050dp-3, 0x1.c06c08c59d714p-5, -0x1.8e2cea7e7b5acp-5,
     },
     {
-    0x1.861566f5fd3cp+62, -0x1.c0547a63dbaecp+8, -0x1.704fe5b8cf92cp-9, -0x1.66fd07d27a0e1p-2,
+    0x1.861566f5fd3cp+62, -0x1.c0547a63dbaecp+8, -0x1.05c13f96e33e5p-3, -0x1.66fd07d27a0e1p-2,
     -0x1.003c7ce6d67f3p-2, 0x1.49689e756d707p-3, 0x1.adac5c1a70d0ap-5, -0x1.91b83b47e9a16p-5,
     },
     {
-    0x1.8e0a01cab516bp+62, 0x1.365c01309e3eep+5, -0x1.1110432d2d38p-7, -0x1.6ceef13ede1ep-2,
+    0x1.8e0a01cab516bp+62, 0x1.365c01309e3eep+5, -0x1.11110432d2d38p-3, -0x1.6ceef13ede1ep-2,
     -0x1.f61d2b00e7632p-3, 0x1.4d8333e4077f1p-3, 0x1.9ac407d5ae432p-5, -0x1.94f37795add37p-5,
     },
     {
-    0x1.95f3353cbb146p+62, 0x1.97f6cdb692073p+8, -0x1.c8fdb4a9c01efp-7, -0x1.72c196bd4d5bap-2,
+    0x1.95f3353cbb146p+62, 0x1.97f6cdb692073p+8, -0x1.1c8fdb4a9c01fp-3, -0x1.72c196bd4d5bap-2,
     -0x1.eba1451a6c5c1p-3, 0x1.516e558357291p-3, 0x1.87b6ce925c94dp-5, -0x1.97de5c8375c41p-5,
     },
     {
-    0x1.9dd0d2b721f39p+62, -0x1.1671c021d14c4p+8, -0x1.41e64a1d59dap-6, -0x1.78749a434fe4ep-2,
+    0x1.9dd0d2b721f39p+62, -0x1.1671c021d14c4p+8, -0x1.283cc943ab3b4p-3, -0x1.78749a434fe4ep-2,
     -0x1.e106c51d18affp-3, 0x1.5529abccf372p-3, 0x1.74887593c148dp-5, -0x1.9a78bb939eac2p-5,
     },
     {
-    0x1.a5a2aca209394p+62, 0x1.c60a2661b73e3p+8, -0x1.a0b67d27ffcdfp-6, -0x1.7e07a2416b013p-2,
+    0x1.a5a2aca209394p+62, 0x1.c60a2661b73e3p+8, -0x1.3416cfa4fff9cp-3, -0x1.7e07a2416b013p-2,
     -0x1.d64f2aa2413efp-3, 0x1.58b4e8a9f493fp-3, 0x1.613cc3d0ed6a9p-5, -0x1.9cc27a9eaf241p-5,
     },
     {
-    0x1.ad68966569a87p+62, -0x1.be29b0c63c263p+8, -0x1.0073b4ec8a24fp-5, -0x1.837a59aa73413p-2,
+    0x1.ad68966569a87p+62, -0x1.be29b0c63c263p+8, -0x1.401ced3b22894p-3, -0x1.837a59aa73413p-2,
     -0x1.cb7bf78e291fdp-3, 0x1.5c0fc77604d3bp-3, 0x1.4dd781013628ap-5, -0x1.9ebb93bc93503p-5,
     },
     {
-    0x1.b522646bbda68p+62, -0x1.ae621edd24e2p+7, -0x1.313878f143588p-5, -0x1.88cc6ff9fbe55p-2,
+    0x1.b522646bbda68p+62, -0x1.ae621edd24e2p+7, -0x1.4c4e1e3c50d62p-3, -0x1.88cc6ff9fbe55p-2,
     -0x1.c08eafc468b56p-3, 0x1.5f3a0d0011f5fp-3, 0x1.3a5c74a9e3bcbp-5, -0x1.a0641527ac496p-5,
     },
     {
-    0x1.bccfec24855b8p+62, -0x1.47292aeeaa2fap+8, -0x1.62a571b36cb23p-5, -0x1.8dfd9939e37afp-2,
+    0x1.bccfec24855b8p+62, -0x1.47292aeeaa2fap+8, -0x1.58a95c6cdb2c9p-3, -0x1.8dfd9939e37afp-2,
     -0x1.b588d8dc58abdp-3, 0x1.62338788a2b86p-3, 0x1.26cf652d6046dp-5, -0x1.a1bc2119c601dp-5,
     },
     {
-    0x1.c4710406a65fcp+62, -0x1.7738d13e27f16p+8, -0x1.94b67d0ea746bp-5, -0x1.930d8e06fdd79p-2,
+    0x1.c4710406a65fcp+62, -0x1.7738d13e27f16p+8, -0x1.652d9f43a9d1bp-3, -0x1.930d8e06fdd79p-2,
     -0x1.aa6bf9d593abbp-3, 0x1.64fc0ebdd46ap-3, 0x1.133416dc2f50dp-5, -0x1.a2c3eda3090e7p-5,
     },
     {
-    0x1.cc058392a6d2dp+62, -0x1.6b16ede97cbecp+8, -0x1.c767703b918e1p-5, -0x1.97fc0b94dbd3p-2,
+    0x1.cc058392a6d2dp+62, -0x1.6b16ede97cbecp+8, -0x1.71d9dc0ee4638p-3, -0x1.97fc0b94dbd3p-2,
     -0x1.9f399acca1709p-3, 0x1.679383b50572dp-3, 0x1.ff1c960feb3fp-6, -0x1.a37bc47affde4p-5,
     },
     {
-    0x1.d38d4354c3bdp+62, -0x1.c34b412ff8f72p+4, -0x1.fab41862cfbep-5, -0x1.9cc8d3b0b1579p-2,
+    0x1.d38d4354c3bdp+62, -0x1.c34b412ff8f72p+4, -0x1.7ead0618b3ef8p-3, -0x1.9cc8d3b0b1579p-2,
     -0x1.93f344afddc54p-3, 0x1.69f9d0e2324a7p-3, 0x1.d7c37e31afa24p-6, -0x1.a3e402cbc8f82p-5,
     },
     {
-    0x1.db081ce6e2a48p+62, -0x1.7ff0a3296d9ccp+8, -0x1.174c1d98316adp-4, -0x1.a173acc35a985p-2,
+    0x1.db081ce6e2a48p+62, -0x1.7ff0a3296d9ccp+8, -0x1.8ba60ecc18b57p-3, -0x1.a173acc35a985p-2,
     -0x1.889a80f4adba3p-3, 0x1.6c2eea0d0b0fbp-3, 0x1.b064574aea117p-6, -0x1.a3fd18f791dc8p-5,
     },
     {
-    0x1.e275eaf25e458p+62, 0x1.79829f5a06b4ap+5, -0x1.3187cbb399285p-4, -0x1.a5fc61d28173p-2,
+    0x1.e275eaf25e458p+62, 0x1.79829f5a06b4ap+5, -0x1.98c3e5d9cc942p-3, -0x1.a5fc61d28173p-2,
     -0x1.7d30d94d1536p-3, 0x1.6e32cc43c89a3p-3, 0x1.8906871b831efp-6, -0x1.a3c78a58781d9p-5,
     },
     {
-    0x1.e9d68931ae65p+62, 0x1.d9e2ba90cddd7p+7, -0x1.4c0af2ba564bfp-4, -0x1.aa62c280e4396p-2,
+    0x1.e9d68931ae65p+62, 0x1.d9e2ba90cddd7p+7, -0x1.a605795d2b26p-3, -0x1.aa62c280e4396p-2,
     -0x1.71b7d75dbec6fp-3, 0x1.70057dcbc88b6p-3, 0x1.61b1663207ccdp-6, -0x1.a343ecfaf0263p-5,
     },
     {
-    0x1.f129d471eabb1p+62, -0x1.4a071ba88ebc8p+7, -0x1.66d36c02313b8p-4, -0x1.aea6a30dbf53ap-2,
+    0x1.f129d471eabb1p+62, -0x1.4a071ba88ebc8p+7, -0x1.b369b601189dcp-3, -0x1.aea6a30dbf53ap-2,
     -0x1.66310474875c6p-3, 0x1.71a70e0ff884bp-3, 0x1.3a6c3e2e6a7cp-6, -0x1.a272e952d2fe2p-5,
     },
     {
-    0x1.f86faa9428f9dp+62, 0x1.99988b110a612p+8, -0x1.81df0e49c103ap-4, -0x1.b2c7dc535b619p-2,
+    0x1.f86faa9428f9dp+62, 0x1.99988b110a612p+8, -0x1.c0ef8724e081dp-3, -0x1.b2c7dc535b619p-2,
     -0x1.5a9de93f9f4dap-3, 0x1.7317958d194cfp-3, 0x1.133e480c095e7p-6, -0x1.a15539eb36206p-5,
     },
     {
-    0x1.ffa7ea8eb5fdp+62, 0x1.f81e285989a8cp+8, -0x1.9d2bae020ae01p-4, -0x1.b6c64bc4c1b45p-2,
+    0x1.ffa7ea8eb5fdp+62, 0x1.f81e285989a8cp+8, -0x1.ce95d70105701p-3, -0x1.b6c64bc4c1b45p-2,
     -0x1.4f000d8551c7fp-3, 0x1.745735bbe3476p-3, 0x1.d85d54e6eb87fp-7, -0x1.9febab11322aap-5,
     },
     {
-    0x1.03693a371519cp+63, 0x1.193943b0da1c7p+9, -0x1.b8b71d97f64bfp-4, -0x1.baa1d36a992cdp-2,
+    0x1.03693a371519cp+63, 0x1.193943b0da1c7p+9, -0x1.dc5b8ecbfb26p-3, -0x1.baa1d36a992cdp-2,
     -0x1.4358f7dc83735p-3, 0x1.756618f9163a4p-3, 0x1.8a88f028e8284p-7, -0x1.9e371a79bed15p-5,
     },
     {
-    0x1.06f794ab2cae7p+63, 0x1.8f4cd1d8be8ecp+9, -0x1.d47f2dbd88318p-4, -0x1.be5a59df2dbdfp-2,
+    0x1.06f794ab2cae7p+63, 0x1.8f4cd1d8be8ecp+9, -0x1.ea3f96dec418cp-3, -0x1.be5a59df2dbdfp-2,
     -0x1.37aa2d65f8c7fp-3, 0x1.7644726b7ef3fp-3, 0x1.3d0d5c1151325p-7, -0x1.9c3876e2cc113p-5,
     },
     {
-    0x1.0a7ef5c18edd2p+63, 0x1.5e809f1a31a28p+8, -0x1.f081adb2d7f75p-4, -0x1.c1efca49a5011p-2,
+    0x1.0a7ef5c18edd2p+63, 0x1.5e809f1a31a28p+8, -0x1.f840d6d96bfbbp-3, -0x1.c1efca49a5011p-2,
     -0x1.2bf53186743acp-3, 0x1.76f27de7fdedcp-3, 0x1.dff0c8fd85c06p-8, -0x1.99f0bfafc2165p-5,
     },
     {
-    0x1.0dff4f247f6c6p+63, -0x1.41b2356b32c45p+9, -0x1.065e35c758a8ap-3, -0x1.c5621458627d3p-2,
+    0x1.0dff4f247f6c6p+63, -0x1.41b2356b32c45p+9, -0x1.032f1ae3ac545p-2, -0x1.c5621458627d3p-2,
     -0x1.203b85a1bc0a3p-3, 0x1.77707fd39a946p-3, 0x1.46af47cba7f4bp-8, -0x1.9761048192b6dp-5,
     },
     {
-    0x1.1178930ada115p+63, -0x1.91f8f313b2165p+8, -0x1.14969a436af28p-3, -0x1.c8b12c3a9e6d8p-2,
+    0x1.1178930ada115p+63, -0x1.91f8f313b2165p+8, -0x1.0a4b4d21b5794p-2, -0x1.c8b12c3a9e6d8p-2,
     -0x1.147ea8d697153p-3, 0x1.77bec503af649p-3, 0x1.5ce2013e81734p-9, -0x1.948a64ca88b75p-5,
     },
     {
-    0x1.14eab43841b55p+63, -0x1.c9874200616ddp+9, -0x1.22e8ea9be902p-3, -0x1.cbdd0a9932048p-2,
+    0x1.14eab43841b55p+63, -0x1.c9874200616ddp+9, -0x1.1174754df481p-2, -0x1.cbdd0a9932048p-2,
     -0x1.08c017bbcfc48p-3, 0x1.77dda29c3b887p-3, 0x1.75050d9fe8a59p-12, -0x1.916e0f5e024c8p-5,
     },
     {
-    0x1.1855a5fd3dd5p+63, 0x1.8f68268624501p+9, -0x1.31540cf62bf49p-3, -0x1.cee5ac8e9c531p-2,
+    0x1.1855a5fd3dd5p+63, 0x1.8f68268624501p+9, -0x1.18aa067b15fa4p-2, -0x1.cee5ac8e9c531p-2,
     -0x1.fa02983c974a1p-4, 0x1.77cd75ec671dap-3, -0x1.fa637a06d8686p-10, -0x1.8e0d41fc457c9p-5,
     },
     {
-    0x1.1bb95c3746199p+63, 0x1.54b3371a096d7p+7, -0x1.3fd6e7720a90ap-3, -0x1.d1cb139e4327p-2,
+    0x1.1bb95c3746199p+63, 0x1.54b3371a096d7p+7, -0x1.1feb73b905485p-2, -0x1.d1cb139e4327p-2,
     -0x1.e28779808bd04p-4, 0x1.778ea44947c09p-3, -0x1.13311e533368dp-8, -0x1.8a6948da9e15ap-5,
     },
     {
-    0x1.1f15cb50bc4dep+63, -0x1.2a28c09752a57p+7, -0x1.4e70604cfafbbp-3, -0x1.d48d45aaf35f3p-2,
+    0x1.1f15cb50bc4dep+63, -0x1.2a28c09752a57p+7, -0x1.273830267d7dep-2, -0x1.d48d45aaf35f3p-2,
     -0x1.cb11ba33751fcp-4, 0x1.77219ae6f3696p-3, -0x1.a65f7eb067af9p-8, -0x1.86837e27f5f2cp-5,
     },
     {
-    0x1.226ae840d4d7p+63, 0x1.fc0a28c0228aap+7, -0x1.5d1f5e04e57dbp-3, -0x1.d72c4ceca45a2p-2,
+    0x1.226ae840d4d7p+63, 0x1.fc0a28c0228aap+7, -0x1.2e8faf0272beep-2, -0x1.d72c4ceca45a2p-2,
     -0x1.b3a43a341f362p-4, 0x1.7686ceaff0103p-3, -0x1.1c05ca05e544fp-7, -0x1.825d498e1931fp-5,
     },
     {
-    0x1.25b8a88b6dd7fp+63, 0x1.9534a3b5bd215p+9, -0x1.6be2c77aa277fp-3, -0x1.d9a837e5824e4p-2,
+    0x1.25b8a88b6dd7fp+63, 0x1.9534a3b5bd215p+9, -0x1.35f163bd513bfp-2, -0x1.d9a837e5824e4p-2,
     -0x1.9c41d1d6121f3p-4, 0x1.75bebc1b0ef13p-3, -0x1.640ebe1517e98p-7, -0x1.7df81fafd8d3p-5,
     },
     {
-    0x1.28ff0240d52cdp+63, 0x1.48e777b61a2f2p+8, -0x1.7ab984141dd87p-3, -0x1.dc011956437d4p-2,
+    0x1.28ff0240d52cdp+63, 0x1.48e777b61a2f2p+8, -0x1.3d5cc20a0eec4p-2, -0x1.dc011956437d4p-2,
     -0x1.84ed516a28933p-4, 0x1.74c9e6ffc2aa3p-3, -0x1.ab3ef173aca7bp-7, -0x1.795581a43ef73p-5,
     },
     {
-    0x1.2c3debfd7d6c1p+63, -0x1.ce9e980b5af65p+7, -0x1.89a27bde1a6f8p-3, -0x1.de370831cc5bcp-2,
+    0x1.2c3debfd7d6c1p+63, -0x1.ce9e980b5af65p+7, -0x1.44d13def0d37cp-2, -0x1.de370831cc5bcp-2,
     -0x1.6da980c9ecf4ep-4, 0x1.73a8da68ffbe6p-3, -0x1.f18b03641baffp-7, -0x1.7476fc6f08a16p-5,
     },
     {
-    0x1.2f755ce9a21f4p+63, 0x1.fdde70cce23e8p+9, -0x1.989c97ad8fb03p-3, -0x1.e04a1f9026e76p-2,
+    0x1.2f755ce9a21f4p+63, 0x1.fdde70cce23e8p+9, -0x1.4c4e4bd6c7d81p-2, -0x1.e04a1f9026e76p-2,
     -0x1.56791ee5d38abp-4, 0x1.725c2866b7642p-3, -0x1.1b73ef5677284p-6, -0x1.6f5e287699676p-5,
     },
     {
-    0x1.32a54cb8db67bp+63, -0x1.96263537d4d65p+7, -0x1.a7a6c1409c873p-3, -0x1.e23a7ea0d187ep-2,
+    0x1.32a54cb8db67bp+63, -0x1.96263537d4d65p+7, -0x1.53d360a04e43ap-2, -0x1.e23a7ea0d187ep-2,
     -0x1.3f5ee15667ccfp-4, 0x1.70e469ddfcc7cp-3, -0x1.3da55dd70f05cp-6, -0x1.6a0ca8f79e03bp-5,
     },
     {
-    0x1.35cdb3a9a144dp+63, -0x1.59b2dffba8b53p+8, -0x1.b6bfe35f0a159p-3, -0x1.e408489c69f78p-2,
+    0x1.35cdb3a9a144dp+63, -0x1.59b2dffba8b53p+8, -0x1.5b5ff1af850adp-2, -0x1.e408489c69f78p-2,
     -0x1.285d73f0819e9p-4, 0x1.6f423e57e536ep-3, -0x1.5f54912df75f1p-6, -0x1.64842b7693193p-5,
     },
     {
-    0x1.38ee8a84beb71p+63, 0x1.7a10cef07bb68p+8, -0x1.c5e6e9fa5941fp-3, -0x1.e5b3a4b5b8cdfp-2,
+    0x1.38ee8a84beb71p+63, 0x1.7a10cef07bb68p+8, -0x1.62f374fd2ca0fp-2, -0x1.e5b3a4b5b8cdfp-2,
     -0x1.1177785c963cfp-4, 0x1.6d764bcf33e5fp-3, -0x1.807c760f71d2bp-6, -0x1.5ec6672f65caep-5,
     },
     {
-    0x1.3c07ca9cb4f9ep+63, -0x1.285e0f405a0dcp+8, -0x1.d51ac24d5638bp-3, -0x1.e73cbe0a22648p-2,
+    0x1.3c07ca9cb4f9ep+63, -0x1.285e0f405a0dcp+8, -0x1.6a8d6126ab1c6p-2, -0x1.e73cbe0a22648p-2,
     -0x1.f55f0b626f4c1p-5, 0x1.6b813e7ce23a1p-3, -0x1.a11822cc3c93cp-6, -0x1.58d51c8364015p-5,
     },
     {
-    0x1.3f196dcd0f135p+63, -0x1.f25f4f6fdf70bp+8, -0x1.e45a5afb2d189p-3, -0x1.e8a3c39181e85p-2,
+    0x1.3f196dcd0f135p+63, -0x1.f25f4f6fdf70bp+8, -0x1.722d2d7d968c5p-2, -0x1.e8a3c39181e85p-2,
     -0x1.c8105021a847p-5, 0x1.6963c8a395b55p-3, -0x1.c122d8262baf2p-6, -0x1.52b21465b2594p-5,
     },
     {
-    0x1.42236e79a5fa6p+63, 0x1.3b438e7d4f95bp+8, -0x1.f3a4a42dfb30dp-3, -0x1.e9e8e80d73859p-2,
+    0x1.42236e79a5fa6p+63, 0x1.3b438e7d4f95bp+8, -0x1.79d25216fd986p-2, -0x1.e9e8e80d73859p-2,
     -0x1.9b07c0958d2ddp-5, 0x1.671ea25a14ce8p-3, -0x1.e0980216ddc2ep-6, -0x1.4c5f1fc67dc44p-5,
     },
     {
-    0x1.4525c78dd5966p+63, -0x1.5a1cdfbe73cccp+9, -0x1.017c47da6c2eep-2, -0x1.eb0c61f812b1fp-2,
+    0x1.4525c78dd5966p+63, -0x1.5a1cdfbe73cccp+9, -0x1.817c47da6c2eep-2, -0x1.eb0c61f812b1fp-2,
     -0x1.6e4a46ff8e1a4p-5, 0x1.64b28954cc245p-3, -0x1.ff73388870474p-6, -0x1.45de16fd1ed7cp-5,
     },
     {
-    0x1.4820747ba2dc2p+63, 0x1.d54603b00da58p+8, -0x1.092a8890aa1cep-2, -0x1.ec0e6b7231b15p-2,
+    0x1.4820747ba2dc2p+63, 0x1.d54603b00da58p+8, -0x1.892a8890aa1cep-2, -0x1.ec0e6b7231b15p-2,
     -0x1.41dcb593940cfp-5, 0x1.622040ae759bdp-3, -0x1.0ed820000e4cdp-5, -0x1.3f30d93164a93p-5,
     },
     {
-    0x1.4b13713ad3513p+63, 0x1.e941d89557082p+7, -0x1.10dc8ef2317fap-2, -0x1.ecef42310f844p-2,
+    0x1.4b13713ad3513p+63, 0x1.e941d89557082p+7, -0x1.90dc8ef2317fap-2, -0x1.ecef42310f844p-2,
     -0x1.15c3c5ceb78fdp-5, 0x1.5f6890aff311dp-3, -0x1.1da5851d5601p-5, -0x1.38594bc43ce02p-5,
     },
     {
-    0x1.4dfeba47f63ccp+63, 0x1.3403c3a976b11p+9, -0x1.1891d6b55b13ap-2, -0x1.edaf276b9185p-2,
+    0x1.4dfeba47f63ccp+63, 0x1.3403c3a976b11p+9, -0x1.9891d6b55b13ap-2, -0x1.edaf276b9185p-2,
     -0x1.d4082faa0fbaap-6, 0x1.5c8c46976e5c4p-3, -0x1.2c1fdb5d5af8fp-5, -0x1.315959b7ee5bfp-5,
     },
     {
-    0x1.50e24ca35fd2cp+63, -0x1.1a33759930cefp+9, -0x1.2049dc9c3e798p-2, -0x1.ee4e5fc706066p-2,
+    0x1.50e24ca35fd2cp+63, -0x1.1a33759930cefp+9, -0x1.a049dc9c3e798p-2, -0x1.ee4e5fc706066p-2,
     -0x1.7d4463acf1894p-6, 0x1.598c345ed0631p-3, -0x1.3a4549a4505b3p-5, -0x1.2a32f3181b6c9p-5,
     },
     {
-    0x1.53be25d016a4fp+63, -0x1.1632f6d34a6d8p+9, -0x1.28041e8244a16p-2, -0x1.eecd3343755a5p-2,
+    0x1.53be25d016a4fp+63, -0x1.1632f6d34a6d8p+9, -0x1.a8041e8244a16p-2, -0x1.eecd3343755a5p-2,
     -0x1.2744fef61698bp-6, 0x1.56693081a1211p-3, -0x1.48140e3230e6p-5, -0x1.22e80c61c0298p-5,
     },
     {
-    0x1.569243d2b3a9bp+63, 0x1.8eef7012e8df5p+8, -0x1.2fc01b696a9f8p-2, -0x1.ef2bed2786b25p-2,
+    0x1.569243d2b3a9bp+63, 0x1.8eef7012e8df5p+8, -0x1.afc01b696a9f8p-2, -0x1.ef2bed2786b25p-2,
     -0x1.a42545590b64ap-7, 0x1.532415c2625bp-3, -0x1.558a7ed47ff35p-5, -0x1.1b7a9deb60eafp-5,
     },
     {
-    0x1.595ea53035283p+63, 0x1.063201c0b4de3p+8, -0x1.377d538733459p-2, -0x1.ef6adbebfe59ap-2,
+    0x1.595ea53035283p+63, 0x1.063201c0b4de3p+8, -0x1.b77d538733459p-2, -0x1.ef6adbebfe59ap-2,
     -0x1.f6d6e30fb3233p-8, 0x1.4fbdc2ef76d8bp-3, -0x1.62a70910eece5p-5, -0x1.13eca34d9c4c8p-5,
     },
     {
-    0x1.5c2348ecc4dc3p+63, -0x1.48c279c52cf77p+5, -0x1.3f3b485145f0ap-2, -0x1.ef8a5126dad2dp-2,
+    0x1.5c2348ecc4dc3p+63, -0x1.48c279c52cf77p+5, -0x1.bf3b485145f0ap-2, -0x1.ef8a5126dad2dp-2,
     -0x1.51b39808b1767p-9, 0x1.4c371aa7a7dcdp-3, -0x1.6f683248ec35bp-5, -0x1.0c401acc5373ep-5,
     },
     {
-    0x1.5ee02e8a71a53p+63, 0x1.50c93cefc7693p+9, -0x1.46f97c89b9131p-2, -0x1.ef8aa176166c7p-2,
+    0x1.5ee02e8a71a53p+63, 0x1.50c93cefc7693p+9, -0x1.c6f97c89b9131p-2, -0x1.ef8aa176166c7p-2,
     0x1.4319af95c9862p-9, 0x1.4891031e5a8ap-3, -0x1.7bcc97d62641dp-5, -0x1.047704c09a935p-5,
     },
     {
-    0x1.61955607dd15dp+63, 0x1.98fddd4f54897p+9, -0x1.4eb7744b07167p-2, -0x1.ef6c246a12e7ep-2,
+    0x1.61955607dd15dp+63, 0x1.98fddd4f54897p+9, -0x1.ceb7744b07167p-2, -0x1.ef6c246a12e7ep-2,
     0x1.e83e0d9da317fp-8, 0x1.44cc65df86c8ep-3, -0x1.87d2ef20093acp-5, -0x1.f926c607459bap-6,
     },
     {
-    0x1.6442bfdedd397p+63, 0x1.92342b23b14dap+9, -0x1.5674b513ac49fp-2, -0x1.ef2f346fb4d24p-2,
+    0x1.6442bfdedd397p+63, 0x1.92342b23b14dap+9, -0x1.d674b513ac49fp-2, -0x1.ef2f346fb4d24p-2,
     0x1.958de2e956169p-7, 0x1.40ea2f938128cp-3, -0x1.937a05aa482f7p-5, -0x1.e92e70b59b772p-6,
     },
     {
-    0x1.66e86d0312e82p+63, -0x1.4dc066acffa37p+9, -0x1.5e30c5d16ca6ep-2, -0x1.eed42eba34357p-2,
+    0x1.66e86d0312e82p+63, -0x1.4dc066acffa37p+9, -0x1.de30c5d16ca6ep-2, -0x1.eed42eba34357p-2,
     0x1.1a8237b98adabp-6, 0x1.3ceb4fc2a90eep-3, -0x1.9ec0c11c7e5ffp-5, -0x1.d9090fca33b5ep-6,
     },
     {
-    0x1.69865ee075011p+63, -0x1.e6695e922ca5fp+9, -0x1.65eb2eec404c1p-2, -0x1.ee5b732ca8479p-2,
+    0x1.69865ee075011p+63, -0x1.e6695e922ca5fp+9, -0x1.e5eb2eec404c1p-2, -0x1.ee5b732ca8479p-2,
     0x1.693a4a0ce2a37p-6, 0x1.38d0b8990c624p-3, -0x1.a9a61f42faba7p-5, -0x1.c8baa9142c604p-6,
     },
     {
-    0x1.6c1c9759d0e5fp+63, 0x1.b1432f2cbc455p+9, -0x1.6da37a50e5a77p-2, -0x1.edc5644353c27p-2,
+    0x1.6c1c9759d0e5fp+63, 0x1.b1432f2cbc455p+9, -0x1.eda37a50e5a77p-2, -0x1.edc5644353c27p-2,
     0x1.b6e8591ebcffcp-6, 0x1.349b5eaa11b2bp-3, -0x1.b4293608c8d3bp-5, -0x1.b84740d514848p-6,
     },
     {
-    0x1.6eab18c74091bp+63, -0x1.6c38d5fdc2aefp+9, -0x1.7559337b185b8p-2, -0x1.ed1266fcb78aap-2,
+    0x1.6eab18c74091bp+63, -0x1.6c38d5fdc2aefp+9, -0x1.f559337b185b8p-2, -0x1.ed1266fcb78aap-2,
     0x1.01c2e9855132p-5, 0x1.304c38b439a65p-3, -0x1.be49336b0cd6ap-5, -0x1.a7b2d8a5fcfc2p-6,
     },
     {
-    0x1.7131e5f496a5ap+63, 0x1.a197c13b2f9cp+9, -0x1.7d0be77f6c05fp-2, -0x1.ec42e2c2714b7p-2,
+    0x1.7131e5f496a5ap+63, 0x1.a197c13b2f9cp+9, -0x1.fd0be77f6c05fp-2, -0x1.ec42e2c2714b7p-2,
     0x1.278631ed6de69p-5, 0x1.2be43f6508425p-3, -0x1.c8055d65c9f32p-5, -0x1.97016e609fa6cp-6,
     },
     {
-    0x1.73b1021fc0cb8p+63, -0x1.a638b0bcd09b2p+8, -0x1.84bb2514ca215p-2, -0x1.eb574151ebaa3p-2,
+    0x1.73b1021fc0cb8p+63, -0x1.a638b0bcd09b2p+8, -0x1.025d928a6510bp-1, -0x1.eb574151ebaa3p-2,
     0x1.4cbafafe5b387p-5, 0x1.27646d1d26649p-3, -0x1.d15d11da2ccd4p-5, -0x1.8636fb0cf0409p-6,
     },
     {
-    0x1.762870f720c6fp+63, 0x1.118a1b821cf7cp+9, -0x1.8c667c9d9254cp-2, -0x1.ea4feea4e5addp-2,
+    0x1.762870f720c6fp+63, 0x1.118a1b821cf7cp+9, -0x1.06333e4ec92a6p-1, -0x1.ea4feea4e5addp-2,
     0x1.715e5952ec3fep-5, 0x1.22cdbdb4cb829p-3, -0x1.da4fc66e75593p-5, -0x1.755771d3675ebp-6,
     },
     {
-    0x1.78983697dc96fp+63, -0x1.4a8401a89640ep+8, -0x1.940d80305c985p-2, -0x1.e92d58d9d6efdp-2,
+    0x1.78983697dc96fp+63, -0x1.4a8401a89640ep+8, -0x1.0a06c0182e4c3p-1, -0x1.e92d58d9d6efdp-2,
     0x1.956d81155d82ep-5, 0x1.1e212e407f7a4p-3, -0x1.e2dd08679d6c3p-5, -0x1.6466bef45565dp-6,
     },
     {
-    0x1.7b00578c26037p+63, -0x1.31713adf981d5p+9, -0x1.9bafc3a05caddp-2, -0x1.e7eff01c36258p-2,
+    0x1.7b00578c26037p+63, -0x1.31713adf981d5p+9, -0x1.0dd7e1d02e56ep-1, -0x1.e7eff01c36258p-2,
     0x1.b8e5c62330701p-5, 0x1.195fbcd643f7dp-3, -0x1.eb047c7cdb142p-5, -0x1.5368c6c488819p-6,
     },
     {
-    0x1.7d60d8c979f7bp+63, -0x1.9f46e9417b2f9p+9, -0x1.a34cdc8566809p-2, -0x1.e698268ca7849p-2,
+    0x1.7d60d8c979f7bp+63, -0x1.9f46e9417b2f9p+9, -0x1.11a66e42b3404p-1, -0x1.e698268ca7849p-2,
     0x1.dbc49c29b34a5p-5, 0x1.148a685334a11p-3, -0x1.f2c5dea51f81fp-5, -0x1.426164af8dc1ap-6,
     },
     {
-    0x1.7fb9bfaed8078p+63, 0x1.66cf14bcad032p+8, -0x1.aae462439318ap-2, -0x1.e5267029187cp-2,
+    0x1.7fb9bfaed8078p+63, 0x1.66cf14bcad032p+8, -0x1.15723121c98c5p-1, -0x1.e5267029187cp-2,
     0x1.fe0796bb454d4p-5, 0x1.0fa23021ace57p-3, -0x1.fa2101deb4fb5p-5, -0x1.31546a3fd28a4p-6,
     },
     {
-    0x1.820b1202f27fbp+63, 0x1.7911bad9f5bb2p+9, -0x1.b275ee1285e02p-2, -0x1.e39b42b4ce2e3p-2,
+    0x1.820b1202f27fbp+63, 0x1.7911bad9f5bb2p+9, -0x1.193af70942f01p-1, -0x1.e39b42b4ce2e3p-2,
     0x1.0fd634aeb453cp-4, 0x1.0aa8140001f71p-3, -0x1.008ae7f88feep-4, -0x1.20459e2ce87bep-6,
     },
     {
-    0x1.8454d5f25760dp+63, -0x1.a8630743d331dp+6, -0x1.ba011b045210ap-2, -0x1.e1f715a06c0a4p-2,
+    0x1.8454d5f25760dp+63, -0x1.a8630743d331dp+6, -0x1.1d008d8229085p-1, -0x1.e1f715a06c0a4p-2,
     0x1.205873c7dada6p-4, 0x1.059d13c7df183p-3, -0x1.03d22494b41b1p-4, -0x1.0f38bb702adc4p-6,
     },
     {
-    0x1.8697120d92a4ap+63, -0x1.96756848ba4f1p+9, -0x1.c185860c0034cp-2, -0x1.e03a61f1f7d3ep-2,
+    0x1.8697120d92a4ap+63, -0x1.96756848ba4f1p+9, -0x1.20c2c306001a6p-1, -0x1.e03a61f1f7d3ep-2,
     0x1.30898265e24f6p-4, 0x1.00822f365205ap-3, -0x1.06e6420879873p-4, -0x1.fc62e0c002be6p-7,
     },
     {
-    0x1.88d1cd474a2ep+63, 0x1.6f57a1a45df78p+9, -0x1.c902ce03b3bd2p-2, -0x1.de65a22ce0587p-2,
+    0x1.88d1cd474a2ep+63, 0x1.6f57a1a45df78p+9, -0x1.24816701d9de9p-1, -0x1.de65a22ce0587p-2,
     0x1.40686a3f12202p-4, 0x1.f6b0cb6929cb8p-4, -0x1.09c7568f89c7fp-4, -0x1.da66bba3f1ed9p-7,
     },
     {
-    0x1.8b050ef253c37p+63, -0x1.ada850f04d362p+9, -0x1.d07893b270bddp-2, -0x1.dc79523a0bfe6p-2,
+    0x1.8b050ef253c37p+63, -0x1.ada850f04d362p+9, -0x1.283c49d9385eep-1, -0x1.dc79523a0bfe6p-2,
     0x1.4ff444fc3b668p-4, 0x1.ec416c4345788p-4, -0x1.0c758332beef2p-4, -0x1.b8842c87d01abp-7,
     },
     {
-    0x1.8d30debfc572ep+63, -0x1.9011b5cd475adp+8, -0x1.d7e679d181ff1p-2, -0x1.da75ef4ff448dp-2,
+    0x1.8d30debfc572ep+63, -0x1.9011b5cd475adp+8, -0x1.2bf33ce8c0ff9p-1, -0x1.da75ef4ff448dp-2,
     0x1.5f2c3c2e672bcp-4, 0x1.e1b83d3945f2bp-4, -0x1.0ef0f39be3316p-4, -0x1.96c23a18a0778p-7,
     },
     {
-    0x1.8f5544bd00c04p+63, 0x1.acb6adc0ec2fep+9, -0x1.df4c25117f9dap-2, -0x1.d85bf7dad3555p-2,
+    0x1.8f5544bd00c04p+63, 0x1.acb6adc0ec2fep+9, -0x1.2fa61288bfcedp-1, -0x1.d85bf7dad3555p-2,
     0x1.6e0f8941326f8p-4, 0x1.d71738a0709c6p-4, -0x1.1139dde70cc82p-4, -0x1.7527cb24586d5p-7,
     },
     {
-    0x1.91724951b8fc6p+63, -0x1.27912dd352f8bp+9, -0x1.e6a93c1ef68dap-2, -0x1.d62beb64e8441p-2,
+    0x1.91724951b8fc6p+63, -0x1.27912dd352f8bp+9, -0x1.33549e0f7b46dp-1, -0x1.d62beb64e8441p-2,
     0x1.7c9d7569e6838p-4, 0x1.cc60567d7d039p-4, -0x1.13508271ac981p-4, -0x1.53bba518aa98dp-7,
     },
     {
-    0x1.9387f53df5238p+63, 0x1.7da7b8757dec6p+7, -0x1.edfd67a6b164cp-2, -0x1.d3e64a7ed7651p-2,
+    0x1.9387f53df5238p+63, 0x1.7da7b8757dec6p+7, -0x1.36feb3d358b26p-1, -0x1.d3e64a7ed7651p-2,
     0x1.8ad559935d09ap-4, 0x1.c1958c1f051d2p-4, -0x1.15352ba7669c9p-4, -0x1.32846a9150cd9p-7,
     },
     {
-    0x1.959651980da31p+63, 0x1.5dcf3f34ee34bp+9, -0x1.f5485259a2e51p-2, -0x1.d18b96a82aecp-2,
+    0x1.959651980da31p+63, 0x1.5dcf3f34ee34bp+9, -0x1.3aa4292cd1729p-1, -0x1.d18b96a82aecp-2,
     0x1.98b69e46bf8d2p-4, 0x1.b6b8cbb9ffbbfp-4, -0x1.16e82dcccb91p-4, -0x1.118899f61e312p-7,
     },
     {
-    0x1.979d67caa6631p+63, -0x1.9a74de12b3425p+9, -0x1.fc89a8f072d2fp-2, -0x1.cf1c5237f8d67p-2,
+    0x1.979d67caa6631p+63, -0x1.9a74de12b3425p+9, -0x1.3e44d47839698p-1, -0x1.cf1c5237f8d67p-2,
     0x1.a640bb91335efp-4, 0x1.abcc04085a002p-4, -0x1.1869e6c80bb44p-4, -0x1.e19d185237468p-8,
     },
     {
-    0x1.999d4192a5715p+63, -0x1.c8871576d5306p+9, -0x1.01e08d1756da8p-1, -0x1.cc990045b293fp-2,
+    0x1.999d4192a5715p+63, -0x1.c8871576d5306p+9, -0x1.41e08d1756da8p-1, -0x1.cc990045b293fp-2,
     0x1.b37338e682fb3p-4, 0x1.a0d11fe9c38ap-4, -0x1.19babde7bae51p-4, -0x1.a0b8e689d38c2p-8,
     },
     {
-    0x1.9b95e8fd26abap+63, -0x1.9ef81ca8b80cep+8, -0x1.05772b72cc16bp-1, -0x1.ca02249222e68p-2,
+    0x1.9b95e8fd26abap+63, -0x1.9ef81ca8b80cep+8, -0x1.45772b72cc16bp-1, -0x1.ca02249222e68p-2,
     0x1.c04dad00d6dacp-4, 0x1.95ca0606c0499p-4, -0x1.1adb23a7bea68p-4, -0x1.6070b2d73a3c5p-8,
     },
     {
-    0x1.9d8768656cc42p+63, -0x1.a5c2a77eca9cp+8, -0x1.090888fb53574p-1, -0x1.c75843709e572p-2,
+    0x1.9d8768656cc42p+63, -0x1.a5c2a77eca9cp+8, -0x1.490888fb53574p-1, -0x1.c75843709e572p-2,
     0x1.cccfbdbd90257p-4, 0x1.8ab8987611cbp-4, -0x1.1bcb91747ee7ap-4, -0x1.20d03f4c83c4fp-8,
     },
     {
-    0x1.9f71ca72cffb6p+63, 0x1.141160af5af9fp+9, -0x1.0c94802acd2edp-1, -0x1.c49be1b06a7cfp-2,
+    0x1.9f71ca72cffb6p+63, 0x1.141160af5af9fp+9, -0x1.4c94802acd2edp-1, -0x1.c49be1b06a7cfp-2,
     0x1.d8f91ff758454p-4, 0x1.7f9eb46488e71p-4, -0x1.1c8c896c72a6fp-4, -0x1.c3c5f354b903cp-9,
     },
     {
-    0x1.a1551a16aaeafp+63, 0x1.a558a46df5f67p+7, -0x1.101aec852203cp-1, -0x1.c1cd84866038fp-2,
+    0x1.a1551a16aaeafp+63, 0x1.a558a46df5f67p+7, -0x1.501aec852203cp-1, -0x1.c1cd84866038fp-2,
     0x1.e4c9975d78de4p-4, 0x1.747e31bf4fc31p-4, -0x1.1d1e962021c14p-4, -0x1.4767f2c50c34fp-9,
     },
     {
-    0x1.a331628a45b92p+63, 0x1.5d80b64f012acp+7, -0x1.139baa98f70cep-1, -0x1.beedb176ccebap-2,
+    0x1.a331628a45b92p+63, 0x1.5d80b64f012acp+7, -0x1.539baa98f70cep-1, -0x1.beedb176ccebap-2,
     0x1.f040f64890297p-4, 0x1.6958e2e0bb0d2p-4, -0x1.1d824a50b5641p-4, -0x1.9937f6f1a0786p-10,
     },
     {
-    0x1.a506af4cc00f4p+63, 0x1.4cd4280552cd1p+8, -0x1.1716980037536p-1, -0x1.bbfcee3f96891p-2,
+    0x1.a506af4cc00f4p+63, 0x1.4cd4280552cd1p+8, -0x1.5716980037536p-1, -0x1.bbfcee3f96891p-2,
     0x1.fb5f1d8cb625ap-4, 0x1.5e30943fb061cp-4, -0x1.1db840ad30be4p-4, -0x1.4ddb60dea7165p-11,
     },
     {
-    0x1.a6d50c20fa293p+63, 0x1.e48319eac2d8p+6, -0x1.1a8b936071425p-1, -0x1.b8fbc0c2a6549p-2,
+    0x1.a6d50c20fa293p+63, 0x1.e48319eac2d8p+6, -0x1.5a8b936071425p-1, -0x1.b8fbc0c2a6549p-2,
     0x1.0311fe2493bdbp-3, 0x1.53070c21aec99p-4, -0x1.1dc11b8e6ba01p-4, 0x1.1f9b195e59a8ap-12,
     },
     {
-    0x1.a89c850b7d54dp+63, -0x1.e274069b9af78p+9, -0x1.1dfa7c6b0955cp-1, -0x1.b5eaaef09de9dp-2,
+    0x1.a89c850b7d54dp+63, -0x1.e274069b9af78p+9, -0x1.5dfa7c6b0955cp-1, -0x1.b5eaaef09de9dp-2,
     0x1.0847c7dac5aa7p-3, 0x1.47de0a4f85397p-4, -0x1.1d9d84b1e8c7fp-4, 0x1.331eb97a58c32p-10,
     },
     {
-    0x1.aa5d265064366p+63, -0x1.aa48c24b750f3p+7, -0x1.216333dd42813p-1, -0x1.b2ca3eb3da1bbp-2,
+    0x1.aa5d265064366p+63, -0x1.aa48c24b750f3p+7, -0x1.616333dd42813p-1, -0x1.b2ca3eb3da1bbp-2,
     0x1.0d50f17674e3cp-3, 0x1.3cb747ccc200ap-4, -0x1.1d4e2cf3a19d1p-4, 0x1.0d4a770ad958ep-9,
     },
     {
-    0x1.ac16fc7143263p+63, 0x1.9bb8daed1b36cp+7, -0x1.24c59b801cebfp-1, -0x1.af9af5dbc70f9p-2,
+    0x1.ac16fc7143263p+63, 0x1.9bb8daed1b36cp+7, -0x1.64c59b801cebfp-1, -0x1.af9af5dbc70f9p-2,
     0x1.122d875b345eap-3, 0x1.31947691e50d1p-4, -0x1.1cd3cc06e1123p-4, 0x1.7f12d385f144dp-9,
     },
     {
-    0x1.adca142b10f98p+63, 0x1.38bf554a93a1dp+8, -0x1.282196280baa5p-1, -0x1.ac5d5a0888da1p-2,
+    0x1.adca142b10f98p+63, 0x1.38bf554a93a1dp+8, -0x1.682196280baa5p-1, -0x1.ac5d5a0888da1p-2,
     0x1.16dd9ca5f2cccp-3, 0x1.267741495def3p-4, -0x1.1c2f202e475acp-4, 0x1.eed7549dfd0aep-9,
     },
     {
-    0x1.af767a741088bp+63, -0x1.c97f778122797p+8, -0x1.2b7707b4821edp-1, -0x1.a911f096fbad8p-2,
+    0x1.af767a741088bp+63, -0x1.c97f778122797p+8, -0x1.6b7707b4821edp-1, -0x1.a911f096fbad8p-2,
     0x1.1b614b0f79f3cp-3, 0x1.1b614a0863b8p-4, -0x1.1b6161ecc9c99p-4, 0x1.39de994b44c0bp-8,
     },
     {
-    0x1.b2bb679ead19cp+63, -0x1.236af48ab9811p+9, -0x1.320de42c10b5cp-1, -0x1.a253c8867e0ebp-2,
+    0x1.b2bb679ead19cp+63, -0x1.236af48ab9811p+9, -0x1.720de42c10b5cp-1, -0x1.a253c8867e0ebp-2,
     0x1.23e3fa6fd4f49p-3, 0x1.0551810412484p-4, -0x1.194a1a1ae33fcp-4, 0x1.98b134dfefc26p-8,
     },
     {
-    0x1.b5e62fce16095p+63, 0x1.bc3da0f1d0e78p+8, -0x1.388964a3bc935p-1, -0x1.9b64a06e4b101p-2,
+    0x1.b5e62fce16095p+63, 0x1.bc3da0f1d0e78p+8, -0x1.788964a3bc935p-1, -0x1.9b64a06e4b101p-2,
     0x1.2bb6e2c64d223p-3, 0x1.dee322c1e6a9ep-5, -0x1.16980b4344102p-4, 0x1.fea338eb207f8p-8,
     },
     {
-    0x1.b8f741ef54f83p+63, 0x1.ff2766ba0e81ap+9, -0x1.3ee8cd525f40cp-1, -0x1.9448921b88906p-2,
+    0x1.b8f741ef54f83p+63, 0x1.ff2766ba0e81ap+9, -0x1.7ee8cd525f40cp-1, -0x1.9448921b88906p-2,
     0x1.32dbb308a472ap-3, 0x1.b39adc1991cb8p-5, -0x1.135092c7885abp-4, 0x1.2ff07183d5619p-7,
     },
     {
-    0x1.bbef0fbde6221p+63, -0x1.322c1148e0d48p+9, -0x1.452b72c059689p-1, -0x1.8d03ac274201dp-2,
+    0x1.bbef0fbde6221p+63, -0x1.322c1148e0d48p+9, -0x1.852b72c059689p-1, -0x1.8d03ac274201dp-2,
     0x1.3954778c82f7fp-3, 0x1.88e0f7b32252fp-5, -0x1.0f7ae1d9f07c1p-4, 0x1.5e1e7eb99e055p-7,
     },
     {
-    0x1.bece0d82d1a5cp+63, 0x1.6a183d67ebde4p+4, -0x1.4b50b99673ccp-1, -0x1.8599efd396501p-2,
+    0x1.bece0d82d1a5cp+63, 0x1.6a183d67ebde4p+4, -0x1.8b50b99673ccp-1, -0x1.8599efd396501p-2,
     0x1.3f239587e8808p-3, 0x1.5ecb1a71abb2cp-5, -0x1.0b1e68cbdd45dp-4, 0x1.89c849cf03939p-7,
     },
     {
-    0x1.c194b1d49a184p+63, -0x1.6776b69476ba6p+7, -0x1.515816646b7f5p-1, -0x1.7e0f4f0454d97p-2,
+    0x1.c194b1d49a184p+63, -0x1.6776b69476ba6p+7, -0x1.915816646b7f5p-1, -0x1.7e0f4f0454d97p-2,
     0x1.444bc66b692eap-3, 0x1.356dbb55de1e3p-5, -0x1.0642cdb1b7b0cp-4, 0x1.b2dd74ac8349p-7,
     },
     {
-    0x1.c443755820d64p+63, 0x1.3a868ef1aa2eap+9, -0x1.57410d5f98eaep-1, -0x1.7667aa53e4b6ep-2,
+    0x1.c443755820d64p+63, 0x1.3a868ef1aa2eap+9, -0x1.97410d5f98eaep-1, -0x1.7667aa53e4b6ep-2,
     0x1.48d0131acf4b9p-3, 0x1.0cdc1bd1a10fbp-5, -0x1.00efe319a0f72p-4, 0x1.d950b554b9f5fp-7,
     },
     {
-    0x1.c6dad2829ec62p+63, -0x1.ab76d4cba3d05p+7, -0x1.5d0b321a24375p-1, -0x1.6ea6cf452e839p-2,
+    0x1.c6dad2829ec62p+63, -0x1.ab76d4cba3d05p+7, -0x1.9d0b321a24375p-1, -0x1.6ea6cf452e839p-2,
     0x1.4cb3cf09efa6dp-3, 0x1.ca508319f379p-6, -0x1.f65b3dbf6ad62p-5, 0x1.fd17ca4a9d3e1p-7,
     },
     {
-    0x1.c95b455cce69dp+63, -0x1.c218e987d92b3p+9, -0x1.62b627333c64ap-1, -0x1.66d076931e3a8p-2,
+    0x1.c95b455cce69dp+63, -0x1.c218e987d92b3p+9, -0x1.a2b627333c64ap-1, -0x1.66d076931e3a8p-2,
     0x1.4ffa93436b5dfp-3, 0x1.7cc5e32d9e06ep-6, -0x1.ea08225451d6bp-5, 0x1.0f15b5d0efe92p-6,
     },
     {
-    0x1.cbc54b476248dp+63, 0x1.1a504adde06a6p+9, -0x1.68419e00c85eep-1, -0x1.5ee8429e30a4ap-2,
+    0x1.cbc54b476248dp+63, 0x1.1a504adde06a6p+9, -0x1.a8419e00c85eep-1, -0x1.5ee8429e30a4ap-2,
     0x1.52a8395f0106cp-3, 0x1.313759f518946p-6, -0x1.dcf6b72deb4c6p-5, 0x1.1e439c7547b0cp-6,
     },
     {
-    0x1.ce1962c0e0d8bp+63, 0x1.18d61bf7e554bp+9, -0x1.6dad56330aee3p-1, -0x1.56f1bdf85e61cp-2,
+    0x1.ce1962c0e0d8bp+63, 0x1.18d61bf7e554bp+9, -0x1.adad56330aee3p-1, -0x1.56f1bdf85e61cp-2,
     0x1.54c0d66cf042ap-3, 0x1.cf82bac8ae64bp-7, -0x1.cf3751487c408p-5, 0x1.2c14d215f85afp-6,
     },
     {
-    0x1.d0580b2cfd249p+63, 0x1.4fca6318dfee9p+9, -0x1.72f91d72b3659p-1, -0x1.4ef05a0f95eecp-2,
+    0x1.d0580b2cfd249p+63, 0x1.4fca6318dfee9p+9, -0x1.b2f91d72b3659p-1, -0x1.4ef05a0f95eecp-2,
     0x1.5648b5dbce181p-3, 0x1.40fbabab3a0c9p-7, -0x1.c0da46b7c705bp-5, 0x1.3889ed129393dp-6,
     },
     {
-    0x1.d281c49d818dp+63, -0x1.67986e824be2cp+9, -0x1.7824cef9d57a8p-1, -0x1.46e76df6d6513p-2,
+    0x1.d281c49d818dp+63, -0x1.67986e824be2cp+9, -0x1.b824cef9d57a8p-1, -0x1.46e76df6d6513p-2,
     0x1.5744545dfe77p-3, 0x1.6e107c863182ep-8, -0x1.b1efde9454904p-5, 0x1.43a4d40627dd7p-6,
     },
     {
-    0x1.d4970f9ce00d9p+63, -0x1.56704fcbdd47dp+8, -0x1.7d30532842b7dp-1, -0x1.3eda354ddd6p-2,
+    0x1.d4970f9ce00d9p+63, -0x1.56704fcbdd47dp+8, -0x1.bd30532842b7dp-1, -0x1.3eda354ddd6p-2,
     0x1.57b85ad3d86bep-3, 0x1.8e90c2d7c7576p-10, -0x1.a288418d358a2p-5, 0x1.4d68af8333022p-6,
     },
     {
-    0x1.d6986cfa798e7p+63, 0x1.ce8e720d2a441p+7, -0x1.821b9f13bf8e9p-1, -0x1.36cbcf473f181p-2,
+    0x1.d6986cfa798e7p+63, 0x1.ce8e720d2a441p+7, -0x1.c21b9f13bf8e9p-1, -0x1.36cbcf473f181p-2,
     0x1.57a9993f47273p-3, -0x1.3a08995534d9fp-9, -0x1.92b36b2b3421fp-5, 0x1.55d9dac9c5322p-6,
     },
     {
-    0x1.d8865d98abe01p+63, -0x1.fcec4afb974d9p+9, -0x1.86e6b4148d253p-1, -0x1.2ebf3dcc9f23p-2,
+    0x1.d8865d98abe01p+63, -0x1.fcec4afb974d9p+9, -0x1.c6e6b4148d253p-1, -0x1.2ebf3dcc9f23p-2,
     0x1.571d01c58296p-3, -0x1.93a9a7ae5e434p-8, -0x1.82811bd107521p-5, 0x1.5cfdd3960bfadp-6,
     },
     {
-    0x1.da61623cb41ep+63, 0x1.d6be15480707ep+9, -0x1.8b919f4ebfb24p-1, -0x1.26b764c0aac4ep-2,
+    0x1.da61623cb41ep+63, 0x1.d6be15480707ep+9, -0x1.cb919f4ebfb24p-1, -0x1.26b764c0aac4ep-2,
     0x1.5617a3c33f3e6p-3, -0x1.400b2762d00ecp-7, -0x1.7200cb82ac46dp-5, 0x1.62db2925b39ap-6,
     },
     {
-    0x1.dc29fb60715afp+63, 0x1.ab00e1d243bb7p+9, -0x1.901c7938d7762p-1, -0x1.1eb7095e57e16p-2,
+    0x1.dc29fb60715afp+63, 0x1.ab00e1d243bb7p+9, -0x1.d01c7938d7762p-1, -0x1.1eb7095e57e16p-2,
     0x1.549ea6f776e04p-3, -0x1.b10f20caec5d3p-7, -0x1.61419d7c9d10dp-5, 0x1.67796a9291f6bp-6,
     },
     {
-    0x1.dde0a90611a0dp+63, 0x1.d44db43b4817ap+9, -0x1.948765201049bp-1, -0x1.16c0d1b4d5c0fp-2,
+    0x1.dde0a90611a0dp+63, 0x1.d44db43b4817ap+9, -0x1.d48765201049bp-1, -0x1.16c0d1b4d5c0fp-2,
     0x1.52b746c8aa6dap-3, -0x1.0e67b614b9dfcp-6, -0x1.505254a22f40cp-5, 0x1.6ae114a0e2a2ep-6,
     },
     {
-    0x1.df85ea8db188ep+63, -0x1.f71e8254d11a9p+9, -0x1.98d290aad93bcp-1, -0x1.0ed7443f85c34p-2,
+    0x1.df85ea8db188ep+63, -0x1.f71e8254d11a9p+9, -0x1.d8d290aad93bcp-1, -0x1.0ed7443f85c34p-2,
     0x1.5066cda83abadp-3, -0x1.419fa10882153p-6, -0x1.3f4148c8fba5ap-5, 0x1.6d1b7f1f00d89p-6,
     },
     {
-    0x1.e11a3e8cf4eb8p+63, 0x1.12c03539ceb97p+9, -0x1.9cfe3359e2e6bp-1, -0x1.06fcc7993d4b3p-2,
+    0x1.e11a3e8cf4eb8p+63, 0x1.12c03539ceb97p+9, -0x1.dcfe3359e2e6bp-1, -0x1.06fcc7993d4b3p-2,
     0x1.4db29097303a3p-3, -0x1.722b22448b0cbp-6, -0x1.2e1c5ce5cc476p-5, 0x1.6e32c9f405c85p-6,
     },
     {
-    0x1.e29e22a89d766p+63, 0x1.bcc9ef4df6e3fp+9, -0x1.a10a8e0830059p-1, -0x1.fe674493fde23p-3,
+    0x1.e29e22a89d766p+63, 0x1.bcc9ef4df6e3fp+9, -0x1.e10a8e0830059p-1, -0x1.fe674493fde23p-3,
     0x1.4a9feacf83a73p-3, -0x1.a0082c8ded8b2p-6, -0x1.1cf0f61e30e5dp-5, 0x1.6e31c9fa016b6p-6,
     },
     {
-    0x1.e4121370224ccp+63, 0x1.27fbb2c560af3p+5, -0x1.a4f7ea6a90638p-1, -0x1.eefbf55c8ee3p-3,
+    0x1.e4121370224ccp+63, 0x1.27fbb2c560af3p+5, -0x1.e4f7ea6a90638p-1, -0x1.eefbf55c8ee3p-3,
     0x1.47343994b217bp-3, -0x1.cb36c01eca164p-6, -0x1.0bcbf3c0869f9p-5, 0x1.6d23f5bfad275p-6,
     },
     {
-    0x1.e5768c3b4a3fcp+63, 0x1.8b62674f8989p+7, -0x1.a8c69a8eea93ep-1, -0x1.dfbbadedf5d2fp-3,
+    0x1.e5768c3b4a3fcp+63, 0x1.8b62674f8989p+7, -0x1.e8c69a8eea93ep-1, -0x1.dfbbadedf5d2fp-3,
     0x1.4374d82e1eedcp-3, -0x1.f3b8d52ac116cp-6, -0x1.f5735045ed53dp-6, 0x1.6b15524c7cedep-6,
     },
     {
-    0x1.e6cc0709c8a0dp+63, 0x1.fd5651d20014ep+8, -0x1.ac76f85bb4f3fp-1, -0x1.d0aa3a81e1734p-3,
+    0x1.e6cc0709c8a0dp+63, 0x1.fd5651d20014ep+8, -0x1.ec76f85bb4f3fp-1, -0x1.d0aa3a81e1734p-3,
     0x1.3f671c0d7dfe8p-3, -0x1.0cc922ac22476p-5, -0x1.d38ba4d167a3dp-6, 0x1.68126000d837ap-6,
     },
     {
-    0x1.e812fc64db369p+63, 0x1.3c65eda8c4505p+9, -0x1.b009650ffa59bp-1, -0x1.c1cb27861fc7ap-3,
+    0x1.e812fc64db369p+63, 0x1.3c65eda8c4505p+9, -0x1.f009650ffa59bp-1, -0x1.c1cb27861fc7ap-3,
     0x1.3b1051233856fp-3, -0x1.1e645a294db8cp-5, -0x1.b1f73257208bep-6, 0x1.642807ab0b835p-6,
     },
     {
-    0x1.e94be342e6743p+63, 0x1.fdefd8ddf3918p+9, -0x1.b37e48c44281ep-1, -0x1.b321c223c5bd5p-3,
+    0x1.e94be342e6743p+63, 0x1.fdefd8ddf3918p+9, -0x1.f37e48c44281ep-1, -0x1.b321c223c5bd5p-3,
     0x1.3675b66276b1p-3, -0x1.2eb1bbcc06005p-5, -0x1.90cb0c0dcc738p-6, 0x1.5f6387e8302b6p-6,
     },
     {
-    0x1.ea7730ed0bbb9p+63, 0x1.2c5bd7ce1388bp+9, -0x1.b6d611ecb1da4p-1, -0x1.a4b118ef01594p-3,
+    0x1.ea7730ed0bbb9p+63, 0x1.2c5bd7ce1388bp+9, -0x1.f6d611ecb1da4p-1, -0x1.a4b118ef01594p-3,
     0x1.319c7a763648fp-3, -0x1.3db5bed38a2c7p-5, -0x1.701b03ff7eea7p-6, 0x1.59d262e6dec79p-6,
     },
     {
-    0x1.eb9558e6b42cep+63, -0x1.d683f37eb7246p+8, -0x1.ba1134dcafab3p-1, -0x1.967bfcbd42ed2p-3,
+    0x1.eb9558e6b42cep+63, -0x1.d683f37eb7246p+8, -0x1.fa1134dcafab3p-1, -0x1.967bfcbd42ed2p-3,
     0x1.2c89b8a887a4cp-3, -0x1.4b759a567099dp-5, -0x1.4ff9a58a55932p-6, 0x1.53824ca003503p-6,
     },
     {
-    0x1.eca6ccd709544p+63, 0x1.f3df164d9badap+7, -0x1.bd302b4c5cf1fp-1, -0x1.8885019f5df2ap-3,
+    0x1.eca6ccd709544p+63, 0x1.f3df164d9badap+7, -0x1.fd302b4c5cf1fp-1, -0x1.8885019f5df2ap-3,
     0x1.274275fcd356ap-3, -0x1.57f7386b2ace3p-5, -0x1.307831858721bp-6, 0x1.4c8119989d2ep-6,
     },
     {
-    0x1.edabfc7453e63p+63, -0x1.8e05e56f8be29p+9, -0x1.c03373e02173p-1, -0x1.7ace7ffd39654p-3,
+    0x1.edabfc7453e63p+63, -0x1.8e05e56f8be29p+9, -0x1.0019b9f010b98p+0, -0x1.7ace7ffd39654p-3,
     0x1.21cb9e7dbf18ap-3, -0x1.63412931faec7p-5, -0x1.11a69bfd2ee53p-6, 0x1.44dcae3d9bab9p-6,
     },
     {
-    0x1.eea5557137aep+63, -0x1.385e445f2c96dp+9, -0x1.c31b91b28fb6bp-1, -0x1.6d5a95d0a1b7fp-3,
+    0x1.eea5557137aep+63, -0x1.385e445f2c96dp+9, -0x1.018dc8d947db6p+0, -0x1.6d5a95d0a1b7fp-3,
     0x1.1c2a02bf0e175p-3, -0x1.6d5a95cff385bp-5, -0x1.e72716eb48b69p-7, 0x1.3ca2eee9641fp-6,
     },
     {
-    0x1.ef93436bc2daap+63, 0x1.835a8cdbebd68p+9, -0x1.c5e90be0dbc31p-1, -0x1.602b27fccbb1bp-3,
+    0x1.ef93436bc2daap+63, 0x1.835a8cdbebd68p+9, -0x1.02f485f06de18p+0, -0x1.602b27fccbb1bp-3,
     0x1.166255939a164p-3, -0x1.764b3369fb9a1p-5, -0x1.ac98b34b99e63p-7, 0x1.33e1b0a0e5d66p-6,
     },
     {
-    0x1.f0762fde45ee6p+63, 0x1.9c3551b59fc73p+9, -0x1.c89c6d1a1b836p-1, -0x1.5341e3c0177b6p-3,
+    0x1.f0762fde45ee6p+63, 0x1.9c3551b59fc73p+9, -0x1.044e368d0dc1bp+0, -0x1.5341e3c0177b6p-3,
     0x1.107929f74887bp-3, -0x1.7e1b362e24a58p-5, -0x1.73ba2b2d39b01p-7, 0x1.2aa6aa9473728p-6,
     },
     {
-    0x1.f14e8211e8c55p+63, -0x1.59c8248a0d9a7p+9, -0x1.cb36433182ef9p-1, -0x1.46a0403da5d5bp-3,
+    0x1.f14e8211e8c55p+63, -0x1.59c8248a0d9a7p+9, -0x1.059b2198c177dp+0, -0x1.46a0403da5d5bp-3,
     0x1.0a72f12ca6e2cp-3, -0x1.84d34478e92afp-5, -0x1.3ca10e29d4f35p-7, 0x1.20ff686eece8cp-6,
     },
     {
-    0x1.f21c9f12f0677p+63, -0x1.7efe429672266p+6, -0x1.cdb71eb3c92d4p-1, -0x1.3a47801c56a58p-3,
+    0x1.f21c9f12f0677p+63, -0x1.7efe429672266p+6, -0x1.06db8f59e496ap+0, -0x1.3a47801c56a58p-3,
     0x1.0453f90da4a97p-3, -0x1.8a7c6a2328e3dp-5, -0x1.076066c39eee4p-7, 0x1.16f93d7c1bbd9p-6,
     },
     {
-    0x1.f2e0e9a6a8b09p+63, 0x1.4ef7dec7df292p+8, -0x1.d01f927fdf1aep-1, -0x1.2e38b338cfa69p-3,
+    0x1.f2e0e9a6a8b09p+63, 0x1.4ef7dec7df292p+8, -0x1.080fc93fef8d7p+0, -0x1.2e38b338cfa69p-3,
     0x1.fc40d51d5f9cap-4, -0x1.8f200c04ee171p-5, -0x1.a8118c3440b21p-8, 0x1.0ca138ad7ee19p-6,
     },
     {
-    0x1.f39bc242e43e6p+63, -0x1.dbade2f2295e3p+9, -0x1.d27033631afc7p-1, -0x1.2274b86833f6ep-3,
+    0x1.f39bc242e43e6p+63, -0x1.dbade2f2295e3p+9, -0x1.093819b18d7e3p+0, -0x1.2274b86833f6ep-3,
     0x1.efb890e6932bbp-4, -0x1.92c7dbb837324p-5, -0x1.4550a391a30a6p-8, 0x1.02041983277d4p-6,
     },
     {
-    0x1.f44d870704911p+63, -0x1.32b632e1fa469p+9, -0x1.d4a997b8f85d1p-1, -0x1.16fc3f494128ep-3,
+    0x1.f44d870704911p+63, -0x1.32b632e1fa469p+9, -0x1.0a54cbdc7c2e9p+0, -0x1.16fc3f494128ep-3,
     0x1.e316dc65fda4cp-4, -0x1.957dcba62a0a3p-5, -0x1.cd2b4f115367p-9, 0x1.ee5c8bb96c96p-7,
     },
     {
-    0x1.f4f693b67bd77p+63, -0x1.3a1ee1406c356p+8, -0x1.d6cc570e86b1ap-1, -0x1.0bcfca21947dbp-3,
+    0x1.f4f693b67bd77p+63, -0x1.3a1ee1406c356p+8, -0x1.0b662b874358dp+0, -0x1.0bcfca21947dbp-3,
     0x1.d6631e1b0ce2cp-4, -0x1.974c03683ca7bp-5, -0x1.17e7302a23123p-9, 0x1.d857816a080f2p-7,
     },
     {
-    0x1.f59741b4b97cfp+63, -0x1.6d774967aac4cp+9, -0x1.d8d909c99cdb5p-1, -0x1.00efafc4eaa0ep-3,
+    0x1.f59741b4b97cfp+63, -0x1.6d774967aac4cp+9, -0x1.0c6c84e4ce6dbp+0, -0x1.00efafc4eaa0ep-3,
     0x1.c9a46a9949b63p-4, -0x1.983cd486039dep-5, -0x1.abc83f9519874p-11, 0x1.c210439312113p-7,
     },
     {
-    0x1.f62fe80272419p+63, -0x1.b7c25ec8b416fp+9, -0x1.dad048d3e3614p-1, -0x1.ecb83b087b37cp-4,
+    0x1.f62fe80272419p+63, -0x1.b7c25ec8b416fp+9, -0x1.0d682469f1b0ap+0, -0x1.ecb83b087b37cp-4,
     0x1.bce18364a33d4p-4, -0x1.985aaf9778ffep-5, 0x1.ccfb9c02c3c6ap-12, 0x1.ab9d1c5a63e2dp-7,
     },
     {
-    0x1.f6c0db3c34641p+63, 0x1.a58188f60dc79p+9, -0x1.dcb2ad49c30f3p-1, -0x1.d82a32456f15ap-4,
+    0x1.f6c0db3c34641p+63, 0x1.a58188f60dc79p+9, -0x1.0e5956a4e1879p+0, -0x1.d82a32456f15ap-4,
     0x1.b020d622fea29p-4, -0x1.97b019d2b26c1p-5, 0x1.ab81d50a45c62p-10, 0x1.95136389f6c7dp-7,
     },
     {
-    0x1.f74a6d9a38383p+63, 0x1.c33a329423946p+9, -0x1.de80d02d41ab4p-1, -0x1.c435059d09788p-4,
+    0x1.f74a6d9a38383p+63, 0x1.c33a329423946p+9, -0x1.0f406816a0d5ap+0, -0x1.c435059d09788p-4,
     0x1.a3687c1f96cbfp-4, -0x1.9647a30b2190dp-5, 0x1.696db757c1b1ep-9, 0x1.7e877356db9e7p-7,
     },
     {
-    0x1.f7cceef15d631p+63, 0x1.04499553ea611p+9, -0x1.e03b4a1cd29dbp-1, -0x1.b0d82e374a5cp-4,
+    0x1.f7cceef15d631p+63, 0x1.04499553ea611p+9, -0x1.101da50e694edp+0, -0x1.b0d82e374a5cp-4,
     0x1.96be3a1c8a08dp-4, -0x1.942bdc27a2318p-5, 0x1.f4a8acebfaed2p-9, 0x1.680c9eedcc954p-7,
     },
     {
-    0x1.f848acb544e95p+63, -0x1.b27a62d67b274p+9, -0x1.e1e2b30e1dbbp-1, -0x1.9e12e1fde7354p-4,
+    0x1.f848acb544e95p+63, -0x1.b27a62d67b274p+9, -0x1.10f159870edd8p+0, -0x1.9e12e1fde7354p-4,
     0x1.8a27806ecd102p-4, -0x1.91674e13c4269p-5, 0x1.3bbdd56bddf36p-8, 0x1.51b52abb057cbp-7,
     },
     {
-    0x1.f8bdf1fb7837p+63, -0x1.8370b75253118p+9, -0x1.e377a20cbae6p-1, -0x1.8be4178f5ec92p-4,
+    0x1.f8bdf1fb7837p+63, -0x1.8370b75253118p+9, -0x1.11bbd1065d73p+0, -0x1.8be4178f5ec92p-4,
     0x1.7da96b609a67bp-4, -0x1.8e04712ff01cfp-5, 0x1.78fb9b4e249d3p-8, 0x1.3b9246610e6d3p-7,
     },
     {
-    0x1.f92d077f8d56dp+63, 0x1.8b55ef493fce7p+8, -0x1.e4faacfcddeffp-1, -0x1.7a4a8a2bdce12p-4,
+    0x1.f92d077f8d56dp+63, 0x1.8b55ef493fce7p+8, -0x1.127d567e6ef8p+0, -0x1.7a4a8a2bdce12p-4,
     0x1.7148c3d65b89fp-4, -0x1.8a0da5433be7cp-5, 0x1.b219097d4ada3p-8, 0x1.25b408505166ap-7,
     },
     {
-    0x1.f99633a838a57p+63, -0x1.4ba6bcb2552ap+9, -0x1.e66c6861eb001p-1, -0x1.6944bd98e89fdp-4,
+    0x1.f99633a838a57p+63, -0x1.4ba6bcb2552ap+9, -0x1.13363430f58p+0, -0x1.6944bd98e89fdp-4,
     0x1.650a0031f584fp-4, -0x1.858d29f0ffe77p-5, 0x1.e7246af6110adp-8, 0x1.10296aefaef6p-7,
     },
     {
-    0x1.f9f9ba8d3c733p+63, 0x1.cd57612f5f4f7p+9, -0x1.e7cd6728e8defp-1, -0x1.58d101f90997p-4,
+    0x1.f9f9ba8d3c733p+63, 0x1.cd57612f5f4f7p+9, -0x1.13e6b394746f8p+0, -0x1.58d101f90997p-4,
     0x1.58f14570553b1p-4, -0x1.808d17b3832p-5, 0x1.0c175f74e4eaep-7, 0x1.f6009689a061cp-8,
     },
     {
-    0x1.fa57ddfe27376p+63, 0x1.e636769e90312p+9, -0x1.e91e3a76c3c8p-1, -0x1.48ed7794c1a59p-4,
+    0x1.fa57ddfe27376p+63, 0x1.e636769e90312p+9, -0x1.148f1d3b61e4p+0, -0x1.48ed7794c1a59p-4,
     0x1.4d02687d0f927p-4, -0x1.7b17595c5fc22p-5, 0x1.22a5c19c5e173p-7, 0x1.cc8ad2135afebp-8,
     },
     {
-    0x1.fab0dd89d1309p+63, -0x1.ae61bd9db1babp+9, -0x1.ea5f717a50d82p-1, -0x1.399812926bc23p-4,
+    0x1.fab0dd89d1309p+63, -0x1.ae61bd9db1babp+9, -0x1.152fb8bd286c1p+0, -0x1.399812926bc23p-4,
     0x1.4140efb7e786cp-4, -0x1.7535a61a96c4p-5, 0x1.37483f88a16a3p-7, 0x1.a408d03752e24p-8,
     },
     {
-    0x1.fb04f6868a944p+63, -0x1.1ae77bb6d5c3bp+9, -0x1.eb919941ffddcp-1, -0x1.2ace9e9ac1f4ep-4,
+    0x1.fb04f6868a944p+63, -0x1.1ae77bb6d5c3bp+9, -0x1.15c8cca0ffeeep+0, -0x1.2ace9e9ac1f4ep-4,
     0x1.35b014a80ee9p-4, -0x1.6ef17c05a733bp-5, 0x1.4a0ac6f9459d8p-7, 0x1.7c8fa65f692edp-8,
     },
     {
-    0x1.fb54641aebbc9p+63, -0x1.79972bf893ddbp+9, -0x1.ecb53c952725p-1, -0x1.1c8ec267fe9e2p-4,
+    0x1.fb54641aebbc9p+63, -0x1.79972bf893ddbp+9, -0x1.165a9e4a93928p+0, -0x1.1c8ec267fe9e2p-4,
     0x1.2a52c5d8fe5bfp-4, -0x1.68541b2c65947p-5, 0x1.5afa35a6f4a89p-7, 0x1.56323f6c645bfp-8,
     },
     {
-    0x1.fb9f5f473917p+63, 0x1.831847ec30c2bp+9, -0x1.edcae3d0d2ebcp-1, -0x1.0ed6033dbe8dbp-4,
+    0x1.fb9f5f473917p+63, 0x1.831847ec30c2bp+9, -0x1.16e571e86975ep+0, -0x1.0ed6033dbe8dbp-4,
     0x1.1f2ba8dccd79dp-4, -0x1.61668125c13e1p-5, 0x1.6a243f7ed4e5ep-7, 0x1.310165b188218p-8,
     },
     {
-    0x1.fbe61eef4cf6ap+63, 0x1.15ded88667618p+9, -0x1.eed314c800644p-1, -0x1.01a1c847fa206p-4,
+    0x1.fbe61eef4cf6ap+63, 0x1.15ded88667618p+9, -0x1.17698a6400322p+0, -0x1.01a1c847fa206p-4,
     0x1.143d1c7004b71p-4, -0x1.5a3165212192cp-5, 0x1.7797556214c5p-7, 0x1.0d0bcef77b485p-8,
     },
     {
-    0x1.fc28d7e4f9cdp+63, -0x1.8608aa10e3372p+9, -0x1.efce52a72a9d9p-1, -0x1.e9debbbf36e2cp-5,
+    0x1.fc28d7e4f9cdp+63, -0x1.8608aa10e3372p+9, -0x1.17e72953954ecp+0, -0x1.e9debbbf36e2cp-5,
     0x1.09893abaf7351p-4, -0x1.52bd34738b2cbp-5, 0x1.83628c80e3157p-7, 0x1.d4bc54b2fd315p-9,
     },
     {
-    0x1.fc67bcf2d7b8fp+63, -0x1.0d273418771a5p+9, -0x1.f0bd1ddb0e441p-1, -0x1.d177f166cce52p-5,
+    0x1.fc67bcf2d7b8fp+63, -0x1.0d273418771a5p+9, -0x1.185e8eed8722p+0, -0x1.d177f166cce52p-5,
     0x1.fe23b75995f63p-5, -0x1.4b120f9e4df9fp-5, 0x1.8d95866600be2p-7, 0x1.92065f9f93e06p-9,
     },
     {
-    0x1.fca2fee770c79p+63, 0x1.ecfc67e413f67p+7, -0x1.f19ff3fa87facp-1, -0x1.ba0971a82aa2p-5,
+    0x1.fca2fee770c79p+63, 0x1.ecfc67e413f67p+7, -0x1.18cff9fd43fd6p+0, -0x1.ba0971a82aa2p-5,
     0x1.e9b12ed8e3392p-5, -0x1.4337c7cb98a93p-5, 0x1.964059c5fb126p-7, 0x1.52076274006cbp-9,
     },
     {
-    0x1.fcdacca0bfb73p+63, -0x1.2c33d88729e43p+9, -0x1.f2774fb370047p-1, -0x1.a38d59456f77bp-5,
+    0x1.fcdacca0bfb73p+63, -0x1.2c33d88729e43p+9, -0x1.193ba7d9b8023p+0, -0x1.a38d59456f77bp-5,
     0x1.d5bd91b7e3c12p-5, -0x1.3b35dcbcf3bfep-5, 0x1.9d737c230342bp-7, 0x1.14cd597a181b1p-9,
     },
     {
-    0x1.fd0f5317f582fp+63, -0x1.c8821e4d91d38p+9, -0x1.f343a8ba5518fp-1, -0x1.8dfda7411cb45p-5,
+    0x1.fd0f5317f582fp+63, -0x1.c8821e4d91d38p+9, -0x1.19a1d45d2a8c8p+0, -0x1.8dfda7411cb45p-5,
     0x1.c24b205508606p-5, -0x1.33137b2757269p-5, 0x1.a33fac5442cep-7, 0x1.b4c5812164c4cp-10,
     },
     {
-    0x1.fd40bd6d7a785p+63, 0x1.60d428f21fbb8p+9, -0x1.f40573bcf7912p-1, -0x1.7954423f89a4fp-5,
+    0x1.fd40bd6d7a785p+63, 0x1.60d428f21fbb8p+9, -0x1.1a02b9de7bc89p+0, -0x1.7954423f89a4fp-5,
     0x1.af5baae44e2ecp-5, -0x1.2ad77b7847b6fp-5, 0x1.a7b5ddfd8144bp-7, 0x1.459d785cf263dp-10,
     },
     {
-    0x1.fd6f34f52013ap+63, -0x1.4fcb2d64cb27ep+9, -0x1.f4bd225765888p-1, -0x1.658afda928534p-5,
+    0x1.fd6f34f52013ap+63, -0x1.4fcb2d64cb27ep+9, -0x1.1a5e912bb2c44p+0, -0x1.658afda928534p-5,
     0x1.9cf096baed542p-5, -0x1.228860ff2f39cp-5, 0x1.aae72601efd2ap-7, 0x1.b8551023965a6p-11,
     },
     {
-    0x1.fd9ae142795e3p+63, 0x1.972801904b9a3p+8, -0x1.f56b230b9832fp-1, -0x1.529b9e8cf9a1dp-5,
+    0x1.fd9ae142795e3p+63, 0x1.972801904b9a3p+8, -0x1.1ab59185cc198p+0, -0x1.529b9e8cf9a1dp-5,
     0x1.8b0ae3a571b0bp-5, -0x1.1a2c5975effedp-5, 0x1.ace4a7fafd601p-7, 0x1.e1ba786e333b3p-12,
     },
     {
-    0x1.fdc3e835500b3p+63, 0x1.973a36fce663cp+7, -0x1.f60fe13b72641p-1, -0x1.407fe042d6e4cp-5,
+    0x1.fdc3e835500b3p+63, 0x1.973a36fce663cp+7, -0x1.1b07f09db9321p+0, -0x1.407fe042d6e4cp-5,
     0x1.79ab314272adep-5, -0x1.11c93ce38d85ap-5, 0x1.adbf84ba34d7cp-7, 0x1.a6600c12ee798p-14,
     },
     {
-    0x1.fdea6e062d0c9p+63, -0x1.64c6b684260bcp+8, -0x1.f6abc525002a6p-1, -0x1.2f3178cd7aa02p-5,
+    0x1.fdea6e062d0c9p+63, -0x1.64c6b684260bcp+8, -0x1.1b55e29280153p+0, -0x1.2f3178cd7aa02p-5,
     0x1.68d1c45c72eep-5, -0x1.09648dd3a5344p-5, 0x1.ad88c9db58515p-7, -0x1.efc2aefd7c98ep-13,
     },
     {
-    0x1.fe0e9552ebdd6p+63, -0x1.5572f5ba5393dp+9, -0x1.f73f33e0d7661p-1, -0x1.1eaa1cfc71b12p-5,
+    0x1.fe0e9552ebdd6p+63, -0x1.5572f5ba5393dp+9, -0x1.1b9f99f06bb31p+0, -0x1.1eaa1cfc71b12p-5,
     0x1.587e8c3dc5961p-5, -0x1.010379dd5c795p-5, 0x1.ac51626a3130cp-7, -0x1.2174b70dc39e2p-11,
     },
     {
-    0x1.fe307f2b503dp+63, -0x1.8a555000387f8p+7, -0x1.f7ca8f627966ep-1, -0x1.0ee3844e59be6p-5,
+    0x1.fe307f2b503dp+63, -0x1.8a555000387f8p+7, -0x1.1be547b13cb37p+0, -0x1.0ee3844e59be6p-5,
     0x1.48b127f9ad0eap-5, -0x1.f155b4e8b904fp-6, 0x1.aa2a089de84d4p-7, -0x1.bbe5325b80f64p-11,
     },
     {
-    0x1.fe504b1d9696cp+63, 0x1.0b21e001c985fp+8, -0x1.f84e367a95dadp-1, -0x1.ffaed92812a91p-6,
+    0x1.fe504b1d9696cp+63, 0x1.0b21e001c985fp+8, -0x1.1c271b3d4aed7p+0, -0x1.ffaed92812a91p-6,
     0x1.3968eba63dc89p-5, -0x1.e0be6bfcdd01dp-6, 0x1.a72338aa2b239p-7, -0x1.25b7ce8bf42f6p-10,
     },
     {
-    0x1.fe6e1742f7cf6p+63, -0x1.cebcf3e303f16p+9, -0x1.f8ca84db0fb6fp-1, -0x1.e2ff3aaae31e1p-6,
+    0x1.fe6e1742f7cf6p+63, -0x1.cebcf3e303f16p+9, -0x1.1c65426d87db8p+0, -0x1.e2ff3aaae31e1p-6,
     0x1.2aa4e582e65a5p-5, -0x1.d04982509b9e4p-6, 0x1.a34d24a4ed073p-7, -0x1.6824963d8e79bp-10,
     },
     {
-    0x1.fe8a004c19ae6p+63, 0x1.7fbc7d60c30a3p+9, -0x1.f93fd31ca532ap-1, -0x1.c7abd5f27125fp-6,
+    0x1.fe8a004c19ae6p+63, 0x1.7fbc7d60c30a3p+9, -0x1.1c9fe98e52995p+0, -0x1.c7abd5f27125fp-6,
     0x1.1c63e307d4b26p-5, -0x1.bffec0e89d665p-6, 0x1.9eb7a97e36072p-7, -0x1.a5570afaa6a26p-10,
     },
     {
-    0x1.fea4218d6594ap+63, -0x1.e3333d8f7d98cp+6, -0x1.f9ae76c61c7c1p-1, -0x1.ada873606f0a7p-6,
+    0x1.fea4218d6594ap+63, -0x1.e3333d8f7d98cp+6, -0x1.1cd73b630e3e1p+0, -0x1.ada873606f0a7p-6,
     0x1.0ea475dac5b97p-5, -0x1.afe553fb10ef2p-6, 0x1.997245062d67p-7, -0x1.dd706e4821b82p-10,
     },
     {
-    0x1.febc950b3fa75p+63, 0x1.a558a6a465ea4p+8, -0x1.fa16c254d76a5p-1, -0x1.94e9004c5c0e2p-6,
+    0x1.febc950b3fa75p+63, 0x1.a558a6a465ea4p+8, -0x1.1d0b612a6bb52p+0, -0x1.94e9004c5c0e2p-6,
     0x1.0164f8a621297p-5, -0x1.a003ced48f478p-6, 0x1.938c0cfc638d6p-7, -0x1.084a6880530c3p-9,
     },
     {
-    0x1.fed37386190fbp+63, 0x1.72b16817d4f0fp+9, -0x1.fa790546b1235p-1, -0x1.7d6193f2417abp-6,
+    0x1.fed37386190fbp+63, 0x1.72b16817d4f0fp+9, -0x1.1d3c82a35891bp+0, -0x1.7d6193f2417abp-6,
     0x1.e947279f2c78bp-6, -0x1.90603011517a8p-6, 0x1.8d13a7224f503p-7, -0x1.1f755f0604df5p-9,
     },
     {
-    0x1.fee8d486585eep+63, 0x1.fbded6f2791afp+9, -0x1.fad58c2509703p-1, -0x1.670673f1f00bap-6,
+    0x1.fee8d486585eep+63, 0x1.fbded6f2791afp+9, -0x1.1d6ac61284b81p+0, -0x1.670673f1f00bap-6,
     0x1.d0bc84177da22p-6, -0x1.80ffe620b954ap-6, 0x1.86174249fc9fep-7, -0x1.344d73c96fbdap-9,
     },
     {
-    0x1.fefcce6813974p+63, -0x1.b27cf5025d1c8p+6, -0x1.fb2ca090e24ap-1, -0x1.51cc18621fc2p-6,
+    0x1.fefcce6813974p+63, -0x1.b27cf5025d1c8p+6, -0x1.1d9650487125p+0, -0x1.51cc18621fc2p-6,
     0x1.b925a9993ad96p-6, -0x1.71e7d4097a163p-6, 0x1.7ea490590e8bfp-7, -0x1.46e7eb79980c7p-9,
     },
     {
-    0x1.ff0f766697c76p+63, -0x1.8a47b23bc89dcp+9, -0x1.fb7e894ff50a5p-1, -0x1.3da72f7b04a86p-6,
+    0x1.ff0f766697c76p+63, -0x1.8a47b23bc89dcp+9, -0x1.1dbf44a7fa853p+0, -0x1.3da72f7b04a86p-6,
     0x1.a27df1122dadcp-6, -0x1.631c5665004a7p-6, 0x1.76c8c13774314p-7, -0x1.575acfd97b50fp-9,
     },
     {
-    0x1.ff20e0a7ba8c2p+63, -0x1.03f8b2fd7d512p+7, -0x1.fbcb8a5aa591fp-1, -0x1.2a8ca0dc1484fp-6,
+    0x1.ff20e0a7ba8c2p+63, -0x1.03f8b2fd7d512p+7, -0x1.1de5c52d52c9p+0, -0x1.2a8ca0dc1484fp-6,
     0x1.8cc071b7a362cp-6, -0x1.54a1488911a79p-6, 0x1.6e907ea086d52p-7, -0x1.65bccad2574fap-9,
     },
     {
-    0x1.ff312046f2339p+63, 0x1.8350a6e2d9893p+4, -0x1.fc13e4eabaaeep-1, -0x1.18719070dc27dp-6,
+    0x1.ff312046f2339p+63, 0x1.8350a6e2d9893p+4, -0x1.1e09f2755d577p+0, -0x1.18719070dc27dp-6,
     0x1.77e808f05a543p-6, -0x1.467a09d6fda48p-6, 0x1.6607e8ccb6a97p-7, -0x1.7225033519a3p-9,
     },
     {
-    0x1.ff404760319b4p+63, 0x1.f142071432025p+8, -0x1.fc57d78ac402dp-1, -0x1.074b60f8df347p-6,
+    0x1.ff404760319b4p+63, 0x1.f142071432025p+8, -0x1.1e2bebc562017p+0, -0x1.074b60f8df347p-6,
     0x1.63ef61e887206p-6, -0x1.38a983281c7p-6, 0x1.5d3a93e972c09p-7, -0x1.7caafb3d30897p-9,
     },
     {
-    0x1.ff4e671a85425p+63, 0x1.2bdbbace8536ap+7, -0x1.fc979e2616af9p-1, -0x1.ee1f6c6d2692p-7,
+    0x1.ff4e671a85425p+63, 0x1.2bdbbace8536ap+7, -0x1.1e4bcf130b57cp+0, -0x1.ee1f6c6d2692p-7,
     0x1.50d0fcce5c08dp-6, -0x1.2b322c4fc3333p-6, 0x1.5433865496b82p-7, -0x1.856670e3348afp-9,
     },
     {
-    0x1.ff5b8fb26f5f6p+63, -0x1.7e918d19780fdp+9, -0x1.fcd372194b134p-1, -0x1.cf68ed932f07dp-7,
+    0x1.ff5b8fb26f5f6p+63, -0x1.7e918d19780fdp+9, -0x1.1e69b90ca589ap+0, -0x1.cf68ed932f07dp-7,
     0x1.3e8735b5f72cp-6, -0x1.1e1611ab4131ep-6, 0x1.4afd37905cb18p-7, -0x1.8c6f400a4ae8bp-9,
     },
     {
-    0x1.ff67d08401202p+63, 0x1.ad3a5de487c3p+8, -0x1.fd0b8a4326e98p-1, -0x1.b25f9b70a7e95p-7,
+    0x1.ff67d08401202p+63, 0x1.ad3a5de487c3p+8, -0x1.1e85c5219374cp+0, -0x1.b25f9b70a7e95p-7,
     0x1.2d0c4b240f88fp-6, -0x1.1156d9b8e88dcp-6, 0x1.41a18fe49b456p-7, -0x1.91dd468fb5d98p-9,
     },
     {
-    0x1.ff733814af88cp+63, 0x1.0a87238cea4f9p+8, -0x1.fd401b15e031p-1, -0x1.96f0575a63ae1p-7,
+    0x1.ff733814af88cp+63, 0x1.0a87238cea4f9p+8, -0x1.1ea00d8af0188p+0, -0x1.96f0575a63ae1p-7,
     0x1.1c5a643f250d4p-6, -0x1.04f5caaf9665dp-6, 0x1.3829e8a1f42c8p-7, -0x1.95c84a40cc24ap-9,
     },
     {
-    0x1.ff7dd41ce2b4dp+63, -0x1.204535296dacap+9, -0x1.fd7156a8a641cp-1, -0x1.7d088fd73bb87p-7,
+    0x1.ff7dd41ce2b4dp+63, -0x1.204535296dacap+9, -0x1.1eb8ab545320ep+0, -0x1.7d088fd73bb87p-7,
     0x1.0c6b96a75d20dp-6, -0x1.f1e7a0213ffa9p-7, 0x1.2e9f0cfb88338p-7, -0x1.9847e0b887f63p-9,
     },
     {
-    0x1.ff87b1913e853p+63, -0x1.3ca99c8d2cea5p+8, -0x1.fd9f6cc95f8d5p-1, -0x1.649642020332ep-7,
+    0x1.ff87b1913e853p+63, -0x1.3ca99c8d2cea5p+8, -0x1.1ecfb664afc6bp+0, -0x1.649642020332ep-7,
     0x1.fa73d7eb26749p-7, -0x1.daa3005cf9a01p-7, 0x1.25093b6bc68cep-7, -0x1.997359230687p-9,
     },
     {
-    0x1.ff90dcaba4096p+63, -0x1.733363896eefdp+8, -0x1.fdca8b0e8b8a1p-1, -0x1.4d87fa6bb1911p-7,
+    0x1.ff90dcaba4096p+63, -0x1.733363896eefdp+8, -0x1.1ee5458745c5p+0, -0x1.4d87fa6bb1911p-7,
     0x1.dd7ecdc4f7e8ap-7, -0x1.c41e4345eea51p-7, 0x1.1b702798ff79fp-7, -0x1.9961a7e2b0a4ap-9,
     },
     {
-    0x1.ff9960f3eb327p+63, -0x1.08b1ca6e97f8p+8, -0x1.fdf2dce939554p-1, -0x1.37ccd585f5649p-7,
+    0x1.ff9960f3eb327p+63, -0x1.08b1ca6e97f8p+8, -0x1.1ef96e749caaap+0, -0x1.37ccd585f5649p-7,
     0x1.c1ec102e11f6cp-7, -0x1.ae5961603de7fp-7, 0x1.11dafcae83501p-7, -0x1.982954105819fp-9,
     },
     {
-    0x1.ffa14948549a7p+63, 0x1.12e9bdff1682bp+9, -0x1.fe188bb704994p-1, -0x1.23547f9e4065fp-7,
+    0x1.ffa14948549a7p+63, 0x1.12e9bdff1682bp+9, -0x1.1f0c45db824cap+0, -0x1.23547f9e4065fp-7,
     0x1.a7afa54f0a076p-7, -0x1.9953c90f4a812p-7, 0x1.0850601f45d53p-7, -0x1.95e066cd5fc41p-9,
     },
     {
-    0x1.ffa89fe5b3625p+63, 0x1.934b204fa7706p+9, -0x1.fe3bbed40b471p-1, -0x1.100f34713740bp-7,
+    0x1.ffa89fe5b3625p+63, 0x1.934b204fa7706p+9, -0x1.1f1ddf6a05a38p+0, -0x1.100f34713740bp-7,
     0x1.8ebda07641d8bp-7, -0x1.850c68e97a661p-7, 0x1.fdace98e73101p-8, -0x1.929c5c5d03b9ep-9,
     },
     {
-    0x1.ffaf6e6f4f5cp+63, 0x1.16e1b500fbf89p+8, -0x1.fe5c9baccfaafp-1, -0x1.fbdb7cbc87011p-8,
+    0x1.ffaf6e6f4f5cp+63, 0x1.16e1b500fbf89p+8, -0x1.1f2e4dd667d57p+0, -0x1.fbdb7cbc87011p-8,
     0x1.770a29c3ccd82p-7, -0x1.7181b9c9fccf4p-7, 0x1.eae5bcc1bac0ap-8, -0x1.8e7216f80be8dp-9,
     },
     {
-    0x1.ffb5bdf67fe6fp+63, 0x1.4e830346f6e7fp+2, -0x1.fe7b45cffb5afp-1, -0x1.d9c2ea85a927ap-8,
+    0x1.ffb5bdf67fe6fp+63, 0x1.4e830346f6e7fp+2, -0x1.1f3da2e7fdad8p+0, -0x1.d9c2ea85a927ap-8,
     0x1.60898536728cbp-7, -0x1.5eb1c89a6b1a1p-7, 0x1.d8558a89916ap-8, -0x1.8975d34c9d20fp-9,
     },
     {
-    0x1.ffbb97020011p+63, 0x1.5cfd6e7817468p+5, -0x1.fe97defff86a6p-1, -0x1.b9b87a094d865p-8,
+    0x1.ffbb97020011p+63, 0x1.5cfd6e7817468p+5, -0x1.1f4bef7ffc353p+0, -0x1.b9b87a094d865p-8,
     0x1.4b30191e7c96p-7, -0x1.4c9a3fcedf7fp-7, 0x1.c605b4d2b5f9bp-8, -0x1.83bb1e9a79a83p-9,
     },
     {
-    0x1.ffc10194fcb64p+63, 0x1.ea147ac20184fp+9, -0x1.feb287445735ap-1, -0x1.9ba107a459ce2p-8,
+    0x1.ffc10194fcb64p+63, 0x1.ea147ac20184fp+9, -0x1.1f5943a22b9adp+0, -0x1.9ba107a459ce2p-8,
     0x1.36f273fb4efafp-7, -0x1.3b38708fde40ep-7, 0x1.b3feb7322dc6dp-8, -0x1.7d54ce5ad1af5p-9,
     },
     {
-    0x1.ffc60535dd7f5p+63, -0x1.9641a1eaa3051p+9, -0x1.fecb5cfaf7f98p-1, -0x1.7f62803ff8154p-8,
+    0x1.ffc60535dd7f5p+63, -0x1.9641a1eaa3051p+9, -0x1.1f65ae7d7bfccp+0, -0x1.7f62803ff8154p-8,
     0x1.23c551c90de18p-7, -0x1.2a895b8e2758bp-7, 0x1.a2482fad31036p-8, -0x1.7654f961c3cf4p-9,
     },
     {
-    0x1.ffcaa8f4c9beap+63, 0x1.b0cee160116f9p+9, -0x1.fee27ce8f0409p-1, -0x1.64e3dcd3af4b8p-8,
+    0x1.ffcaa8f4c9beap+63, 0x1.b0cee160116f9p+9, -0x1.1f713e7478204p+0, -0x1.64e3dcd3af4b8p-8,
     0x1.119da0c3ccd62p-7, -0x1.1a89b97d37a7p-7, 0x1.90e8e7cb08a64p-8, -0x1.6eccf266dc2a3p-9,
     },
     {
-    0x1.ffcef371ea4d7p+63, 0x1.58d3c923481d6p+8, -0x1.fef8024b25016p-1, -0x1.4c0d1d7b744c9p-8,
+    0x1.ffcef371ea4d7p+63, 0x1.58d3c923481d6p+8, -0x1.1f7c01259280bp+0, -0x1.4c0d1d7b744c9p-8,
     0x1.007085a5f20a3p-7, -0x1.0b360331e8f51p-7, 0x1.7fe6dde07d58dp-8, -0x1.66cd43e13be33p-9,
     },
     {
-    0x1.ffd2eae369a07p+63, -0x1.83b0b306f73d7p+7, -0x1.ff0c06e6930edp-1, -0x1.34c7442de1429p-8,
+    0x1.ffd2eae369a07p+63, -0x1.83b0b306f73d7p+7, -0x1.1f86037349876p+0, -0x1.34c7442de1429p-8,
     0x1.e066becf37edap-8, -0x1.f914f2c67e81ap-8, 0x1.6f474e8562063p-8, -0x1.5e65ad239823ap-9,
     },
     {
-    0x1.ffd6951b33686p+63, -0x1.6df23234dae46p+9, -0x1.ff1ea318403b6p-1, -0x1.1efc4f1e34611p-8,
+    0x1.ffd6951b33686p+63, -0x1.6df23234dae46p+9, -0x1.1f8f518c201dbp+0, -0x1.1efc4f1e34611p-8,
     0x1.c1b79509e45c8p-8, -0x1.dd0658180f759p-8, 0x1.5f0ebe25b4861p-8, -0x1.55a520a3ed7a8p-9,
     },
     {
-    0x1.ffd9f78c7524ap+63, 0x1.04ed6ff98e45dp+9, -0x1.ff2fede4d0447p-1, -0x1.0a9732d5284dcp-8,
+    0x1.ffd9f78c7524ap+63, 0x1.04ed6ff98e45dp+9, -0x1.1f97f6f268224p+0, -0x1.0a9732d5284dcp-8,
     0x1.a4bf47a2b6dbbp-8, -0x1.c23802d8f4ae1p-8, 0x1.4f4102a0c1b5cp-8, -0x1.4c99c35a979b3p-9,
     },
     {
-    0x1.ffdd1750e122p+63, 0x1.51aaf6f217e39p+9, -0x1.ff3ffd07b9487p-1, -0x1.ef07a816513dcp-9,
+    0x1.ffdd1750e122p+63, 0x1.51aaf6f217e39p+9, -0x1.1f9ffe83dca43p+0, -0x1.ef07a816513dcp-9,
     0x1.896a15bb37a37p-8, -0x1.a8a1795723914p-8, 0x1.3fe14ce9ae6b9p-8, -0x1.4350ed2473cefp-9,
     },
     {
-    0x1.ffdff92db56e5p+63, -0x1.8aeef06f8b149p+8, -0x1.ff4ee502142dep-1, -0x1.cb5e029ba8f3cp-9,
+    0x1.ffdff92db56e5p+63, -0x1.8aeef06f8b149p+8, -0x1.1fa772810a16fp+0, -0x1.cb5e029ba8f3cp-9,
     0x1.6fa4c7edbde86p-8, -0x1.903a08308e5bap-8, 0x1.30f2329dba7a2p-8, -0x1.39d72a13cb3dcp-9,
     },
     {
-    0x1.ffe2a1988857cp+63, 0x1.ead0b1c1f0b33p+8, -0x1.ff5cb92905fcp-1, -0x1.aa0cd8f4627dep-9,
+    0x1.ffe2a1988857cp+63, 0x1.ead0b1c1f0b33p+8, -0x1.1fae5c9482fep+0, -0x1.aa0cd8f4627dep-9,
     0x1.575cb38956c77p-8, -0x1.78f8ce169d443p-8, 0x1.2275b78584fc1p-8, -0x1.30383c9bf6e61p-9,
     },
     {
-    0x1.ffe514bbdc197p+63, -0x1.cd963345b5c6dp+6, -0x1.ff698bb3bfb6ep-1, -0x1.8af14828bffa6p-9,
+    0x1.ffe514bbdc197p+63, -0x1.cd963345b5c6dp+6, -0x1.1fb4c5d9dfdb7p+0, -0x1.8af14828bffa6p-9,
     0x1.407fbd175f8a7p-8, -0x1.62d4c6d4b0eb2p-8, 0x1.146d56f78802fp-8, -0x1.267f2083ff0ebp-9,
     },
     {
-    0x1.ffe7567b7b5e1p+63, 0x1.cb29afe2aa55fp+9, -0x1.ff756dc912db1p-1, -0x1.6dea190a357a7p-9,
+    0x1.ffe7567b7b5e1p+63, 0x1.cb29afe2aa55fp+9, -0x1.1fbab6e4896d9p+0, -0x1.6dea190a357a7p-9,
     0x1.2afc5a368d8d3p-8, -0x1.4dc4d59c7024p-8, 0x1.06da0d12ec52cp-8, -0x1.1cb60e8ce0933p-9,
     },
     {
-    0x1.ffe96a78a04a9p+63, -0x1.2816fccca0095p+9, -0x1.ff806f8c9912cp-1, -0x1.52d7b2896626ap-9,
+    0x1.ffe96a78a04a9p+63, -0x1.2816fccca0095p+9, -0x1.1fc037c64c896p+0, -0x1.52d7b2896626ap-9,
     0x1.16c192d6ec8d9p-8, -0x1.39bfce9b4ba2bp-8, 0x1.f378bf9575e5p-9, -0x1.12e680b8a10b4p-9,
     },
     {
-    0x1.ffeb5415e7c44p+63, -0x1.1c1629e52734cp+9, -0x1.ff8aa02b6e372p-1, -0x1.399c0bf584b7fp-9,
+    0x1.ffeb5415e7c44p+63, -0x1.1c1629e52734cp+9, -0x1.1fc55015b71b9p+0, -0x1.399c0bf584b7fp-9,
     0x1.03bf01e220bb4p-8, -0x1.26bc7fdd38ddfp-8, 0x1.da28cf74a228ep-9, -0x1.0919371fecea6p-9,
     },
     {
-    0x1.ffed167b12ac2p+63, -0x1.ddc0ce3ed8fcbp+9, -0x1.ff940de87c1f4p-1, -0x1.221a9f326bef5p-9,
+    0x1.ffed167b12ac2p+63, -0x1.ddc0ce3ed8fcbp+9, -0x1.1fca06f43e0fap+0, -0x1.221a9f326bef5p-9,
     0x1.e3c9aab5eb07p-9, -0x1.14b1b9812b265p-8, 0x1.c1c3b179a49cap-9, -0x1.feac7a893bacap-10,
     },
     {
-    0x1.ffeeb49896c6dp+63, 0x1.cc5947f9700a7p+9, -0x1.ff9cc62858242p-1, -0x1.0c385af1be605p-9,
+    0x1.ffeeb49896c6dp+63, 0x1.cc5947f9700a7p+9, -0x1.1fce63142c121p+0, -0x1.0c385af1be605p-9,
     0x1.c2479bfdebca1p-9, -0x1.0396554447191p-8, 0x1.aa4814844926dp-9, -0x1.eb49dfa072576p-10,
     },
     {
-    0x1.fff0312b010b5p+63, 0x1.155deb2d93f68p+9, -0x1.ffa4d57cb29f4p-1, -0x1.efb729f4be123p-10,
+    0x1.fff0312b010b5p+63, 0x1.155deb2d93f68p+9, -0x1.1fd26abe594fap+0, -0x1.efb729f4be123p-10,
     0x1.a2da7ce8f030bp-9, -0x1.e6c27ad263b71p-9, 0x1.93b3feb9906ffp-9, -0x1.d818055c6954bp-10,
     },
     {
-    0x1.fff18ebe2b0e1p+63, -0x1.9834155e7a96bp+7, -0x1.ffac47af59021p-1, -0x1.c9d7f9113cc91p-10,
+    0x1.fff18ebe2b0e1p+63, -0x1.9834155e7a96bp+7, -0x1.1fd623d7ac81p+0, -0x1.c9d7f9113cc91p-10,
     0x1.8566141e5af87p-9, -0x1.c812e60267453p-9, 0x1.7e04dd0937eebp-9, -0x1.c5230ee52ea4dp-10,
     },
     {
-    0x1.fff2cfb0453d9p+63, 0x1.9a913686042a3p+9, -0x1.ffb327cccb709p-1, -0x1.a6a519a114d73p-10,
+    0x1.fff2cfb0453d9p+63, 0x1.9a913686042a3p+9, -0x1.1fd993e665b85p+0, -0x1.a6a519a114d73p-10,
     0x1.69cf4669d3de3p-9, -0x1.ab0c273a5964cp-9, 0x1.69379216a226fp-9, -0x1.b275e7fcb8f79p-10,
     },
     {
-    0x1.fff3f634b79f9p+63, 0x1.cf2d34d60f22dp+9, -0x1.ffb9802e67145p-1, -0x1.85f2ff55d776ap-10,
+    0x1.fff3f634b79f9p+63, 0x1.cf2d34d60f22dp+9, -0x1.1fdcc017338a3p+0, -0x1.85f2ff55d776ap-10,
     0x1.4ffc12d7e7d17p-9, -0x1.8f9cbcd92be8dp-9, 0x1.5548847ffbbcbp-9, -0x1.a01a52a7aa46p-10,
     },
     {
-    0x1.fff50456dab8cp+63, -0x1.a197ab9f52a4fp+6, -0x1.ffbf5a84269bap-1, -0x1.679880e93e5c7p-10,
+    0x1.fff50456dab8cp+63, -0x1.a197ab9f52a4fp+6, -0x1.1fdfad42134ddp+0, -0x1.679880e93e5c7p-10,
     0x1.37d38e37933b2p-9, -0x1.75b371a1e6a4ep-9, 0x1.4233ac7fba277p-9, -0x1.8e18f51c3ac9cp-10,
     },
     {
-    0x1.fff5fbfc8a439p+63, -0x1.a9a615103f56bp+7, -0x1.ffc4bfddfa941p-1, -0x1.4b6ebe4e53ca4p-10,
+    0x1.fff5fbfc8a439p+63, -0x1.a9a615103f56bp+7, -0x1.1fe25feefd4ap+0, -0x1.4b6ebe4e53ca4p-10,
     0x1.213dde11bff4ep-9, -0x1.5d3f64d87decbp-9, 0x1.2ff4a0e5bc768p-9, -0x1.7c7967df30de9p-10,
     },
     {
-    0x1.fff6dee89352ep+63, 0x1.b96c0ba13851dp+9, -0x1.ffc9b8b4bb838p-1, -0x1.315107613c677p-10,
+    0x1.fff6dee89352ep+63, 0x1.b96c0ba13851dp+9, -0x1.1fe4dc5a5dc1cp+0, -0x1.315107613c677p-10,
     0x1.0c243326ee33fp-9, -0x1.46301161d46b7p-9, 0x1.1e86a3666d801p-9, -0x1.6b4243f88447fp-10,
     },
     {
-    0x1.fff7aebcff755p+63, 0x1.2c7935d06e174p+9, -0x1.ffce4cf2b7cf2p-1, -0x1.191cc320548fcp-10,
+    0x1.fff7aebcff755p+63, 0x1.2c7935d06e174p+9, -0x1.1fe726795be79p+0, -0x1.191cc320548fcp-10,
     0x1.f0e18704d6854p-10, -0x1.307553f4382dfp-9, 0x1.0de4ac3f4916ep-9, -0x1.5a79312b03977p-10,
     },
     {
-    0x1.fff86cfd3e657p+63, -0x1.2e06af13b7209p+8, -0x1.ffd283fbdfa99p-1, -0x1.02b15777eb7c9p-10,
+    0x1.fff86cfd3e657p+63, -0x1.2e06af13b7209p+8, -0x1.1fe941fdefd4dp+0, -0x1.02b15777eb7c9p-10,
     0x1.cc1d8863476ffp-10, -0x1.1bff7065adbp-9, 0x1.fc12ea622721p-10, -0x1.4a22f41c064fdp-10,
     },
     {
-    0x1.fff91b102fca8p+63, 0x1.334d3011b602ep+9, -0x1.ffd664b59162cp-1, -0x1.dbe0235126c4cp-11,
+    0x1.fff91b102fca8p+63, 0x1.334d3011b602ep+9, -0x1.1feb325ac8b16p+0, -0x1.dbe0235126c4cp-11,
     0x1.a9d4c55a9419ap-10, -0x1.08bf16254ce4ep-9, 0x1.dddf07a1d8aap-10, -0x1.3a437c59e3533p-10,
     },
     {
-    0x1.fff9ba420e834p+63, 0x1.1379ec5aa630ep+8, -0x1.ffd9f58e0891p-1, -0x1.b5781e9d7c65p-11,
+    0x1.fff9ba420e834p+63, 0x1.1379ec5aa630ep+8, -0x1.1fecfac704488p+0, -0x1.b5781e9d7c65p-11,
     0x1.89e17c026e2a7p-10, -0x1.ed4ac7d9aa553p-10, 0x1.c122666453653p-10, -0x1.2addf2318709p-10,
     },
     {
-    0x1.fffa4bc63ee9ap+63, -0x1.195a8f635e90bp+8, -0x1.ffdd3c8372a59p-1, -0x1.91f4502265fc3p-11,
+    0x1.fffa4bc63ee9ap+63, -0x1.195a8f635e90bp+8, -0x1.1fee9e41b952cp+0, -0x1.91f4502265fc3p-11,
     0x1.6c1fbf7e31ddp-10, -0x1.cb47d56edec56p-10, 0x1.a5d179d73c8fep-10, -0x1.1bf4c4451d636p-10,
     },
     {
-    0x1.fffad0b901755p+63, 0x1.70d5c6bd7b275p+7, -0x1.ffe03f2aab8f3p-1, -0x1.7121aff59f6aap-11,
+    0x1.fffad0b901755p+63, 0x1.70d5c6bd7b275p+7, -0x1.1ff01f9555c7ap+0, -0x1.7121aff59f6aap-11,
     0x1.506d698e6e8dbp-10, -0x1.ab596014b513ap-10, 0x1.8be082f70f211p-10, -0x1.0d89b4d74fd9ap-10,
     },
     {
-    0x1.fffb4a210b172p+63, -0x1.5de9acaf58efdp+6, -0x1.ffe302b5a5214p-1, -0x1.52d055060ba7cp-11,
+    0x1.fffb4a210b172p+63, -0x1.5de9acaf58efdp+6, -0x1.1ff1815ad290ap+0, -0x1.52d055060ba7cp-11,
     0x1.36aa0be39484ep-10, -0x1.8d645f37f11b4p-10, 0x1.7343a01be43bdp-10, -0x1.ff3bcd802a072p-11,
     },
     {
-    0x1.fffbb8f1049c6p+63, 0x1.d2c6266b51f27p+8, -0x1.ffe58bf97bfdap-1, -0x1.36d34c8f1c273p-11,
+    0x1.fffbb8f1049c6p+63, 0x1.d2c6266b51f27p+8, -0x1.1ff2c5fcbdfedp+0, -0x1.36d34c8f1c273p-11,
     0x1.1eb6e14538c4ep-10, -0x1.714eb8cac0682p-10, 0x1.5beedb53b7p-10, -0x1.e463d402fafe6p-11,
     },
     {
-    0x1.fffc1e08f25f5p+63, 0x1.8bac3f38a8547p+8, -0x1.ffe7df743ccb6p-1, -0x1.1d0072f1ddf11p-11,
+    0x1.fffc1e08f25f5p+63, 0x1.8bac3f38a8547p+8, -0x1.1ff3efba1e65bp+0, -0x1.1d0072f1ddf11p-11,
     0x1.0876be9fe08e3p-10, -0x1.56ff42547df8ep-10, 0x1.45d6379389264p-10, -0x1.ca8b8fe88e471p-11,
     },
     {
-    0x1.fffc7a37857d2p+63, -0x1.97b31125dd25ap+8, -0x1.ffea01525c862p-1, -0x1.05304df546ee1p-11,
+    0x1.fffc7a37857d2p+63, -0x1.97b31125dd25ap+8, -0x1.1ff500a92e431p+0, -0x1.05304df546ee1p-11,
     0x1.e79c0813a5f42p-11, -0x1.3e5dc104e88b5p-10, 0x1.30edbcc983496p-10, -0x1.b1b21e0a96bdap-11,
     },
     {
-    0x1.fffcce3b57bffp+63, -0x1.2da4411e7392dp+8, -0x1.ffebf573e6b61p-1, -0x1.de7bd0dbc5f3p-12,
+    0x1.fffcce3b57bffp+63, -0x1.2da4411e7392dp+8, -0x1.1ff5fab9f35bp+0, -0x1.de7bd0dbc5f3p-12,
     0x1.c1451b9c10a2cp-11, -0x1.2752e8e0cdcfep-10, 0x1.1d2982dac2f35p-10, -0x1.99d5bbfc2ea8cp-11,
     },
     {
-    0x1.fffd1ac4135f9p+63, 0x1.eeafa1ecd6cefp+9, -0x1.ffedbf71645cdp-1, -0x1.b60d5e9708472p-12,
+    0x1.fffd1ac4135f9p+63, 0x1.eeafa1ecd6cefp+9, -0x1.1ff6dfb8b22e6p+0, -0x1.b60d5e9708472p-12,
     0x1.9db74b2d4930bp-11, -0x1.11c8689e69065p-10, 0x1.0a7ac19e48236p-10, -0x1.7e2f14ec4fd1dp-11,
     },
     {
-    0x1.fffd9fdeabccep+63, 0x1.0c43c38b1d741p+9, -0x1.fff0e2185e4aep-1, -0x1.6e95311166c69p-12,
+    0x1.fffd9fdeabccep+63, 0x1.0c43c38b1d741p+9, -0x1.1ff8710c2f257p+0, -0x1.6e95311166c69p-12,
     0x1.5e3edefde55ebp-11, -0x1.d5be6cef442b6p-11, 0x1.d08f32b18e87fp-11, -0x1.5816d36dca59ep-11,
     },
     {
-    0x1.fffe0e0140857p+63, -0x1.6aa36f86c14ddp+7, -0x1.fff3811f26917p-1, -0x1.322484cf131bfp-12,
+    0x1.fffe0e0140857p+63, -0x1.6aa36f86c14ddp+7, -0x1.1ff9c08f9348bp+0, -0x1.322484cf131bfp-12,
     0x1.27dc1b66cd988p-11, -0x1.9202f4412ae8cp-11, 0x1.93c4c9d2d0631p-11, -0x1.30f0062554a5p-11,
     },
     {
-    0x1.fffe68f4fa777p+63, 0x1.2f2176070778ep+4, -0x1.fff5b0f446d84p-1, -0x1.fe48c44d2b34p-13,
+    0x1.fffe68f4fa777p+63, 0x1.2f2176070778ep+4, -0x1.1ffad87a236c2p+0, -0x1.fe48c44d2b34p-13,
     0x1.f2bd95290f0b9p-12, -0x1.57389165ca2c2p-11, 0x1.5dfb464575c72p-11, -0x1.0d5b6c71cbdf9p-11,
     },
     {
-    0x1.fffeb3ebb267bp+63, 0x1.e47f697047cbap+7, -0x1.fff7830f25915p-1, -0x1.a8670aa99ad07p-13,
+    0x1.fffeb3ebb267bp+63, 0x1.e47f697047cbap+7, -0x1.1ffbc18792c8bp+0, -0x1.a8670aa99ad07p-13,
     0x1.a3737d8d00864p-12, -0x1.24544ee202a2ap-11, 0x1.2e8b8f6f4428cp-11, -0x1.da545e5704c38p-12,
     },
     {
-    0x1.fffef1960d85dp+63, -0x1.f7cc780a237bap+9, -0x1.fff90655113bcp-1, -0x1.60403819b2988p-13,
+    0x1.fffef1960d85dp+63, -0x1.f7cc780a237bap+9, -0x1.1ffc832a889dep+0, -0x1.60403819b2988p-13,
     0x1.5fff1d51036f4p-12, -0x1.f0c93c3695b69p-12, 0x1.04d7bd162f8cep-11, -0x1.a052cbb298f5dp-12,
     },
     {
-    0x1.ffff2436a21dcp+63, -0x1.3607959a29d36p+9, -0x1.fffa4772608f5p-1, -0x1.23c436c3703fep-13,
+    0x1.ffff2436a21dcp+63, -0x1.3607959a29d36p+9, -0x1.1ffd23b93047bp+0, -0x1.23c436c3703fep-13,
     0x1.26bf0007f2ea6p-12, -0x1.a51fb4d22a797p-12, 0x1.c0976a0515e2ap-12, -0x1.6c473c74fe91ap-12,
     },
     {
-    0x1.ffff4db27f146p+63, 0x1.ddecdd6d729f6p+9, -0x1.fffb5128cf746p-1, -0x1.e25894882aa7cp-14,
+    0x1.ffff4db27f146p+63, 0x1.ddecdd6d729f6p+9, -0x1.1ffda89467ba3p+0, -0x1.e25894882aa7cp-14,
     0x1.ec8a8d7825b8p-13, -0x1.642571f71d0dp-12, 0x1.80bb09661fc79p-12, -0x1.3dc453ccfb7f1p-12,
     },
     {
-    0x1.ffff6f9f67e55p+63, 0x1.e1e4483ba034bp+9, -0x1.fffc2c942e5fep-1, -0x1.8de3cd290b274p-14,
+    0x1.ffff6f9f67e55p+63, 0x1.e1e4483ba034bp+9, -0x1.1ffe164a172ffp+0, -0x1.8de3cd290b274p-14,
     0x1.9aa4891b405f6p-13, -0x1.2c7d5ec02b6a2p-12, 0x1.491b034a423e5p-12, -0x1.145c6ba921e5ap-12,
     },
     {
-    0x1.ffff8b500e77cp+63, -0x1.1014e1f7cc69bp+8, -0x1.fffce16666bp-1, -0x1.478cffe1cdcbp-14,
+    0x1.ffff8b500e77cp+63, -0x1.1014e1f7cc69bp+8, -0x1.1ffe70b33358p+0, -0x1.478cffe1cdcbp-14,
     0x1.559f03fbc770fp-13, -0x1.f9e1635981277p-13, 0x1.18cc73e091995p-12, -0x1.df46c055760cep-13,
     },
     {
-    0x1.ffffa1de8c582p+63, 0x1.832540129302ap+9, -0x1.fffd761bc36dfp-1, -0x1.0d18811478f34p-14,
+    0x1.ffffa1de8c582p+63, 0x1.832540129302ap+9, -0x1.1ffebb0de1b6fp+0, -0x1.0d18811478f34p-14,
     0x1.1b964ca6f9936p-13, -0x1.a8d784cf6d374p-13, 0x1.ddf0f87b252bdp-13, -0x1.9e60013d830ddp-13,
     },
     {
-    0x1.ffffb43555b5fp+63, 0x1.c17f83c5c2d0ap+9, -0x1.fffdf0285aba5p-1, -0x1.b93e442838f52p-15,
+    0x1.ffffb43555b5fp+63, 0x1.c17f83c5c2d0ap+9, -0x1.1ffef8142d5d3p+0, -0x1.b93e442838f52p-15,
     0x1.d5cf1401552e5p-14, -0x1.63f5eafe89bdbp-13, 0x1.95b73138feba2p-13, -0x1.653a5ec05e09bp-13,
     },
     {
-    0x1.ffffc316d9edp+63, -0x1.8b32f44f46b3bp+9, -0x1.fffe541f616ebp-1, -0x1.690585ca92df8p-15,
+    0x1.ffffc316d9edp+63, -0x1.8b32f44f46b3bp+9, -0x1.1fff2a0fb0b76p+0, -0x1.690585ca92df8p-15,
     0x1.84522ef7666edp-14, -0x1.298f8d0542ce2p-13, 0x1.57898f06bf543p-13, -0x1.33157408f338ep-13,
     },
     {
-    0x1.ffffcf23ff5fcp+63, -0x1.b18a8b1c01178p+9, -0x1.fffea5d5205f4p-1, -0x1.26c8826edab63p-15,
+    0x1.ffffcf23ff5fcp+63, -0x1.b18a8b1c01178p+9, -0x1.1fff52ea902fap+0, -0x1.26c8826edab63p-15,
     0x1.4047349f5adebp-14, -0x1.f057db7f9ed8bp-14, 0x1.22291cbe2633cp-13, -0x1.073be5f46a405p-13,
     },
     {
-    0x1.ffffd8e1a2f22p+63, -0x1.c10adf6b19989p+9, -0x1.fffee87c3153dp-1, -0x1.e06a8b37e727ep-16,
+    0x1.ffffd8e1a2f22p+63, -0x1.c10adf6b19989p+9, -0x1.1fff743e18a9fp+0, -0x1.e06a8b37e727ep-16,
     0x1.07978bc46228p-14, -0x1.9d03981dd62p-14, 0x1.e8ef99f6eb45cp-14, -0x1.c20855777edacp-14,
     },
     {
-    0x1.ffffe0bd3e852p+63, -0x1.d7ece48eb2a5p+6, -0x1.ffff1ebe99635p-1, -0x1.86ad6df7bb856p-16,
+    0x1.ffffe0bd3e852p+63, -0x1.d7ece48eb2a5p+6, -0x1.1fff8f5f4cb1ap+0, -0x1.86ad6df7bb856p-16,
     0x1.b0f312b10f0a8p-15, -0x1.56e45718dfca4p-14, 0x1.9aec6ed4b5554p-14, -0x1.7fa1ed11c0ccbp-14,
     },
     {
-    0x1.ffffe710d565ep+63, 0x1.c9ea52d76dc04p+9, -0x1.ffff4ad346f32p-1, -0x1.3d0e43d675355p-16,
+    0x1.ffffe710d565ep+63, 0x1.c9ea52d76dc04p+9, -0x1.1fffa569a3799p+0, -0x1.3d0e43d675355p-16,
     0x1.62cce9512e074p-15, -0x1.1c0771c9f327ep-14, 0x1.58829215ffe77p-14, -0x1.4622b87e9cf9fp-14,
     },
     {
-    0x1.ffffec2641a9ep+63, -0x1.e7ba4fdd8fb93p+9, -0x1.ffff6e906b3efp-1, -0x1.00c902a4d6df6p-16,
+    0x1.ffffec2641a9ep+63, -0x1.e7ba4fdd8fb93p+9, -0x1.1fffb748359f8p+0, -0x1.00c902a4d6df6p-16,
     0x1.22234dca9c62ep-15, -0x1.d57a2b51d94f9p-15, 0x1.201fe8a306f6fp-14, -0x1.148160d68a3ep-14,
     },
     {
-    0x1.fffff039f9e8fp+63, -0x1.9d1bcd6174e99p+9, -0x1.ffff8b7b1a054p-1, -0x1.9f19734d2b8bp-17,
+    0x1.fffff039f9e8fp+63, -0x1.9d1bcd6174e99p+9, -0x1.1fffc5bd8d02ap+0, -0x1.9f19734d2b8bp-17,
     0x1.d982bbab327f8p-16, -0x1.8320fbcb7df33p-15, 0x1.e0c3ae1713bd2p-15, -0x1.d398eb966d0c6p-15,
     },
     {
-    0x1.fffff37d63a36p+63, -0x1.753e324286e6bp+7, -0x1.ffffa2d48dc3p-1, -0x1.4ed4228b3f2cbp-17,
+    0x1.fffff37d63a36p+63, -0x1.753e324286e6bp+7, -0x1.1fffd16a46e18p+0, -0x1.4ed4228b3f2cbp-17,
     0x1.81918a5053764p-16, -0x1.3e81c02f3a6d7p-15, 0x1.9021b642bc4ebp-15, -0x1.8a53094755553p-15,
     },
     {
-    0x1.fffff618c3da6p+63, -0x1.19309ce23aa3ep+6, -0x1.ffffb5a563c3p-1, -0x1.0d88765d3375cp-17,
+    0x1.fffff618c3da6p+63, -0x1.19309ce23aa3ep+6, -0x1.1fffdad2b1e18p+0, -0x1.0d88765d3375cp-17,
     0x1.394b1e7d00f44p-16, -0x1.05760a72f0833p-15, 0x1.4c38adba26531p-15, -0x1.4ba7ece2f7a2ap-15,
     },
     {
-    0x1.fffff82cdcf1bp+63, 0x1.046bbe9a11838p+9, -0x1.ffffc4c7192cep-1, -0x1.b11017e7d7d1dp-18,
+    0x1.fffff82cdcf1bp+63, 0x1.046bbe9a11838p+9, -0x1.1fffe2638c967p+0, -0x1.b11017e7d7d1dp-18,
     0x1.fc0df8e1ad772p-17, -0x1.ac4e1a0030283p-16, 0x1.132d2b26f82b1p-15, -0x1.16378cafcedadp-15,
     },
     {
-    0x1.fffff9d446cccp+63, -0x1.bb06bab98bc7ep+7, -0x1.ffffd0ec091d5p-1, -0x1.5b333cc7fb884p-18,
+    0x1.fffff9d446cccp+63, -0x1.bb06bab98bc7ep+7, -0x1.1fffe876048eap+0, -0x1.5b333cc7fb884p-18,
     0x1.9b12fc11946f8p-17, -0x1.5e0691a331184p-16, 0x1.c6c4465dfeba6p-16, -0x1.d19078df4caafp-16,
     },
     {
-    0x1.fffffb248c39dp+63, 0x1.9b9a417112087p+9, -0x1.ffffdaa623a14p-1, -0x1.15cc5700a3e72p-18,
+    0x1.fffffb248c39dp+63, 0x1.9b9a417112087p+9, -0x1.1fffed5311d0ap+0, -0x1.15cc5700a3e72p-18,
     0x1.4be7564d399e3p-17, -0x1.1d6ab67e6fdfep-16, 0x1.76e3f7b3e1284p-16, -0x1.848796efa3a0fp-16,
     },
     {
-    0x1.fffffc2f171e3p+63, 0x1.85edd0395f475p+9, -0x1.ffffe26c8e1dp-1, -0x1.bba3ac4cfb32p-19,
+    0x1.fffffc2f171e3p+63, 0x1.85edd0395f475p+9, -0x1.1ffff136470e8p+0, -0x1.bba3ac4cfb32p-19,
     0x1.0b6a79dbe14e6p-17, -0x1.d06f578e85af7p-17, 0x1.3450569a28256p-16, -0x1.4369366f1618dp-16,
     },
     {
-    0x1.fffffd01f36afp+63, -0x1.d41915db16d51p+9, -0x1.ffffe8a057243p-1, -0x1.6186d9fc37fb5p-19,
+    0x1.fffffd01f36afp+63, -0x1.d41915db16d51p+9, -0x1.1ffff4502b922p+0, -0x1.6186d9fc37fb5p-19,
     0x1.ae023028da5f3p-18, -0x1.79082b3c1ebbbp-17, 0x1.f9ed86f94d32fp-17, -0x1.0c857bfd7f10fp-16,
     },
     {
-    0x1.fffffda86faa9p+63, -0x1.d230252d68f25p+8, -0x1.ffffed906207bp-1, -0x1.1926290adea97p-19,
+    0x1.fffffda86faa9p+63, -0x1.d230252d68f25p+8, -0x1.1ffff6c83103dp+0, -0x1.1926290adea97p-19,
     0x1.5900be7b803a4p-18, -0x1.3166ddd14a9d1p-17, 0x1.9e20ef724b51bp-17, -0x1.bcc4a9aab1524p-17,
     },
     {
-    0x1.fffffe2ba0ea5p+63, -0x1.26cd790893493p+9, -0x1.fffff17ca948ap-1, -0x1.be46aa87a279ap-20,
+    0x1.fffffe2ba0ea5p+63, -0x1.26cd790893493p+9, -0x1.1ffff8be54a45p+0, -0x1.be46aa87a279ap-20,
     0x1.14385f5946142p-18, -0x1.edabcabf5537fp-18, 0x1.5231e38772befp-17, -0x1.6f6c33780e9a6p-17,
     },
     {
-    0x1.fffffe92ced93p+63, -0x1.d2db2ecfe14aep+9, -0x1.fffff498f2aep-1, -0x1.617a9ceddc11p-20,
+    0x1.fffffe92ced93p+63, -0x1.d2db2ecfe14aep+9, -0x1.1ffffa4c7957p+0, -0x1.617a9ceddc11p-20,
     0x1.b95fa13ca6cffp-19, -0x1.8e1fc338680fap-18, 0x1.138ab801cd558p-17, -0x1.2ec4f75017249p-17,
     },
     {
-    0x1.fffffee3cc32cp+63, 0x1.e429188c25b27p+8, -0x1.fffff70f0bd43p-1, -0x1.1769ce59fdc3dp-20,
+    0x1.fffffee3cc32cp+63, 0x1.e429188c25b27p+8, -0x1.1ffffb8785ea1p+0, -0x1.1769ce59fdc3dp-20,
     0x1.5fe5d27c6eb25p-19, -0x1.405d9f8de83p-18, 0x1.bff37e59e84d7p-18, -0x1.f1bf0d5888f2ep-18,
     },
     {
-    0x1.ffffff233ee1dp+63, 0x1.db123ed17221dp+9, -0x1.fffff900a2aa9p-1, -0x1.b8d7f804d7449p-21,
+    0x1.ffffff233ee1dp+63, 0x1.db123ed17221dp+9, -0x1.1ffffc8051555p+0, -0x1.b8d7f804d7449p-21,
     0x1.17f93cae136c6p-19, -0x1.013b03baaef7bp-18, 0x1.6b474c50baecbp-18, -0x1.9821a563ab111p-18,
     },
     {
-    0x1.ffffff54dab72p+63, -0x1.a443df641c094p+9, -0x1.fffffa88ca658p-1, -0x1.5b11cbd1f223fp-21,
+    0x1.ffffff54dab72p+63, -0x1.a443df641c094p+9, -0x1.1ffffd446532cp+0, -0x1.5b11cbd1f223fp-21,
     0x1.bc91a3fb8d5cfp-20, -0x1.9c2c5c0af788bp-19, 0x1.25eed058148dbp-18, -0x1.4dd424a589f9ep-18,
     },
     {
-    0x1.ffffff7b91176p+63, 0x1.0b2865615db4p+8, -0x1.fffffbbd3adddp-1, -0x1.10b1488aee34fp-21,
+    0x1.ffffff7b91176p+63, 0x1.0b2865615db4p+8, -0x1.1ffffdde9d6efp+0, -0x1.10b1488aee34fp-21,
     0x1.603a50cb7fb54p-20, -0x1.4980e1758fdbp-19, 0x1.da8ed62bda742p-19, -0x1.1062bd40eb5a8p-18,
     },
     {
-    0x1.ffffff99b79d2p+63, -0x1.58ff1c4273d76p+8, -0x1.fffffcaf562bdp-1, -0x1.aba593e83d6aap-22,
+    0x1.ffffff99b79d2p+63, -0x1.58ff1c4273d76p+8, -0x1.1ffffe57ab15fp+0, -0x1.aba593e83d6aap-22,
     0x1.167c23521cc43p-20, -0x1.06d78be7c9fep-19, 0x1.7e36b25066ccep-19, -0x1.bb6c06bb4cf9fp-19,
     },
     {
-    0x1.ffffffb127525p+63, 0x1.504f382db4102p+9, -0x1.fffffd6cfe698p-1, -0x1.4ea6ce6976daep-22,
+    0x1.ffffffb127525p+63, 0x1.504f382db4102p+9, -0x1.1ffffeb67f34cp+0, -0x1.4ea6ce6976daep-22,
     0x1.b771d6af35839p-21, -0x1.a26c640c8f561p-20, 0x1.33230da83f509p-19, -0x1.680dc5f995829p-19,
     },
     {
-    0x1.ffffffc355dfdp+63, 0x1.88cb60fd8541cp+7, -0x1.fffffe0143ef8p-1, -0x1.055a3c702b24bp-22,
+    0x1.ffffffc355dfdp+63, 0x1.88cb60fd8541cp+7, -0x1.1fffff00a1f7cp+0, -0x1.055a3c702b24bp-22,
     0x1.59ff34fad866cp-21, -0x1.4c53acbaf02b5p-20, 0x1.ec7e1ac8edc55p-20, -0x1.23a7b90f573e6p-19,
     },
     {
-    0x1.ffffffd169d0cp+63, 0x1.70a2bfb068e6fp+9, -0x1.fffffe74f3032p-1, -0x1.976564c760376p-23,
+    0x1.ffffffd169d0cp+63, 0x1.70a2bfb068e6fp+9, -0x1.1fffff3a79819p+0, -0x1.976564c760376p-23,
     0x1.0fdac3524b58dp-21, -0x1.07600bd3e0416p-20, 0x1.89f5bfc3e6eb9p-20, -0x1.d75dcf66ea0f3p-20,
     },
     {
-    0x1.ffffffdc4ad7ap+63, -0x1.d75de78779663p+9, -0x1.fffffecf06c3dp-1, -0x1.3ce2f890bfd85p-23,
+    0x1.ffffffdc4ad7ap+63, -0x1.d75de78779663p+9, -0x1.1fffff678361ep+0, -0x1.3ce2f890bfd85p-23,
     0x1.aa500d37709d6p-22, -0x1.a08ef06dc4624p-21, 0x1.3a6db30dbcc1fp-20, -0x1.7bfeeec850e33p-20,
     },
     {
-    0x1.ffffffe4aed5ep+63, 0x1.389c0f32ad0f4p+5, -0x1.ffffff15062b9p-1, -0x1.ebfb14c91f02cp-24,
+    0x1.ffffffe4aed5ep+63, 0x1.389c0f32ad0f4p+5, -0x1.1fffff8a8315dp+0, -0x1.ebfb14c91f02cp-24,
     0x1.4d9225a1df7b7p-22, -0x1.48b5358f26df9p-21, 0x1.f4c62e74d5c38p-21, -0x1.319b9a34ebdf1p-20,
     },
     {
-    0x1.ffffffeb24467p+63, 0x1.bff89ef337f19p+9, -0x1.ffffff4b4f239p-1, -0x1.7d2510f1fff35p-24,
+    0x1.ffffffeb24467p+63, 0x1.bff89ef337f19p+9, -0x1.1fffffa5a791dp+0, -0x1.7d2510f1fff35p-24,
     0x1.0476af374c27bp-22, -0x1.02d3a2ce7b5aap-21, 0x1.8de1ddf77cf88p-21, -0x1.ea662d9d6523p-21,
     },
     {
-    0x1.fffffff01a8b6p+63, 0x1.23370eca5ca6ap+4, -0x1.ffffff7552fb8p-1, -0x1.26afa996c87e5p-24,
+    0x1.fffffff01a8b6p+63, 0x1.23370eca5ca6ap+4, -0x1.1fffffbaa97dcp+0, -0x1.26afa996c87e5p-24,
     0x1.95ea6c58909a9p-23, -0x1.96ba71e5741f3p-22, 0x1.3b6c24158246p-21, -0x1.8888fd33e0412p-21,
     },
     {
-    0x1.fffffff3e8892p+63, 0x1.befbf8d26e5c1p+6, -0x1.ffffff95c6fe8p-1, -0x1.c6c40e508c265p-25,
+    0x1.fffffff3e8892p+63, 0x1.befbf8d26e5c1p+6, -0x1.1fffffcae37f4p+0, -0x1.c6c40e508c265p-25,
     0x1.3ba4773e4fe86p-23, -0x1.3ee333846211bp-22, 0x1.f2fc5dc72aa63p-22, -0x1.39763ee6b2d45p-21,
     },
     {
-    0x1.fffffff6d1e56p+63, -0x1.64d969b4be4c4p+9, -0x1.ffffffaecb648p-1, -0x1.5e32de7affb4bp-25,
+    0x1.fffffff6d1e56p+63, -0x1.64d969b4be4c4p+9, -0x1.1fffffd765b24p+0, -0x1.5e32de7affb4bp-25,
     0x1.e9e056a6f4249p-24, -0x1.f2f6f87d7d47ep-23, 0x1.89ceb0a3fa7ffp-22, -0x1.f3762de9c627fp-22,
     },
     {
-    0x1.fffffff90b2e3p+63, -0x1.d82d94a90edd4p+8, -0x1.ffffffc20a75dp-1, -0x1.0d229044b3b5dp-25,
+    0x1.fffffff90b2e3p+63, -0x1.d82d94a90edd4p+8, -0x1.1fffffe1053aep+0, -0x1.0d229044b3b5dp-25,
     0x1.7b5bc62cf141bp-24, -0x1.85881f8e760afp-23, 0x1.361b70ca70aa3p-22, -0x1.8cfc317eaff13p-22,
     },
     {
-    0x1.fffffffabd229p+63, -0x1.4dbe49bec3ef2p+7, -0x1.ffffffd0d1631p-1, -0x1.9cd7dcf244debp-26,
+    0x1.fffffffabd229p+63, -0x1.4dbe49bec3ef2p+7, -0x1.1fffffe868b19p+0, -0x1.9cd7dcf244debp-26,
     0x1.252af401c3e28p-24, -0x1.2f735395d88fep-23, 0x1.e74f14b48e71ap-23, -0x1.3accc32f4a305p-22,
     },
     {
-    0x1.fffffffc0748fp+63, 0x1.6ef7a9caf1ec9p+7, -0x1.ffffffdc240b8p-1, -0x1.3c025a6818527p-26,
+    0x1.fffffffc0748fp+63, 0x1.6ef7a9caf1ec9p+7, -0x1.1fffffee1205cp+0, -0x1.3c025a6818527p-26,
     0x1.c42f73ea737e1p-25, -0x1.d7c6c13803c7cp-24, 0x1.7e090d92deb58p-23, -0x1.f21989058863p-23,
     },
     {
-    0x1.fffffffd01f89p+63, -0x1.35e8e39884f62p+8, -0x1.ffffffe4ccb05p-1, -0x1.e2cec6324a7edp-27,
+    0x1.fffffffd01f89p+63, -0x1.35e8e39884f62p+8, -0x1.1ffffff266583p+0, -0x1.e2cec6324a7edp-27,
     0x1.5c02799a5cf6ep-25, -0x1.6df4ce6e8a816p-24, 0x1.2ad78a1d564ccp-23, -0x1.892777674d6e1p-23,
     },
     {
-    0x1.fffffffdbff2ap+63, 0x1.49438981074bfp+8, -0x1.ffffffeb68653p-1, -0x1.7015eec3811d1p-27,
+    0x1.fffffffdbff2ap+63, 0x1.49438981074bfp+8, -0x1.1ffffff5b432ap+0, -0x1.7015eec3811d1p-27,
     0x1.0b487494f3576p-25, -0x1.1b44b4ebe7084p-24, 0x1.d27fa62c6d5afp-24, -0x1.359ac36965bd9p-23,
     },
     {
-    0x1.fffffffe4fa3p+63, 0x1.d166bcb681c7bp+7, -0x1.fffffff070e57p-1, -0x1.180fde415ce19p-27,
+    0x1.fffffffe4fa3p+63, 0x1.d166bcb681c7bp+7, -0x1.1ffffff83872bp+0, -0x1.180fde415ce19p-27,
     0x1.99b8619976242p-26, -0x1.b598c91148217p-25, 0x1.6b4e354ea2781p-24, -0x1.e67ff3d469485p-24,
     },
     {
-    0x1.fffffffebc1a9p+63, 0x1.e0e5facabea72p+8, -0x1.fffffff444549p-1, -0x1.a9530780d6fbap-28,
+    0x1.fffffffebc1a9p+63, 0x1.e0e5facabea72p+8, -0x1.1ffffffa222a4p+0, -0x1.a9530780d6fbap-28,
     0x1.3962e8f183bdbp-26, -0x1.51494362566bbp-25, 0x1.1a515c390552cp-24, -0x1.7d5b6d5b0702dp-24,
     },
     {
-    0x1.ffffffff0dd2bp+63, 0x1.0df73e7d2fc98p+9, -0x1.fffffff72b58p-1, -0x1.4251f33f5f796p-28,
+    0x1.ffffffff0dd2bp+63, 0x1.0df73e7d2fc98p+9, -0x1.1ffffffb95acp+0, -0x1.4251f33f5f796p-28,
     0x1.de6bbc0c74c11p-27, -0x1.036b5e69b35d2p-25, 0x1.b5ce3182a793fp-25, -0x1.2a4148fe663e6p-24,
     },
     {
-    0x1.ffffffff4b453p+63, 0x1.59b25048a5adap+9, -0x1.fffffff95de11p-1, -0x1.e78be33fc006dp-29,
+    0x1.ffffffff4b453p+63, 0x1.59b25048a5adap+9, -0x1.1ffffffcaef08p+0, -0x1.e78be33fc006dp-29,
     0x1.6c6eec0d8950cp-27, -0x1.8e36e7678035p-26, 0x1.52b8a2a6d5ccap-25, -0x1.d175f47f58845p-25,
     },
     {
-    0x1.ffffffff79626p+63, 0x1.5fbc52d650a89p+9, -0x1.fffffffb06ec7p-1, -0x1.6fffa800069ddp-29,
+    0x1.ffffffff79626p+63, 0x1.5fbc52d650a89p+9, -0x1.1ffffffd83763p+0, -0x1.6fffa800069ddp-29,
     0x1.1508f3bfabee4p-27, -0x1.30fd0aa02ee09p-26, 0x1.057d3f32b6c2fp-25, -0x1.6a607c14af551p-25,
     },
     {
-    0x1.ffffffff9bec8p+63, -0x1.6755054655a1bp+8, -0x1.fffffffc4770cp-1, -0x1.1535aee3f518cp-29,
+    0x1.ffffffff9bec8p+63, -0x1.6755054655a1bp+8, -0x1.1ffffffe23b86p+0, -0x1.1535aee3f518cp-29,
     0x1.a45479153a89p-28, -0x1.d2308a3e928fap-27, 0x1.92da7cc20aecdp-26, -0x1.197bb88115a58p-25,
     },
     {
-    0x1.ffffffffb5be5p+63, -0x1.729d6819c7f34p+8, -0x1.fffffffd38a73p-1, -0x1.a0ce0dc07a36cp-30,
+    0x1.ffffffffb5be5p+63, -0x1.729d6819c7f34p+8, -0x1.1ffffffe9c539p+0, -0x1.a0ce0dc07a36cp-30,
     0x1.3e38095a95a76p-28, -0x1.638bc2c31e6b4p-27, 0x1.35a51783d8a91p-26, -0x1.b44e863e6a087p-26,
     },
     {
-    0x1.ffffffffc901cp+63, 0x1.9c951c943881dp+7, -0x1.fffffffdedd22p-1, -0x1.38b90f79084d6p-30,
+    0x1.ffffffffc901cp+63, 0x1.9c951c943881dp+7, -0x1.1ffffffef6e91p+0, -0x1.38b90f79084d6p-30,
     0x1.e0d76f52e9532p-29, -0x1.0e975f1175ba6p-27, 0x1.daf83d0e1a495p-27, -0x1.516195cfa1a46p-26,
     },
     {
-    0x1.ffffffffd759dp+63, 0x1.f7bee7eb2342p+9, -0x1.fffffffe759e9p-1, -0x1.d453ba30a0cdap-31,
+    0x1.ffffffffd759dp+63, 0x1.f7bee7eb2342p+9, -0x1.1fffffff3acf4p+0, -0x1.d453ba30a0cdap-31,
     0x1.6a8ae631a8a21p-29, -0x1.9b0177fd519e4p-28, 0x1.6b7de63896f38p-27, -0x1.044c70adcd5f1p-26,
     },
     {
-    0x1.ffffffffe202dp+63, 0x1.a54841f5667f2p+9, -0x1.fffffffedb351p-1, -0x1.5dfa962d589fcp-31,
+    0x1.ffffffffe202dp+63, 0x1.a54841f5667f2p+9, -0x1.1fffffff6d9a8p+0, -0x1.5dfa962d589fcp-31,
     0x1.10ca1bb7ba6a3p-29, -0x1.377c7c7245aa4p-28, 0x1.159368a39288cp-27, -0x1.90c0d6491f33dp-27,
     },
     {
-    0x1.ffffffffe9ebp+63, -0x1.ea527e0bef1ecp+6, -0x1.ffffffff270d3p-1, -0x1.05042a0a6b30fp-31,
+    0x1.ffffffffe9ebp+63, -0x1.ea527e0bef1ecp+6, -0x1.1fffffff93869p+0, -0x1.05042a0a6b30fp-31,
     0x1.99ac89487b402p-30, -0x1.d72340dabd102p-29, 0x1.a70480dbdcef5p-28, -0x1.33cea8dc02ec2p-27,
     },
     {
-    0x1.ffffffffefc57p+63, -0x1.8225a9658f48dp+7, -0x1.ffffffff5f901p-1, -0x1.848f101cf3f1ep-32,
+    0x1.ffffffffefc57p+63, -0x1.8225a9658f48dp+7, -0x1.1fffffffafc81p+0, -0x1.848f101cf3f1ep-32,
     0x1.32fecf6ef6a41p-30, -0x1.638ff20751eb5p-29, 0x1.41a32a69b8f9p-28, -0x1.d7c7a1eabe51p-28,
     },
     {
-    0x1.fffffffff4188p+63, 0x1.7a2cb3d056eacp+9, -0x1.ffffffff8995ep-1, -0x1.20a2ae94269cfp-32,
+    0x1.fffffffff4188p+63, 0x1.7a2cb3d056eacp+9, -0x1.1fffffffc4cafp+0, -0x1.20a2ae94269cfp-32,
     0x1.cb2a2686d8161p-31, -0x1.0bc6eaec31861p-29, 0x1.e80da4e8ec5bp-29, -0x1.68becb0ccf2cdp-28,
     },
     {
-    0x1.fffffffff748ep+63, 0x1.ae15e3604479fp+7, -0x1.ffffffffa8c59p-1, -0x1.abf69bd99cf2ep-33,
+    0x1.fffffffff748ep+63, 0x1.ae15e3604479fp+7, -0x1.1fffffffd462dp+0, -0x1.abf69bd99cf2ep-33,
     0x1.56ae1888b3b8ap-31, -0x1.927c9d229bf6bp-30, 0x1.717d4f7feea1cp-29, -0x1.133abaa935265p-28,
     },
     {
-    0x1.fffffffff9a1bp+63, -0x1.6a87270d2450ep+7, -0x1.ffffffffbfdecp-1, -0x1.3ca42adab3dd6p-33,
+    0x1.fffffffff9a1bp+63, -0x1.6a87270d2450ep+7, -0x1.1fffffffdfef6p+0, -0x1.3ca42adab3dd6p-33,
     0x1.fe7348039b1f7p-32, -0x1.2dd9a7e6b3b1dp-30, 0x1.1720998d3bd58p-29, -0x1.a309d7de647ep-29,
     },
     {
-    0x1.fffffffffb5bp+63, -0x1.50fb1911906e4p+9, -0x1.ffffffffd0f1ap-1, -0x1.d39eaac4bba07p-34,
+    0x1.fffffffffb5bp+63, -0x1.50fb1911906e4p+9, -0x1.1fffffffe878dp+0, -0x1.d39eaac4bba07p-34,
     0x1.7b67a47b451cdp-32, -0x1.c3ced185327edp-31, 0x1.a4d2ae00f0c3cp-30, -0x1.3e49a028b247ep-29,
     },
     {
-    0x1.fffffffffc9e8p+63, -0x1.a759f7738935fp+8, -0x1.ffffffffdd8a1p-1, -0x1.589b22c64cbe4p-34,
+    0x1.fffffffffc9e8p+63, -0x1.a759f7738935fp+8, -0x1.1fffffffeec51p+0, -0x1.589b22c64cbe4p-34,
     0x1.196d9b456baf5p-32, -0x1.516d39cca86c4p-31, 0x1.3c8b5a156fbcap-30, -0x1.e273c0ecae34ep-30,
     },
     {
-    0x1.fffffffffd8b3p+63, -0x1.5182469c21372p+7, -0x1.ffffffffe6d01p-1, -0x1.fae4fe28f1111p-35,
+    0x1.fffffffffd8b3p+63, -0x1.5182469c21372p+7, -0x1.1ffffffff368p+0, -0x1.fae4fe28f1111p-35,
     0x1.a0a8012ba2e39p-33, -0x1.f6f477687af4cp-32, 0x1.db311e8bf59f7p-31, -0x1.6cd65f1babd31p-30,
     },
     {
-    0x1.fffffffffe38p+63, 0x1.7ce07114e4fep+9, -0x1.ffffffffeda06p-1, -0x1.74105146bd8a4p-35,
+    0x1.fffffffffe38p+63, 0x1.7ce07114e4fep+9, -0x1.1ffffffff6d03p+0, -0x1.74105146bd8a4p-35,
     0x1.33cddeb268ebdp-33, -0x1.760fe44615484p-32, 0x1.63e9c34f43ac3p-31, -0x1.1349a472d326p-30,
     },
     {
-    0x1.fffffffffeb6p+63, -0x1.4d3f53e684c68p+8, -0x1.fffffffff29f8p-1, -0x1.108dc99d02f33p-35,
+    0x1.fffffffffeb6p+63, -0x1.4d3f53e684c68p+8, -0x1.1ffffffff94fcp+0, -0x1.108dc99d02f33p-35,
     0x1.c5db0d83fdd11p-34, -0x1.159f3f489406ep-32, 0x1.0a016fc92ac0ep-31, -0x1.9e85cb018b54p-31,
     },
     {
-    0x1.ffffffffff11ap+63, -0x1.3eafccbc6e8b7p+8, -0x1.fffffffff647bp-1, -0x1.8e85bc00ca193p-36,
+    0x1.ffffffffff11ap+63, -0x1.3eafccbc6e8b7p+8, -0x1.1ffffffffb23dp+0, -0x1.8e85bc00ca193p-36,
     0x1.4deca59063ccp-34, -0x1.9b3c517c0ceb9p-33, 0x1.8cc5841928b6ap-32, -0x1.3767ab579d78ap-31,
     },
     {
-    0x1.ffffffffff542p+63, 0x1.b57ed63ed8087p+7, -0x1.fffffffff8f37p-1, -0x1.22c6b1133cee3p-36,
+    0x1.ffffffffff542p+63, 0x1.b57ed63ed8087p+7, -0x1.1ffffffffc79bp+0, -0x1.22c6b1133cee3p-36,
     0x1.ea5f5c1e61ac2p-35, -0x1.2ff1dd99625b3p-33, 0x1.2747bbd6bd0e8p-32, -0x1.d2da647c68a88p-32,
     },
     {
-    0x1.ffffffffff845p+63, 0x1.b0edc5a89ab8fp+8, -0x1.fffffffffae5ep-1, -0x1.a77a4e7dee7bep-37,
+    0x1.ffffffffff845p+63, 0x1.b0edc5a89ab8fp+8, -0x1.1ffffffffd72fp+0, -0x1.a77a4e7dee7bep-37,
     0x1.67542e6829643p-35, -0x1.c05c198a968a1p-34, 0x1.b6907c7d4e40bp-33, -0x1.5d2f0a9523da4p-32,
     },
     {
-    0x1.ffffffffffa73p+63, -0x1.6fead614b795fp+8, -0x1.fffffffffc507p-1, -0x1.33c1e2f1870c2p-37,
+    0x1.ffffffffffa73p+63, -0x1.6fead614b795fp+8, -0x1.1ffffffffe284p+0, -0x1.33c1e2f1870c2p-37,
     0x1.06c539b630651p-35, -0x1.4a02970252982p-34, 0x1.44ff1cdbd6351p-33, -0x1.049a38e98f3eep-32,
     },
     {
-    0x1.ffffffffffc05p+63, 0x1.07ba96a6b2e1ap+9, -0x1.fffffffffd57cp-1, -0x1.be6dda2aea0cap-38,
+    0x1.ffffffffffc05p+63, 0x1.07ba96a6b2e1ap+9, -0x1.1ffffffffeabep+0, -0x1.be6dda2aea0cap-38,
     0x1.7f8a060409c1ep-36, -0x1.e4cb45978e1b1p-35, 0x1.e0a71d64af5cap-34, -0x1.8423141a8808p-33,
     },
     {
-    0x1.ffffffffffd27p+63, 0x1.19e1a84064c3cp+8, -0x1.fffffffffe168p-1, -0x1.43262ab4d409cp-38,
+    0x1.ffffffffffd27p+63, 0x1.19e1a84064c3cp+8, -0x1.1fffffffff0b4p+0, -0x1.43262ab4d409cp-38,
     0x1.1756e3fd63e1cp-36, -0x1.6359d1acbae55p-35, 0x1.62ad3becb2c86p-34, -0x1.2069d207998c6p-33,
     },
     {
-    0x1.ffffffffffdf8p+63, -0x1.dcf8b10ff973bp+9, -0x1.fffffffffea07p-1, -0x1.d2e55024cbf8p-39,
+    0x1.ffffffffffdf8p+63, -0x1.dcf8b10ff973bp+9, -0x1.1fffffffff504p+0, -0x1.d2e55024cbf8p-39,
     0x1.9612c1d147fc2p-37, -0x1.03ee5c32f7cc8p-35, 0x1.0529fb9a53ca4p-34, -0x1.abb113a44b8fap-34,
     },
     {
-    0x1.ffffffffffe8dp+63, 0x1.e766e2c80135cp+6, -0x1.ffffffffff04p-1, -0x1.509f766dbf6f1p-39,
+    0x1.ffffffffffe8dp+63, 0x1.e766e2c80135cp+6, -0x1.1fffffffff82p+0, -0x1.509f766dbf6f1p-39,
     0x1.268e1fdec115bp-37, -0x1.7b7b3f5fa71bcp-36, 0x1.7fccacf3c60bap-35, -0x1.3c6d304a28704p-34,
     },
     {
-    0x1.ffffffffffef8p+63, 0x1.14be6226402c7p+8, -0x1.ffffffffff4bcp-1, -0x1.e46f03bf2b549p-40,
+    0x1.ffffffffffef8p+63, 0x1.14be6226402c7p+8, -0x1.1fffffffffa5ep+0, -0x1.e46f03bf2b549p-40,
     0x1.aa76069ff7513p-38, -0x1.146fab5210807p-36, 0x1.196a32e5fd433p-35, -0x1.d33337b82520ap-35,
     },
     {
-    0x1.fffffffffff45p+63, -0x1.5948eec884dfap+9, -0x1.ffffffffff7f5p-1, -0x1.5be1cf20a832cp-40,
+    0x1.fffffffffff45p+63, -0x1.5948eec884dfap+9, -0x1.1fffffffffbfap+0, -0x1.5be1cf20a832cp-40,
     0x1.341800e7dabb3p-38, -0x1.91e9b9a408f29p-37, 0x1.9bd09871d2fe3p-36, -0x1.582957cd34d79p-35,
     },
     {
-    0x1.fffffffffff7bp+63, 0x1.00fa07f7fb612p+9, -0x1.ffffffffffa45p-1, -0x1.f2a6c166d2794p-41,
+    0x1.fffffffffff7bp+63, 0x1.00fa07f7fb612p+9, -0x1.1fffffffffd22p+0, -0x1.f2a6c166d2794p-41,
     0x1.bc42adaa1d55ap-39, -0x1.2391dd6b4e8c3p-37, 0x1.2caf1ab91977dp-36, -0x1.f9f49d90f1a28p-36,
     },
     {
-    0x1.fffffffffffa2p+63, 0x1.d07509a1a9433p+7, -0x1.ffffffffffbecp-1, -0x1.64ac1f9bbe14ep-41,
+    0x1.fffffffffffa2p+63, 0x1.d07509a1a9433p+7, -0x1.1fffffffffdf6p+0, -0x1.64ac1f9bbe14ep-41,
     0x1.3fa826e4aa277p-39, -0x1.a62b6ae58714ep-38, 0x1.b6290388e4011p-37, -0x1.731a5b0021c5ap-36,
     },
     {
-    0x1.fffffffffffbep+63, -0x1.182b326b228dcp+9, -0x1.ffffffffffd1bp-1, -0x1.fd39856facddp-42,
+    0x1.fffffffffffbep+63, -0x1.182b326b228dcp+9, -0x1.1fffffffffe8ep+0, -0x1.fd39856facddp-42,
     0x1.cb12d54a84768p-40, -0x1.31011a66e03abp-38, 0x1.3e93052147bfdp-37, -0x1.0f9b323c91b13p-36,
     },
     {
-    0x1.fffffffffffd1p+63, 0x1.3b6fc0b729758p+9, -0x1.ffffffffffdf3p-1, -0x1.6acaa58ab7fbp-42,
+    0x1.fffffffffffd1p+63, 0x1.3b6fc0b729758p+9, -0x1.1fffffffffefap+0, -0x1.6acaa58ab7fbp-42,
     0x1.48fb88c35f0f5p-40, -0x1.b7ce13eaf273ep-39, 0x1.ce4789fa8d734p-38, -0x1.8cb7432342a6cp-37,
     },
     {
-    0x1.fffffffffffdfp+63, 0x1.5669e670f914bp+8, -0x1.ffffffffffe8dp-1, -0x1.01f450d206b26p-42,
+    0x1.fffffffffffdfp+63, 0x1.5669e670f914bp+8, -0x1.1ffffffffff47p+0, -0x1.01f450d206b26p-42,
     0x1.d68fa95b2cf3cp-41, -0x1.3c70660f90814p-39, 0x1.4eb321ef9e486p-38, -0x1.211acd41cebb2p-37,
     },
     {
-    0x1.fffffffffffe9p+63, -0x1.5fe91226dd51ap+6, -0x1.ffffffffffefap-1, -0x1.6e18ec0d7252bp-43,
+    0x1.fffffffffffe9p+63, -0x1.5fe91226dd51ap+6, -0x1.1ffffffffff7dp+0, -0x1.6e18ec0d7252bp-43,
     0x1.4fdafa449dfeep-41, -0x1.c66b387ddffb9p-40, 0x1.e3a453d0cc4c2p-39, -0x1.a4767d9941fd7p-38,
     },
     {
-    0x1.ffffffffffffp+63, -0x1.20ef3618f2d54p+8, -0x1.fffffffffff48p-1, -0x1.0346137a2d56dp-43,
+    0x1.ffffffffffffp+63, -0x1.20ef3618f2d54p+8, -0x1.1ffffffffffa4p+0, -0x1.0346137a2d56dp-43,
     0x1.de74b1157feep-42, -0x1.459c7c7d1dd93p-40, 0x1.5cb30594f8353p-39, -0x1.3118e1d979252p-38,
     },
     {
-    0x1.ffffffffffff5p+63, -0x1.238f8ed17d9b4p+9, -0x1.fffffffffff7ep-1, -0x1.6e8334c68b2d5p-44,
+    0x1.ffffffffffff5p+63, -0x1.238f8ed17d9b4p+9, -0x1.1ffffffffffbfp+0, -0x1.6e8334c68b2d5p-44,
     0x1.541d4a9096eb8p-42, -0x1.d1abfcdebbc26p-41, 0x1.f5c3097fff6dap-40, -0x1.b9d29c58c8251p-39,
     },
     {
-    0x1.ffffffffffff8p+63, 0x1.0160ef15c497dp+8, -0x1.fffffffffffa5p-1, -0x1.028a3909c54e2p-44,
+    0x1.ffffffffffff8p+63, 0x1.0160ef15c497dp+8, -0x1.1ffffffffffd3p+0, -0x1.028a3909c54e2p-44,
     0x1.e2927584220ebp-43, -0x1.4c4e63b7aef97p-41, 0x1.684018421b2f8p-40, -0x1.3f39d76f69b11p-39,
     },
     {
-    0x1.ffffffffffffbp+63, -0x1.efa4d64f59f62p+9, -0x1.fffffffffffcp-1, -0x1.6c073be0c8f5fp-45,
+    0x1.ffffffffffffbp+63, -0x1.efa4d64f59f62p+9, -0x1.1ffffffffffep+0, -0x1.6c073be0c8f5fp-45,
     0x1.55a8de967baadp-43, -0x1.d94c7ff291717p-42, 0x1.021bc3129c3d5p-40, -0x1.cc4f2f85e633p-40,
     },
     {
-    0x1.ffffffffffffcp+63, 0x1.8115fd1b12786p+8, -0x1.fffffffffffd4p-1, -0x1.ff8ac58410abep-46,
+    0x1.ffffffffffffcp+63, 0x1.8115fd1b12786p+8, -0x1.1ffffffffffeap+0, -0x1.ff8ac58410abep-46,
     0x1.e2d05bdb906dap-44, -0x1.505d8f84295f9p-42, 0x1.7114bfc2b70ebp-41, -0x1.4b2a2126f981ap-40,
     },
     {
-    0x1.ffffffffffffdp+63, 0x1.6be96953fe014p+9, -0x1.fffffffffffe1p-1, -0x1.66b44c6db8bfbp-46,
+    0x1.ffffffffffffdp+63, 0x1.6be96953fe014p+9, -0x1.1fffffffffffp+0, -0x1.66b44c6db8bfbp-46,
     0x1.5474b0e9715bbp-44, -0x1.dd1e83eac3d16p-43, 0x1.07550442ab736p-41, -0x1.db7d797349613p-41,
     },
     {
-    0x1.ffffffffffffep+63, 0x1.59ab24e589a3p+8, -0x1.fffffffffffeap-1, -0x1.f610e8ce3af8ep-47,
+    0x1.ffffffffffffep+63, 0x1.59ab24e589a3p+8, -0x1.1fffffffffff5p+0, -0x1.f610e8ce3af8ep-47,
     0x1.df2d99de952eep-45, -0x1.51b17993190adp-43, 0x1.76fb18c4f3911p-42, -0x1.54a173013218dp-41,
     },
     {
-    0x1.fffffffffffffp+63, -0x1.0fecc5ed770dep+9, -0x1.ffffffffffff1p-1, -0x1.5eaaa4204c1e3p-47,
+    0x1.fffffffffffffp+63, -0x1.0fecc5ed770dep+9, -0x1.1fffffffffff8p+0, -0x1.5eaaa4204c1e3p-47,
     0x1.5088a9297fc42p-45, -0x1.dd0b402c2bf5ep-44, 0x1.0a6d545cebfc7p-42, -0x1.e700bd8fc5df8p-42,
     },
     {
-    0x1.fffffffffffffp+63, 0x1.0439397b5f70ap+8, -0x1.ffffffffffff6p-1, -0x1.e8dfd26053e61p-48,
+    0x1.fffffffffffffp+63, 0x1.0439397b5f70ap+8, -0x1.1fffffffffffbp+0, -0x1.e8dfd26053e61p-48,
     0x1.d7c13712246cdp-46, -0x1.504297a91539cp-44, 0x1.79cf1972049fep-43, -0x1.5b6599d943a78p-42,
     },
     {
-    0x1.fffffffffffffp+63, 0x1.989c6c5d51227p+9, -0x1.ffffffffffff9p-1, -0x1.541a2f162bca2p-48,
+    0x1.fffffffffffffp+63, 0x1.989c6c5d51227p+9, -0x1.1fffffffffffcp+0, -0x1.541a2f162bca2p-48,
     0x1.49fd465bd253ap-46, -0x1.d91442dcd04aep-45, 0x1.0b51f0e45a8dbp-43, -0x1.ee91ee530b7c9p-43,
     },
     {
-    0x1p+64, -0x1.a6d7d18831888p+9, -0x1.ffffffffffffbp-1, -0x1.d8456ef9d942bp-49,
+    0x1p+64, -0x1.a6d7d18831888p+9, -0x1.1fffffffffffep+0, -0x1.d8456ef9d942bp-49,
     0x1.ccb91b0df58c5p-47, -0x1.4c1aa248ab803p-45, 0x1.797fff1ad073ap-44, -0x1.5f4cce3889a4bp-43,
     },
     {
-    0x1p+64, -0x1.21fb7a81c5444p+9, -0x1.ffffffffffffdp-1, -0x1.4740ad73a5576p-49,
+    0x1p+64, -0x1.21fb7a81c5444p+9, -0x1.1fffffffffffep+0, -0x1.4740ad73a5576p-49,
     0x1.40faa13a2e32fp-47, -0x1.d15355eea5423p-46, 0x1.09fe059337998p-44, -0x1.f20285f7b77cep-44,
     },
     {
-    0x1p+64, -0x1.8cf81557d20b6p+8, -0x1.ffffffffffffep-1, -0x1.c4a1a58e62275p-50,
+    0x1p+64, -0x1.8cf81557d20b6p+8, -0x1.1ffffffffffffp+0, -0x1.c4a1a58e62275p-50,
     0x1.be5836b4e9d7ep-48, -0x1.45542848c12e6p-46, 0x1.7610f2bf5eeccp-45, -0x1.603f60d93233ap-44,
     },
 };

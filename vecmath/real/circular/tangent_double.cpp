@@ -75,4 +75,4 @@ double qkr::tangent_of_any(double x) {
 }
 #endif
 
-QKR_FUNCTION(_vxmdTan_HA, _vxmdTan_50, double, 0.68, -0x1.dcac81c98acb9p-5, TanDouble)
+QKR_FUNCTION(_vxmdTan_HA, _vxmdTan_50, double, 0.70, 0x1.a40aa90acce51p-5, TanDouble)
