@@ -316,8 +316,9 @@ template <class Mapped>
 Definition<int32_t> by_mountain(Real mode, Real reach, Real highest, LnMass ln_mass, Real slack,
                                 Mapped mapped) {
   const auto mass = [=](Real y) { return std::exp(ln_mass(y) - ln_mass(mode)); };
-  const Real first = mode - reach, end = mode + reach + 1;
-  const Real left = ln_mass(first) - ln_mass(first - 1), right = ln_mass(end - 1) - ln_mass(end);
+  const Real first = std::max(mode - reach, 0.0L), end = mode + reach + 1;
+  const Real left = first > 0 ? ln_mass(first) - ln_mass(first - 1) : HUGE_VALL,
+             right = ln_mass(end - 1) - ln_mass(end);
   const Real p1 = end - first, p2 = p1 + mass(first) / left, p3 = p2 + mass(end - 1) / right;
   return [=](Wholes &cursor) {
     for (;;) {
@@ -330,8 +331,8 @@ Definition<int32_t> by_mountain(Real mode, Real reach, Real highest, LnMass ln_m
       }
       if (x < 0 || x >= highest + 1) continue;
       const Real y = std::trunc(double(x));  // rounding may lead to the border
-      // The shares of the pieces come from factorials, whose logarithms lose digits in large lots.
-      const bool large = mode > 1e6, near = large && std::abs(mapped(y) - cursor.given) <= 2;
+      // The shares of the pieces come from factorials, whose logarithms lose digits in large lots and for large a.
+      const bool large = slack > 1e-4L, near = large && std::abs(mapped(y) - cursor.given) <= 2;
       if (below_mass(v, ln_mass(y) - ln_mass(mode), slack, near || mapped(y) == cursor.given))
         return Number{mapped(y), large ? 2.0L : 0.0L};
     }
