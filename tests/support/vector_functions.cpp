@@ -129,7 +129,8 @@ std::vector<VectorFunction<T>> make_table() {
       {FUNCTION(Tanh), .exact = {mpfr_tanh}, .quick = {std::tanh},
        .points = {T(0.03125), 9, T(9.010913), 10, T(19.0615), 20}, .period = T(either<T>(0.0625, ln2))},
       {FUNCTION(Atan), .exact = {mpfr_atan}, .quick = {std::atan}, .points = {1, T(0x1p-5), 30, T(0x1p60)}},
-      {FUNCTION(Atan2), .exact = {mpfr_atan2}, .quick = {std::atan2}, .points = {1, T(0x1p-5), 30}},
+      {FUNCTION(Atan2), .exact = {mpfr_atan2}, .quick = {std::atan2},
+       .points = {1, T(0x1p-5), 30, T(0x1.b010c40a16298p+1)}},  // the last with the worst input
       {FUNCTION(Asin), .exact = {mpfr_asin}, .quick = {std::asin}, .a = {-1, 1}, .points = {T(0.5), 1}},
       {FUNCTION(Acos), .exact = {mpfr_acos}, .quick = {std::acos}, .a = {-1, 1}, .points = {T(0.5), 1}},
       {FUNCTION(Acosh), .exact = {mpfr_acosh}, .quick = {std::acosh}, .a = {1, max},
