@@ -83,7 +83,9 @@ int32_t by_hat(StreamState *stream, int32_t n, int32_t *out, const Hat &hat, dou
       const double x =
           left ? hat.xl + tails.value[j] * hat.inverse_left : hat.xr - tails.value[j] * hat.inverse_right;
       const double area = left ? (piece[i] - p2) * hat.left : (piece[i] - hat.p3) * hat.right;
-      if (x >= 0.0 && x < highest + 1.0) waiting.add(i, candidate[i] = std::trunc(x), T(height[i] * area));
+      // A height of 0 leads out of the law, and would pass every test there.
+      if (height[i] > 0.0 && x >= 0.0 && x < highest + 1.0)
+        waiting.add(i, candidate[i] = std::trunc(x), T(height[i] * area));
     }
     test(waiting);
     for (int32_t j = 0; j < waiting.count; ++j) accepted[waiting.place[j]] = waiting.accepted[j];

@@ -67,7 +67,8 @@ int32_t by_mountain(StreamState *stream, int32_t n, int32_t *out, const Mountain
           on_left ? s.first + logarithm[i] * inverse_left : s.end - logarithm[i] * inverse_right;
       const double area = on_left ? (share - s.p1) * s.left : (share - s.p2) * s.right;
       const double x = plateau ? s.first + share : tail;
-      const bool inside = (x >= lowest) & (x < highest + 1.0);
+      // A height of 0 leads far out of the law, and would pass every test there.
+      const bool inside = (x >= lowest) & (x < highest + 1.0) & (plateau | (v[i] > 0.0));
       y[i] = inside ? std::trunc(x) : s.mode;
       v[i] = inside ? (plateau ? v[i] : v[i] * area) : 2.0;  // 2 is above all masses
     }

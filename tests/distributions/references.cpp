@@ -300,7 +300,7 @@ Definition<int32_t> by_hat(HatShape s, LnMass ln_mass, Real slack, Mapped mapped
       } else {
         const bool on_left = u <= s.p3;
         const double x = on_left ? xl + double(ln<double>(v)) / s.left : xr - double(ln<double>(v)) / s.right;
-        if (x < 0 || x >= s.highest + 1) continue;
+        if (v == 0 || x < 0 || x >= s.highest + 1) continue;
         y = std::trunc(x);
         v = T(v * (on_left ? (u - s.p2) * s.left : (u - s.p3) * s.right));
       }
@@ -325,6 +325,7 @@ Definition<int32_t> by_mountain(Real mode, Real reach, Real highest, LnMass ln_m
       const Real u = cursor.recorded() * p3;
       Real v = cursor.recorded(), x = first + u;
       if (u >= p1) {
+        if (v == 0) continue;
         const bool on_left = u <= p2;
         x = on_left ? first + ln<double>(v) / left : end - ln<double>(v) / right;
         v *= on_left ? (u - p1) * left : (u - p2) * right;
@@ -460,6 +461,7 @@ Definition<int32_t> poisson_of_mean(double mean) {
       singles.next = u.next;
       const Real share = std::abs(std::erf(pairs(singles) / std::sqrt(2.0L)));
       u.next = singles.next;
+      if (share > 1 - 1e-6L) return Number{u.given, 0};  // single precision tells nothing there
       Real k = 0, term = 1, sum = 1, near = 1;
       while (k < 11 && share * std::exp(Real(mean)) > sum) {
         near = std::abs(share * std::exp(Real(mean)) - sum);
