@@ -38,10 +38,10 @@ QKR_INLINE Folded<D> folded(V argument, D magnitude) {
   }
 }
 
-// base + lo + v + v ratio, where base is 0 or larger than v; lo does not matter in single precision. In double
-// only the last addition rounds in the size of the result. Of what follows, the coefficient 1/6, the sum that it
-// heads, the ratio and v ratio are each rounded by up to 1/32 ulp of a result just above 1/2, the rest by less
-// than that together: .66 ulp in all.
+// base + lo + v + v ratio, where base is 0 or larger than v; lo does not matter in single precision. In
+// double only the last addition rounds in the size of the result. Of what follows, the coefficient 1/6, the
+// sum that it heads, the ratio and v ratio are each rounded by up to 1/32 ulp of a result just above 1/2, the
+// rest by less than that together: .66 ulp in all.
 template <class T, class V>
 QKR_INLINE V sum(V base, V lo, V v, V ratio) {
   if constexpr (is_single<T>) return base + (v + v * ratio);

@@ -17,9 +17,9 @@ struct ErfDouble : UnaryKernel<double, 2> {
   QKR_INLINE static Flags special(V x) {
     return beyond(x, infinity<double>);
   }
-  // erf x = T + d + d/8 + d * (slope - 9/8), T scaled up. The first three are added without error: what follows
-  // is below .0034 times the result in row 0 and below 2^-6 in the others, so that its rounding errors, five at
-  // most, come to less than .05 ulp.
+  // erf x = T + d + d/8 + d * (slope - 9/8), T scaled up. The first three are added without error: what
+  // follows is below .0034 times the result in row 0 and below 2^-6 in the others, so that its rounding
+  // errors, five at most, come to less than .05 ulp.
   template <class V>
   QKR_INLINE static V core(V x) {
     const NearestRow<7, V> at(smaller(absolute<double>(x), one_from));
