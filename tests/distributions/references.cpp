@@ -332,7 +332,8 @@ Definition<int32_t> by_mountain(Real mode, Real reach, Real highest, LnMass ln_m
       }
       if (x < 0 || x >= highest + 1) continue;
       const Real y = std::trunc(double(x));  // rounding may lead to the border
-      // The shares of the pieces come from factorials, whose logarithms lose digits in large lots and for large a.
+      // The shares of the pieces come from factorials, whose logarithms lose digits in large lots and for
+      // large a.
       const bool large = slack > 1e-4L, near = large && std::abs(mapped(y) - cursor.given) <= 2;
       if (below_mass(v, ln_mass(y) - ln_mass(mode), slack, near || mapped(y) == cursor.given))
         return Number{mapped(y), large ? 2.0L : 0.0L};

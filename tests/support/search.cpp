@@ -1,6 +1,6 @@
-// The search for worst inputs: cells of inputs are sampled, those with the largest errors are split, and so on
-// until they are small. Errors of kernels change smoothly but for rounding, so that the worst inputs lie in
-// neighbourhoods of bad ones; plain sampling hardly ever meets them.
+// The search for worst inputs: cells of inputs are sampled, those with the largest errors are split, and so
+// on until they are small. Errors of kernels change smoothly but for rounding, so that the worst inputs lie
+// in neighbourhoods of bad ones; plain sampling hardly ever meets them.
 #include <algorithm>
 #include <atomic>
 #include <cmath>
