@@ -6,7 +6,7 @@
  *
  * Which lengths are fast: powers of two, and products of 2, 3, 4, 5 and 7. Other factors up to 150 are
  * served, the slower the larger they are. A length with a prime factor above 150 takes a convolution by
- * power-of-two transforms, four to eight times the time of a good length nearby; a prime up to 150 (for real
+ * power-of-two transforms, several times the time of a good length nearby; a prime up to 150 (for real
  * signals up to 179) a direct sum. A real signal of even length costs half of a complex one.
  *
  * | length                                    | route                                          |
@@ -24,8 +24,8 @@
  * number in double and 8 in single precision; chirp lengths need four to eight times that.
  *
  * Accuracy: the relative root-mean-square error is at most 1.3 times that of FFTW at the same length, but for
- * 1.5 unit roundoffs, against long double transforms at all lengths to 2100 and some to 10^6.
- * Results are the same bits on every processor, in place or not, interleaved or not, whatever the alignment. */
+ * 1.5 machine epsilons, against long double transforms at all lengths to 2100 and some to 10^6. Results are
+ * the same bits on every processor, in place or not, interleaved or not, whatever the alignment. */
 #ifndef QKR_SIGFFT_DFT_H
 #define QKR_SIGFFT_DFT_H
 
