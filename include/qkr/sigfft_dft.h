@@ -24,8 +24,9 @@
  * number in double and 8 in single precision; chirp lengths need four to eight times that.
  *
  * Accuracy: the relative root-mean-square error is at most 1.3 times that of FFTW at the same length, but for
- * 1.5 machine epsilons, against long double transforms at all lengths to 2100 and some to 10^6. Results are
- * the same bits on every processor, in place or not, interleaved or not, whatever the alignment. */
+ * 1.5 unit roundoffs (real signals: 3.1), against long double transforms at all lengths to 2100 and some to
+ * 10^6. Results are the same bits on every processor, in place or not, interleaved or not, whatever the
+ * alignment. */
 #ifndef QKR_SIGFFT_DFT_H
 #define QKR_SIGFFT_DFT_H
 
