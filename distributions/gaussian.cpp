@@ -75,7 +75,7 @@ int32_t both_of_each_pair(StreamState *stream, int32_t n, T *out) {
   int32_t status = find_or_add_chunk(stream, pending_pair, PendingPair{none, none}, &pending);
   if (status < 0) return status;
   T *next = out, spent;
-  if (n > 0 && pending->u1 != none) {
+  if (pending->u1 != none) {
     both_of(*pending, spent, *next++);
     *pending = {none, none};
   }
@@ -87,7 +87,7 @@ int32_t both_of_each_pair(StreamState *stream, int32_t n, T *out) {
   if (status < 0) return status;
   *pending = {u[0], u[1]};
   both_of(*pending, last, held_over);
-  next[missing - 1] = last;
+  if (missing > 0) next[missing - 1] = last;
   return status;
 }
 
