@@ -63,36 +63,10 @@ QKR_INLINE f32 exact_mad(f32 a, f32 b, f32 c) {
 QKR_INLINE f64 exponent(u64 pattern) { return (f64)_mm512_cvtepi64_pd((__m512i)((pattern >> 52) - 1023u)); }
 QKR_INLINE f32 exponent(u32 pattern) { return (f32)_mm512_cvtepi32_ps((__m512i)((pattern >> 23) - 127u)); }
 
-// v where c is not 0, else +0; and s + v where c is 0, else s.
-QKR_INLINE f64 zero_unless(f64 v, f64 c) {
-  const __mmask8 keep = _mm512_cmp_pd_mask((__m512d)c, _mm512_setzero_pd(), _CMP_NEQ_UQ);
-  return (f64)_mm512_maskz_mov_pd(keep, (__m512d)v);
-}
-QKR_INLINE f64 add_if_zero(f64 s, f64 v, f64 c) {
-  return (f64)_mm512_mask_add_pd((__m512d)s, is_zero(c), (__m512d)s, (__m512d)v);
-}
-// x + addend where x < limit, else x.
-QKR_INLINE f64 add_where_less(f64 x, double limit, double addend) {
-  const __mmask8 where = _mm512_cmp_pd_mask((__m512d)x, _mm512_set1_pd(limit), _CMP_LT_OQ);
-  return (f64)_mm512_mask_add_pd((__m512d)x, where, (__m512d)x, _mm512_set1_pd(addend));
-}
-// v where w is odd, else 0.
-QKR_INLINE u32 where_odd(u32 w, u32 v) {
-  const __mmask16 odd = _mm512_test_epi32_mask((__m512i)w, _mm512_set1_epi32(1));
-  return (u32)_mm512_maskz_mov_epi32(odd, (__m512i)v);
-}
 // Sixteen words of low and high put together, from word `from` of low.
 template <int from>
 QKR_INLINE u32 joined(u32 low, u32 high) {
   return (u32)_mm512_alignr_epi32((__m512i)high, (__m512i)low, from);
-}
-
-QKR_INLINE f32 zero_unless(f32 v, f32 c) {
-  const __mmask16 keep = _mm512_cmp_ps_mask((__m512)c, _mm512_setzero_ps(), _CMP_NEQ_UQ);
-  return (f32)_mm512_maskz_mov_ps(keep, (__m512)v);
-}
-QKR_INLINE f32 add_if_zero(f32 s, f32 v, f32 c) {
-  return (f32)_mm512_mask_add_ps((__m512)s, is_zero(c), (__m512)s, (__m512)v);
 }
 
 // Rounding in the direction that the immediate names, without the inexact flag.
@@ -216,12 +190,12 @@ QKR_INLINE f64 pick_of_two(const double *t, u64 j) {
 QKR_INLINE f32 pick_of_two(const float *t, u32 j) {
   return (f32)_mm512_permutex2var_ps(_mm512_load_ps(t), (__m512i)j, _mm512_load_ps(t + 16));
 }
-// b where the bit of j is set, else a.
-QKR_INLINE f64 choose(u64 j, uint64_t bit, f64 a, f64 b) {
+// b where the bit of j is set, else a: select() would take an instruction more for the mask.
+QKR_INLINE f64 with_bit(u64 j, uint64_t bit, f64 a, f64 b) {
   return (f64)_mm512_mask_mov_pd((__m512d)a, _mm512_test_epi64_mask((__m512i)j, _mm512_set1_epi64(bit)),
                                  (__m512d)b);
 }
-QKR_INLINE f32 choose(u32 j, uint32_t bit, f32 a, f32 b) {
+QKR_INLINE f32 with_bit(u32 j, uint32_t bit, f32 a, f32 b) {
   return (f32)_mm512_mask_mov_ps((__m512)a, _mm512_test_epi32_mask((__m512i)j, _mm512_set1_epi32(bit)),
                                  (__m512)b);
 }
@@ -229,8 +203,8 @@ template <int count, class T, class I>
 QKR_INLINE Native<T> pick(const T *t, I j) {
   constexpr int half = count / 2;
   if constexpr (half * sizeof(T) == 64) return pick_of_two(t, j);
-  else if constexpr (count % 2 == 0) return choose(j, half, pick<half>(t, j), pick<half>(t + half, j));
-  else return choose(j, count - 1, pick<count - 1>(t, j), t[count - 1] - Native<T>{});
+  else if constexpr (count % 2 == 0) return with_bit(j, half, pick<half>(t, j), pick<half>(t + half, j));
+  else return with_bit(j, count - 1, pick<count - 1>(t, j), t[count - 1] - Native<T>{});
 }
 template <int count, class T, size_t stride, class I, class... Columns>
 QKR_INLINE void pick(const T (*table)[stride], I j, Columns &...columns) {

@@ -54,19 +54,6 @@ QKR_INLINE f64 exponent(u64 pattern) {
 }
 QKR_INLINE f32 exponent(u32 pattern) { return real((pattern >> 23) | 0x4B000000u) - (8388608.0f + 127.0f); }
 
-// v where c is not 0, else +0; and s + v where c is 0, else s + 0.
-QKR_INLINE f64 zero_unless(f64 v, f64 c) { return real(bits(v) & (u64)(c != 0.0)); }
-QKR_INLINE f64 add_if_zero(f64 s, f64 v, f64 c) { return s + real(bits(v) & (u64)(c == 0.0)); }
-QKR_INLINE f32 zero_unless(f32 v, f32 c) { return real(bits(v) & (u32)(c != 0.0f)); }
-QKR_INLINE f32 add_if_zero(f32 s, f32 v, f32 c) { return s + real(bits(v) & (u32)(c == 0.0f)); }
-
-// x + addend where x < limit, else x + 0.
-QKR_INLINE f64 add_where_less(f64 x, double limit, double addend) {
-  return x + real((u64)(x < limit) & bits(addend));
-}
-// v where w is odd, else 0.
-QKR_INLINE u32 where_odd(u32 w, u32 v) { return -(w & 1) & v; }
-
 template <class T, class V>
 QKR_INLINE void store_part(T *p, int count, V v) {
   T lanes[sizeof(V) / sizeof(T)];

@@ -10,6 +10,7 @@
 #else
 #include "simd/sse2.h"
 #endif
+#include "simd/masks.h"
 
 // What all levels say alike, and what serves one number as well as a vector.
 namespace qkr::QKR_SIMD_LEVEL {
@@ -52,26 +53,6 @@ QKR_INLINE double exact_mad(double a, double b, double c) { return a * b + c; }
 QKR_INLINE float exact_mad(float a, float b, float c) { return a * b + c; }
 QKR_INLINE double exponent(uint64_t pattern) { return (double)((int)(pattern >> 52) - 1023); }
 QKR_INLINE float exponent(uint32_t pattern) { return (float)((int)(pattern >> 23) - 127); }
-QKR_INLINE f64 in_lanes(f64 v) { return v; }
-QKR_INLINE f64 in_lanes(double x) { return x - f64{}; }
-
-// yes where a < b, else no; and no where !(a < b), else 0. Operands may be one number.
-template <class A, class B, class Yes, class No>
-QKR_INLINE f64 select_less(A a, B b, Yes yes, No no) requires(sizeof(a + b) == sizeof(f64)) {
-  return in_lanes(a) < in_lanes(b) ? in_lanes(yes) : in_lanes(no);
-}
-template <class B, class No>
-QKR_INLINE f64 zero_if_less(f64 a, B b, No no) {
-#if QKR_SIMD_BYTES == 64
-  return (f64)_mm512_maskz_mov_pd(_mm512_cmp_pd_mask((__m512d)a, (__m512d)in_lanes(b), _CMP_NLT_UQ),
-                                  (__m512d)in_lanes(no));
-#else
-  return real(bits(in_lanes(no)) & ~(u64)(a < in_lanes(b)));
-#endif
-}
-QKR_INLINE double select_less(double a, double b, double yes, double no) { return a < b ? yes : no; }
-QKR_INLINE double zero_if_less(double a, double b, double no) { return a < b ? 0.0 : no; }
-
 // As smaller, but a NaN stays.
 QKR_INLINE f64 at_most(f64 x, double limit) { return smaller(in_lanes(limit), x); }
 QKR_INLINE double at_most(double x, double limit) { return limit < x ? limit : x; }
@@ -82,10 +63,6 @@ QKR_INLINE float larger(float a, float b) { return a > b ? a : b; }
 QKR_INLINE double smaller(double a, double b) { return a < b ? a : b; }
 QKR_INLINE double widen(float x) { return x; }
 QKR_INLINE float narrow(double x) { return (float)x; }
-QKR_INLINE double zero_unless(double v, double c) { return c != 0.0 ? v : 0.0; }
-QKR_INLINE double add_if_zero(double s, double v, double c) { return c == 0.0 ? s + v : s; }
-QKR_INLINE float zero_unless(float v, float c) { return c != 0.0f ? v : 0.0f; }
-QKR_INLINE float add_if_zero(float s, float v, float c) { return c == 0.0f ? s + v : s; }
 template <class T, class... Columns>
 QKR_INLINE void look_up(const T (*rows)[sizeof...(Columns)], uint64_t j, Columns &...columns) {
   const T *row = rows[j];
@@ -129,13 +106,13 @@ QKR_INLINE void look_up_16(const double (*rows)[2], uint64_t j, double &c0, doub
   look_up(rows, j, c0, c1);
 }
 
-// v where first <= pattern <= last as unsigned numbers, else +0.
-QKR_INLINE f32 zero_unless_within(f32 v, u32 pattern, uint32_t first, uint32_t last) {
+// Lanes whose pattern lies from first to last, as numbers without sign.
+QKR_INLINE i32 within(u32 pattern, uint32_t first, uint32_t last) {
   const u32 shifted = pattern - (first + 0x80000000u);
-  return real(bits(v) & (u32)((i32)shifted <= (int32_t)(last - first + 0x80000000u)));
+  return (i32)shifted <= (int32_t)(last - first + 0x80000000u);
 }
-QKR_INLINE float zero_unless_within(float v, uint32_t pattern, uint32_t first, uint32_t last) {
-  return pattern - first <= last - first ? v : 0.0f;
+QKR_INLINE bool within(uint32_t pattern, uint32_t first, uint32_t last) {
+  return pattern - first <= last - first;
 }
 
 }  // namespace

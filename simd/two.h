@@ -10,18 +10,20 @@ struct Two {
   V a, b;
 };
 
-#define QKR_TWO_OPERATOR(op)                          \
-  template <class V>                                  \
-  QKR_INLINE Two<V> operator op(Two<V> x, Two<V> y) { \
-    return {x.a op y.a, x.b op y.b};                  \
-  }                                                   \
-  template <class V, class S>                         \
-  QKR_INLINE Two<V> operator op(Two<V> x, S s) {      \
-    return {x.a op s, x.b op s};                      \
-  }                                                   \
-  template <class V, class S>                         \
-  QKR_INLINE Two<V> operator op(S s, Two<V> x) {      \
-    return {s op x.a, s op x.b};                      \
+#define QKR_TWO_COMPARISON(op)                                                 \
+  template <class V>                                                           \
+  QKR_INLINE auto operator op(Two<V> x, Two<V> y)->Two<decltype(x.a op y.a)> { \
+    return {x.a op y.a, x.b op y.b};                                           \
+  }                                                                            \
+  template <class V, class S>                                                  \
+  QKR_INLINE auto operator op(Two<V> x, S s)->Two<decltype(x.a op s)> {        \
+    return {x.a op s, x.b op s};                                               \
+  }
+#define QKR_TWO_OPERATOR(op)                     \
+  QKR_TWO_COMPARISON(op)                         \
+  template <class V, class S>                    \
+  QKR_INLINE Two<V> operator op(S s, Two<V> x) { \
+    return {s op x.a, s op x.b};                 \
   }
 QKR_TWO_OPERATOR(+)
 QKR_TWO_OPERATOR(-)
@@ -32,7 +34,12 @@ QKR_TWO_OPERATOR(|)
 QKR_TWO_OPERATOR(^)
 QKR_TWO_OPERATOR(<<)
 QKR_TWO_OPERATOR(>>)
+QKR_TWO_COMPARISON(<)
+QKR_TWO_COMPARISON(>=)
+QKR_TWO_COMPARISON(==)
+QKR_TWO_COMPARISON(!=)
 #undef QKR_TWO_OPERATOR
+#undef QKR_TWO_COMPARISON
 
 // Single to double and back: a vector of floats widens to two vectors of doubles.
 QKR_INLINE Two<f64> widen(f32 v) { return {low_doubles(v), high_doubles(v)}; }
@@ -60,12 +67,9 @@ QKR_TWO_FUNCTION(exponent)
 QKR_TWO_FUNCTION(exact_mad)
 QKR_TWO_FUNCTION(product_error)
 QKR_TWO_FUNCTION(zero_unless)
-QKR_TWO_FUNCTION(add_if_zero)
-QKR_TWO_FUNCTION(add_where_less)
-QKR_TWO_FUNCTION(zero_unless_within)
+QKR_TWO_FUNCTION(select)
+QKR_TWO_FUNCTION(within)
 QKR_TWO_FUNCTION(at_most)
-QKR_TWO_FUNCTION(select_less)
-QKR_TWO_FUNCTION(zero_if_less)
 QKR_TWO_FUNCTION(larger)
 QKR_TWO_FUNCTION(smaller)
 QKR_TWO_FUNCTION(square_root)
@@ -130,10 +134,6 @@ template <int count, class T, size_t stride, class I, class... Columns>
 QKR_INLINE void pick(const T (*table)[stride], Two<I> j, Columns &...columns) {
   pick<count>(table, j.a, columns.a...);
   pick<count>(table, j.b, columns.b...);
-}
-template <class I, class B, class V>
-QKR_INLINE Two<V> choose(Two<I> j, B bit, Two<V> a, Two<V> b) {
-  return {choose(j.a, bit, a.a, b.a), choose(j.b, bit, a.b, b.b)};
 }
 #endif
 

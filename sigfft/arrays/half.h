@@ -11,10 +11,6 @@ namespace {
 constexpr int32_t infinity = 255 << 23, beyond_halves = 143 << 23, least_half_normal = 113 << 23;
 constexpr int32_t half_of_least = 102 << 23;  // the least subnormal binary16 is 2^-24
 
-QKR_INLINE u32 choose(i32 condition, u32 yes, u32 no) {
-  return ((u32)condition & yes) | (~(u32)condition & no);
-}
-
 #if QKR_BASELINE
 
 // With exponent and fraction moved to those of single precision, a normal number lacks 112 in the exponent,
@@ -26,7 +22,7 @@ QKR_INLINE f32 load_halves(const uint16_t *p) {
   const i32 magnitude = (half & 0x7FFF) << 13;
   const u32 normal = (u32)(magnitude + missing + ((magnitude >= half_infinity) & missing));
   const u32 subnormal = bits(singles(magnitude) * 0x1p-37f);
-  return real(choose(magnitude < least_normal, subnormal, normal) | sign);
+  return real(select(magnitude < least_normal, subnormal, normal) | sign);
 }
 
 QKR_INLINE f32 load_numbers(const uint16_t *p) { return load_halves(p); }
@@ -53,10 +49,10 @@ QKR_INLINE i32 with_sign(u32 half, f32 x) { return (i32)half | (((i32)bits(x) >>
 template <bool nearest>
 QKR_INLINE i32 to_half(f32 x) {
   const u32 magnitude = bits(x) & 0x7FFFFFFFu, shifted = normal_half<nearest>(magnitude);
-  u32 normal = choose((i32)shifted > 0x7C00, u32{} + 0x7C00u, shifted);
+  u32 normal = select((i32)shifted > 0x7C00, u32{} + 0x7C00u, shifted);
   normal |= (u32)((i32)magnitude > infinity) & 0x1FFu;
   const u32 subnormal = (u32)subnormal_half<nearest>(real(magnitude));
-  return with_sign(choose((i32)magnitude < least_half_normal, subnormal, normal), x);
+  return with_sign(select((i32)magnitude < least_half_normal, subnormal, normal), x);
 }
 template <bool nearest>
 QKR_INLINE void store_halves(uint16_t *p, f32 low, f32 high) {
@@ -112,7 +108,7 @@ QKR_INLINE bool any_nan(f32 a, f32 b) {
 QKR_INLINE f32 load_halves(const uint16_t *p) {
   const f32 v = load_numbers(p);
   const u32 moved = (u32)load_lanes((const int16_t *)p) << 13;
-  return real(choose((i32)(v != v), (moved & 0x8FFFFFFFu) | 0x70000000u, bits(v)));
+  return real(select((i32)(v != v), (moved & 0x8FFFFFFFu) | 0x70000000u, bits(v)));
 }
 
 // Of numbers that binary16 has among its normal ones, or 0.
@@ -130,7 +126,7 @@ QKR_INLINE void store_half(uint16_t *p, f32 x) {
   if constexpr (nearest) pattern -= (u32)(magnitude == half_of_least);
   else if constexpr (all_numbers) {
     const i32 too_large = (magnitude >= beyond_halves) & (magnitude <= infinity);
-    pattern = choose(too_large, (pattern & 0x80000000u) | (uint32_t)infinity, pattern);
+    pattern = select(too_large, (pattern & 0x80000000u) | (uint32_t)infinity, pattern);
   }
   constexpr int direction = nearest ? _MM_FROUND_TO_NEAREST_INT : _MM_FROUND_TO_ZERO;
   i16 half = (i16)convert_singles<direction>(real(pattern));

@@ -130,7 +130,8 @@ struct Line {
 template <class V>
 QKR_INLINE V combined(V p, V q) {
   const double m1 = (double)first.modulus, m2 = (double)second.modulus;
-  return add_where_less(add_where_less(p, 0.0, m1) - add_where_less(q, 0.0, m2), 1.0, m1);
+  const auto reduced = [](V x, double limit, double modulus) { return x + zero_unless(x < limit, modulus); };
+  return reduced(reduced(p, 0.0, m1) - reduced(q, 0.0, m2), 1.0, m1);
 }
 
 QKR_INLINE uint32_t step(Mrg32k3a &state) {

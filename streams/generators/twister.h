@@ -10,7 +10,7 @@ namespace {
 
 // The recurrence is mt[k + N] = mt[k + M] ^ twisted(mt[k], mt[k + 1]).
 QKR_INLINE u32 twisted(u32 word, u32 next, uint32_t upper_mask, u32 matrix) {
-  return ((word & upper_mask) | (next & ~upper_mask)) >> 1 ^ where_odd(next, matrix);
+  return ((word & upper_mask) | (next & ~upper_mask)) >> 1 ^ zero_unless((next & 1) != 0, matrix);
 }
 
 // How a word of the state becomes an output: vectors and single words alike.

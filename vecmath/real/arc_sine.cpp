@@ -69,9 +69,9 @@ struct Asin : ArcKernel<T> {
   QKR_INLINE static V core(V argument) {
     const auto x = in_double<T>(argument), magnitude = absolute<double>(x);
     const auto [w, w_lo, ratio] = folded<T>(argument, magnitude);
-    const auto base = zero_if_less(magnitude, fold, half_pi_hi),
-               lo = zero_if_less(magnitude, fold, half_pi_lo - w_lo);
-    const auto v = select_less(magnitude, fold, magnitude, 0.0 - w);
+    const auto base = zero_unless(magnitude >= fold, half_pi_hi),
+               lo = zero_unless(magnitude >= fold, half_pi_lo - w_lo);
+    const auto v = select(magnitude < fold, magnitude, 0.0 - w);
     return rounded<T>(flip_sign(sum<T>(base, lo, v, ratio), x));
   }
 };
@@ -83,9 +83,9 @@ struct Acos : ArcKernel<T> {
   QKR_INLINE static V core(V argument) {
     const auto x = in_double<T>(argument), magnitude = absolute<double>(x);
     const auto [w, w_lo, ratio] = folded<T>(argument, magnitude);
-    const auto base = half_pi_hi - flip_sign(zero_if_less(magnitude, fold, half_pi_hi), x);
-    const auto lo = half_pi_lo - flip_sign(zero_if_less(magnitude, fold, half_pi_lo - w_lo), x);
-    const auto v = flip_sign(select_less(magnitude, fold, 0.0 - magnitude, w), x);
+    const auto base = half_pi_hi - flip_sign(zero_unless(magnitude >= fold, half_pi_hi), x);
+    const auto lo = half_pi_lo - flip_sign(zero_unless(magnitude >= fold, half_pi_lo - w_lo), x);
+    const auto v = flip_sign(select(magnitude < fold, 0.0 - magnitude, w), x);
     return rounded<T>(sum<T>(base, lo, v, ratio));
   }
 };

@@ -33,8 +33,8 @@ QKR_INLINE V single_angle(V y, X x) {
   constexpr double quarter_pi = 0x1.921fb54442d18p-1;
   constexpr double low_slope = 0.41421356237309503, high_slope = 2.414213562373095;  // of pi/8 and 3pi/8
   const X magnitude = absolute<double>(x);
-  const V c = select_less(y, magnitude * low_slope, 0.0, 1.0),
-          a_magnitude = select_less(y, magnitude * high_slope, 1.0, 0.0);
+  const V c = select(y < magnitude * low_slope, 0.0, 1.0),
+          a_magnitude = select(y < magnitude * high_slope, 1.0, 0.0);
   const V a = flip_sign(a_magnitude, x);
   const V direction = 2.0 * quarter_pi - quarter_pi * flip_sign(1.0 + a_magnitude - c, x);
   const V t = (a * y - c * x) / (a * x + c * y), z = t * t;
@@ -113,7 +113,7 @@ struct Atan2Double : BinaryKernel<double, 4> {
     const V t = rise / run, z = t * t, p = t * run;
     const V t_lo = ((rise - p) - product_error(t, run, p)) * rough_reciprocal(run);
     // Below 2^-32 arctan t rounds as t does.
-    const V lo = d.lo + select_less(z, 0x1p-64, 0.0, t_lo);
+    const V lo = d.lo + select(z < 0x1p-64, 0.0, t_lo);
     return flip_sign(add_arctangent(t, z, d.hi, lo), signed_y);
   }
 

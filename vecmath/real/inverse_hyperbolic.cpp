@@ -27,8 +27,8 @@ QKR_INLINE V ln_of_one_plus(V u, V u_lo, V x) {
   const V half = 0.5 * y, scale = real(0x7FD0000000000000u - (bits(half) & 0x7FF0000000000000u));
   V argument = half, middle = y_lo * scale, low = u_lo * scale;
   if constexpr (may_be_huge) {
-    argument = select_less(x, huge, half, x);
-    middle = select_less(x, huge, middle, 0.0), low = select_less(x, huge, low, 0.0);
+    argument = select(x < huge, half, x);
+    middle = zero_unless(x < huge, middle), low = zero_unless(x < huge, low);
   }
   const LogReduction<V> l(argument);
   const V n = l.n + 1.0, b = (l.tail + middle) * l.r, z = b + l.head_residual;
@@ -37,7 +37,7 @@ QKR_INLINE V ln_of_one_plus(V u, V u_lo, V x) {
   const V series = (z * z) * (-0.49999999999995254 +
                               z * (0.3333333333332741 + z * (-0.2500001988694339 + z * 0.2000001934420511)));
   // Around 1 + u = 1 the rest is 0, and the head is u itself.
-  return (((series + low * l.r) + rest) + zero_unless(b, rest)) + add_if_zero(head, b, rest);
+  return (((series + low * l.r) + rest) + zero_unless(rest != 0.0, b)) + (head + zero_unless(rest == 0.0, b));
 }
 
 // ln x to 2^-37, for x from 1 on: x = 2^n m with m from 1 - 1/64 to 2 - 1/32, z = r m - 1 at most 1/32.
@@ -78,7 +78,7 @@ struct Asinh : InverseHyperbolic<T> {
     if constexpr (is_single<T>) {
       const auto square = x * x;
       const auto log = short_ln(x + square_root(1.0 + square));
-      return narrow(flip_sign(select_less(x, small, x - x * (square * (1.0 / 6)), log), signed_x));
+      return narrow(flip_sign(select(x < small, x - x * (square * (1.0 / 6)), log), signed_x));
     } else {
       const V s = at_most(x, huge), square = s * s, square_lo = product_error(s, s, square);
       const V radicand = 1.0 + square, from_square = radicand - 1.0;
@@ -147,7 +147,7 @@ struct Atanh : InverseHyperbolic<T> {
     const auto signed_x = in_double<T>(argument), x = absolute<double>(signed_x);
     if constexpr (is_single<T>) {
       const auto log = 0.5 * short_ln((1.0 + x) / (1.0 - x));
-      return narrow(flip_sign(select_less(x, small, x + x * (x * x * (1.0 / 3)), log), signed_x));
+      return narrow(flip_sign(select(x < small, x + x * (x * x * (1.0 / 3)), log), signed_x));
     } else {
       const V twice = x + x, divisor = 1.0 - x, divisor_lo = (1.0 - divisor) - x;
       const V u = twice / divisor, product = u * divisor;

@@ -96,7 +96,7 @@ struct Logarithm : UnaryKernel<typename Log::Element, Log::group_width> {
     const V s = a + exact_mad(n, Log::log2_hi, t_hi);
     const V c = n * Log::log2_lo + t_lo;
     // c is 0 around x = 1 only: there b belongs to the head, which keeps all its bits.
-    return {add_if_zero(s, b, c), (Log::polynomial(z) + c) + zero_unless(b, c)};
+    return {s + zero_unless(c == T(0), b), (Log::polynomial(z) + c) + zero_unless(c != T(0), b)};
   }
 
   template <class V>

@@ -30,7 +30,7 @@ struct LnSingle : UnaryKernel<float, QKR_SIMD_BYTES == 32 ? 4 : 2> {
     const V q = (z * z) * (P[0] + z * (P[1] + z * P[2]));
     const V n = exponent(bits(x)) + adj_n;
     const V head = exact_mad(n, ln2_high, t_hi + a), tail = n * ln2_low + t_lo;
-    const V b_head = zero_unless_within(b, bits(x), near_one_first, near_one_last);
+    const V b_head = zero_unless(within(bits(x), near_one_first, near_one_last), b);
     return ((q + tail) + (b - b_head)) + (head + b_head);
   }
 

@@ -121,7 +121,8 @@ struct SinCosDouble : UnaryKernel<double, 2> {
     const auto j = bits(s.t);
     const V sine = sine_by_columns<TwoResults>(circular::fine_sine_columns, j, s);
     const V cosine = sine_by_columns<TwoResults>(circular::fine_cosine_columns, j, s);
-    return {turn_sign(choose(j, 32, sine, cosine), j, 6), turn_sign(choose(j, 32, cosine, sine), j + 32u, 6)};
+    const auto odd = (j & 32u) != 0u;
+    return {turn_sign(select(odd, cosine, sine), j, 6), turn_sign(select(odd, sine, cosine), j + 32u, 6)};
 #else
     const Reduced<V> s = reduce<TwoResults>(x, 0);
     const auto j = bits(s.t);

@@ -36,7 +36,7 @@ QKR_INLINE V tangent(Reduced<V> x) {
   const V s_head = head(exact_mad(steps, Grid64::P1, r) - x.excess);
   const V s_tail = (r - exact_mad(steps, -Grid64::P1, s_head)) + (steps * Grid64::P2 - x.excess);
   // 1/s = y (1 - f + f^2) with f = s y - 1 below 2^-24; row 0 has no pole.
-  const V y = zero_unless(head(1.0 / s_head), row);
+  const V y = zero_unless(row != 0.0, head(1.0 / s_head));
   const V f = exact_mad(s_head, y, -1.0) + y * s_tail, y_tail = y * (f - f * f);
 
   const V z = r * r;
