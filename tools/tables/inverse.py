@@ -8,6 +8,7 @@ direction of the nearest row, a point has the slope t with |t| at most 1/31.
 
 The polynomials p are fitted so that u + u * z * p(z), z = u**2, is the function of u; the error is relative to u:
   arc tangent on |t| <= 1/31 for doubles and on |t| <= tan(pi/8) for floats, arc sine on |u| <= 1/2.
+In double the first coefficient of the arc sine is given less 1/8, whose product with u z is exact.
 
 short_logarithms: row k is r, about 1/(1 + k/16), and -ln r.
 """
@@ -31,12 +32,13 @@ def direction_rows():
     return rows
 
 
-def odd_function(f, limit, terms):
+def odd_function(f, limit, terms, exact_part=0):
     def inner(z):
         u = sqrt(z)
         return (f(u) / u - 1) / z
     coefficients, error = minimax(inner, lambda z: z, 0, mpfr(limit) ** 2, terms)
     print(f"{f.__name__}, {terms} terms: error 2**{float(gmpy2.log2(error)):.1f}")
+    coefficients[0] -= exact_part
     return [to_double(c) for c in coefficients]
 
 
@@ -49,7 +51,7 @@ main("inverse", [
     Table("arc_tangent", "double", "directions", direction_rows()),
     Table("arc_tangent", "double", "polynomial_for_double", odd_function(atan, mpfr(1) / 31, 4)),
     Table("arc_tangent", "double", "polynomial_for_single", odd_function(atan, sqrt(mpfr(2)) - 1, 5)),
-    Table("arc_sine", "double", "polynomial_for_double", odd_function(asin, mpfr(1) / 2, 13)),
+    Table("arc_sine", "double", "polynomial_for_double", odd_function(asin, mpfr(1) / 2, 14, mpfr(1) / 8)),
     Table("arc_sine", "double", "polynomial_for_single", odd_function(asin, mpfr(1) / 2, 6)),
     Table("inverse_hyperbolic", "double", "short_logarithms", [short_logarithm_row(k) for k in range(16)]),
 ])

@@ -129,7 +129,7 @@ struct ErfcSingle : UnaryKernel<float, 1> {
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_FUNCTION(_vxmdErf_HA, _vxmdErf_50, double, 0.57, 0x1.20f4ee12836f6p+2, ErfDouble)
+QKR_FUNCTION(_vxmdErf_HA, _vxmdErf_50, double, 0.58, -0x1.86378bfe023bap+1, ErfDouble)
 QKR_FUNCTION(_vxmsErf_HA, _vxmsErf_21, float, 0.508, -0x1.054204p+0, ErfSingle)
 QKR_FUNCTION(_vxmdErfc_HA, _vxmdErfc_50, double, 0.56, 0x1.e1fd70ef888c2p+3, ErfcDouble)
 QKR_FUNCTION(_vxmsErfc_HA, _vxmsErfc_21, float, 0.513, 0x1.87f4a8p+1, ErfcSingle)

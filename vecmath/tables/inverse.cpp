@@ -183,11 +183,11 @@ alignas(64) const double polynomial_for_single[5] = {
 
 namespace qkr::arc_sine {
 
-alignas(64) const double polynomial_for_double[13] = {
-    0x1.5555555555578p-3, 0x1.333333332df7ep-4, 0x1.6db6db72260d3p-5, 0x1.f1c71a8dc29e1p-6,
-    0x1.6e8bdfa6826b1p-6, 0x1.1c49e2b9fe45ap-6, 0x1.ca20ce315530fp-7, 0x1.757b790581a7dp-7,
-    0x1.6173f8e20ecb6p-7, 0x1.e2be4aefb654bp-9, 0x1.6492c031a84dfp-6, -0x1.5954970dd8b79p-6,
-    0x1.0bb0689aee446p-5,
+alignas(64) const double polynomial_for_double[14] = {
+    0x1.555555555554bp-5, 0x1.3333333333a5cp-4, 0x1.6db6db6d46ef3p-5, 0x1.f1c71ca8fb6a1p-6,
+    0x1.6e8b9ad98da41p-6, 0x1.1c4f876caa602p-6, 0x1.c980aa431fc27p-7, 0x1.7ba648aeaee9ap-7,
+    0x1.36b4b41994ce3p-7, 0x1.484e50421b74p-7, 0x1.5574282c706d7p-11, 0x1.97da64db3a5b7p-6,
+    -0x1.add603e9b20f2p-6, 0x1.1402ac9efe71p-5,
 };
 
 alignas(64) const double polynomial_for_single[6] = {

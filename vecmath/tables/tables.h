@@ -17,7 +17,7 @@ alignas(64) extern const double polynomial_for_single[5];
 
 namespace qkr::arc_sine {
 // arcsin u = u + u z p(z), z = u^2.
-alignas(64) extern const double polynomial_for_double[13];
+alignas(64) extern const double polynomial_for_double[14];
 alignas(64) extern const double polynomial_for_single[6];
 }  // namespace qkr::arc_sine
 
