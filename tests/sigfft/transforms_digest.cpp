@@ -1,31 +1,14 @@
 // A hash of the results of every transform: one line for each set, precision, form and order, which must be
 // the same at all levels, with every compiler, on every processor and with every C library.
 //   transforms_digest [LARGEST_ORDER]
-#include <stdio.h>
 #include <stdlib.h>
 
 #include "engines.h"
-#include "tests/support/levels.h"
+#include "tests/support/digest.h"
 
 namespace {
 
 using namespace qkr::tests;
-
-class Hash {
-  uint64_t value_ = 0xCBF29CE484222325;
-
- public:
-  template <class T>
-  void add(const std::vector<T> &numbers) {
-    for (T x : numbers) {
-      if constexpr (sizeof x == 8) value_ ^= __builtin_bit_cast(uint64_t, x);
-      else value_ ^= __builtin_bit_cast(uint32_t, x);
-      value_ *= 0x9E3779B97F4A7C15;
-      value_ ^= value_ >> 29;
-    }
-  }
-  uint64_t value() const { return value_; }
-};
 
 // The plans' tables are made anew at each level.
 template <class T>
@@ -53,8 +36,6 @@ uint64_t hash_of(const Functions<T> &f, Kind kind, Format format, int order, con
   return hash.value();
 }
 
-int differences;
-
 template <class T>
 void print_digests(int largest_order) {
   for (const auto &f : functions<T>)
@@ -64,18 +45,9 @@ void print_digests(int largest_order) {
         constexpr const char *format_names[] = {"", " Pack", " CCS"};
         for (int order = 0; order <= largest_order; ++order) {
           const auto x = signal<T>((size_t{2} << order) + 2, (unsigned)order);
-          uint64_t first = 0;
-          for_each_level([&](const char *level) {
-            const uint64_t hash = hash_of(f, kind, format, order, x);
-            if (!first) {
-              first = hash;
-              printf("%s %s%s %d %016llx\n", f.name, kind_names[kind], format_names[format], order,
-                     (unsigned long long)hash);
-            } else if (hash != first) {
-              printf("  differs at %s: %016llx\n", level, (unsigned long long)hash);
-              ++differences;
-            }
-          });
+          print_digest(std::string(f.name) + ' ' + kind_names[kind] + format_names[format] + ' ' +
+                           std::to_string(order),
+                       [&] { return hash_of(f, kind, format, order, x); });
         }
       }
 }
