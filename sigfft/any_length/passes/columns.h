@@ -79,45 +79,53 @@ QKR_INLINE Turns<Vector<T, bytes>> turns(Paired<T, bytes> w) {
   return {each_part_twice<0>(w.v, Lanes()), each_part_twice<1>(w.v, Lanes())};
 }
 
-// The twiddles of one multiple m of the columns, of a group of columns as make_twiddles lays them out.
+#ifdef __AVX__
+// From memory a load makes the copies, and the ports of arithmetic are left alone: of doubles it copies the
+// even ones, so that the sines are read from one number on.
+#define QKR_LOAD_TURNS(T, bytes, cosines, sines)                   \
+  QKR_INLINE Turns<Vector<T, bytes>> load_turns(const T *p, Width<bytes>) { \
+    return {(Vector<T, bytes>)cosines, (Vector<T, bytes>)sines};            \
+  }
+QKR_LOAD_TURNS(double, 16, _mm_loaddup_pd(p), _mm_loaddup_pd(p + 1))
+QKR_LOAD_TURNS(double, 32, _mm256_movedup_pd(_mm256_loadu_pd(p)), _mm256_movedup_pd(_mm256_loadu_pd(p + 1)))
+QKR_LOAD_TURNS(float, 16, _mm_moveldup_ps(_mm_loadu_ps(p)), _mm_movehdup_ps(_mm_loadu_ps(p)))
+QKR_LOAD_TURNS(float, 32, _mm256_moveldup_ps(_mm256_loadu_ps(p)), _mm256_movehdup_ps(_mm256_loadu_ps(p)))
+#ifdef __AVX512F__
+QKR_LOAD_TURNS(double, 64, _mm512_movedup_pd(_mm512_loadu_pd(p)), _mm512_movedup_pd(_mm512_loadu_pd(p + 1)))
+QKR_LOAD_TURNS(float, 64, _mm512_moveldup_ps(_mm512_loadu_ps(p)), _mm512_movehdup_ps(_mm512_loadu_ps(p)))
+#endif
+#undef QKR_LOAD_TURNS
+#else
+template <class T>
+QKR_INLINE Turns<Vector<T, 16>> load_turns(const T *p, Width<16>) {
+  return turns(Paired<T, 16>{load_vector<Vector<T, 16>>(p)});
+}
+#endif
+
+// The twiddles of column k and those that follow, for one multiple m, as make_twiddles lays them out.
 template <class T>
 struct ColumnTwiddles {
   const T *start;
-  size_t row;  // numbers of T for one m
 
-  QKR_INLINE ColumnTwiddles(const T *table, size_t factor, size_t columns, size_t k) {
+  QKR_INLINE ColumnTwiddles(const T *table, size_t factor, size_t k) {
     constexpr size_t together = columns_together<T, 64>;
-    const size_t group = k / together * together, left = columns - group;
-    row = 2 * (left < together ? left : together);
-    start = table + 2 * ((factor - 1) * group + (k - group));
+    start = table + 2 * ((factor - 1) * (k & -together) + k % together);
   }
-  template <int bytes>
-  QKR_INLINE auto pairs(size_t m) const {
-    return columns<bytes>(Interleaved<const T>{start + (m - 1) * row}, 0);
-  }
+  QKR_INLINE const T *of(size_t m) const { return start + (m - 1) * (64 / sizeof(T)); }
   template <int bytes>
   QKR_INLINE auto turns_of(size_t m) const {
-    if constexpr (bytes < 32) {
-      return turns(pairs<bytes>(m));
-    } else {
-      // Each from memory by itself: the copies of a number cost no shuffle then.
-      using V = Vector<T, bytes>;
-      using Lanes = std::make_integer_sequence<int, bytes / (int)sizeof(T)>;
-      const T *const of_c = start + (m - 1) * row, *of_s = of_c;
-      asm("" : "+r"(of_s));
-      V c, s;
-      __builtin_memcpy(&c, of_c, sizeof c);
-      __builtin_memcpy(&s, of_s, sizeof s);
-      return Turns<V>{each_part_twice<0>(c, Lanes()), each_part_twice<1>(s, Lanes())};
-    }
+    return load_turns(of(m), Width<(bytes < 16 ? 16 : bytes)>());
   }
 };
 
 // x times w, or times the conjugate of w.
+template <bool forward, class T, int bytes, class V>
+QKR_INLINE Paired<T, bytes> times(Paired<T, bytes> x, Turns<V> w) {
+  return times<forward>(x, w.c, w.s);
+}
 template <bool forward, class T, int bytes>
 QKR_INLINE Paired<T, bytes> times_pairs(Paired<T, bytes> x, Paired<T, bytes> w) {
-  const auto t = turns(w);
-  return times<forward>(x, t.c, t.s);
+  return times<forward>(x, turns(w));
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ QKR_NOINLINE void combine(Factor<points> factor, In in, Out out, const Stage<T> 
   const T *const table = stage.twiddles;
   each_column<T>(0, rest, [=](auto width, size_t k) QKR_LAMBDA {
     constexpr int bytes = decltype(width)::value;
-    const ColumnTwiddles<T> twiddles(table, points, rest, k);
+    const ColumnTwiddles<T> twiddles(table, points, k);
     decltype(twiddles.template turns_of<bytes>(1)) w[points];
 #pragma GCC unroll 16
     for (int m = 1; m < points; ++m) w[m] = twiddles.template turns_of<bytes>(m);
@@ -25,7 +25,7 @@ QKR_NOINLINE void combine(Factor<points> factor, In in, Out out, const Stage<T> 
       const size_t place = b * points * rest + k;
       const auto get = [&](int m) QKR_LAMBDA {
         const auto x = columns<bytes>(in, place + m * rest);
-        return m ? times<forward>(x, w[m].c, w[m].s) : x;
+        return m ? times<forward>(x, w[m]) : x;
       };
       transform_points<forward>(
           factor, get, [&](int q, auto x) QKR_LAMBDA { set_columns<bytes>(out, place + q * rest, x); },
@@ -42,11 +42,11 @@ QKR_NOINLINE void combine(AnyFactor factor, In in, Out out, const Stage<T> &stag
   for (size_t b = 0; b < blocks; ++b)
     each_column<T>(0, rest, [=](auto width, size_t k) QKR_LAMBDA {
       constexpr int bytes = decltype(width)::value;
-      const ColumnTwiddles<T> twiddles(table, points, rest, k);
+      const ColumnTwiddles<T> twiddles(table, points, k);
       const size_t place = b * points * rest + k;
       const auto get = [&](int m) QKR_LAMBDA {
         const auto x = columns<bytes>(in, place + m * rest);
-        return m ? times_pairs<forward>(x, twiddles.template pairs<bytes>(m)) : x;
+        return m ? times<forward>(x, twiddles.template turns_of<bytes>(m)) : x;
       };
       transform_points<forward>(
           factor, get, [&](int q, auto x) QKR_LAMBDA { set_columns<bytes>(out, place + q * rest, x); },

@@ -69,9 +69,9 @@ QKR_NOINLINE void combine_real(F factor, const T *in, T *out, const Stage<T> &st
     combine_column0<forward>(factor, in, out, rest, circle);
     each_column<T>(0, pairs, [=](auto width, size_t k) QKR_LAMBDA {
       constexpr int bytes = decltype(width)::value;
-      const ColumnTwiddles<T> twiddles(table, points, pairs, k);
+      const ColumnTwiddles<T> twiddles(table, points, k);
       const auto turned = [&](int m, auto x) QKR_LAMBDA {
-        return m ? times_pairs<forward>(x, twiddles.template pairs<bytes>(m)) : x;
+        return m ? times<forward>(x, twiddles.template turns_of<bytes>(m)) : x;
       };
       if constexpr (forward) {
         const MirroredColumns<bytes, T> spectrum = {frequencies(out), rest, points, k};

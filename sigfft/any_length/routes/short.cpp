@@ -28,12 +28,12 @@ template <bool forward, int factor, int rest, int blocks, class T>
 QKR_INLINE void combine_short(Interleaved<T> in, Interleaved<T> out, const T *table) {
   every_column<T, 0, rest, two_numbers<T>>([=](auto width, size_t k) QKR_LAMBDA {
     constexpr int bytes = decltype(width)::value;
-    const ColumnTwiddles<T> twiddles(table, factor, rest, k);
+    const ColumnTwiddles<T> twiddles(table, factor, k);
 #pragma GCC unroll 4
     for (size_t place = k; place < factor * rest * blocks; place += factor * rest) {
       const auto get = [&](int m) QKR_LAMBDA {
         const auto x = columns<bytes>(in, place + m * rest);
-        return m ? times_pairs<forward>(x, twiddles.template pairs<bytes>(m)) : x;
+        return m ? times<forward>(x, twiddles.template turns_of<bytes>(m)) : x;
       };
       transform_points<forward>(
           Factor<factor>(), get,
