@@ -140,7 +140,12 @@ Law negative_binomial(double a, double p) {
                    [=](long double k) { return q * (a + k) / (k + 1); });
 }
 
-Law poisson(double mean) { return mean > 0 ? discrete(math::poisson(mean), 0, INT32_MAX) : single(0); }
+Law poisson(double mean) {
+  if (mean == 0) return single(0);
+  if (mean < 1e5) return discrete(math::poisson(mean), 0, INT32_MAX);
+  return by_ratios(std::floor(mean), std::sqrt(mean), 0, INT32_MAX,
+                   [=](long double k) { return mean / (k + 1); });
+}
 
 template <class T>
 struct Family {
