@@ -86,8 +86,10 @@ std::vector<Stream> all_streams() {
       __vxsAddChunk(streams.back().get(), id, calloc(1, 20), 20);
   }
   streams.push_back(made([](StreamState **out) { return __vxsiNewAbstractStream(out, 8, words, update); }));
-  streams.push_back(made([](StreamState **out) { return __vxsdNewAbstractStream(out, 8, reals, 0, 1, update); }));
-  streams.push_back(made([](StreamState **out) { return __vxssNewAbstractStream(out, 8, singles, 0, 1, update); }));
+  streams.push_back(
+      made([](StreamState **out) { return __vxsdNewAbstractStream(out, 8, reals, 0, 1, update); }));
+  streams.push_back(
+      made([](StreamState **out) { return __vxssNewAbstractStream(out, 8, singles, 0, 1, update); }));
   streams.push_back(new_stream(0x100000, {777}));
   double number;
   _vxsdRngGaussian(1, streams.back().get(), 1, &number, 0, 1);
