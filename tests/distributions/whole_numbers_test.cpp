@@ -1,7 +1,6 @@
 // What Binomial, Hypergeometric, Negbinomial and Poisson keep on a stream, and what they make of parameters
 // outside their ranges.
 #include <cmath>
-#include <cstring>
 #include <limits>
 
 #include "tests/distributions/recorded_stream.h"
@@ -26,10 +25,8 @@ const Kept kept[] = {{{"Binomial", {40, 0.3}}, 5, 680, 2, 67},
                      {{"Poisson", {5}}, 3, 672, 52, 83},
                      {{"Poisson", {500}}, 3, 672, 1, 50}};
 
-const StreamChunk *chunk_of(const Stream &stream, uint32_t id) {
-  const StreamChunk *chunk = stream->chunks;
-  while (chunk && chunk->id != id) chunk = chunk->next;
-  return chunk;
+double *setup_of(const Kept &row, const Stream &stream) {
+  return static_cast<double *>(__vxsSearchChunk(stream.get(), row.chunk));
 }
 
 Wholes drawn(const Kept &row, const Stream &stream, int32_t n = 700) {
@@ -42,28 +39,23 @@ Wholes drawn(const Kept &row, const Stream &stream, int32_t n = 700) {
 TEST(Setup, StaysOnTheStreamAndInItsFile) {
   const std::string file = testing::TempDir() + "setup.stream";
   for (const Kept &row : kept) {
+    SCOPED_TRACE(row.a_case.family);
     const Stream stream = new_stream(0x800000, {3});
     drawn(row, stream);
-    const StreamChunk *chunk = chunk_of(stream, row.chunk);
-    ASSERT_NE(chunk, nullptr);
-    EXPECT_EQ(chunk->size, row.size);
-    ASSERT_EQ(__vxsSaveStreamF(stream.get(), file.c_str(), -1), VXS_STATUS_OK);
-    StreamState *loaded = nullptr;
-    ASSERT_EQ(__vxsLoadStreamF(&loaded, file.c_str()), VXS_STATUS_OK);
-    const Stream second(loaded);
-    const Wholes expected = drawn(row, stream);
-    EXPECT_EQ(drawn(row, second), expected) << row.a_case.family;
+    ASSERT_NE(setup_of(row, stream), nullptr);
+    EXPECT_EQ(stream->chunks->size, row.size);
+    save(stream, file);
+    const Stream second = loaded(file);
+    EXPECT_EQ(drawn(row, second), drawn(row, stream));
     // It is used: what is done to it shows.
-    double *const setup = static_cast<double *>(chunk_of(second, row.chunk)->data);
-    for (size_t i = row.first; i <= row.last; ++i) setup[i] *= 0.875;
-    EXPECT_NE(drawn(row, second), drawn(row, stream)) << row.a_case.family;
+    for (size_t i = row.first; i <= row.last; ++i) setup_of(row, second)[i] *= 0.875;
+    EXPECT_NE(drawn(row, second), drawn(row, stream));
     // Other parameters set up anew.
     Kept other = row;
     other.a_case.parameters.back() *= 0.75;
     const Stream third = new_stream(0x800000, {4}), fresh = new_stream(0x800000, {4});
-    EXPECT_EQ(drawn(other, third, 1), drawn(other, fresh, 1));
-    drawn(row, third, 0);  // set up for others in between
-    EXPECT_EQ(drawn(other, third), drawn(other, fresh)) << row.a_case.family;
+    drawn(row, third, 0);
+    EXPECT_EQ(drawn(other, third), drawn(other, fresh));
   }
   remove(file.c_str());
 }
@@ -75,7 +67,7 @@ TEST(Setup, MayBeNonsense) {
     for (const double x : nonsense) {
       const Stream stream = new_stream(0x800000, {3});
       drawn(row, stream, 1);
-      double *const setup = static_cast<double *>(chunk_of(stream, row.chunk)->data);
+      double *const setup = setup_of(row, stream);
       for (size_t i = row.first; i <= row.last; ++i) setup[i] = x;
       drawn(row, stream, 300);
       for (size_t i = row.first; i <= row.last; ++i) {  // one number of it
@@ -92,32 +84,24 @@ TEST(Setup, MayBeNonsense) {
 
 TEST(WholeNumbers, RefuseWhatIsNoParameter) {
   const double nan = std::nan("");
-  const Case refused[] = {{"Binomial", {-1, 0.5}},
-                          {"Binomial", {5, -0.1}},
-                          {"Binomial", {5, 1.1}},
-                          {"Binomial", {5, nan}},
-                          {"Hypergeometric", {-1, 0, 0}},
-                          {"Hypergeometric", {5, 6, 1}},
-                          {"Hypergeometric", {5, 1, 6}},
-                          {"Hypergeometric", {5, -1, 1}},
-                          {"Hypergeometric", {5, 1, -1}},
-                          {"Negbinomial", {-1, 0.5}},
-                          {"Negbinomial", {nan, 0.5}},
-                          {"Negbinomial", {3, 0}},
-                          {"Negbinomial", {3, nan}},
-                          {"Negbinomial", {3, 1.5}},
-                          {"Negbinomial", {HUGE_VAL, 0.5}},
-                          {"Poisson", {-1}},
-                          {"Poisson", {nan}},
-                          {"Poisson", {-1}, 1},
-                          {"Poisson", {nan}, 1}};
-  for (const Case &a_case : refused) {
-    const Stream stream = recorded_stream();
-    int32_t x = 7;
-    EXPECT_EQ(draw(a_case, stream.get(), 1, &x), VXS_STATUS_BAD_ARGUMENT) << name_of<int32_t>(a_case);
-    EXPECT_EQ(recording.next, 0u);
-    EXPECT_EQ(x, 7);
-  }
+  const struct {
+    const char *family;
+    std::vector<std::vector<double>> parameters;
+    int32_t method = 0;
+  } refused[] = {{"Binomial", {{-1, 0.5}, {5, -0.1}, {5, 1.1}, {5, nan}}},
+                 {"Hypergeometric", {{-1, 0, 0}, {5, 6, 1}, {5, 1, 6}, {5, -1, 1}, {5, 1, -1}}},
+                 {"Negbinomial", {{-1, 0.5}, {nan, 0.5}, {HUGE_VAL, 0.5}}},
+                 {"Negbinomial", {{3, 0}, {3, nan}, {3, 1.5}}},
+                 {"Poisson", {{-1}, {nan}}},
+                 {"Poisson", {{-1}, {nan}}, 1}};
+  for (const auto &row : refused)
+    for (const std::vector<double> &parameters : row.parameters) {
+      const Case a_case = {row.family, parameters, row.method};
+      const Stream stream = recorded_stream();
+      int32_t number = 7;
+      EXPECT_EQ(draw(a_case, stream.get(), 1, &number), VXS_STATUS_BAD_ARGUMENT) << name_of<int32_t>(a_case);
+      EXPECT_TRUE(recording.next == 0 && number == 7);
+    }
   int32_t x = 7;
   for (const int32_t method : {2, -1, 1 << 30})
     EXPECT_EQ(_vxsiRngPoisson(method, recorded_stream().get(), 1, &x, 5), VXS_STATUS_BAD_METHOD);

@@ -105,21 +105,23 @@ TEST_F(Cache, SlotPreference) {
     in_fresh_thread([&] {
       SCOPED_TRACE(row.what);
       const ThreadCache &cache = *own_cache();
+      const size_t earlier = handed_out.size() - given_back.size();
+      size_t beyond = 0;  // blocks that are lent and untracked
       Blocks blocks;
       for (const Step &step : row.steps) {
         if (step.released >= 0) {
           void *block = blocks[step.released];
           const int slot = slot_of(block);
           qkr_serv_deallocate(block);
-          if (slot == untracked) EXPECT_EQ(given_back.back(), block);
-          else EXPECT_EQ(cache.busy[slot], 0);
-          continue;
+          beyond -= slot == untracked;
+          EXPECT_TRUE(slot == untracked || cache.busy[slot] == 0);
+        } else {
+          blocks.push_back(qkr_serv_allocate(step.size));
+          EXPECT_EQ(slot_of(blocks.back()), step.slot) << "request " << blocks.size() - 1;
+          beyond += step.slot == untracked;
+          EXPECT_TRUE(step.slot == untracked || cache.busy[step.slot] == 1);
         }
-        blocks.push_back(qkr_serv_allocate(step.size));
-        EXPECT_EQ(slot_of(blocks.back()), step.slot) << "request " << blocks.size() - 1;
-        if (step.slot != untracked) {
-          EXPECT_EQ(cache.busy[step.slot], 1);
-        }
+        EXPECT_EQ(handed_out.size() - given_back.size(), earlier + cache.count + beyond);
         EXPECT_EQ(cache.total, std::accumulate(cache.size, cache.size + cache.count, uint64_t{0}));
       }
       EXPECT_EQ(Sizes(cache.size, cache.size + cache.count), row.sizes);
@@ -129,49 +131,24 @@ TEST_F(Cache, SlotPreference) {
 TEST_F(Cache, ThreadRegistersWithItsFirstCachedRequest) {
   in_fresh_thread([] {
     qkr_serv_allocate(cache_ceiling + 1);
-    EXPECT_EQ(mm_FIRST, 1);
-    EXPECT_EQ(registered_count, 0);
+    EXPECT_TRUE(mm_FIRST == 1 && registered_count == 0);
     qkr_serv_allocate(1);
-    EXPECT_EQ(mm_FIRST, 0);
+    EXPECT_TRUE(mm_FIRST == 0 && registered_count == 1 && registered_caches[1] == own_cache());
     EXPECT_EQ(own_cache()->owner, QKR_ThreadID());
-    EXPECT_EQ(registered_count, 1);
-    EXPECT_EQ(registered_caches[1], own_cache());
-
     ++own_cache()->owner;  // a record of someone else serves nothing
     EXPECT_EQ(slot_of(qkr_serv_allocate(1)), untracked);
   });
 }
 
-TEST_F(Cache, SwappedHooksServeTheNextCall) {
-  in_fresh_thread([] {
-    i_malloc = malloc;
-    void *block = qkr_serv_allocate(10);
-    i_malloc = recording_malloc;
-    qkr_serv_deallocate(block);  // into its slot
-    for (int i = 0; i < 4; ++i) qkr_serv_allocate(10 + i);
-    EXPECT_EQ(handed_out.size(), 3u);
-    qkr_serv_allocate(20);
-    qkr_serv_allocate(30);  // untracked
-    EXPECT_EQ(handed_out.size(), 5u);
-    EXPECT_TRUE(given_back.empty());
-    qkr_serv_deallocate(block);
-    qkr_serv_allocate(40);  // replaces the block of the other hook
-    EXPECT_EQ(given_back, Blocks{block});
-    free(block);
-  });
-}
-
-TEST_F(Cache, FailedAllocationBlocksItsSlotUntilTheBuffersAreFreed) {
+TEST_F(Cache, NullIsABlockOfItsSlotUntilTheCacheIsFreed) {
   in_fresh_thread([] {
     const ThreadCache &cache = *own_cache();
+    qkr_serv_deallocate(nullptr);
+    EXPECT_EQ(given_back, Blocks{});
     out_of_memory = true;
     EXPECT_EQ(qkr_serv_allocate(100), nullptr);
     out_of_memory = false;
-    qkr_serv_deallocate(nullptr);
-    EXPECT_EQ(cache.buffer[0], nullptr);
-    EXPECT_EQ(cache.busy[0], 1);
-    EXPECT_EQ(cache.size[0], 100u);
-    EXPECT_EQ(cache.total, 100u);
+    EXPECT_TRUE(!cache.buffer[0] && cache.busy[0] == 1 && cache.size[0] == 100 && cache.total == 100);
     EXPECT_EQ(slot_of(qkr_serv_allocate(100)), 1);
     qkr_serv_freebuffers();
     EXPECT_EQ(given_back, handed_out);  // and no null
@@ -232,7 +209,6 @@ TEST_F(Cache, SwitchedOffEverythingGoesToTheHooks) {
     qkr_serv_freebuffers();
     EXPECT_EQ(handed_out, Blocks({cached, direct}));
     EXPECT_EQ(given_back, Blocks({direct, cached}));
-    EXPECT_EQ(own_cache()->count, 1u);
   });
 }
 
@@ -281,9 +257,8 @@ TEST_F(Cache, ServesTheDestructorsOfOtherKeys) {
     qkr_serv_deallocate(qkr_serv_allocate(20));
   });
   pthread_key_delete(key);
-  std::sort(given_back.begin(), given_back.end());
-  std::sort(handed_out.begin(), handed_out.end());
-  EXPECT_EQ(given_back, handed_out);
+  EXPECT_TRUE(
+      std::is_permutation(given_back.begin(), given_back.end(), handed_out.begin(), handed_out.end()));
   EXPECT_EQ(registered_count, 0);
 }
 

@@ -38,25 +38,14 @@ std::string damaged(std::string bytes, std::mt19937 &engine) {
     const size_t region = std::min<size_t>(bytes.size(), 1 + engine() % 48);
     size_t position = engine() % bytes.size();
     if (engine() % 3 != 0) position = engine() % 2 ? engine() % region : bytes.size() - 1 - engine() % region;
-    switch (engine() % 6) {
-      case 0:
-        bytes[position] = static_cast<char>(engine());
-        break;
-      case 1:
-        bytes[position] = static_cast<char>(bytes[position] ^ (1 << engine() % 8));
-        break;
-      case 2:
-        bytes[position] = static_cast<char>(engine() % 2 ? 0 : 0xff);
-        break;
-      case 3:
-        bytes.resize(position);
-        break;
-      case 4:
-        bytes.insert(position, 1 + engine() % 8, static_cast<char>(engine()));
-        break;
-      default:
-        bytes.erase(position, 1 + engine() % 8);
-    }
+    const auto any = static_cast<char>(engine());
+    const uint32_t kind = engine() % 6;
+    if (kind == 0) bytes[position] = any;
+    if (kind == 1) bytes[position] = static_cast<char>(bytes[position] ^ (1 << engine() % 8));
+    if (kind == 2) bytes[position] = static_cast<char>(engine() % 2 ? 0 : 0xff);
+    if (kind == 3) bytes.resize(position);
+    if (kind == 4) bytes.insert(position, 1 + engine() % 8, any);
+    if (kind == 5) bytes.erase(position, 1 + engine() % 8);
   }
   return bytes;
 }
@@ -71,54 +60,36 @@ void use(const Stream &stream, std::mt19937 &engine) {
   double pairs[64];
   StreamState *s = stream.get();
   for (int operation = 0; operation < 3; ++operation) {
-    switch (engine() % 7) {
-      case 0:
-        generator.iBrng(s, n, words.data());
-        break;
-      case 1:
-        generator.dBrng(s, n, reals.data(), 0, 1);
-        break;
-      case 2:
-        generator.sBrng(s, n, singles.data(), 0, 1);
-        break;
-      case 3:
-        __vxsSkipAheadStream(s, engine());
-        break;
-      case 4:
-        __vxsLeapfrogStream(s, static_cast<int32_t>(engine() % 4), engine() % 2 ? 0x7fffffff : 3);
-        break;
-      case 5:
-        _vxsdRngGaussian(1, s, 1 + n % 64, pairs, 0, 1);
-        break;
-      default:
-        __vxsCopyStream(&s, stream.get());
-        generator.iBrng(s, n, words.data());
-        __vxsDeleteStream(&s);
-        return;
-    }
+    const uint32_t kind = engine() % 6;
+    if (kind == 0) generator.iBrng(s, n, words.data());
+    if (kind == 1) generator.dBrng(s, n, reals.data(), 0, 1);
+    if (kind == 2) generator.sBrng(s, n, singles.data(), 0, 1);
+    if (kind == 3) __vxsSkipAheadStream(s, engine());
+    if (kind == 4) __vxsLeapfrogStream(s, static_cast<int32_t>(engine() % 4), engine() % 2 ? 0x7fffffff : 3);
+    if (kind == 5) _vxsdRngGaussian(1, s, 1 + n % 64, pairs, 0, 1);
   }
+  __vxsCopyStream(&s, stream.get());
+  generator.iBrng(s, n, words.data());
+  __vxsDeleteStream(&s);
 }
 
-// Streams of every kind: the generators, abstract ones, one of more dimensions than its record holds, and one
-// that holds a number over.
+// Streams of every kind: the generators, abstract ones, and one that holds a number over.
 std::vector<Stream> all_streams() {
   static uint32_t words[8];
   static double reals[8];
   static float singles[8];
-  StreamState *integers = nullptr, *doubles = nullptr, *floats = nullptr;
-  __vxsiNewAbstractStream(&integers, 8, words, [](auto...) { return 1; });
-  __vxsdNewAbstractStream(&doubles, 8, reals, 0, 1, [](auto...) { return 1; });
-  __vxssNewAbstractStream(&floats, 8, singles, 0, 1, [](auto...) { return 1; });
+  static constexpr auto update = [](auto...) { return 1; };
   std::vector<Stream> streams;
-  for (const Generator &g : all_generators()) {
-    streams.push_back(new_stream(g.id, g.seeds));
-    for (size_t id = 0; id < streams.size() % 3; ++id)
-      __vxsAddChunk(streams.back().get(), static_cast<uint32_t>(id), calloc(1, 20), 20);
+  for (const Generator &generator : all_generators()) {
+    streams.push_back(generator.start());
+    for (uint32_t id = 0; id < streams.size() % 3; ++id)
+      __vxsAddChunk(streams.back().get(), id, calloc(1, 20), 20);
   }
-  for (StreamState *abstract : {integers, doubles, floats}) streams.emplace_back(abstract);
-  Seeds large = {41, 1, 4};
-  large.resize(3 + 41 * 32, 0x80000001);
-  streams.push_back(new_stream(0x600000, large));
+  streams.push_back(made([](StreamState **out) { return __vxsiNewAbstractStream(out, 8, words, update); }));
+  streams.push_back(
+      made([](StreamState **out) { return __vxsdNewAbstractStream(out, 8, reals, 0, 1, update); }));
+  streams.push_back(
+      made([](StreamState **out) { return __vxssNewAbstractStream(out, 8, singles, 0, 1, update); }));
   streams.push_back(new_stream(0x100000, {777}));
   double number;
   _vxsdRngGaussian(1, streams.back().get(), 1, &number, 0, 1);
@@ -142,10 +113,9 @@ int main(int argc, char **argv) {
 
   std::map<int32_t, long> outcomes;
   for (long i = 0; i < count; ++i) {
-    const std::string *chosen = &good[engine() % good.size()];
-    while (chosen->size() > 10000 && i % 64) chosen = &good[engine() % good.size()];  // they are slow
-    const std::string &intact = *chosen;
-    write_all(file, damaged(intact, engine));
+    const std::string *intact = &good[engine() % good.size()];
+    while (intact->size() > 10000 && i % 64) intact = &good[engine() % good.size()];  // they are slow
+    write_all(file, damaged(*intact, engine));
     StreamState *stream = nullptr;
     const int32_t status = __vxsLoadStreamF(&stream, name.c_str());
     ++outcomes[status];

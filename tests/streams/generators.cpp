@@ -4,8 +4,9 @@
 #include <bit>
 #include <cmath>
 #include <deque>
-#include <numeric>
+#include <random>
 
+#include "streams/quasi/digital_sequence.h"
 #include "streams/tables/tables.h"
 
 namespace qkr::tests {
@@ -104,17 +105,17 @@ Steps mt2203(const Generator &generator, const Stream &) {
 }
 
 // Component j of the point with index i is the exclusive or of the direction numbers that the Gray code of i
-// selects; the numbers themselves are those of the stream.
-Steps digital_sequence(const Generator &generator, const Stream &stream) {
-  const size_t dimensions = generator.seeds[0], room = generator.id == 0x600000 ? 40 : 318;
-  const std::string bytes = payload(stream);
-  std::vector<uint32_t> v(dimensions * 33);
-  std::memcpy(v.data(), bytes.data() + 16 + 4 * room, 4 * v.size());
-  return [=, i = uint32_t{1}, j = size_t{0}](uint32_t *words) mutable {
+// selects. The numbers and the place in the sequence are those of the stream.
+Steps digital_sequence(const Generator &, const Stream &stream) {
+  const bool is_sobol = stream->brng == 277 || stream->brng >> 20 == 6;
+  const Sequence s = is_sobol ? sequence_of<Sobol>(stream.get()) : sequence_of<Niederreiter>(stream.get());
+  return [rows = Words(s.row(0), s.row(s.position->dim)), at = *s.position](uint32_t *words) mutable {
+    const int32_t j = at.only_dim >= 0 ? at.only_dim : at.pending ? at.dim - at.pending : 0;
     *words = 0;
-    for (uint32_t gray = i ^ (i >> 1); gray != 0; gray &= gray - 1)
-      *words ^= v[33 * j + std::countr_zero(gray)];
-    if (++j == dimensions) j = 0, ++i;
+    for (uint32_t gray = at.seq ^ (at.seq >> 1); gray != 0; gray &= gray - 1)
+      *words ^= rows[row_stride * j + std::countr_zero(gray)];
+    at.pending = at.dim - 1 - j;
+    if (at.only_dim >= 0 || at.pending == 0) ++at.seq;
   };
 }
 
@@ -151,49 +152,47 @@ T by_modulus(const Generator &, const uint32_t *words, T a, T b) {
 
 #define REALS(form) form<double>, form<float>
 
+using enum Partition;
+constexpr Family mcg31m1_family = {all, true, mcg31m1, REALS(by_31_bits)};
+constexpr Family mcg59_family = {all, true, mcg59, REALS(by_59_bits)};
+constexpr Family wh_family = {all, true, wichmann_hill, REALS(by_fractions)};
+constexpr Family r250_family = {none, false, r250, REALS(by_32_bits)};
+constexpr Family mrg32k3a_family = {none, true, mrg32k3a, REALS(by_modulus)};
+constexpr Family mt19937_family = {none, false, mt19937, REALS(by_32_bits)};
+constexpr Family mt2203_family = {none, false, mt2203, REALS(by_32_bits_narrow)};
+
 }  // namespace
 
+constinit const Family digital_sequences = {one_dimension, true, digital_sequence, REALS(by_32_bits_narrow)};
+
+Seeds user_directions(uint32_t dim) {
+  Seeds array = {dim, 1, 4};
+  std::mt19937 random(dim);
+  std::generate_n(std::back_inserter(array), 32 * dim, random);
+  return array;
+}
+
 const std::vector<Generator> &all_generators() {
-  using enum Partition;
+  constexpr uint32_t m1 = 4294967087, m2 = 4294944443;
   static const std::vector<Generator> generators = {
-      {"MCG31M1", 0x100000, {777}, all, true, true, mcg31m1, REALS(by_31_bits)},
-      {"MCG31M1, largest seed", 0, {0x7ffffffe}, all, true, true, mcg31m1, REALS(by_31_bits)},
-      {"R250", 0x200000, {777}, none, false, true, r250, REALS(by_32_bits)},
-      {"MRG32K3A", 0x300000, {1, 20, 300, 4000, 5, 6}, none, true, true, mrg32k3a, REALS(by_modulus)},
-      {"MRG32K3A, largest seeds",
-       2,
-       {4294967086, 4294967086, 4294967086, 4294944442, 4294944442, 4294944442},
-       none,
-       true,
-       true,
-       mrg32k3a,
-       REALS(by_modulus)},
-      {"MCG59", 0x400000, {123456789, 0x07654321}, all, true, true, mcg59, REALS(by_59_bits)},
-      {"WH 0", 0x500000, {1, 22, 333, 4444}, all, true, true, wichmann_hill, REALS(by_fractions)},
-      {"WH 136 by legacy id", 140, {9, 9, 9, 9}, all, true, true, wichmann_hill, REALS(by_fractions)},
-      {"WH 272",
-       0x500110,
-       {16766362, 16766358, 1, 16766230},
-       all,
-       true,
-       true,
-       wichmann_hill,
-       REALS(by_fractions)},
-      {"MT19937", 0x800000, {0x123, 0x234, 0x345, 0x456}, none, false, true, mt19937, REALS(by_32_bits)},
-      {"MT2203 0", 0x900000, {1}, none, false, true, mt2203, REALS(by_32_bits_narrow)},
-      {"MT2203 1023", 0x9003ff, Seeds(100, 7), none, false, true, mt2203, REALS(by_32_bits_narrow)},
-      {"Sobol 1", 0x600000, {1}, one_dimension, true, false, digital_sequence, REALS(by_32_bits_narrow)},
-      {"Sobol 3", 0x600000, {3}, one_dimension, true, false, digital_sequence, REALS(by_32_bits_narrow)},
-      {"Sobol 40", 0x600000, {40}, one_dimension, true, false, digital_sequence, REALS(by_32_bits_narrow)},
-      {"Niederr 7", 0x700000, {7}, one_dimension, true, false, digital_sequence, REALS(by_32_bits_narrow)},
-      {"Niederr 318",
-       0x700000,
-       {318},
-       one_dimension,
-       true,
-       false,
-       digital_sequence,
-       REALS(by_32_bits_narrow)}};
+      {"MCG31M1", 0x100000, {777}, mcg31m1_family},
+      {"MCG31M1, largest seed", 0, {0x7ffffffe}, mcg31m1_family},
+      {"R250", 0x200000, {777}, r250_family},
+      {"MRG32K3A", 0x300000, {1, 20, 300, 4000, 5, 6}, mrg32k3a_family},
+      {"MRG32K3A, largest seeds", 2, {m1 - 1, m1 - 1, m1 - 1, m2 - 1, m2 - 1, m2 - 1}, mrg32k3a_family},
+      {"MCG59", 0x400000, {123456789, 0x07654321}, mcg59_family},
+      {"WH 0", 0x500000, {1, 22, 333, 4444}, wh_family},
+      {"WH 136 by legacy id", 140, {9, 9, 9, 9}, wh_family},
+      {"WH 272", 0x500110, {16766362, 16766358, 1, 16766230}, wh_family},
+      {"MT19937", 0x800000, {0x123, 0x234, 0x345, 0x456}, mt19937_family},
+      {"MT2203 0", 0x900000, {1}, mt2203_family},
+      {"MT2203 1023, many seeds", 0x9003ff, user_directions(3), mt2203_family},
+      {"Sobol 1", 0x600000, {1}, digital_sequences},
+      {"Sobol 3", 0x600000, {3}, digital_sequences},
+      {"Sobol 40", 0x600000, {40}, digital_sequences},
+      {"Sobol 41 of a user", 0x600000, user_directions(41), digital_sequences},
+      {"Niederr 7", 0x700000, {7}, digital_sequences},
+      {"Niederr 318", 0x700000, {318}, digital_sequences}};
   return generators;
 }
 

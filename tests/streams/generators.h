@@ -7,24 +7,37 @@
 
 namespace qkr::tests {
 
+struct Generator;
+
 // Gives the words of one number, and goes on to the next.
 using Steps = std::function<void(uint32_t *words)>;
 
 enum class Partition { none, all, one_dimension };  // leapfrog
 
-struct Generator {
-  const char *name;
-  uint32_t id;
-  Seeds seeds;
+struct Family {
   Partition leapfrog;
   bool skips_ahead;
-  bool random;  // not quasi-random
   Steps (*definition)(const Generator &generator, const Stream &stream);
   double (*real)(const Generator &generator, const uint32_t *words, double a, double b);
   float (*single)(const Generator &generator, const uint32_t *words, float a, float b);
 };
 
+struct Generator {
+  const char *name;
+  uint32_t id;
+  Seeds seeds;
+  Family family;
+
+  Stream start() const { return new_stream(id, seeds); }
+  bool is_quasi_random() const { return family.leapfrog == Partition::one_dimension; }
+};
+
 const std::vector<Generator> &all_generators();
+
+// A user's array of direction numbers for `dim` dimensions of a quasi-random generator.
+Seeds user_directions(uint32_t dim);
+
+extern const Family digital_sequences;
 
 // Its name in a parameterised test.
 inline std::string test_name(const testing::TestParamInfo<Generator> &row) {

@@ -3,101 +3,117 @@
 
 #include <random>
 
+#include "streams/quasi/digital_sequence.h"
 #include "tests/support/levels.h"
 
 namespace {
 
 using namespace qkr::tests;
 
-class EveryGenerator : public testing::TestWithParam<Generator> {
- protected:
-  const Generator &g = GetParam();
-  Stream start() const { return new_stream(g.id, g.seeds); }
-};
-
 // The numbers by definition, in the form that the stream is asked for.
 struct Expected {
-  const Generator &g;
+  const Generator &generator;
   Steps steps;
   size_t words_each;
-  Expected(const Generator &generator, const Stream &stream)
-      : g(generator), steps(g.definition(g, stream)), words_each(generator_of(stream).WordSize / 4) {}
+  Expected(const Generator &of, const Stream &stream)
+      : generator(of),
+        steps(of.family.definition(of, stream)),
+        words_each(generator_of(stream).WordSize / 4) {}
 
-  std::vector<uint32_t> words(int32_t n) {
-    std::vector<uint32_t> all(n * words_each);
+  Words words(int32_t n) {
+    Words all(n * words_each);
     for (int32_t i = 0; i < n; ++i) steps(&all[i * words_each]);
     return all;
   }
   template <class T, class Form>
   std::vector<T> reals(int32_t n, T a, T b, Form form) {
-    const std::vector<uint32_t> drawn = words(n);
-    std::vector<T> all(static_cast<size_t>(n));
-    for (int32_t i = 0; i < n; ++i) all[i] = form(g, &drawn[i * words_each], a, b);
+    const Words drawn = words(n);
+    std::vector<T> all(n);
+    for (int32_t i = 0; i < n; ++i) all[i] = form(generator, &drawn[i * words_each], a, b);
     return all;
   }
 };
 
-// A million numbers in blocks of random length and form, and after each block the state bytes of a stream
-// that took one step at a time.
-TEST_P(EveryGenerator, FollowsItsDefinitionInAnyBlocks) {
+std::string state_of(const Stream &stream) {
+  std::string bytes = payload(stream);
+  for (const StreamChunk *chunk = stream->chunks; chunk; chunk = chunk->next)
+    bytes.append(static_cast<const char *>(chunk->data), chunk->size);
+  return bytes;
+}
+
+// Blocks of random length and form from where the stream is, and after each block the state of a stream that
+// took one step at a time.
+void expect_definition_followed(const Generator &generator, const Stream &from, int32_t numbers) {
+  const Family &family = generator.family;
   for_each_level([&](const char *level) {
-    const Stream stream = start(), stepwise = copy_of(stream);
-    Expected expected(g, stream);
+    const Stream stream = copy_of(from), stepwise = copy_of(from);
+    Expected expected(generator, stream);
     std::mt19937 engine(2026);
-    for (int32_t total = 0, n; total < 1000000; total += n) {
+    for (int32_t total = 0, n; total < numbers; total += n) {
       const uint32_t choice = engine();
       n = static_cast<int32_t>(engine() % (choice % 8 == 0 ? 40000 : choice % 4 == 0 ? 2000 : 90));
       SCOPED_TRACE(testing::Message() << level << ", " << n << " numbers after " << total);
-      switch (engine() % 3) {
-        case 0:
-          ASSERT_EQ(draw_words(stream, n), expected.words(n));
-          break;
-        case 1:
-          ASSERT_EQ(draw_doubles(stream, n, -1.5, 2.3), expected.reals(n, -1.5, 2.3, g.real));
-          break;
-        default:
-          ASSERT_EQ(draw_singles(stream, n, -1.1f, 1e3f), expected.reals(n, -1.1f, 1e3f, g.single));
+      const uint32_t form = engine() % 3;
+      if (form == 0) {
+        ASSERT_EQ(draw_words(stream, n), expected.words(n));
+      } else if (form == 1) {
+        ASSERT_EQ(draw_doubles(stream, n, -1.5, 2.3), expected.reals(n, -1.5, 2.3, family.real));
+      } else {
+        ASSERT_EQ(draw_singles(stream, n, -1.1f, 1e3f), expected.reals(n, -1.1f, 1e3f, family.single));
       }
-      const BrngRecord generator = generator_of(stepwise);
+      const BrngRecord record = generator_of(stepwise);
       uint32_t words[4];
-      for (int32_t i = 0; i < n; ++i) generator.iBrng(stepwise.get(), 1, words);
-      ASSERT_EQ(payload(stream), payload(stepwise));
+      for (int32_t i = 0; i < n; ++i) record.iBrng(stepwise.get(), 1, words);
+      ASSERT_EQ(state_of(stream), state_of(stepwise));
     }
   });
 }
 
+class EveryGenerator : public testing::TestWithParam<Generator> {
+ protected:
+  const Generator &generator = GetParam();
+};
+
+TEST_P(EveryGenerator, FollowsItsDefinitionInAnyBlocks) {
+  expect_definition_followed(generator, generator.start(), 1000000);
+}
+
 TEST_P(EveryGenerator, NeitherWritesNorMovesForNoNumbers) {
-  const Stream stream = start();
+  const Stream stream = generator.start();
   draw_words(stream, 5);
   const std::string before = payload(stream);
-  const BrngRecord generator = generator_of(stream);
+  const BrngRecord record = generator_of(stream);
   for (int32_t n : {0, -1, -1000000}) {
-    EXPECT_EQ(generator.iBrng(stream.get(), n, nullptr), VXS_STATUS_OK);
-    EXPECT_EQ(generator.dBrng(stream.get(), n, nullptr, 0, 1), VXS_STATUS_OK);
-    EXPECT_EQ(generator.sBrng(stream.get(), n, nullptr, 0, 1), VXS_STATUS_OK);
+    EXPECT_EQ(record.iBrng(stream.get(), n, nullptr), VXS_STATUS_OK);
+    EXPECT_EQ(record.dBrng(stream.get(), n, nullptr, 0, 1), VXS_STATUS_OK);
+    EXPECT_EQ(record.sBrng(stream.get(), n, nullptr, 0, 1), VXS_STATUS_OK);
   }
   EXPECT_EQ(payload(stream), before);
 }
 
 TEST_P(EveryGenerator, SkipsAhead) {
-  for (int32_t count : {1, 2, 9, 1000, 123457}) {
-    const Stream stream = start();
-    const std::string before = payload(stream);
-    if (!g.skips_ahead) {
-      EXPECT_EQ(__vxsSkipAheadStream(stream.get(), count), VXS_STATUS_NO_SKIP_AHEAD);
-      EXPECT_EQ(payload(stream), before);
-      continue;
+  for (int32_t before : {0, 1, 4, 41})
+    for (int32_t count : {1, 2, 3, 9, 82, 1000, 123457}) {
+      const Stream stream = generator.start(), walked = generator.start();
+      Expected expected(generator, stream);
+      draw_words(stream, before);
+      draw_words(walked, before);
+      if (generator.family.skips_ahead) {
+        EXPECT_EQ(__vxsSkipAheadStream(stream.get(), count), VXS_STATUS_OK);
+        draw_words(walked, count);
+        expected.words(before + count);
+        EXPECT_EQ(payload(stream), payload(walked)) << before << ", " << count;
+        EXPECT_EQ(draw_words(stream, 1000), expected.words(1000)) << before << ", " << count;
+      } else {
+        EXPECT_EQ(__vxsSkipAheadStream(stream.get(), count), VXS_STATUS_NO_SKIP_AHEAD);
+        EXPECT_EQ(payload(stream), payload(walked));
+      }
     }
-    Expected expected(g, stream);
-    EXPECT_EQ(__vxsSkipAheadStream(stream.get(), count), VXS_STATUS_OK);
-    expected.words(count);
-    EXPECT_EQ(draw_words(stream, 1000), expected.words(1000)) << count;
-  }
 }
 
 TEST_P(EveryGenerator, LongSkipsAddUp) {
-  if (!g.skips_ahead) return;
-  const Stream at_once = start(), in_two = start();
+  if (!generator.family.skips_ahead) return;
+  const Stream at_once = generator.start(), in_two = generator.start();
   EXPECT_EQ(__vxsSkipAheadStream(at_once.get(), 0x7fffffff), VXS_STATUS_OK);
   EXPECT_EQ(__vxsSkipAheadStream(in_two.get(), 0x40000000), VXS_STATUS_OK);
   EXPECT_EQ(__vxsSkipAheadStream(in_two.get(), 0x3fffffff), VXS_STATUS_OK);
@@ -109,40 +125,85 @@ TEST_P(EveryGenerator, LongSkipsAddUp) {
 }
 
 TEST_P(EveryGenerator, Leapfrogs) {
-  constexpr int32_t n = 1000;
-  struct Split {
-    int32_t stride, index;
-  };
-  std::vector<Split> splits = {{1, 0}, {2, 1}, {7, 3}, {1000, 999}};
-  const auto dimensions = static_cast<int32_t>(g.seeds[0]);
-  if (g.leapfrog == Partition::one_dimension) splits = {{0x7fffffff, 0}, {0x7fffffff, dimensions - 1}};
-  for (const Split split : splits) {
-    const Stream stream = start();
-    const int32_t stride = g.leapfrog == Partition::one_dimension ? dimensions : split.stride;
-    Expected expected(g, stream);
-    if (g.leapfrog == Partition::none) {
-      const std::string before = payload(stream);
-      EXPECT_EQ(__vxsLeapfrogStream(stream.get(), split.index, split.stride), VXS_STATUS_NO_LEAPFROG);
-      EXPECT_EQ(payload(stream), before);
-      continue;
+  constexpr int32_t n = 1000, one_dimension = 0x7fffffff;
+  const bool is_quasi_random = generator.is_quasi_random();
+  const auto dimensions = static_cast<int32_t>(generator.seeds[0]);
+  std::vector<std::pair<int32_t, int32_t>> splits = {{1, 0}, {2, 1}, {7, 3}, {1000, 999}};
+  if (is_quasi_random) splits = {{one_dimension, 0}, {one_dimension, dimensions - 1}};
+  for (const int32_t before : {0, 1, 5})
+    for (const auto &[stride, index] : splits) {
+      SCOPED_TRACE(testing::Message() << before << ", " << stride << ", " << index);
+      const Stream stream = generator.start();
+      Expected expected(generator, stream);
+      draw_words(stream, before);
+      expected.words(before);
+      if (generator.family.leapfrog == Partition::none) {
+        const std::string unmoved = payload(stream);
+        EXPECT_EQ(__vxsLeapfrogStream(stream.get(), index, stride), VXS_STATUS_NO_LEAPFROG);
+        EXPECT_EQ(payload(stream), unmoved);
+        continue;
+      }
+      ASSERT_EQ(__vxsLeapfrogStream(stream.get(), index, stride), VXS_STATUS_OK);
+      // Of a quasi-random sequence: from the first component of that index not given out.
+      expected.words(is_quasi_random ? (index + dimensions - before % dimensions) % dimensions : index);
+      Words kept;
+      for (int32_t i = 0; i < n; ++i) {
+        const Words row = expected.words(is_quasi_random ? dimensions : stride);
+        kept.insert(kept.end(), row.begin(), row.begin() + ptrdiff_t(expected.words_each));
+      }
+      EXPECT_EQ(draw_words(stream, n), kept);
     }
-    ASSERT_EQ(__vxsLeapfrogStream(stream.get(), split.index, split.stride), VXS_STATUS_OK);
-    expected.words(split.index);
-    std::vector<uint32_t> kept;
-    for (int32_t i = 0; i < n; ++i) {
-      const std::vector<uint32_t> row = expected.words(stride);
-      kept.insert(kept.end(), row.begin(), row.begin() + static_cast<ptrdiff_t>(expected.words_each));
-    }
-    EXPECT_EQ(draw_words(stream, n), kept) << split.stride << ", " << split.index;
-  }
 }
 
 TEST_P(EveryGenerator, RefusesOtherMethods) {
-  const Stream stream = start();
+  const Stream stream = generator.start();
   for (int32_t method : {3, 1000, -1, INT32_MIN})
     EXPECT_EQ(generator_of(stream).InitStream(method, stream.get(), 1, nullptr), VXS_STATUS_BAD_METHOD);
 }
 
 INSTANTIATE_TEST_SUITE_P(, EveryGenerator, testing::ValuesIn(all_generators()), test_name);
+
+// Further numbers of dimensions, and places in the sequence: inside a point, in one dimension only, and before
+// the index wraps.
+TEST(DigitalSequences, FollowTheirDefinitionFromAnywhere) {
+  constexpr uint32_t sobol = 0x600000, niederreiter = 0x700000;
+  const struct {
+    uint32_t id, dim;
+    int32_t skipped = 0, only = -1;
+    bool wraps = false;
+  } rows[] = {{sobol, 2},
+              {sobol, 4, 1},
+              {sobol, 5, 7},
+              {sobol, 8, 1 << 30},
+              {sobol, 9},
+              {sobol, 16, 17},
+              {sobol, 17},
+              {sobol, 60, 1000},
+              {sobol, 1, 0, -1, true},
+              {sobol, 13, 20, -1, true},
+              {sobol, 13, 777, 3},
+              {sobol, 41, 1 << 29, 40},
+              {sobol, 41, 30, -1, true},
+              {niederreiter, 3},
+              {niederreiter, 100, 12345},
+              {niederreiter, 318, 5000, 317},
+              {niederreiter, 318, 0, 1, true},
+              {niederreiter, 350, 100}};
+  for (const auto &row : rows) {
+    SCOPED_TRACE(testing::Message() << std::hex << row.id << std::dec << ", " << row.dim << " dimensions");
+    const bool by_tables = row.dim <= (row.id == sobol ? 40 : 318);
+    const Generator generator = {"", row.id, by_tables ? Seeds{row.dim} : user_directions(row.dim),
+                                 digital_sequences};
+    const Stream stream = generator.start();
+    if (row.skipped) __vxsSkipAheadStream(stream.get(), row.skipped);
+    const auto &position = qkr::payload_of<qkr::SequencePosition>(stream.get());
+    while (row.wraps && position.seq < 0u - 40) {
+      const uint64_t left = uint64_t{row.dim} * (0u - 40 - position.seq);
+      ASSERT_EQ(__vxsSkipAheadStream(stream.get(), std::min<int64_t>(left, 0x7fffffff)), VXS_STATUS_OK);
+    }
+    if (row.only >= 0) __vxsLeapfrogStream(stream.get(), row.only, 0x7fffffff);
+    expect_definition_followed(generator, stream, 30000);
+  }
+}
 
 }  // namespace

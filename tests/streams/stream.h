@@ -10,23 +10,34 @@
 
 namespace qkr::tests {
 
-using Seeds = std::vector<uint32_t>;
+using Words = std::vector<uint32_t>;
+using Seeds = Words;
 
 struct DeleteStream {
   void operator()(StreamState *stream) const { __vxsDeleteStream(&stream); }
 };
 using Stream = std::unique_ptr<StreamState, DeleteStream>;
 
-inline Stream new_stream(uint32_t id, const Seeds &seeds) {
+// What make(&stream) makes.
+template <class Make>
+Stream made(Make make) {
   StreamState *stream = nullptr;
-  EXPECT_EQ(__vxsNewStreamEx(&stream, id, static_cast<int32_t>(seeds.size()), seeds.data()), VXS_STATUS_OK);
+  EXPECT_EQ(make(&stream), VXS_STATUS_OK);
   return Stream(stream);
 }
 
+inline Stream new_stream(uint32_t id, const Seeds &seeds) {
+  const auto count = static_cast<int32_t>(seeds.size());
+  return made([&](StreamState **out) { return __vxsNewStreamEx(out, id, count, seeds.data()); });
+}
 inline Stream copy_of(const Stream &source) {
-  StreamState *stream = nullptr;
-  EXPECT_EQ(__vxsCopyStream(&stream, source.get()), VXS_STATUS_OK);
-  return Stream(stream);
+  return made([&](StreamState **out) { return __vxsCopyStream(out, source.get()); });
+}
+inline Stream loaded(const std::string &file) {
+  return made([&](StreamState **out) { return __vxsLoadStreamF(out, file.c_str()); });
+}
+inline void save(const Stream &stream, const std::string &file) {
+  ASSERT_EQ(__vxsSaveStreamF(stream.get(), file.c_str(), -1), VXS_STATUS_OK);
 }
 
 inline BrngRecord generator_of(const Stream &stream) {
@@ -41,23 +52,25 @@ inline std::string payload(const Stream &stream) {
   return {record + sizeof(StreamState), record + generator_of(stream).StateSize};
 }
 
-inline std::vector<uint32_t> draw_words(const Stream &stream, int32_t n) {
+// `size` elements by an entry of the generator, which writes nothing behind them.
+template <class T, class Entry, class... Ends>
+std::vector<T> drawn_by(Entry entry, const Stream &stream, int32_t n, size_t size, Ends... ends) {
+  constexpr T untouched = 77;
+  std::vector<T> numbers(size + 1, untouched);
+  EXPECT_EQ(entry(stream.get(), n, numbers.data(), ends...), VXS_STATUS_OK);
+  EXPECT_EQ(numbers.back(), untouched);
+  numbers.pop_back();
+  return numbers;
+}
+inline Words draw_words(const Stream &stream, int32_t n) {
   const BrngRecord generator = generator_of(stream);
-  std::vector<uint32_t> words(static_cast<size_t>(n) * (generator.WordSize / 4));
-  EXPECT_EQ(generator.iBrng(stream.get(), n, words.data()), VXS_STATUS_OK);
-  return words;
+  return drawn_by<uint32_t>(generator.iBrng, stream, n, size_t(n) * (generator.WordSize / 4));
 }
-
 inline std::vector<double> draw_doubles(const Stream &stream, int32_t n, double a = 0, double b = 1) {
-  std::vector<double> numbers(static_cast<size_t>(n));
-  EXPECT_EQ(generator_of(stream).dBrng(stream.get(), n, numbers.data(), a, b), VXS_STATUS_OK);
-  return numbers;
+  return drawn_by<double>(generator_of(stream).dBrng, stream, n, n, a, b);
 }
-
 inline std::vector<float> draw_singles(const Stream &stream, int32_t n, float a = 0, float b = 1) {
-  std::vector<float> numbers(static_cast<size_t>(n));
-  EXPECT_EQ(generator_of(stream).sBrng(stream.get(), n, numbers.data(), a, b), VXS_STATUS_OK);
-  return numbers;
+  return drawn_by<float>(generator_of(stream).sBrng, stream, n, n, a, b);
 }
 
 }  // namespace qkr::tests

@@ -140,24 +140,44 @@ Law negative_binomial(double a, double p) {
                    [=](long double k) { return q * (a + k) / (k + 1); });
 }
 
-Law poisson(double mean) { return mean > 0 ? discrete(math::poisson(mean), 0, INT32_MAX) : single(0); }
+Law poisson(double mean) {
+  if (mean == 0) return single(0);
+  if (mean < 1e5) return discrete(math::poisson(mean), 0, INT32_MAX);
+  return by_ratios(std::floor(mean), std::sqrt(mean), 0, INT32_MAX,
+                   [=](long double k) { return mean / (k + 1); });
+}
+
+template <class T>
+using Draw = int32_t (*)(int32_t method, StreamState *stream, int32_t n, T *out, const double *p);
 
 template <class T>
 struct Family {
   const char *name;
-  int32_t (*draw)(int32_t method, StreamState *stream, int32_t n, T *out, const double *p);
+  Draw<T> draw;
   Law (*law)(const double *p);
 };
 
-#define REAL(D, law, ...)                                                             \
-  {                                                                                   \
-#D,                                                                                 \
-   [](int32_t method, StreamState *stream, int32_t n, T *out, const double *p) {       \
-     if constexpr (sizeof(T) == 8) return _vxsdRng##D(method, stream, n, out, __VA_ARGS__); \
-     else return _vxssRng##D(method, stream, n, out, __VA_ARGS__);                     \
-   },                                                                                  \
-   [](const double *p) -> Law { return law; } \
-  }
+template <class T>
+Family<T> row(const char *name, Draw<T> draw, Law (*law)(const double *p)) {
+  return {name, draw, law};
+}
+
+// A row for entry D in the precision of T, called with the rest of the arguments.
+#define ROW(D, entry, law, ...)                                                     \
+  row<T>(                                                                           \
+      #D,                                                                           \
+      [](int32_t method, StreamState *stream, int32_t n, T *out, const double *p) { \
+        return (void)p, entry(method, stream, n, __VA_ARGS__);                      \
+      },                                                                            \
+      [](const double *p) -> Law { return (void)p, law; })
+#define REAL(D, law, ...) ROW(D, (by_precision<T>(_vxsdRng##D, _vxssRng##D)), law, out, __VA_ARGS__)
+#define WHOLE(D, law, ...) ROW(D, _vxsiRng##D, law, __VA_ARGS__)
+
+template <class T, class Double, class Single>
+auto by_precision(Double in_double, Single in_single) {
+  if constexpr (sizeof(T) == 8) return in_double;
+  else return in_single;
+}
 
 template <class T>
 const std::vector<Family<T>> &families() {
@@ -176,16 +196,9 @@ const std::vector<Family<T>> &families() {
   return all;
 }
 
-#define WHOLE(D, law, ...)                                                                                   \
-  {                                                                                                          \
-#D, [](int32_t method, StreamState * stream, int32_t n, int32_t * out,                                   \
-           [[maybe_unused]] const double                                                                     \
-               *p) { return _vxsiRng##D(method, stream, n, __VA_ARGS__); }, []([[maybe_unused]] const double \
-                                                                                   *p) { return law; }       \
-  }
-
 template <>
 const std::vector<Family<int32_t>> &families() {
+  using T = int32_t;
   static const std::vector<Family<int32_t>> all = {
       WHOLE(Uniform, whole_uniform(p[0], p[1]), out, int32_t(p[0]), int32_t(p[1])),
       WHOLE(UniformBits, whole_uniform(-0x1p31, 0x1p31), reinterpret_cast<uint32_t *>(out)),
@@ -212,148 +225,82 @@ const Family<T> &family_of(const Case &a_case) {
   throw std::logic_error(a_case.family);
 }
 
+// Cases of one family, a list of parameters each.
+using Parameters = std::initializer_list<std::vector<double>>;
+struct Cases {
+  std::vector<Case> rows;
+  void add(const char *family, Parameters parameters, int32_t method = 0, bool has_law = true) {
+    for (const std::vector<double> &each : parameters) rows.push_back({family, each, method, has_law});
+  }
+};
+
 template <class T>
-std::vector<Case> real_cases() {
-  std::vector<Case> all = {{"Uniform", {-1, 3}},
-                           {"Uniform", {-1, 3}, VXS_METHOD_ACCURATE},
-                           {"Exponential", {0, 1}},
-                           {"Exponential", {3, 2}},
-                           {"Laplace", {1, 2}},
-                           {"Weibull", {0.75, 1, 2}},
-                           {"Weibull", {1, 0, 2}},
-                           {"Weibull", {5, 0, 2}},
-                           {"Cauchy", {1, 2}},
-                           {"Rayleigh", {1, 2}},
-                           {"Lognormal", {1, 0.5, 3, 2}},
-                           {"Gumbel", {-3, 2}},
-                           {"Gaussian", {1, 2}, 0},
-                           {"Gaussian", {1, 2}, 1},
-                           {"Gamma", {0.3, 1, 2}},
-                           {"Gamma", {3, 1, 2}}};
-  const double border = T(0.6), next_to_border = std::nextafter(T(0.6), T(0));
-  for (const double alpha :
-       {0.05, 0.3, 0.59, next_to_border, border, 0.61, 0.9, 0.999, 1.0, 1.001, 1.5, 2.5, 30.0, 1000.0})
-    all.push_back({"Gamma", {alpha, 0, 2}});
+std::vector<Case> all_cases() {
+  Cases all;
+  all.add("Uniform", {{-1, 3}});
+  all.add("Uniform", {{-1, 3}}, VXS_METHOD_ACCURATE);
+  all.add("Exponential", {{0, 1}, {3, 2}});
+  all.add("Laplace", {{1, 2}});
+  all.add("Weibull", {{0.75, 1, 2}, {1, 0, 2}, {5, 0, 2}});
+  all.add("Cauchy", {{1, 2}});
+  all.add("Rayleigh", {{1, 2}});
+  all.add("Lognormal", {{1, 0.5, 3, 2}});
+  all.add("Gumbel", {{-3, 2}});
+  all.add("Gaussian", {{1, 2}}, 0);
+  all.add("Gaussian", {{1, 2}}, 1);
+  const double largest = sizeof(T) == 8 ? 1e15 : 1e7, next_to_border = std::nextafter(T(0.6), T(0));
+  all.add("Gamma", {{0.3, 1, 2}, {3, 1, 2}});
+  for (const double alpha : {0.05, 0.3, 0.59, next_to_border, 0.6, 0.61, 0.9, 0.999})
+    all.add("Gamma", {{alpha, 0, 2}});
+  for (const double alpha : {1.0, 1.001, 1.5, 2.5, 30.0, 1000.0, 1e6, largest})
+    all.add("Gamma", {{alpha, 0, 2}});
   const double shapes[][2] = {{0.1, 0.2},  {0.5, 0.5},   {0.5, 0.74}, {0.5, 0.75}, {0.95, 0.15},
                               {0.95, 0.2}, {0.9, 0.9},   {0.25, 3},   {0.9, 9},    {3, 0.25},
                               {9, 0.9},    {1.01, 1.01}, {1.01, 8},   {2, 3},      {40, 3},
                               {1, 1},      {1, 0.4},     {1, 5},      {0.4, 1},    {5, 1}};
-  for (const auto &[p, q] : shapes) all.push_back({"Beta", {p, q, 0, 2}});
-  for (const auto &[p, q] : {std::pair{0.5, 0.5}, {0.95, 0.2}, {0.25, 3.0}, {2.0, 3.0}})
-    all.push_back({"Beta", {p, q, 1, 2}, VXS_METHOD_ACCURATE});
-  const double largest = sizeof(T) == 8 ? 1e15 : 1e7;
-  for (const double alpha : {1e6, largest}) all.push_back({"Gamma", {alpha, 0, 2}});
-  for (const double q : {1e6, largest}) {
-    all.push_back({"Beta", {q, q, 0, 2}});
-    for (const double p : {0.02, 0.5, 1.0, 3.0}) all.push_back({"Beta", {p, q, 0, 2}});
-  }
-  for (Case &a_case : all)
-    for (double &p : a_case.parameters) p = T(p);
-  return all;
+  for (const auto &[p, q] : shapes) all.add("Beta", {{p, q, 0, 2}});
+  all.add("Beta", {{0.5, 0.5, 1, 2}, {0.95, 0.2, 1, 2}, {0.25, 3, 1, 2}, {2, 3, 1, 2}}, VXS_METHOD_ACCURATE);
+  for (const double q : {1e6, largest})
+    for (const double p : {q, 0.02, 0.5, 1.0, 3.0}) all.add("Beta", {{p, q, 0, 2}});
+  for (Case &each : all.rows)
+    for (double &parameter : each.parameters) parameter = T(parameter);
+  return all.rows;
 }
 
-}  // namespace
-
+// Both sides of each border between methods, and what is degenerate.
 template <>
-const std::vector<Case> &cases<double>() {
-  static const std::vector<Case> all = real_cases<double>();
-  return all;
-}
-template <>
-const std::vector<Case> &cases<float>() {
-  static const std::vector<Case> all = real_cases<float>();
-  return all;
-}
-namespace {
-
-std::vector<Case> whole_cases() {
-  std::vector<Case> all = {{"Uniform", {-3, 4}},
-                           {"Uniform", {6, 7}},
-                           {"Uniform", {-1000, 1000}},
-                           {"Uniform", {INT32_MIN, INT32_MAX}},
-                           {"UniformBits", {}},
-                           {"Bernoulli", {0.0}},
-                           {"Bernoulli", {0.001}},
-                           {"Bernoulli", {0.3}},
-                           {"Bernoulli", {0.5}},
-                           {"Bernoulli", {0.999}},
-                           {"Bernoulli", {1.0}},
-                           {"Geometric", {0x1p-30}, 0, false},
-                           {"Geometric", {0x1p-54}, 0, false},
-                           {"Geometric", {0.001}},
-                           {"Geometric", {0.3}},
-                           {"Geometric", {0.5}},
-                           {"Geometric", {0.9}},
-                           {"Geometric", {0.999}}};
-  // Both sides of each border between methods, and what is degenerate.
-  for (const auto &[n, p] : {std::pair{0.0, 0.3},
-                             {10.0, 0.0},
-                             {10.0, 1.0},
-                             {1.0, 0.3},
-                             {40.0, 0.5},
-                             {59.0, 0.5},
-                             {60.0, 0.5},
-                             {61.0, 0.5},
-                             {99.0, 0.3},
-                             {100.0, 0.3},
-                             {100.0, 0.7},
-                             {1000.0, 0.0299},
-                             {1000.0, 0.03},
-                             {1e4, 0.4},
-                             {1e6, 0.999},
-                             {2147483647.0, 1e-8},
-                             {2147483647.0, 0.25}})
-    all.push_back({"Binomial", {n, p}});
-  const double lots[][3] = {{0, 0, 0},
-                            {10, 0, 5},
-                            {10, 10, 4},
-                            {10, 4, 10},
-                            {2, 1, 1},
-                            {20, 5, 7},
-                            {20, 15, 7},
-                            {20, 5, 14},
-                            {20, 15, 14},
-                            {1000, 100, 395},
-                            {1000, 100, 399},
-                            {1000, 200, 210},
-                            {1000, 800, 300},
-                            {1000, 800, 900},
-                            {1000, 300, 900},
-                            {5000, 2000, 2400},
-                            {1e6, 1e5, 3e5},
-                            {2147483647, 1e9, 1e9},
-                            {2147483647, 4e7, 1000}};
-  for (const auto &[l, s, m] : lots) all.push_back({"Hypergeometric", {l, s, m}});
-  for (const auto &[a, p] : {std::pair{0.0, 0.3},
-                             {3.0, 1.0},
-                             {1.0, 0.3},
-                             {0.1, 0.5},
-                             {0.3, 0.001},
-
-                             {1.5, 0.01},
-                             {40.0, 0.4},
-                             {100.0, 0.4976},
-                             {100.0, 0.4974},
-                             {2.0, 0.0099},
-                             {2.0, 0.01},
-                             {30.5, 1e-3},
-                             {1e6, 0.5},
-                             {1e9, 0.999999},
-                             {1e12, 0.9999999}})
-    all.push_back({"Negbinomial", {a, p}});
+std::vector<Case> all_cases<int32_t>() {
+  constexpr double largest = INT32_MAX;
+  Cases all;
+  all.add("Uniform", {{-3, 4}, {6, 7}, {-1000, 1000}, {INT32_MIN, INT32_MAX}});
+  all.add("UniformBits", {{}});
+  all.add("Bernoulli", {{0}, {0.001}, {0.3}, {0.5}, {0.999}, {1}});
+  all.add("Geometric", {{0x1p-30}, {0x1p-54}}, 0, false);
+  all.add("Geometric", {{0.001}, {0.3}, {0.5}, {0.9}, {0.999}});
+  all.add("Binomial", {{0, 0.3}, {10, 0}, {10, 1}, {1, 0.3}, {40, 0.5}, {59, 0.5}, {60, 0.5}, {61, 0.5}});
+  all.add("Binomial", {{99, 0.3}, {100, 0.3}, {100, 0.7}, {1000, 0.0299}, {1000, 0.03}, {1e4, 0.4}});
+  all.add("Binomial", {{1e6, 0.999}, {largest, 1e-8}, {largest, 0.25}});
+  all.add("Hypergeometric", {{0, 0, 0}, {10, 0, 5}, {10, 10, 4}, {10, 4, 10}, {2, 1, 1}});
+  all.add("Hypergeometric", {{20, 5, 7}, {20, 15, 7}, {20, 5, 14}, {20, 15, 14}});
+  all.add("Hypergeometric", {{1000, 100, 395}, {1000, 100, 399}, {1000, 200, 210}, {1000, 800, 300}});
+  all.add("Hypergeometric", {{1000, 800, 900}, {1000, 300, 900}, {5000, 2000, 2400}, {1e6, 1e5, 3e5}});
+  all.add("Hypergeometric", {{largest, 1e9, 1e9}, {largest, 4e7, 1000}});
+  all.add("Negbinomial", {{0, 0.3}, {3, 1}, {1, 0.3}, {0.1, 0.5}, {0.3, 0.001}, {1.5, 0.01}, {40, 0.4}});
+  all.add("Negbinomial", {{100, 0.4976}, {100, 0.4974}, {2, 0.0099}, {2, 0.01}, {30.5, 1e-3}});
+  all.add("Negbinomial", {{1e6, 0.5}, {1e9, 0.999999}, {1e12, 0.9999999}});
   for (const double mean : {0.0, 1e-6, 0.3, 5.0, 26.999, 27.0, 30.0, 99.9, 100.0, 200.5, 1e4, 1e6, 1e9})
-    for (int32_t method = 0; method < 2; ++method) all.push_back({"Poisson", {mean}, method});
-  all.push_back({"PoissonV", {0.001}});
+    for (int32_t method = 0; method < 2; ++method) all.add("Poisson", {{mean}}, method);
+  all.add("PoissonV", {{0.001}});
   // The errors of their laws are too large for those counts: see Poisson's own tests.
-  for (double mean = 0.0625; mean < 3e5; mean *= 1.9) all.push_back({"PoissonV", {mean}, 0, false});
-  return all;
+  for (double mean = 0.0625; mean < 3e5; mean *= 1.9) all.add("PoissonV", {{mean}}, 0, false);
+  return all.rows;
 }
 
 }  // namespace
 
-template <>
-const std::vector<Case> &cases<int32_t>() {
-  static const std::vector<Case> all = whole_cases();
+template <class T>
+const std::vector<Case> &cases() {
+  static const std::vector<Case> all = all_cases<T>();
   return all;
 }
 
@@ -398,18 +345,17 @@ std::vector<T> Factor::means() const {
 template <class T>
 std::vector<T> Factor::stored(int32_t storage, T mark) const {
   std::vector<T> t;
-  if (storage == 2)
-    for (int32_t j = 0; j < size; ++j) t.push_back(T(element(j, j)));
-  else if (storage == 1)
-    for (int32_t i = 0; i < size; ++i)
-      for (int32_t j = i; j < size; ++j) t.push_back(T(element(j, i)));
-  else
-    for (int32_t j = 0; j < size; ++j)
-      for (int32_t i = 0; i < size; ++i) t.push_back(i <= j ? T(element(j, i)) : mark);
+  for (int32_t row = 0; row < size; ++row)
+    for (int32_t column = 0; column < size; ++column) {
+      const int32_t j = storage == 1 ? column : row, i = storage == 1 ? row : column;  // packed by columns
+      if (i <= j && (storage != 2 || i == j)) t.push_back(T(element(j, i)));
+      else if (storage == 0 || storage > 2) t.push_back(mark);
+    }
   return t;
 }
 
 #define INSTANTIATE(T)                                              \
+  template const std::vector<Case> &cases<T>();                     \
   template int32_t draw(const Case &, StreamState *, int32_t, T *); \
   template std::string name_of<T>(const Case &);                    \
   template Law law_of<T>(const Case &);
