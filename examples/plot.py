@@ -242,12 +242,29 @@ def plot_year(out_dir):
     return figure, "co2_year.png"
 
 
+def plot_photo(out_dir):
+    figure, grid = plt.subplots(1, 4, figsize=(14, 3.2))
+    for axes, (name, title) in zip(grid, (("tone_before", "Photograph"), ("photo_blurred", "Blurred by 2 pixels"),
+                                          ("photo_restored", "Restored"))):
+        axes.imshow(read_pgm(out_dir / f"{name}.pgm"), cmap="gray", vmin=0, vmax=255)
+        axes.set_title(title)
+        axes.axis("off")
+
+    level = read_pgm(out_dir / "photo_spectrum.pgm")
+    spectrum = grid[-1].imshow(level, cmap="magma", extent=(-0.5, 0.5, 0.5, -0.5), aspect=level.shape[0] / level.shape[1])
+    grid[-1].set(title="Spectrum of the photograph", xlabel="waves per pixel, across", ylabel="down",
+                 xticks=(-0.5, 0, 0.5), yticks=(-0.5, 0, 0.5))
+    figure.colorbar(spectrum, label="amplitude (logarithmic)", ticks=())
+    return figure, "photo_transform.png"
+
+
 def main():
     if len(sys.argv) != 2:
         sys.exit("usage: plot.py OUT_DIR")
     out_dir = Path(sys.argv[1])
     for plot in (plot_co2, plot_tone_curve, plot_daylight, plot_pi, plot_option,
-                 plot_distributions, plot_queue_and_trial, plot_sunspots, plot_ecg, plot_year):
+                 plot_distributions, plot_queue_and_trial, plot_sunspots, plot_ecg, plot_year,
+                 plot_photo):
         try:
             figure, name = plot(out_dir)
             figure.savefig(out_dir / name)

@@ -19,8 +19,8 @@ struct BackEnd {
 };
 
 // In the order in which commit tries them.
-extern const BackEnd scrambled_engine, complex_engine;
-extern const BackEnd real_engine;
+extern const BackEnd complex_codelets, scrambled_engine, complex_engine;
+extern const BackEnd real_codelets, real_engine;
 extern const BackEnd short_columns, columns_by_lines;
 
 // One of two by the precision: transforms are templates over the element type.

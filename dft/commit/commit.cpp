@@ -8,9 +8,9 @@
 namespace qkr::dft {
 namespace {
 
-constexpr const BackEnd *complex_lines[] = {&scrambled_engine, &complex_engine};
+constexpr const BackEnd *complex_lines[] = {&complex_codelets, &scrambled_engine, &complex_engine};
 constexpr const BackEnd *complex_columns[] = {&short_columns, &columns_by_lines};
-constexpr const BackEnd *real_lines[] = {&real_engine};
+constexpr const BackEnd *real_lines[] = {&real_codelets, &real_engine};
 
 // The last of each list applies always.
 template <int count>
@@ -30,6 +30,7 @@ int32_t make_first(const BackEnd *const (&back_ends)[count], const DftDescriptor
 int32_t make_record(const DftDescriptor *head, DftDescriptor *record) {
   const bool first = record == head;
   int32_t code = DFTX_NO_ERROR;
+  record->leaves_zero = head->configuration.packed_format == DFTX_CCS_FORMAT;
   if (is_complex(head) || !first) {
     code = make_first(complex_lines, head, record);
     if (!code) code = make_first(complex_columns, head, record);
@@ -122,8 +123,6 @@ void release_committed(DftDescriptor *head) {
     release(complex_plan(head), record->spec_complex);
     release(scrambled_plan(head), record->outord_spec);
     release(real_plan(head), record->spec_real);
-    qkr_serv_deallocate(record->radix_table);
-    record->radix_table = nullptr;
     record->work_size = 0;
   }
 }

@@ -28,7 +28,8 @@ int32_t line(const void *input, void *output, const DftDescriptor *record, uint8
       static_cast<const T *>(input), target, static_cast<const typename E::RealPlan *>(record->spec_real),
       work);
   scale(scaled_numbers(format, direction, record->length), scale_of<T>(record, direction), target);
-  if (direction == backward && format == DFTX_CCS_FORMAT && input == output) target[record->length] = 0;
+  if (direction == backward && format == DFTX_CCS_FORMAT && record->leaves_zero && input == output)
+    target[record->length] = 0;
   return code_of_status(status);
 }
 

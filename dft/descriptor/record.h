@@ -47,8 +47,8 @@ struct DftDescriptor {
   qkr::dft::LineTransform real_line_of_perm;     // backward, from DFTX_PERM_FORMAT
   qkr::dft::ColumnTransform columns[2];          // null: there is none for this length
   void *spec_complex, *spec_real, *outord_spec;  // plans of the engine, owned
-  void *radix_table;                             // of the own radix core, owned
   int32_t work_size;                             // bytes that one line needs
+  bool leaves_zero;  // backward in place, real lines leave a zero behind their last number
 
   // From here on the head alone.
   qkr::dft::Configuration configuration;

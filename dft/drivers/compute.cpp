@@ -36,10 +36,11 @@ bool is_shared_complex(const DftDescriptor *head, Direction direction) {
   }
   return head->total_size >= smallest_shared_grid;
 }
-bool is_shared_real(const DftDescriptor *head) {
+bool is_shared_real(const DftDescriptor *head, Direction direction) {
   const int64_t count = head->configuration.number_of_transforms;
   if (count != 1) return head->length * count >= int64_t{2} << (head->threads < 32 ? head->threads : 32);
   if (head->dimension == 1) return false;
+  if (head->dimension == 2 && direction == backward && head[1].length == 1) return false;
   return head->total_size >= (head->dimension == 2 ? smallest_shared_plane : smallest_shared_grid);
 }
 
@@ -73,7 +74,7 @@ template <class T, Direction direction>
 int32_t compute_real(DftDescriptor *head, const void *input, void *output) {
   if (const int32_t code = check<T>(head, DFTX_REAL, input, output)) return code;
   if (head->direct_call) return head->real_line[direction](input, output, head, head->work_buffer);
-  return run(head, head->threads > 1 && is_shared_real(head), [&](const Workers &workers) {
+  return run(head, head->threads > 1 && is_shared_real(head, direction), [&](const Workers &workers) {
     return real_transforms(head, direction, static_cast<const T *>(input), static_cast<T *>(output),
                            head->configuration.number_of_transforms, workers);
   });

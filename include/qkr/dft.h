@@ -214,7 +214,8 @@ QKR_API int32_t qkr_dft_def_compute_backward_z(DftDescriptor **handle, void *dat
  * is not allowed. Otherwise the input stays as it is. Backward does not read the numbers that are zero in a
  * spectrum (the imaginary parts of X[0] and X[H]; in several dimensions, those that X[0] and X[H] of the
  * first dimension have after the others). A backward transform of one dimension in place from DFTX_CCS_FORMAT
- * leaves a 0 after its last number.
+ * leaves a 0 after its last number, and in place means here that the two pointers are equal: two arrays are
+ * never written beyond their numbers, whatever DFTX_PLACEMENT says.
  *
  * @return as for complex transforms
  * @{ */

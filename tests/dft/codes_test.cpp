@@ -253,6 +253,30 @@ TEST_F(Codes, ScaledNumbers) {
   }
 }
 
+// Backward in place from DFTX_CCS_FORMAT, and from no other, a zero stands behind the last number; nothing is
+// written there in an array of its own. With and without a scale: the codelets, and the engine.
+TEST_F(Codes, ZeroBehindTheLastNumber) {
+  constexpr double untouched = -5;
+  for (const int32_t length : {2, 7, 16, 60, 64, 128})
+    for (const int32_t format : {DFTX_CCS_FORMAT, DFTX_PACK_FORMAT, DFTX_PERM_FORMAT, DFTX_CCE_FORMAT})
+      for (const double factor : {1.0, 0.5}) {
+        SCOPED_TRACE(testing::Message() << length << ' ' << format << ' ' << factor);
+        make(DFTX_REAL, {length});
+        if (format == DFTX_CCE_FORMAT) set(&descriptor, DFTX_CONJUGATE_EVEN_STORAGE, DFTX_COMPLEX_COMPLEX);
+        else set(&descriptor, DFTX_PACKED_FORMAT, format);
+        set_scale(&descriptor, DFTX_BACKWARD_SCALE, factor);
+        EXPECT_EQ(commit(), DFTX_NO_ERROR);
+        std::vector<double> spectrum(length + 2, 3.0), apart(length + 1, untouched);
+        EXPECT_EQ(qkr_dft_def_compute_backward_zd_out(&descriptor, spectrum.data(), apart.data()),
+                  DFTX_NO_ERROR);
+        EXPECT_EQ(apart[length], untouched);
+        EXPECT_EQ(qkr_dft_def_compute_backward_zd_out(&descriptor, spectrum.data(), spectrum.data()),
+                  DFTX_NO_ERROR);
+        EXPECT_EQ(spectrum[length], format == DFTX_CCS_FORMAT ? 0.0 : 3.0);
+        ASSERT_EQ(qkr_dft_def_free_descriptor_external(&descriptor), DFTX_NO_ERROR);
+      }
+}
+
 TEST(ErrorClass, IsEquality) {
   for (int32_t status = -2; status < 10; ++status)
     for (int32_t error_class = -2; error_class < 10; ++error_class)

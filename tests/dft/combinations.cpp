@@ -240,30 +240,34 @@ Outcome compute_in(const Case &c, DftDescriptor *descriptor) {
   for (const Word &w : input_words) input_size = std::max(input_size, w.place + 1);
   for (const Word &w : output_words) output_size = std::max(output_size, w.place + 1);
   // A transform in place may use the memory of both arrays; nothing behind it.
-  constexpr int64_t margin = 8;
-  std::vector<T> output(margin + std::max(output_size, one_array ? input_size : 0) + margin, untouched<T>);
-  std::vector<T> input(margin + input_size + margin, untouched<T>);
-  for (const Word &w : input_words) (one_array ? output : input)[margin + w.place] = static_cast<T>(w.value);
-  const std::vector<T> input_before = input;
+  const int64_t margin = c.guarded ? 0 : 8;
+  const Edge edge = c.guarded.value_or(Edge::end);
+  const size_t output_count = margin + std::max(output_size, one_array ? input_size : 0) + margin;
+  const size_t input_count = margin + input_size + margin;
+  Guarded<T> output(output_count, edge), input(input_count, edge);
+  T *const to = output.data() + margin, *const from = input.data() + margin;
+  std::fill_n(output.data(), output_count, untouched<T>);
+  std::fill_n(input.data(), input_count, untouched<T>);
+  for (const Word &w : input_words) (one_array ? to : from)[w.place] = static_cast<T>(w.value);
+  const std::vector<T> input_before(input.data(), input.data() + input_count);
 
   Outcome outcome;
-  T *const to = output.data() + margin;
-  outcome.code = call(c, descriptor, one_array ? to : input.data() + margin, to);
+  outcome.code = call(c, descriptor, one_array ? to : from, to);
 
   Exact difference = 0, sum = 0;
-  std::vector<char> expected(output.size());
+  std::vector<char> expected(output_count);
   for (const Word &w : output_words) {
-    const Exact d = output[margin + w.place] - w.value;
+    const Exact d = to[w.place] - w.value;
     difference += d * d, sum += w.value * w.value;
     expected[margin + w.place] = 1;
   }
   outcome.error = static_cast<double>(std::sqrt(sum == 0 ? difference : difference / sum));
-  for (size_t i = 0; i < output.size(); ++i) {
-    const bool inside = i >= margin && i + margin < output.size();
-    if (!expected[i] && (!one_array || !inside) && output[i] != untouched<T>) outcome.strayed = true;
+  for (int64_t i = 0; i < static_cast<int64_t>(output_count); ++i) {
+    const bool inside = i >= margin && i + margin < static_cast<int64_t>(output_count);
+    if (!expected[i] && (!one_array || !inside) && output.data()[i] != untouched<T>) outcome.strayed = true;
   }
-  if (std::memcmp(input.data(), input_before.data(), input.size() * sizeof(T)) != 0) outcome.strayed = true;
-  outcome.bytes.resize(output.size() * sizeof(T));
+  if (std::memcmp(input.data(), input_before.data(), input_count * sizeof(T)) != 0) outcome.strayed = true;
+  outcome.bytes.resize(output_count * sizeof(T));
   std::memcpy(outcome.bytes.data(), output.data(), outcome.bytes.size());
   return outcome;
 }
@@ -277,7 +281,10 @@ std::string name(const Case &c) {
   for (const int32_t n : c.lengths) text << ' ' << n;
   text << " storage " << c.storage << " format " << c.format << " placement " << c.placement << " ordering "
        << c.ordering << " transforms " << c.transforms << " layout " << static_cast<int>(c.layout)
-       << " scale " << c.scale << " limit " << c.thread_limit << (c.in_place ? " one array" : "");
+       << " scale " << c.scale << " limit " << c.thread_limit << (c.in_place ? " one array" : "")
+       << (!c.guarded                  ? ""
+           : *c.guarded == Edge::start ? " behind a guarded page"
+                                       : " before a guarded page");
   return text.str();
 }
 

@@ -1,9 +1,12 @@
 // One transform in all its settings, and what it must give: plain sums in long double along every dimension.
 #pragma once
 
+#include <optional>
 #include <qkr/dft.h>
 #include <string>
 #include <vector>
+
+#include "tests/support/guarded.h"
 
 namespace qkr::tests {
 
@@ -24,6 +27,8 @@ struct Case {
   int32_t thread_limit = 1;
   bool forward = true;
   bool in_place = false;  // of a real transform: input and output are one array
+  // The arrays stand between pages that must not be touched, right at one of them.
+  std::optional<Edge> guarded = std::nullopt;
 };
 
 std::string name(const Case &c);

@@ -2,6 +2,7 @@
 #include "tests/dft/combinations.h"
 
 #include <cmath>
+#include <cstdio>
 #include <gtest/gtest.h>
 
 namespace qkr::tests {
@@ -53,6 +54,9 @@ double bound(const Case &c) {
 struct Counts {
   int computed = 0, refused = 0;
 };
+void tell(const Counts &counts) {
+  std::printf("%d combinations computed, %d refused\n", counts.computed, counts.refused);
+}
 
 void check(const Case &c, Counts &counts) {
   SCOPED_TRACE(name(c));
@@ -104,7 +108,7 @@ TEST_P(Combinations, Complex) {
   for_each_setting(GetParam(), [&](Case &c) {
     if (!testing::Test::HasFatalFailure()) check(c, counts);
   });
-  RecordProperty("computed", counts.computed);
+  tell(counts);
 }
 
 TEST_P(Combinations, Real) {
@@ -123,8 +127,7 @@ TEST_P(Combinations, Real) {
           check(c, counts);
         }
   });
-  RecordProperty("computed", counts.computed);
-  RecordProperty("refused", counts.refused);
+  tell(counts);
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, Combinations, testing::Values(DFTX_SINGLE, DFTX_DOUBLE),

@@ -1,13 +1,17 @@
 // What happens without memory: the first, second, ... allocation of an operation fails, each is answered,
 // nothing is left behind, and the descriptor is good for another try.
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <map>
+#include <memory>
 #include <qkr/service.h>
 
 #include "service/internal.h"
 #include "tests/dft/combinations.h"
 #include "tests/dft/team.h"
+#include "tests/support/levels.h"
 
 namespace {
 thread_local long live = 0;           // blocks of the library and the test not yet freed
@@ -133,6 +137,64 @@ TEST_F(Memory, CommitAgain) {
     EXPECT_EQ(compute(c, descriptor).code, DFTX_NO_ERROR);
     qkr_dft_def_free_descriptor_external(&descriptor);
   }
+}
+
+// Work memory that ends at a page which must not be touched; 16 bytes are what an allocator aligns to.
+std::map<void *, std::unique_ptr<Guarded<char>>> guarded_blocks;
+void *allocate_guarded(size_t bytes) {
+  auto block = std::make_unique<Guarded<char>>((bytes + 15) / 16 * 16, Edge::end);
+  void *data = block->data();
+  guarded_blocks[data] = std::move(block);
+  return data;
+}
+void free_guarded(void *block) { guarded_blocks.erase(block); }
+
+// Every driver: lines where they stand, columns, strips, copies one by one, planes and grids in all formats.
+TEST_F(Memory, BetweenGuardedPages) {
+  i_malloc = allocate_guarded;
+  i_free = free_guarded;
+  int computed = 0;
+  const auto check = [&](const Case &c) {
+    if (testing::Test::HasFatalFailure()) return;
+    SCOPED_TRACE(name(c));
+    const Outcome outcome = run(c);
+    ASSERT_EQ(outcome.code, DFTX_NO_ERROR);
+    ASSERT_FALSE(outcome.strayed);
+    ++computed;
+  };
+  for_each_level([&](const char *) {
+    for (const std::vector<int32_t> &lengths : std::vector<std::vector<int32_t>>{
+             {8}, {7}, {60}, {512}, {181}, {16, 32}, {5, 7}, {6, 512}, {8, 1}, {4, 8, 15}})
+      for (const int32_t precision : {DFTX_SINGLE, DFTX_DOUBLE})
+        for (const bool forward : {true, false})
+          for (const int32_t transforms : {1, lengths.size() == 1 ? 19 : 2})
+            for (const Layout layout : {Layout::contiguous, Layout::interleaved, Layout::spread})
+              for (const Edge edge : {Edge::end, Edge::start}) {
+                Case c;
+                c.lengths = lengths;
+                c.precision = precision;
+                c.forward = forward;
+                c.transforms = transforms;
+                c.layout = layout;
+                c.guarded = edge;
+                check(c);
+                c.domain = DFTX_REAL;
+                for (const int32_t format :
+                     {DFTX_CCE_FORMAT, DFTX_CCS_FORMAT, DFTX_PACK_FORMAT, DFTX_PERM_FORMAT}) {
+                  c.format = format;
+                  c.storage = format == DFTX_CCE_FORMAT ? DFTX_COMPLEX_COMPLEX : DFTX_COMPLEX_REAL;
+                  if (c.storage == DFTX_COMPLEX_REAL && lengths.size() == 3) continue;
+                  for (const bool in_place : {false, true}) {
+                    c.in_place = in_place;
+                    if (!in_place || layout == Layout::contiguous || transforms == 1) check(c);
+                  }
+                }
+              }
+  });
+  i_malloc = malloc;
+  i_free = free;
+  EXPECT_TRUE(guarded_blocks.empty());
+  std::printf("%d transforms between guarded pages\n", computed);
 }
 
 // A limit of threads that no machine has memory for.

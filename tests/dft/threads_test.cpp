@@ -77,6 +77,40 @@ TEST(Threads, SameBitsAtEveryLevel) {
   }
 }
 
+// Which calls fork, and how often: the thresholds, and the one form that treats a plane as it does a grid.
+TEST(Threads, OnlyLargeWorkIsSharedOut) {
+  const struct {
+    int32_t precision;
+    char kind;  // complex, or real with half spectrum
+    std::vector<int32_t> lengths;
+    int32_t transforms;
+    int forks_forward, forks_backward;
+  } cases[] = {
+      {DFTX_DOUBLE, 'c', {1024}, 1, 0, 0},       {DFTX_DOUBLE, 'c', {2}, 2, 1, 1},
+      {DFTX_DOUBLE, 'c', {2}, 0, 0, 0},          {DFTX_DOUBLE, 'c', {32, 63}, 1, 0, 0},
+      {DFTX_DOUBLE, 'c', {32, 64}, 1, 2, 0},     {DFTX_SINGLE, 'c', {32, 64}, 1, 2, 2},
+      {DFTX_DOUBLE, 'c', {250, 128}, 1, 2, 2},   {DFTX_DOUBLE, 'c', {2048, 1}, 1, 1, 0},
+      {DFTX_DOUBLE, 'c', {32, 32, 31}, 1, 0, 0}, {DFTX_DOUBLE, 'c', {32, 32, 32}, 1, 2, 2},
+      {DFTX_DOUBLE, 'r', {1024}, 1, 0, 0},       {DFTX_DOUBLE, 'r', {31}, 1, 0, 0},
+      {DFTX_DOUBLE, 'r', {8}, 3, 0, 0},          {DFTX_DOUBLE, 'r', {8}, 4, 1, 1},
+      {DFTX_DOUBLE, 'r', {32, 63}, 1, 0, 0},     {DFTX_SINGLE, 'r', {32, 64}, 1, 2, 2},
+      {DFTX_DOUBLE, 'r', {2048, 1}, 1, 1, 0},    {DFTX_DOUBLE, 'r', {32, 32, 32}, 1, 2, 2},
+  };
+  for (const auto &[precision, kind, lengths, transforms, forks_forward, forks_backward] : cases)
+    for (const bool forward : {true, false}) {
+      Case c;
+      c.precision = precision;
+      c.lengths = lengths;
+      c.transforms = transforms;
+      c.forward = forward;
+      if (kind == 'r') c.domain = DFTX_REAL, c.storage = DFTX_COMPLEX_COMPLEX, c.format = DFTX_CCE_FORMAT;
+      SCOPED_TRACE(name(c));
+      const WithTeam with(4);
+      EXPECT_EQ(run(c).code, DFTX_NO_ERROR);
+      EXPECT_EQ(team.forks, forward ? forks_forward : forks_backward);
+    }
+}
+
 Case plane() {
   Case c;
   c.lengths = {128, 64};

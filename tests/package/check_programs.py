@@ -1,4 +1,5 @@
-"""The programs in README.md build against the install tree and print what README.md says they print."""
+"""The programs in a page, one in each of the languages named, build against the install tree and print what the
+page says they print."""
 import os
 import pathlib
 import re
@@ -6,7 +7,7 @@ import subprocess
 import sys
 import tempfile
 
-readme, stage, c_compiler, cxx_compiler = sys.argv[1:]
+page, stage, c_compiler, cxx_compiler, *languages = sys.argv[1:]
 package_file = next(pathlib.Path(stage).rglob("qkr.pc"))
 library_path = str(package_file.parent.parent)
 environment = dict(os.environ, PKG_CONFIG_PATH=str(package_file.parent), LD_LIBRARY_PATH=library_path)
@@ -26,9 +27,9 @@ commands = {
     "python": None,
 }
 # Each program is followed, after at most a few words, by a block with its output.
-programs = re.findall(r"```(c|cpp|python)\n(.*?)```[^`]*?```text\n(.*?)```", pathlib.Path(readme).read_text(), re.S)
-if sorted(language for language, *_ in programs) != sorted(commands):
-    sys.exit("README.md is to hold one program in each language: " + " ".join(commands))
+programs = re.findall(r"```(c|cpp|python)\n(.*?)```[^`]*?```text\n(.*?)```", pathlib.Path(page).read_text(), re.S)
+if sorted(language for language, *_ in programs) != sorted(languages):
+    sys.exit(f"{page} is to hold one program in each language: " + " ".join(languages))
 
 with tempfile.TemporaryDirectory() as folder:
     for language, text, expected in programs:
@@ -41,5 +42,5 @@ with tempfile.TemporaryDirectory() as folder:
         else:
             printed = output("/usr/bin/python3", str(source))
         if printed != expected:
-            sys.exit(f"the {language} program prints\n{printed}README.md says\n{expected}")
-        print(f"{language}: as README.md says")
+            sys.exit(f"the {language} program prints\n{printed}{page} says\n{expected}")
+        print(f"{language}: as told")
