@@ -19,7 +19,8 @@ double cost_of_transform(int64_t length) {
   return static_cast<double>(length) * (logarithm(length) + 3) * (power_of_two ? 1 : 1.2);
 }
 
-// body(length) for all lengths 2^a 3^b 5^c up to a limit that the first dimension, whose length is even, can have.
+// body(length) for all lengths 2^a 3^b 5^c up to a limit that the first dimension, whose length is even, can
+// have.
 template <class Body>
 void for_each_length(int64_t limit, bool even, Body body) {
   for (int64_t five = 1; five <= 25; five *= 5)

@@ -1,5 +1,5 @@
-// How the transform method cuts its work into blocks of results (overlap-save): in each dimension the shorter
-// operand is whole in every block, and of the longer one there is what the block's results need.
+// How the transform method cuts its work into blocks of results (overlap-save): in each dimension the
+// shorter operand is whole in every block, and of the longer one there is what the block's results need.
 #pragma once
 
 #include "convcorr/problem.h"

@@ -1,11 +1,12 @@
-// The direct method in two to seven dimensions: line by line of the result along dimension 0, each from the rows
-// of the operands that meet in it.
+// The direct method in two to seven dimensions: line by line of the result along dimension 0, each from the
+// rows of the operands that meet in it.
 #include "convcorr/operands.h"
 
 namespace qkr::convcorr {
 namespace {
 
-// An operand whose strides are dense from dimension 1 on counts as dense, whatever its stride in dimension 0.
+// An operand whose strides are dense from dimension 1 on counts as dense, whatever its stride in dimension
+// 0.
 void settle_strides(Problem &problem, Extent Axis::*extent) {
   int64_t dense = (problem.axis[0].*extent).count;
   for (int d = 1; d < problem.dims; ++d) {

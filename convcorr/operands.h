@@ -1,5 +1,5 @@
-// The operands of the direct method: which of them lends the taps (see sums.h), as dense arrays in the order and
-// precision that it computes in.
+// The operands of the direct method: which of them lends the taps (see sums.h), as dense arrays in the order
+// and precision that it computes in.
 #pragma once
 
 #include "convcorr/packing.h"
@@ -7,10 +7,10 @@
 
 namespace qkr::convcorr {
 
-// Element k of the result is number q = start + k decimation of a convolution, if a correlation is taken for one
-// with x reversed, which begins nx - 1 elements earlier. In terms of y, in ascending order, that is the sum of
-// y[m] s[q - m], where s is x in the order of a convolution; in terms of x, that of t[m] y[q - (nx - 1) + m],
-// where t is x in the order of a correlation.
+// Element k of the result is number q = start + k decimation of a convolution, if a correlation is taken for
+// one with x reversed, which begins nx - 1 elements earlier. In terms of y, in ascending order, that is the
+// sum of y[m] s[q - m], where s is x in the order of a convolution; in terms of x, that of t[m] y[q - (nx -
+// 1) + m], where t is x in the order of a correlation.
 template <class Form>
 class DirectOperands {
   using Data = typename Form::Data;

@@ -7,8 +7,8 @@
 
 namespace qkr::convcorr {
 
-// Where the elements of an operand stand: that of the logical indices j at base + sum of j[d] step[d]. Negative
-// strides and a reversed order are in base and step. T is const for what is only read.
+// Where the elements of an operand stand: that of the logical indices j at base + sum of j[d] step[d].
+// Negative strides and a reversed order are in base and step. T is const for what is only read.
 template <class T>
 struct Layout {
   T *base;
@@ -69,7 +69,8 @@ void unpack_line(const From *from, int64_t count, To *to, ptrdiff_t step) {
   for (int64_t i = 0; i < count; ++i) to[i * step] = static_cast<To>(from[i]);
 }
 
-// body(base of the line in the caller's memory, number of the line) for all lines along dimension 0, in order.
+// body(base of the line in the caller's memory, number of the line) for all lines along dimension 0, in
+// order.
 template <class T, class Body>
 void for_each_line(const Layout<T> &layout, Body body) {
   int64_t index[largest_dims] = {};

@@ -47,8 +47,8 @@ struct Operands {
   typename Form::Data *z;
 };
 
-// The status of the first check that fails, in the order of one dimension and in that of several, whose number
-// is checked already.
+// The status of the first check that fails, in the order of one dimension and in that of several, whose
+// number is checked already.
 int32_t check_line(const Problem &problem, const void *x, const void *y, const void *z);
 int32_t check_grid(const Problem &problem, const void *x, const void *y, const void *z);
 

@@ -1,5 +1,5 @@
-// Sums of products, outputs side by side in the lanes, each with its terms in ascending order: the bits of the
-// plain loop. Products and sums are rounded apart.
+// Sums of products, outputs side by side in the lanes, each with its terms in ascending order: the bits of
+// the plain loop. Products and sums are rounded apart.
 #include "convcorr/sums.h"
 
 #include "simd/entry.h"
@@ -104,8 +104,8 @@ struct Sums {
     return sum;
   }
 
-  // Outputs that lack terms: what the lanes of a vector have in common is taken together, what the vectors of
-  // the group have in common side by side, and what comes before and behind is not.
+  // Outputs that lack terms: what the lanes of a vector have in common is taken together, what the vectors
+  // of the group have in common side by side, and what comes before and behind is not.
   template <int vectors>
   QKR_INLINE void partial(int64_t k, int64_t end) const {
     const Group<vectors> group(k, end);

@@ -5,9 +5,9 @@
 //     sum over rows, sum over m of taps[m] signal[place + m]    (ascending)
 //     sum over rows, sum over m of taps[m] signal[place - m]    (descending)
 //
-// with place = first + k step, the rows in their order, m ascending, terms outside of the signal left out. Which
-// operand is which changes neither the products nor their order, so that the shorter one can lend the taps:
-// outputs that lie side by side then meet it at the same terms.
+// with place = first + k step, the rows in their order, m ascending, terms outside of the signal left out.
+// Which operand is which changes neither the products nor their order, so that the shorter one can lend the
+// taps: outputs that lie side by side then meet it at the same terms.
 #pragma once
 
 #include <stddef.h>

@@ -1,7 +1,8 @@
-// The transform method. One dimension is the convolution of the signal engine. Several go block by block through
-// grids of real numbers, each row with room for its half spectrum, which descriptors of one dimension transform
-// dimension by dimension. Rows of zeros are not transformed, nor are those that hold no result; and strips of
-// columns along the last dimension go forward, through the product and back while they are in the cache.
+// The transform method. One dimension is the convolution of the signal engine. Several go block by block
+// through grids of real numbers, each row with room for its half spectrum, which descriptors of one
+// dimension transform dimension by dimension. Rows of zeros are not transformed, nor are those that hold no
+// result; and strips of columns along the last dimension go forward, through the product and back while they
+// are in the cache.
 #include <qkr/dft.h>
 #include <qkr/sigfft_convolution.h>
 
@@ -73,7 +74,8 @@ class Descriptor {
   }
 };
 
-// Real numbers whose rows lie `pitch` apart, that is their half spectrum and what fills the line of the cache.
+// Real numbers whose rows lie `pitch` apart, that is their half spectrum and what fills the line of the
+// cache.
 template <class Real>
 struct GridShape {
   static constexpr int64_t line = 64 / sizeof(Real);
