@@ -3,6 +3,7 @@
 #ifndef QKR_QKR_H
 #define QKR_QKR_H
 
+#include <qkr/convcorr.h>
 #include <qkr/dft.h>
 #include <qkr/distributions.h>
 #include <qkr/service.h>

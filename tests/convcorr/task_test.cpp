@@ -1,0 +1,239 @@
+// The life of a task: fields after each operation, edits that are refused, hooks that fail, copies that
+// outlive their source, blocked tasks.
+#include <cstdlib>
+
+#include "tasks.h"
+
+namespace qkr::tests {
+namespace {
+
+constexpr int32_t shape_x[] = {3, 4}, shape_y[] = {5, 2}, shape_z[] = {2, 3}, stride_x[] = {1, 3};
+constexpr double operand[32] = {1, 2, 3};
+
+ConvCorrTask *new_task() {
+  ConvCorrTask *task = nullptr;
+  EXPECT_EQ(__vxsNewTaskX(&task, VXS_CC_CORRELATION, 11, VXS_CC_FFT, 22, VXS_CC_SINGLE, 2, shape_x, shape_y,
+                          shape_z, operand, stride_x),
+            VXS_CC_OK);
+  return task;
+}
+
+bool holds(const int32_t *words, const int32_t *inline_words, const int32_t *expected) {
+  return words == inline_words && !memcmp(words, expected, 2 * sizeof(int32_t));
+}
+
+TEST(Task, HoldsWhatItWasMadeOf) {
+  ConvCorrTask *task = new_task();
+  EXPECT_EQ(task->status, 0);
+  EXPECT_EQ(task->kind, VXS_CC_CORRELATION);
+  EXPECT_EQ(task->task_word, 11);
+  EXPECT_EQ(task->mode, VXS_CC_FFT);
+  EXPECT_EQ(task->option_word, 0);
+  EXPECT_EQ(task->data_word, 22);
+  EXPECT_EQ(task->data_precision, VXS_CC_SINGLE);
+  EXPECT_EQ(task->internal_precision, VXS_CC_SINGLE);
+  EXPECT_EQ(task->dims, 2);
+  EXPECT_EQ(task->start, nullptr);
+  EXPECT_EQ(task->decimation, nullptr);
+  EXPECT_TRUE(holds(task->xshape, task->xshape_data, shape_x));
+  EXPECT_TRUE(holds(task->yshape, task->yshape_data, shape_y));
+  EXPECT_TRUE(holds(task->zshape, task->zshape_data, shape_z));
+  EXPECT_TRUE(holds(task->xstride, task->xstride_data, stride_x));
+  EXPECT_EQ(task->x, operand);
+  EXPECT_EQ(task->committed, 0);
+  EXPECT_EQ(task->extension, nullptr);
+  EXPECT_EQ(__vxsDeleteTask(&task), VXS_CC_OK);
+  EXPECT_EQ(task, nullptr);
+
+  EXPECT_EQ(__vxsNewTask(&task, 1, 0, 1, 0, 2, 2, shape_x, nullptr, shape_z), VXS_CC_OK);
+  EXPECT_EQ(task->x, nullptr);
+  EXPECT_EQ(task->xstride, nullptr);
+  EXPECT_EQ(task->yshape, nullptr);
+  __vxsDeleteTask(&task);
+}
+
+TEST(Task, IsMadeOfAnyNumberOfDimensions) {
+  const Words words(100, 3);
+  for (const int32_t dims : {-5, 0, 1, 7, 8, 100}) {
+    ConvCorrTask *task = nullptr;
+    ASSERT_EQ(__vxsNewTask(&task, 1, 0, 1, 0, 2, dims, words.data(), words.data(), words.data()), VXS_CC_OK);
+    EXPECT_EQ(task->dims, dims);
+    EXPECT_EQ(__vxsEditTask(task, VXS_CC_PARAM_START, words.data()), VXS_CC_OK);
+    EXPECT_EQ(__vxsEditTask(task, VXS_CC_PARAM_DECIMATION, words.data()), VXS_CC_OK);
+    ConvCorrTask *copy = nullptr;
+    EXPECT_EQ(__vxsCopyTask(&copy, task), VXS_CC_OK);
+    EXPECT_EQ(copy->xshape, copy->xshape_data);
+    if (dims != 1 && dims != 7) {
+      double numbers[100] = {};
+      EXPECT_EQ(__vxsExec(copy, numbers, nullptr, numbers, nullptr, numbers, nullptr), VXS_CC_ERROR_DIMS);
+    }
+    __vxsDeleteTask(&copy);
+    __vxsDeleteTask(&task);
+  }
+}
+
+TEST(Task, IsEditedByParameter) {
+  const int32_t word = 7, pair[] = {4, 5};
+  for (int32_t parameter = -1; parameter <= 21; ++parameter) {
+    ConvCorrTask *task = new_task();
+    __vxsCommitTask(task);
+    const ConvCorrTask before = *task;
+    const bool is_word = parameter == 3 || parameter == 4 || parameter == 9;
+    const bool is_list = parameter == 5 || parameter == 6;
+    const int32_t expected = is_word || is_list                  ? VXS_CC_OK
+                             : parameter >= 1 && parameter <= 19 ? VXS_CC_ERROR_READONLY_PARAM
+                                                                 : VXS_CC_ERROR_BAD_PARAM_ID;
+    EXPECT_EQ(__vxsEditTask(task, parameter, is_list ? pair : &word), expected) << parameter;
+    EXPECT_EQ(task->status, expected);
+    EXPECT_EQ(task->committed, 0);
+    EXPECT_EQ(task->mode, parameter == 3 ? 7 : before.mode);
+    EXPECT_EQ(task->option_word, parameter == 4 ? 7 : before.option_word);
+    EXPECT_EQ(task->internal_precision, parameter == 9 ? 7 : before.internal_precision);
+    EXPECT_TRUE(parameter == 5 ? holds(task->start, task->start_data, pair) : !task->start);
+    EXPECT_TRUE(parameter == 6 ? holds(task->decimation, task->decimation_data, pair) : !task->decimation);
+    __vxsDeleteTask(&task);
+  }
+}
+
+TEST(Task, IsBlockedByAFailureAndUnblockedByTheCaller) {
+  ConvCorrTask *task = new_task(), *copy = nullptr;
+  float numbers[64] = {};
+  EXPECT_EQ(__vxsCommitTask(task), VXS_CC_OK);
+  EXPECT_EQ(task->committed, 1);
+  EXPECT_EQ(__vxsEditTask(task, VXS_CC_PARAM_START, nullptr), VXS_CC_ERROR_NULL);
+  EXPECT_EQ(task->committed, 0);
+  const int32_t word = 1;
+  EXPECT_EQ(__vxsEditTask(task, VXS_CC_PARAM_MODE, &word), VXS_CC_ERROR_NULL);
+  EXPECT_EQ(task->mode, VXS_CC_FFT);
+  EXPECT_EQ(__vxsCommitTask(task), VXS_CC_ERROR_NULL);
+  EXPECT_EQ(task->committed, 0);
+  EXPECT_EQ(__vxsCopyTask(&copy, task), VXS_CC_ERROR_NULL);
+  EXPECT_EQ(copy, nullptr);
+  EXPECT_EQ(__vxsExec(task, numbers, nullptr, numbers, nullptr, numbers, nullptr), VXS_CC_ERROR_NULL);
+  EXPECT_EQ(__vxsExecX(task, numbers, nullptr, numbers, nullptr), VXS_CC_ERROR_NULL);
+  EXPECT_EQ(__vxsccGetStatus(task), VXS_CC_ERROR_NULL);
+  EXPECT_EQ(__vxsccSetStatus(task, 0), VXS_CC_ERROR_NULL);
+  EXPECT_EQ(__vxsEditTask(task, VXS_CC_PARAM_MODE, &word), VXS_CC_OK);
+
+  // A failed execution blocks, and z stays as it is from then on.
+  Operation o = {VXS_CC_CONVOLUTION, {3}, {4}, {6}, {}, {}, {}, {}, {}};
+  Arrays<DD> arrays(o);
+  ConvCorrTask *other = make_task<DD>(o, VXS_CC_DIRECT);
+  EXPECT_EQ(__vxsExec(other, nullptr, nullptr, arrays.y.data(), nullptr, arrays.z.data(), nullptr),
+            VXS_CC_ERROR_X);
+  EXPECT_EQ(other->committed, 1);
+  EXPECT_EQ(execute(other, o, arrays), VXS_CC_ERROR_X);
+  EXPECT_EQ(arrays.z[0], 77);
+  EXPECT_EQ(__vxsccSetStatus(other, 0), VXS_CC_ERROR_X);
+  EXPECT_EQ(execute(other, o, arrays), VXS_CC_OK);
+  EXPECT_EQ(arrays.z[0], arrays.x[0] * arrays.y[0]);
+  __vxsccSetStatus(other, 5);
+  EXPECT_EQ(__vxsDeleteTask(&other), VXS_CC_OK);
+  __vxsDeleteTask(&task);
+}
+
+TEST(Task, AnswersToNullPointers) {
+  ConvCorrTask *task = nullptr;
+  float numbers[1] = {};
+  EXPECT_EQ(__vxsNewTask(nullptr, 1, 0, 1, 0, 1, 1, shape_x, shape_y, shape_z), VXS_CC_ERROR_NULL);
+  EXPECT_EQ(__vxsNewTaskX(nullptr, 1, 0, 1, 0, 1, 1, shape_x, shape_y, shape_z, numbers, nullptr),
+            VXS_CC_ERROR_NULL);
+  EXPECT_EQ(__vxsEditTask(nullptr, VXS_CC_PARAM_MODE, shape_x), VXS_CC_ERROR_NULL);
+  EXPECT_EQ(__vxsCopyTask(&task, nullptr), VXS_CC_ERROR_NULL);
+  EXPECT_EQ(__vxsCommitTask(nullptr), VXS_CC_ERROR_NULL);
+  EXPECT_EQ(__vxsExec(nullptr, numbers, nullptr, numbers, nullptr, numbers, nullptr), VXS_CC_ERROR_NULL);
+  EXPECT_EQ(__vxsExecX(nullptr, numbers, nullptr, numbers, nullptr), VXS_CC_ERROR_NULL);
+  EXPECT_EQ(__vxsccGetStatus(nullptr), VXS_CC_ERROR_NULL);
+  EXPECT_EQ(__vxsccSetStatus(nullptr, 0), VXS_CC_ERROR_NULL);
+  EXPECT_EQ(__vxsDeleteTask(nullptr), VXS_CC_ERROR_NULL);
+  EXPECT_EQ(__vxsDeleteTask(&task), VXS_CC_OK);
+  task = new_task();
+  EXPECT_EQ(__vxsCopyTask(nullptr, task), VXS_CC_ERROR_NULL);
+  __vxsDeleteTask(&task);
+}
+
+TEST(Task, GivesCopiesThatOutliveIt) {
+  Operation o = {VXS_CC_CONVOLUTION, {3, 4}, {5, 2}, {2, 2}, {2, 1}, {2, 2}, {}, {}, {}};
+  Arrays<DD> arrays(o), of_copy(o);
+  ConvCorrTask *task = nullptr, *copy = nullptr;
+  {
+    const Words xshape = o.xshape, stride = {1, 3};
+    __vxsNewTaskX(&task, o.kind, 1, VXS_CC_DIRECT, 2, VXS_CC_DOUBLE, 2, xshape.data(), o.yshape.data(),
+                  o.zshape.data(), arrays.x.data(), stride.data());
+    __vxsEditTask(task, VXS_CC_PARAM_START, o.start.data());
+    __vxsEditTask(task, VXS_CC_PARAM_DECIMATION, o.decimation.data());
+  }
+  ASSERT_EQ(__vxsExecX(task, arrays.y.data(), nullptr, arrays.z.data(), nullptr), VXS_CC_OK);
+  ASSERT_EQ(__vxsCopyTask(&copy, task), VXS_CC_OK);
+  EXPECT_EQ(copy->committed, 1);
+  EXPECT_EQ(copy->task_word, 1);
+  EXPECT_EQ(copy->data_word, 2);
+  for (const auto words : {&ConvCorrTask::start, &ConvCorrTask::decimation, &ConvCorrTask::xshape,
+                           &ConvCorrTask::yshape, &ConvCorrTask::zshape, &ConvCorrTask::xstride}) {
+    const auto inside = reinterpret_cast<const char *>(copy->*words) - reinterpret_cast<const char *>(copy);
+    EXPECT_TRUE(inside > 0 && inside < static_cast<ptrdiff_t>(sizeof(ConvCorrTask)));
+  }
+  memset(static_cast<void *>(task), 0xEE, sizeof(ConvCorrTask));
+  free(task);
+  ASSERT_EQ(__vxsExecX(copy, of_copy.y.data(), nullptr, of_copy.z.data(), nullptr), VXS_CC_OK);
+  EXPECT_EQ(of_copy.z, arrays.z);
+  EXPECT_EQ(__vxsDeleteTask(&copy), VXS_CC_OK);
+}
+
+// Hooks that count their calls and answer as told.
+struct Hooks {
+  static inline int copies, deletions, answer;
+  static int32_t copy(ConvCorrTask *task, void **extension, const void *source) {
+    ++copies;
+    EXPECT_EQ(extension, &task->extension);
+    if (answer) return answer;
+    *extension = malloc(1);
+    *static_cast<char *>(*extension) = *static_cast<const char *>(source);
+    return 0;
+  }
+  static int32_t release(ConvCorrTask *task, void *extension) {
+    ++deletions;
+    EXPECT_EQ(task->extension, extension);
+    EXPECT_EQ(*static_cast<char *>(extension), 'q');
+    return answer;
+  }
+};
+ConvCorrTask *task_with_extension() {
+  ConvCorrTask *task = new_task();
+  task->extension = malloc(1);
+  *static_cast<char *>(task->extension) = 'q';
+  task->extension_copy = Hooks::copy;
+  task->extension_delete = Hooks::release;
+  Hooks::copies = Hooks::deletions = Hooks::answer = 0;
+  return task;
+}
+
+TEST(Extension, IsCopiedAndReleasedByItsHooks) {
+  ConvCorrTask *task = task_with_extension(), *copy = nullptr;
+  ASSERT_EQ(__vxsCopyTask(&copy, task), VXS_CC_OK);
+  EXPECT_NE(copy->extension, task->extension);
+  EXPECT_EQ(__vxsDeleteTask(&task), VXS_CC_OK);
+  EXPECT_EQ(__vxsDeleteTask(&copy), VXS_CC_OK);
+  EXPECT_EQ(Hooks::copies, 1);
+  EXPECT_EQ(Hooks::deletions, 2);
+}
+
+TEST(Extension, WhoseHooksFailOrAreMissing) {
+  ConvCorrTask *task = task_with_extension(), *copy = nullptr;
+  Hooks::answer = 3;
+  EXPECT_EQ(__vxsCopyTask(&copy, task), VXS_CC_ERROR_COPY_HOOK);
+  EXPECT_EQ(copy, nullptr);
+  EXPECT_EQ(task->status, VXS_CC_OK);
+  task->extension_copy = nullptr;
+  EXPECT_EQ(__vxsCopyTask(&copy, task), VXS_CC_ERROR_COPY_HOOK);
+  EXPECT_EQ(__vxsDeleteTask(&task), VXS_CC_ERROR_DELETE_HOOK);
+  EXPECT_EQ(task, nullptr);
+  EXPECT_EQ(Hooks::deletions, 1);
+  task = task_with_extension();
+  task->extension_delete = nullptr;
+  EXPECT_EQ(__vxsDeleteTask(&task), VXS_CC_ERROR_DELETE_HOOK);
+  EXPECT_EQ(task, nullptr);
+}
+
+}  // namespace
+}  // namespace qkr::tests

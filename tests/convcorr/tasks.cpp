@@ -1,0 +1,139 @@
+#include "tasks.h"
+
+#include <sstream>
+
+namespace qkr::tests {
+namespace {
+
+using Index = int64_t[7];
+
+// body(index) for all indices from `first` on, `count` of each dimension, dimension 0 innermost.
+template <class Body>
+void for_each_index(int dims, const Index &first, const Index &count, Body body) {
+  Index index = {};
+  for (int d = 0; d < dims; ++d) {
+    if (count[d] < 1) return;
+    index[d] = first[d];
+  }
+  for (;;) {
+    body(index);
+    int d = 0;
+    for (; d < dims; ++d) {
+      if (++index[d] < first[d] + count[d]) break;
+      index[d] = first[d];
+    }
+    if (d == dims) return;
+  }
+}
+
+Words dense(const Words &shape) {
+  Words stride;
+  int32_t next = 1;
+  for (const int32_t n : shape) {
+    stride.push_back(next);
+    next *= n;
+  }
+  return stride;
+}
+
+// Where the logical element of an index stands.
+int64_t place(const Words &shape, const Words &stride, const int64_t *index) {
+  int64_t offset = 0;
+  for (size_t d = 0; d < shape.size(); ++d)
+    offset += stride[d] < 0 ? (shape[d] - 1 - index[d]) * -stride[d] : index[d] * stride[d];
+  return offset;
+}
+
+}  // namespace
+
+std::string Operation::name() const {
+  std::ostringstream text;
+  const auto list = [&](const char *what, const Words &words) {
+    text << ' ' << what;
+    for (const int32_t w : words) text << ' ' << w;
+  };
+  text << (convolves() ? "convolution" : "correlation");
+  list("x", xshape), list("y", yshape), list("z", zshape), list("start", start),
+      list("decimation", decimation);
+  list("strides", xstride), list(",", ystride), list(",", zstride);
+  return text.str();
+}
+
+int32_t lowest_start(const Operation &o, int d) { return o.convolves() ? 0 : 1 - o.xshape[d]; }
+int32_t highest_start(const Operation &o, int d) {
+  return o.yshape[d] - 1 + (o.convolves() ? o.xshape[d] - 1 : 0);
+}
+Words whole_result(const Operation &o) {
+  Words shape;
+  for (int d = 0; d < o.dims(); ++d) {
+    const int32_t start = !o.start.empty() ? o.start[d] : o.kind == VXS_CC_CORRELATION ? 1 - o.xshape[d] : 0;
+    shape.push_back((highest_start(o, d) - start) / (o.decimation.empty() ? 1 : o.decimation[d]) + 1);
+  }
+  return shape;
+}
+
+int64_t extent(const Words &shape, const Words &given) {
+  const Words stride = given.empty() ? dense(shape) : given;
+  int64_t last = 0;
+  for (size_t d = 0; d < shape.size(); ++d) last += (shape[d] - 1) * std::abs(int64_t{stride[d]});
+  return last + 1;
+}
+
+Words settled(const Words &shape, Words stride) {
+  const Words as_dense = dense(shape);
+  if (shape.size() > 1 && std::equal(stride.begin() + !stride.empty(), stride.end(), as_dense.begin() + 1))
+    return as_dense;
+  return stride;
+}
+Operation with_settled_strides(Operation o) {
+  if (!o.convolves()) o.xstride = settled(o.xshape, o.xstride);
+  o.ystride = settled(o.yshape, o.ystride);
+  o.zstride = settled(o.zshape, o.zstride);
+  return o;
+}
+
+template <class Real, class Form>
+std::vector<Real> plain_sums(const Operation &given, const Arrays<Form> &arrays) {
+  Operation o = given;
+  if (o.xstride.empty()) o.xstride = dense(o.xshape);
+  if (o.ystride.empty()) o.ystride = dense(o.yshape);
+  if (o.zstride.empty()) o.zstride = dense(o.zshape);
+  const int dims = o.dims();
+  std::vector<Real> z(arrays.z.size(), Real(77));
+  Index zero = {}, count = {};
+  for (int d = 0; d < dims; ++d) count[d] = o.zshape[d];
+  for_each_index(dims, zero, count, [&](const Index &k) {
+    // By the index of x, or of x reversed.
+    Index shift = {}, first = {}, terms = {};
+    for (int d = 0; d < dims; ++d) {
+      const int64_t nx = o.xshape[d], ny = o.yshape[d];
+      const int64_t start = !o.start.empty() ? o.start[d] : o.kind == VXS_CC_CORRELATION ? 1 - nx : 0;
+      shift[d] = start + k[d] * (o.decimation.empty() ? 1 : o.decimation[d]) - (o.convolves() ? nx - 1 : 0);
+      first[d] = std::max(-shift[d], int64_t{0});
+      terms[d] = std::min(nx, ny - shift[d]) - first[d];
+    }
+    Real sum = 0;
+    for_each_index(dims, first, terms, [&](const Index &i) {
+      Index at_x = {}, at_y = {};
+      for (int d = 0; d < dims; ++d) {
+        at_x[d] = o.convolves() ? o.xshape[d] - 1 - i[d] : i[d];
+        at_y[d] = i[d] + shift[d];
+      }
+      sum += static_cast<Real>(arrays.x[static_cast<size_t>(place(o.xshape, o.xstride, at_x))]) *
+             static_cast<Real>(arrays.y[static_cast<size_t>(place(o.yshape, o.ystride, at_y))]);
+    });
+    z[static_cast<size_t>(place(o.zshape, o.zstride, k))] = sum;
+  });
+  return z;
+}
+
+#define QKR_INSTANTIATE(Real, Form) \
+  template std::vector<Real> plain_sums(const Operation &, const Arrays<Form> &);
+QKR_INSTANTIATE(double, DD)
+QKR_INSTANTIATE(double, SD)
+QKR_INSTANTIATE(float, SS)
+QKR_INSTANTIATE(long double, DD)
+QKR_INSTANTIATE(long double, SD)
+QKR_INSTANTIATE(long double, SS)
+
+}  // namespace qkr::tests
