@@ -11,6 +11,7 @@
 #include <regex>
 
 #include "run.h"
+#include "vecmath/complex.h"
 #include "vecmath/contenders.h"
 
 namespace qkr::bench {
@@ -155,6 +156,7 @@ void add_all(bool quick, const std::regex &filter) {
     add_benchmarks<double>(function, sizes, filter, part_count);
     add_benchmarks<float>(function, sizes, filter, part_count);
   }
+  add_complex_benchmarks(quick, filter);
 }
 
 }  // namespace

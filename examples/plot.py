@@ -37,6 +37,15 @@ def read_pgm(path):
     return np.frombuffer(pixels, np.uint8).reshape(height, width)
 
 
+def read_ppm(path):
+    """A binary PPM of 8 bits a colour, likewise."""
+    magic, size, largest, pixels = path.read_bytes().split(b"\n", 3)
+    width, height = map(int, size.split())
+    if magic != b"P6" or largest != b"255":
+        sys.exit(f"{path} is not an 8-bit binary PPM")
+    return np.frombuffer(pixels, np.uint8).reshape(height, width, 3)
+
+
 def plot_co2(out_dir):
     fit, rates = read_csv(out_dir / "co2_fit.csv"), read_csv(out_dir / "co2_rates.csv")
     whole, decades = rates[0]["percent_per_year"], rates[1:]
@@ -258,13 +267,23 @@ def plot_photo(out_dir):
     return figure, "photo_transform.png"
 
 
+def plot_plane(out_dir):
+    titles = {"asin": "arcsin z", "power": "$z^z$", "roots": r"$\sqrt{z+1}\,\sqrt{z-1}$"}
+    figure, grid = plt.subplots(1, 3, figsize=(12, 4.4), sharey=True)
+    for axes, (name, title) in zip(grid, titles.items()):
+        axes.imshow(read_ppm(out_dir / f"plane_{name}.ppm"), extent=(-3, 3, -3, 3))
+        axes.set(title=title, xlabel="real part")
+    grid[0].set_ylabel("imaginary part")
+    return figure, "complex_plane.png"
+
+
 def main():
     if len(sys.argv) != 2:
         sys.exit("usage: plot.py OUT_DIR")
     out_dir = Path(sys.argv[1])
     for plot in (plot_co2, plot_tone_curve, plot_daylight, plot_pi, plot_option,
                  plot_distributions, plot_queue_and_trial, plot_sunspots, plot_ecg, plot_year,
-                 plot_photo):
+                 plot_photo, plot_plane):
         try:
             figure, name = plot(out_dir)
             figure.savefig(out_dir / name)

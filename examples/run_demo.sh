@@ -43,6 +43,9 @@ printf '\nA photograph blurred and restored, on one thread and on two (examples/
 QKR_SERIAL=YES "$programs/photo_transform" "$here/data/photo.pgm" "$out"
 OMP_NUM_THREADS=2 QKR_SERIAL=NO "$programs/photo_transform" "$here/data/photo.pgm" "$out"
 
+printf '\nThree functions over the complex plane (examples/complex_plane.cpp)\n\n'
+"$programs/complex_plane" "$out"
+
 printf '\nPictures\n\n'
 if [[ -x $python ]]; then
   "$python" "$here/plot.py" "$out"

@@ -40,6 +40,10 @@ QKR_TWO_COMPARISON(==)
 QKR_TWO_COMPARISON(!=)
 #undef QKR_TWO_OPERATOR
 #undef QKR_TWO_COMPARISON
+template <class V>
+QKR_INLINE Two<V> operator-(Two<V> x) {
+  return {-x.a, -x.b};
+}
 
 // Single to double and back: a vector of floats widens to two vectors of doubles.
 QKR_INLINE Two<f64> widen(f32 v) { return {low_doubles(v), high_doubles(v)}; }

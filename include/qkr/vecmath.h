@@ -19,9 +19,11 @@
 #define QKR_VECMATH_H
 
 #include <qkr/api.h>
+#include <qkr/vecmath_complex.h>
 #include <qkr/vecmath_control.h>
 #include <qkr/vecmath_elements.h>
 #include <qkr/vecmath_exact.h>
+#include <qkr/vecmath_extended.h>
 #include <qkr/vecmath_inverse.h>
 
 QKR_BEGIN_DECLS

@@ -198,6 +198,36 @@ class Demo(unittest.TestCase):
             exact = abs(sum(y * cmath.exp(-2j * math.pi * k * i / 2244) for i, y in enumerate(signal))) / 1122
             self.assertAlmostEqual(lines[2244, k], exact, places=7)
 
+    def test_plane(self):
+        """The cuts lie where they belong, and hue and brightness are those of the functions."""
+        def cuts(title):
+            found = re.search(re.escape(title) + r" +jumps across the real axis(.*)\n", self.report)[1]
+            return [tuple(map(float, pair)) for pair in re.findall(r"from (\S+) to ([-\d.]+)", found)]
+
+        step = 6 / 480
+        (left, near_left), (near_right, right) = cuts("arcsin z")
+        self.assertTrue(left < -2.98 and right > 2.98)
+        self.assertTrue(-1 - 3 * step < near_left < -1 and 1 < near_right < 1 + 3 * step)
+        stretches = cuts("z^z")  # at negative integers z^z takes one value from both sides
+        self.assertTrue(len(stretches) == 3 and all(stop < 0 for _, stop in stretches))
+        (start, stop), = cuts("sqrt(z + 1) sqrt(z - 1)")
+        self.assertTrue(-1 < start < -1 + 3 * step and 1 - 3 * step < stop < 1)
+
+        def colour(w):
+            logarithm = cmath.log(w)
+            hue, brightness = logarithm.imag / (2 * math.pi) + 0.5, 0.55 + 0.45 * (logarithm.real % 1)
+            parts = (abs(math.fmod(6 * hue + shift + 3, 6) - 3) - 1 for shift in (0, 2, 4))
+            return [255 * brightness * min(max(part, 0), 1) for part in parts]
+
+        functions = {"asin": cmath.asin, "power": lambda z: cmath.exp(z * cmath.log(z)),
+                     "roots": lambda z: cmath.sqrt(z + 1) * cmath.sqrt(z - 1)}
+        for name, function in functions.items():
+            picture = (out / f"plane_{name}.ppm").read_bytes()[-3 * 480 * 480:]
+            for row, column in itertools.product(range(5, 480, 47), repeat=2):
+                z = complex(3 * (2 * column + 1 - 480) / 480, -3 * (2 * row + 1 - 480) / 480)
+                wanted, found = colour(function(z)), picture[3 * (480 * row + column):][:3]
+                self.assertLess(max(abs(a - b) for a, b in zip(wanted, found)), 2, (name, z))
+
     def test_error_policy(self):
         status = {}
         for row in rows(out / "error_policy.csv"):
@@ -309,7 +339,7 @@ class Demo(unittest.TestCase):
             return
         for name in ("co2_growth.png", "tone_curve.png", "daylight.png", "pi_error.png",
                      "option_error.png", "distributions.png", "queue_and_trial.png", "sunspot_spectrum.png",
-                     "ecg_filter.png", "co2_year.png"):
+                     "ecg_filter.png", "co2_year.png", "complex_plane.png"):
             self.assertIn(str(out / name), self.report)
             picture = (out / name).read_bytes()
             self.assertEqual(picture[:8], b"\x89PNG\r\n\x1a\n")
@@ -350,6 +380,7 @@ class Demo(unittest.TestCase):
                 ("co2_year", [co2, out / "nowhere"], "cannot write"),
                 ("error_policy", [out / "nowhere"], "cannot write"),
                 ("estimate_pi", [out / "nowhere"], "cannot write"),
+                ("complex_plane", [out / "nowhere"], "cannot write"),
                 ("option_price", [out / "nowhere"], "cannot write"),
                 ("queue_and_trial", [out / "nowhere"], "cannot write"),
                 ("error_policy", [], "usage: ")):

@@ -29,6 +29,8 @@ FOLDERS = {
         "frame": {"errors"},
         "exact": {"errors", "frame"},
         "real": {"errors", "frame", "tables"},
+        "extended": {"frame", "tables"},
+        "complex": {"errors", "frame", "tables", "extended"},
     },
     "streams": ascending("tables", "generators", "quasi", ""),
     "sigfft": ascending("arrays", "tables", "plan", "passes", "routes", "", "any_length", "convolution"),

@@ -4,6 +4,7 @@
 #include <qkr/vecmath_control.h>
 #include <stdlib.h>
 
+#include "tests/support/complex_functions.h"
 #include "tests/support/digest.h"
 #include "tests/support/samples.h"
 
@@ -25,6 +26,44 @@ void print_digests(int count) {
   }
 }
 
+template <class E>
+void print_complex_digests(int count) {
+  Random random{1};
+  std::vector<E> a(count), b(count), r(count);
+  for (int i = 0; i < count; ++i) {
+    const Operands z = any_operands(random);
+    a[i] = rounded_element<E>(z.x, z.y), b[i] = rounded_element<E>(z.u, z.v);
+  }
+  for (const auto &f : complex_functions<E>())
+    print_digest(f.name, [&] {
+      f.entry(count, a.data(), b.data(), r.data());
+      std::vector<PartOf<E>> parts;
+      for (const E &z : r) parts.insert(parts.end(), {z.re, z.im});
+      Hash hash;
+      hash.add(parts);
+      return hash.value();
+    });
+}
+
+// By the patterns of head and tail, which hold the 64 bits of a mantissa.
+void print_extended_digests(int count) {
+  for (const ExtendedFunction &f : extended_functions())
+    print_digest(f.name, [&] {
+      Random random{1};
+      std::vector<double> parts;
+      for (int i = 0; i < count; ++i) {
+        const Operands z = any_operands(random);
+        const long double x = z.x * (1 + 0x1p-62L * static_cast<long double>(random.below(256)));
+        const long double r = f.unary ? f.unary(x) : f.binary(x, z.y);
+        const auto head = static_cast<double>(r);
+        parts.insert(parts.end(), {head, static_cast<double>(r - head)});
+      }
+      Hash hash;
+      hash.add(parts);
+      return hash.value();
+    });
+}
+
 }  // namespace
 
 int main(int count_of_arguments, char **arguments) {
@@ -32,5 +71,8 @@ int main(int count_of_arguments, char **arguments) {
   _vxmSetMode(VXM_MODE_IGNORE);
   print_digests<double>(count);
   print_digests<float>(count);
+  print_complex_digests<vxm64fc>(count);
+  print_complex_digests<vxm32fc>(count);
+  print_extended_digests(count);
   return differences != 0;
 }

@@ -4,7 +4,7 @@ import re
 import sys
 
 root = pathlib.Path(sys.argv[1])
-ROW = re.compile(r"^QKR_FUNCTION\w*\((\w+), \w+, \w+, ([\d.]+),", re.MULTILINE)
+ROW = re.compile(r"^QKR_(?:COMPLEX_)?FUNCTION\w*\((\w+), \w+, \w+, ([\d.]+),", re.MULTILINE)
 GROUP = re.compile(r"/\*\* @name.*?/\*\*@\}\*/", re.DOTALL)
 SENTENCE = re.compile(r"Largest error: .*? ulp \(float .*?\)\.")
 
@@ -15,11 +15,11 @@ faults, told = [], set()
 def checked(group):
     """The group of declarations with the sentence that belongs to it."""
     text = group[0]
-    in_double, in_single = ({bounds[name] for name in re.findall(rf"\b_vxm{letter}\w+_HA\b", text) if name in bounds}
-                            for letter in "ds")
+    in_double, in_single = ({bounds[name] for name in re.findall(rf"\b_vxm{letters}[A-Z]\w*_HA\b", text) if name in bounds}
+                            for letters in ("[dz]", "[sc]"))
     if not in_double and not in_single and not SENTENCE.search(text):
         return text
-    names = set(re.findall(r"\b_vxm[ds]\w+_HA\b", text))
+    names = set(re.findall(r"\b_vxm[dszc][A-Z]\w*_HA\b", text))
     if len(in_double) != 1 or len(in_single) != 1:
         faults.append(f"{sorted(names)} share a docstring but not a bound")
         return text

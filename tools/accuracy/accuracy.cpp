@@ -1,12 +1,14 @@
 // Measures the errors of vector functions against MPFR and prints them as a Markdown table; fails if one
 // exceeds what its contract allows.
 #include <algorithm>
+#include <future>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <string>
 
 #include "simd/level.h"
+#include "tests/support/complex_functions.h"
 #include "tests/support/measure.h"
 #include "tests/support/samples.h"
 #include "tools/accuracy/peers.h"
@@ -18,7 +20,7 @@ using namespace qkr::tests;
 constexpr const char usage[] =
     "accuracy [FUNCTION...] [--points N] [--exhaustive] [--search RUNS] [--level sse2|avx2|avx512] [--peers] [--markdown "
     "FILE]\n"
-    "  FUNCTION         _vxmdExp_HA, or Exp for both precisions; all if none is named\n"
+    "  FUNCTION         _vxmdExp_HA, or Exp for all precisions; all if none is named\n"
     "  --points N       random inputs for each function, beside the neighbourhoods of notable ones\n"
     "  --exhaustive     every float for functions of one float\n"
     "  --search RUNS    also search the worst input of each function, from RUNS different samples\n"
@@ -35,7 +37,8 @@ constexpr const char introduction[] =
     "and\n"
     "was measured at every float for functions of one float; smaller results, which have a column of their "
     "own,\n"
-    "stay within one subnormal spacing.\n\n";
+    "stay within one subnormal spacing. Of complex functions the larger error of the two parts counts; those\n"
+    "of one extended number are measured in its units.\n\n";
 
 struct Options {
   std::vector<std::string> functions;
@@ -115,6 +118,51 @@ class Report {
     }
   }
 
+  // The errors of both parts, in all of the function's regions.
+  template <class E>
+  void add(const ComplexFunction<E> &f) {
+    if (!wanted(f.name)) return;
+    ++measured_;
+    const int points = static_cast<int>(std::max<uint64_t>(200, options_.points / 2000));
+    std::vector<std::future<ComplexErrors>> regions;
+    for (const Region &region : f.regions)
+      regions.push_back(std::async(std::launch::async, [&] { return measure(f, region, points); }));
+    ComplexErrors all;
+    for (auto &region : regions) {
+      const ComplexErrors errors = region.get();
+      if (!(errors.normal.error <= all.normal.error)) all.normal = errors.normal;
+      if (!(errors.subnormal.error <= all.subnormal.error)) all.subnormal = errors.subnormal;
+      all.sum += errors.sum, all.parts += errors.parts;
+    }
+    const Operands &at = all.normal.at;
+    const bool of_two = !f.entry.unary;
+    const auto inputs = [&](auto text) {
+      return text(at.x) + ", " + text(at.y) + (of_two ? "; " + text(at.u) + ", " + text(at.v) : "");
+    };
+    const double bound = error_bound(f.name);
+    line({std::string("`") + f.name + "`", decimals(bound, 3), decimals(all.normal.error, 5),
+          inputs(hexadecimal<double>), inputs(pattern<PartOf<E>>),
+          decimals(all.sum / static_cast<double>(all.parts), 4), decimals(all.subnormal.error, 4),
+          std::to_string(all.parts)});
+    if (!(all.normal.error <= bound)) complain(f.name, "exceeds its bound");
+    if (!(all.subnormal.error <= subnormal_bound))
+      complain(f.name, "is off by more than a subnormal spacing");
+  }
+
+  void add(const ExtendedFunction &f) {
+    const auto &functions = options_.functions;
+    if (!functions.empty() && std::find(functions.begin(), functions.end(), f.name) == functions.end())
+      return;
+    ++measured_;
+    const int points = static_cast<int>(std::max<uint64_t>(2000, options_.points / 500));
+    const ExtendedErrors worst = measure(f, points);
+    const auto text = [](long double x) { return formatted("%La", x); };
+    line({std::string("`") + f.name + "`", decimals(f.bound, 3), decimals(worst.error, 5),
+          text(worst.a) + (f.binary ? ", " + text(worst.b) : ""), "", "", "",
+          std::to_string(points * f.ranges.size())});
+    if (!(worst.error <= f.bound)) complain(f.name, "exceeds its bound");
+  }
+
   int exit_code() const { return failed_ || !measured_; }
   bool found_all() const { return measured_ > 0; }
 
@@ -152,9 +200,13 @@ class Report {
                                  decimals(errors.mean(), 4),
                                  decimals(errors.subnormal.error, 4),
                                  std::to_string(errors.points)};
-    std::string line;
-    for (const std::string &cell : cells) line += "| " + cell + " ";
-    print(line + "|\n");
+    line({std::begin(cells), std::end(cells)});
+  }
+
+  void line(const std::vector<std::string> &cells) {
+    std::string text;
+    for (const std::string &cell : cells) text += "| " + cell + " ";
+    print(text + "|\n");
   }
 
   static std::string decimals(double x, int count) { return formatted("%.*f", count, x); }
@@ -197,6 +249,9 @@ int main(int count, char **words) {
   Report report(options);
   for (const auto &f : vector_functions<double>()) report.add(f);
   for (const auto &f : vector_functions<float>()) report.add(f);
+  for (const auto &f : complex_functions<vxm64fc>()) report.add(f);
+  for (const auto &f : complex_functions<vxm32fc>()) report.add(f);
+  for (const auto &f : extended_functions()) report.add(f);
   if (!report.found_all()) fail("no such function");
   return report.exit_code();
 }

@@ -4,7 +4,7 @@ import subprocess
 import sys
 from pathlib import Path
 
-GENERATORS = ["circular", "error_function", "exponential", "hyperbolic", "inverse", "logarithm", "mrg32k3a",
+GENERATORS = ["circular", "error_function", "exponential", "extended", "hyperbolic", "inverse", "logarithm", "mrg32k3a",
               "niederreiter", "poisson_bands", "power", "sobol", "square_root", "stream_scalars", "tangent", "twiddles", "unit_circle",
               "wichmann_hill"]
 

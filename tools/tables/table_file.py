@@ -82,7 +82,7 @@ def literal(x, element):
 
 
 def array_text(table):
-    in_line = 4 if table.element in {"double", "float"} else 16
+    in_line = 4 if table.element in {"double", "float", "uint64_t"} else 16
 
     def lines(numbers):
         words = [literal(x, table.element) + "," for x in numbers]

@@ -12,15 +12,16 @@ namespace qkr {
 struct Contract {
   const char *function;
   double bound;  // in units in the last place of the exact result
-  double worst;  // the worst input that has been measured
+  double worst;  // the worst input that has been measured; of a complex one the real part
+  double worst_imaginary = 0;
 };
 
 }  // namespace qkr
 
 #if QKR_BASELINE
-#define QKR_CONTRACT(name, bound, worst)                                                                     \
+#define QKR_CONTRACT(name, bound, ...)                                                                       \
   __attribute__((section("qkr_contracts"), used, aligned(8))) static const qkr::Contract name##_contract = { \
-      #name, bound, worst}
+      #name, bound, __VA_ARGS__}
 #else
-#define QKR_CONTRACT(name, bound, worst) static_assert(true)
+#define QKR_CONTRACT(name, bound, ...) static_assert(true)
 #endif

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <stdint.h>
+
 // Tables of the vector functions, made by the generators in tools/tables, whose opening comments give the
 // rule of the rows. Rows lie on their own lines of cache as far as they fit: every table is aligned to 64
 // bytes. Where a table also stands by columns, these are for the level that can hold them in registers.
@@ -52,6 +54,17 @@ namespace qkr::exp_single {
 alignas(64) extern const float powers[128][2];
 alignas(64) extern const float powers_columns[2][128];
 }  // namespace qkr::exp_single
+
+namespace qkr::extended {
+// Values as hi, lo: 2^(j/64); sine and cosine of pi j/256; the arc tangent of j/256.
+alignas(64) extern const double powers[64][2];
+alignas(64) extern const double sines[512][4];
+alignas(64) extern const double arc_tangents[257][2];
+// Row i for mantissas that begin with the eight bits i: c, about 1/m, and -ln(c) as hi, lo.
+alignas(64) extern const double logarithms[256][4];
+// Word i of the bits of 2/pi: its last bit stands for 2^(-64 (i + 1)).
+alignas(64) extern const uint64_t two_over_pi[262];
+}  // namespace qkr::extended
 
 // Polynomials for the error functions, a row for each node; the columns stand in the generator.
 namespace qkr::erf_double {

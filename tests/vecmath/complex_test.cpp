@@ -1,0 +1,434 @@
+// Complex functions: special values in every place, accuracy, and the same bits wherever an element stands.
+#include <cmath>
+#include <fenv.h>
+#include <gtest/gtest.h>
+#include <immintrin.h>
+#include <qkr/vecmath.h>
+#include <string.h>
+
+#include "tests/support/complex_functions.h"
+#include "tests/support/guarded.h"
+#include "tests/support/levels.h"
+#include "tests/vecmath/complex_special_values.h"
+#include "tests/vecmath/fresh_thread.h"
+
+namespace {
+
+using namespace qkr::tests;
+
+template <class E>
+class Complex : public testing::Test {};
+using Elements = testing::Types<vxm64fc, vxm32fc>;
+TYPED_TEST_SUITE(Complex, Elements);
+
+template <class E>
+bool same_bits(const E &a, const E &b) {
+  return memcmp(&a, &b, sizeof(E)) == 0;
+}
+template <class E>
+std::string text(const E &z) {
+  char text[80];
+  snprintf(text, sizeof text, "(%a, %a)", static_cast<double>(z.re), static_cast<double>(z.im));
+  return text;
+}
+
+template <class E>
+std::vector<E> inputs(int count, uint64_t seed, bool second) {
+  qkr::tests::Random random{seed};
+  std::vector<E> z(count);
+  for (E &element : z) {
+    const Operands o = any_operands(random);
+    element = second ? rounded_element<E>(o.u, o.v) : rounded_element<E>(o.x, o.y);
+  }
+  return z;
+}
+
+// Both parts of what a row of special values expects.
+bool is_expected(double computed, double expected) {
+  if (std::isnan(expected)) return std::isnan(computed);
+  if (expected == 0 || std::isinf(expected)) return pattern_of(computed) == pattern_of(expected);
+  return std::fabs(computed - expected) <= std::fabs(expected) * 0x1p-52;
+}
+
+template <class F>
+void for_each_special_row(F f) {
+  for (const ComplexSpecial &row : complex_special_values()) {
+    f(row);
+    if (!row.mirrored) continue;
+    ComplexSpecial mirror = row;
+    mirror.y = -row.y, mirror.im = -row.im;
+    f(mirror);
+  }
+}
+
+const ComplexFunction<vxm64fc> &function_of(const ComplexSpecial &row) {
+  for (const auto &f : complex_functions<vxm64fc>())
+    if (std::string("_vxmz") + row.function + "_HA" == f.name) return f;
+  abort();
+}
+
+TEST(ComplexSpecialValues, OfEveryTable) {
+  int rows = 0;
+  for_each_special_row([&](const ComplexSpecial &row) {
+    const auto &f = function_of(row);
+    const vxm64fc z = {row.x, row.y};
+    const auto check = [&](const char *how, auto compute) {
+      _vxmSetErrStatus(-99);
+      feclearexcept(FE_ALL_EXCEPT);
+      const vxm64fc w = compute();
+      const int events = fetestexcept(FE_ALL_EXCEPT);
+      EXPECT_TRUE(is_expected(w.re, row.re) && is_expected(w.im, row.im))
+          << row.function << how << " of " << text(z) << " is " << text(w);
+      EXPECT_EQ(events & row.events, row.events) << row.function << how << " of " << text(z);
+      // What was not asked for must not be there, as far as it would alarm.
+      const int alarming = FE_INVALID | FE_DIVBYZERO | FE_OVERFLOW;
+      EXPECT_EQ(events & alarming & ~row.events, 0) << row.function << how << " of " << text(z);
+      EXPECT_EQ(_vxmClearErrStatus(), -99);
+    };
+    check(" (scalar)", [&] { return f.scalar({row.x, row.y}); });
+    for_each_level([&](const char *level) {
+      check(level, [&] {
+        vxm64fc w;
+        f.entry(1, &z, nullptr, &w);
+        return w;
+      });
+    });
+    ++rows;
+  });
+  EXPECT_GT(rows, 400);
+}
+
+// Where a table leaves an infinity beside a finite argument the float functions follow the double ones.
+TEST(ComplexSpecialValues, OfFloats) {
+  for_each_special_row([&](const ComplexSpecial &row) {
+    if (static_cast<float>(row.x) != row.x || static_cast<float>(row.y) != row.y) {
+      if (!std::isnan(row.x) && !std::isnan(row.y)) return;
+    }
+    for (const auto &f : complex_functions<vxm32fc>())
+      if (std::string("_vxmc") + row.function + "_HA" == f.name) {
+        const vxm32fc z = {static_cast<float>(row.x), static_cast<float>(row.y)};
+        vxm32fc w;
+        f.entry(1, &z, nullptr, &w);
+        const vxm32fc expected = {static_cast<float>(row.re), static_cast<float>(row.im)};
+        const auto agrees = [](float computed, float e) {
+          return std::isnan(e) ? std::isnan(computed) : pattern_of(computed) == pattern_of(e);
+        };
+        EXPECT_TRUE(agrees(w.re, expected.re) && agrees(w.im, expected.im))
+            << f.name << " of " << text(z) << " is " << text(w);
+      }
+  });
+}
+
+TEST(ComplexSpecialValues, OfPowers) {
+  const double inf = HUGE_VAL, nan = std::nan("");
+  const struct {
+    vxm64fc z, w, result;
+  } rows[] = {
+      {{0, 0}, {0, 0}, {1, 0}},       {{nan, 1}, {0, -0.0}, {1, 0}},  {{0, 0}, {2, 5}, {0, 0}},
+      {{0, 0}, {-2, 0}, {inf, 0}},    {{0, 0}, {-2, 1}, {nan, nan}},  {{0, 0}, {0, 1}, {nan, nan}},
+      {{1, 0}, {7, 0}, {1, 0}},       {{2, 0}, {10, 0}, {1024, 0}},   {{2, -0.0}, {2, 0}, {4, -0.0}},
+      {{inf, 0}, {2, 0}, {inf, 0}},   {{inf, 0}, {-2, 0}, {0, -0.0}}, {{2, 0}, {1e6, 0}, {inf, 0}},
+      {{2, 0}, {-1e6, 0}, {0, 0}},    {{nan, 0}, {1, 1}, {nan, nan}}, {{1, 1}, {nan, 0}, {nan, nan}},
+      {{2, 0}, {1, nan}, {nan, nan}},
+  };
+  for (const auto &row : rows) {
+    vxm64fc w, x;
+    _vxmzPow_HA(1, &row.z, &row.w, &w);
+    _vxmzPowx_HA(1, &row.z, row.w, &x);
+    EXPECT_TRUE(is_expected(w.re, row.result.re) && is_expected(w.im, row.result.im))
+        << text(row.z) << " to " << text(row.w) << " is " << text(w);
+    EXPECT_TRUE(same_bits(w, x));
+  }
+}
+
+TEST(ComplexSpecialValues, Classes) {
+  const struct {
+    double x;
+    int inf, nan, zero, negzero, ninf, pinf, nzfinite;
+  } rows[] = {
+      {0.0, 0, 0, 1, 0, 0, 0, 0},          {-0.0, 0, 0, 1, 1, 0, 0, 0},
+      {HUGE_VAL, 1, 0, 0, 0, 0, 1, 0},     {-HUGE_VAL, 1, 0, 0, 0, 1, 0, 0},
+      {std::nan(""), 0, 1, 0, 0, 0, 0, 0}, {-1.5, 0, 0, 0, 0, 0, 0, 1},
+      {0x1p-1074, 0, 0, 0, 0, 0, 0, 1},    {from_pattern<double>(0x7FF0000000000001), 0, 1, 0, 0, 0, 0, 0},
+  };
+  for (const auto &row : rows) {
+    SCOPED_TRACE(row.x);
+    EXPECT_EQ(_vxm_internal_isinf(row.x), row.inf);
+    EXPECT_EQ(_vxm_internal_isnan(row.x), row.nan);
+    EXPECT_EQ(_vxm_internal_iszero(row.x), row.zero);
+    EXPECT_EQ(_vxm_internal_isnegzero(row.x), row.negzero);
+    EXPECT_EQ(_vxm_internal_isninf(row.x), row.ninf);
+    EXPECT_EQ(_vxm_internal_ispinf(row.x), row.pinf);
+    EXPECT_EQ(_vxm_internal_isnzfinite(row.x), row.nzfinite);
+  }
+}
+
+// All pairs of notable numbers: near the exact values, and symmetric.
+TYPED_TEST(Complex, PairsOfNotableNumbers) {
+  using E = TypeParam;
+  using T = PartOf<E>;
+  for (const auto &f : complex_functions<E>()) {
+    if (!f.entry.unary) continue;
+    for (double x : notable_numbers())
+      for (double y : notable_numbers()) {
+        const E z = rounded_element<E>(x, y), mirror = {z.re, -z.im};
+        E w, of_mirror;
+        f.entry(1, &z, nullptr, &w);
+        const bool is_finite = std::isfinite(z.re) && std::isfinite(z.im);
+        if (is_finite && z.re != 0 && z.im != 0) {
+          const BigComplex exact = f.exact({z.re, z.im});
+          const auto near = [](T computed, const Big &part) {
+            const bool is_normal = std::fabs(computed) >= std::numeric_limits<T>::min();
+            return error_in_ulp(computed, part) <= (is_normal ? 0.51 : 1);
+          };
+          EXPECT_TRUE(near(w.re, exact.re) && near(w.im, exact.im))
+              << f.name << " of " << text(z) << " is " << text(w);
+        }
+        // The conjugate, but for zeros beside NaNs, which have signs of their own.
+        f.entry(1, &mirror, nullptr, &of_mirror);
+        const auto same = [](T a, T b) { return std::isnan(a) ? std::isnan(b) : a == b; };
+        const T im = std::isnan(z.im) ? std::fabs(w.im) : -w.im;
+        EXPECT_TRUE(same(w.re, of_mirror.re) &&
+                    same(im, std::isnan(z.im) ? std::fabs(of_mirror.im) : of_mirror.im))
+            << f.name << " of " << text(z) << " and its conjugate";
+      }
+  }
+}
+
+TYPED_TEST(Complex, KeepsItsBound) {
+  for (const auto &f : complex_functions<TypeParam>()) {
+    const double bound = error_bound(f.name);
+    ASSERT_GT(bound, 0.5) << f.name;
+    const qkr::Contract &contract = *find_contract(f.name);
+    EXPECT_TRUE(contract.worst != 0 && contract.worst_imaginary != 0) << f.name;
+    for (const Region &region : f.regions) {
+      const ComplexErrors errors = measure(f, region, 200);
+      const Operands &at = errors.normal.at;
+      EXPECT_LE(errors.normal.error, bound) << f.name << ' ' << region.name << std::hexfloat << " at " << at.x
+                                            << ", " << at.y << ", " << at.u << ", " << at.v;
+      EXPECT_LE(errors.subnormal.error, 1) << f.name << ' ' << region.name;
+    }
+  }
+}
+
+TEST(ComplexScalar, IsNearItsVectorFunction) {
+  for (const auto &f : complex_functions<vxm64fc>()) {
+    qkr::tests::Random random{5};
+    int parts = 0, different = 0;
+    for (const Region &region : f.regions) {
+      EXPECT_LE(measure(f, region, 60, true).normal.error, 0.51) << f.name << ' ' << region.name;
+      for (int i = 0; i < 1000; ++i) {
+        const Operands z = region.draw(random);
+        const vxm64fc a = {z.x, z.y}, b = {z.u, z.v}, s = f.scalar(z);
+        vxm64fc w;
+        f.entry(1, &a, &b, &w);
+        for (auto [p, q] : {std::pair(w.re, s.re), std::pair(w.im, s.im)}) {
+          ++parts;
+          if (pattern_of(p) == pattern_of(q) || (p != p && q != q)) continue;
+          ++different;
+          EXPECT_LE(std::abs(rank(p) - rank(q)), 1) << f.name << " of " << text(a);
+        }
+      }
+    }
+    EXPECT_LE(different, parts / 200)
+        << f.name;  // where the extended result is about a half, and rounds twice
+  }
+}
+
+// Near the unit circle with both parts below the root of a half, where the difference of a square from 1
+// rounds.
+TEST(ComplexLn, ResidueNearTheCircle) {
+  const vxm64fc rows[] = {{0.6, 0.8},
+                          {0x1.6a09e667f3bcdp-1, 0x1.6a09e667f3bcdp-1},
+                          {0x1.6a09e667p-1, 0x1.6a09e668p-1},
+                          {0x1.6a0ap-1, 0x1.6a08p-1},
+                          {0.28, 0.96},
+                          {1, 0x1p-30}};
+  for (const vxm64fc &z : rows) {
+    vxm64fc w;
+    _vxmzLn_HA(1, &z, &w);
+    const Big x(z.re), y(z.im);
+    const Big exact = apply<mpfr_log1p>((x * x - Big(1.0)) + y * y) * Big(0.5);
+    EXPECT_LE(error_in_ulp(w.re, exact), 0.501) << text(z);
+    EXPECT_LE(error_in_ulp(_vxmclog_scalar(z.re, z.im).re, exact), 0.51) << text(z);
+  }
+}
+
+// One by one, at once, in pieces, in place, at every level and by the lower-accuracy name.
+TYPED_TEST(Complex, SameBitsEverywhere) {
+  using E = TypeParam;
+  constexpr int count = 2011;
+  const std::vector<E> a = inputs<E>(count, 1, false), b = inputs<E>(count, 1, true);
+  for (const auto &f : complex_functions<E>()) {
+    std::vector<E> expected(count);
+    for (int i = 0; i < count; ++i) f.entry(1, &a[i], f.entry.with_number ? &b[0] : &b[i], &expected[i]);
+    const auto check = [&](const char *how, const std::vector<E> &r) {
+      for (int i = 0; i < count; ++i)
+        ASSERT_TRUE(same_bits(r[i], expected[i]))
+            << f.name << ' ' << how << " of " << text(a[i]) << ", " << text(b[i]) << ": " << text(r[i])
+            << " for " << text(expected[i]);
+    };
+    for_each_level([&](const char *level) {
+      std::vector<E> r(count);
+      f.entry(count, a.data(), b.data(), r.data());
+      check(level, r);
+      f.low(count, a.data(), b.data(), r.data());
+      check("by the lower-accuracy name", r);
+      for (int first = 0, n = 1; first < count; first += n, n = n % 150 + 1)
+        f.entry(std::min(n, count - first), &a[first], f.entry.with_number ? &b[0] : &b[first], &r[first]);
+      check("in pieces", r);
+      r = a;
+      f.entry(count, r.data(), b.data(), r.data());
+      check("in place", r);
+      if (f.entry.binary) {
+        r = b;
+        f.entry(count, a.data(), r.data(), r.data());
+        check("in the place of the exponent", r);
+      }
+    });
+  }
+}
+
+TYPED_TEST(Complex, UnderTheCallersControlWords) {
+  using E = TypeParam;
+  constexpr int count = 501;
+  const std::vector<E> a = inputs<E>(count, 3, false), b = inputs<E>(count, 3, true);
+  in_fresh_thread([&] {
+    for (const auto &f : complex_functions<E>()) {
+      std::vector<E> expected(count), r(count);
+      f.entry(count, a.data(), b.data(), expected.data());
+      for (const unsigned sse : {0u, 0x2000u, 0x6000u, 0x8040u})
+        for (const uint16_t x87 : {0x000, 0x200, 0x300, 0x700, 0xF00})
+          for_each_level([&](const char *level) {
+            const unsigned usual = _mm_getcsr();
+            uint16_t before, after;
+            asm volatile("fnstcw %0" : "=m"(before));
+            const auto word = static_cast<uint16_t>((before & ~0xF00) | x87);
+            asm volatile("fldcw %0" : : "m"(word));
+            _mm_setcsr((usual & ~0x3Fu) | sse);
+            f.entry(count, a.data(), b.data(), r.data());
+            const unsigned restored = _mm_getcsr();
+            asm volatile("fnstcw %0" : "=m"(after));
+            _mm_setcsr(usual);
+            asm volatile("fldcw %0" : : "m"(before));
+            EXPECT_EQ(after, word);
+            EXPECT_EQ(restored & ~0x3Fu, (usual & ~0x3Fu) | sse);
+            EXPECT_EQ(memcmp(r.data(), expected.data(), count * sizeof(E)), 0)
+                << f.name << ' ' << level << std::hex << " under " << sse << ", " << x87;
+          });
+    }
+  });
+}
+
+TYPED_TEST(Complex, OrdinaryElementsRaiseOnlyInexact) {
+  using E = TypeParam;
+  qkr::tests::Random random{9};
+  std::vector<E> a(150), b(150), r(150);
+  for (int i = 0; i < 150; ++i) {
+    a[i] = rounded_element<E>(random.unit() * 3 - 1.5,
+                              std::ldexp(random.unit() - 0.5, -static_cast<int>(random.below(99))));
+    b[i] = rounded_element<E>(random.unit() * 3, random.unit());
+  }
+  for (const auto &f : complex_functions<E>())
+    for_each_level([&](const char *level) {
+      for (int n = 1; n <= 150; n += n < 40 ? 1 : 11) {
+        feclearexcept(FE_ALL_EXCEPT);
+        f.entry(n, a.data(), b.data(), r.data());
+        ASSERT_EQ(fetestexcept(FE_ALL_EXCEPT & ~FE_INEXACT), 0)
+            << f.name << ' ' << level << ", " << n << " elements";
+      }
+    });
+}
+
+TYPED_TEST(Complex, KeepsToItsArrays) {
+  using E = TypeParam;
+  for (const Edge edge : {Edge::end, Edge::start})
+    for (int n = 0; n <= 140; n += n < 40 ? 1 : 17) {
+      Guarded<E> a(n, edge), b(n, edge), r(n, edge);
+      for (int i = 0; i < n; ++i) a.data()[i] = b.data()[i] = {1, 2};
+      const E number[1] = {{1, 2}};
+      for (const auto &f : complex_functions<E>())
+        for_each_level([&](const char *) {
+          f.entry(n, a.data(), f.entry.with_number ? number : b.data(), r.data());
+          f.entry(-n, a.data(), number, r.data());
+        });
+    }
+}
+
+TEST(ExtendedFunctions, KeepTheirBounds) {
+  for (const ExtendedFunction &f : extended_functions()) {
+    const ExtendedErrors worst = measure(f, 2000);
+    EXPECT_LE(worst.error, f.bound) << f.name << " at " << std::hexfloat << worst.a << ", " << worst.b;
+  }
+}
+
+// Arguments that come very near to a multiple of pi/2, or are as large as the format allows.
+TEST(ExtendedFunctions, HardReductions) {
+  const long double rows[] = {6381956970095103.0L * 0x1p797L, 1e22L,
+                              0x1.fffffffffffffp1023L,        1e4931L,
+                              0x1.fffffffffffffffep16383L,    0xc.90fdaa22168c235p-3L,
+                              0xc.90fdaa22168c234p-2L};
+  for (const long double x : rows) {
+    EXPECT_LE(error_in_ulp(_vxmsinl_scalar(x), apply<mpfr_sin>(Big(x))), 0.54) << x;
+    EXPECT_LE(error_in_ulp(_vxmcosl_scalar(x), apply<mpfr_cos>(Big(x))), 0.54) << x;
+  }
+}
+
+TEST(ExtendedFunctions, SpecialValuesAndEvents) {
+  const long double inf = HUGE_VALL, nan = __builtin_nanl("");
+  constexpr int none = 0;
+  const struct {
+    long double (*f)(long double);
+    long double x, result;
+    int events;
+  } rows[] = {
+      {_vxmexpl_scalar, inf, inf, none},
+      {_vxmexpl_scalar, -inf, 0, none},
+      {_vxmexpl_scalar, 12000, inf, FE_OVERFLOW},
+      {_vxmexpl_scalar, -12000, 0, FE_UNDERFLOW},
+      {_vxmexpl_scalar, 0, 1, none},
+      {_vxmexpl_scalar, nan, nan, none},
+      {_vxmlogl_scalar, 0, -inf, FE_DIVBYZERO},
+      {_vxmlogl_scalar, -1, nan, FE_INVALID},
+      {_vxmlogl_scalar, -inf, nan, FE_INVALID},
+      {_vxmlogl_scalar, inf, inf, none},
+      {_vxmlogl_scalar, 1, 0, none},
+      {_vxmlog1pl_scalar, -1, -inf, FE_DIVBYZERO},
+      {_vxmlog1pl_scalar, -2, nan, FE_INVALID},
+      {_vxmlog1pl_scalar, -0.0L, -0.0L, none},
+      {_vxmlog1pl_scalar, inf, inf, none},
+      {_vxmsinl_scalar, inf, nan, FE_INVALID},
+      {_vxmsinl_scalar, -0.0L, -0.0L, none},
+      {_vxmcosl_scalar, 0, 1, none},
+      {_vxmcosl_scalar, -inf, nan, FE_INVALID},
+      {_vxmtanl_scalar, -0.0L, -0.0L, none},
+      {_vxmtanl_scalar, inf, nan, FE_INVALID},
+      {_vxmsinhl_scalar, -inf, -inf, none},
+      {_vxmsinhl_scalar, -12000, -inf, FE_OVERFLOW},
+      {_vxmsinhl_scalar, -0.0L, -0.0L, none},
+      {_vxmcoshl_scalar, -inf, inf, none},
+      {_vxmcoshl_scalar, 0, 1, none},
+      {_vxmtanhl_scalar, -inf, -1, none},
+      {_vxmtanhl_scalar, 100, 1, FE_INEXACT},
+      {_vxmtanhl_scalar, nan, nan, none},
+      {_vxmsqrtl_scalar, -1, nan, FE_INVALID},
+      {_vxmfabsl_scalar, -inf, inf, none},
+  };
+  for (const auto &row : rows) {
+    feclearexcept(FE_ALL_EXCEPT);
+    const long double r = row.f(row.x);
+    const int events = fetestexcept(FE_ALL_EXCEPT);
+    if (std::isnan(row.result)) EXPECT_TRUE(std::isnan(r)) << row.x;
+    else
+      EXPECT_TRUE(r == row.result && std::signbit(r) == std::signbit(row.result)) << row.x << " gives " << r;
+    EXPECT_EQ(events & ~FE_INEXACT, row.events & ~FE_INEXACT) << &row - rows << ": " << row.x;
+    EXPECT_EQ(events & row.events, row.events) << &row - rows << ": " << row.x;
+  }
+  for (const long double y : {0.0L, -0.0L, 1.0L, -1.0L, inf, -inf, 1e-4940L})
+    for (const long double x : {0.0L, -0.0L, 1.0L, -1.0L, inf, -inf, 1e4000L}) {
+      const long double r = _vxmatan2l_scalar(y, x), expected = std::atan2(y, x);
+      EXPECT_TRUE(r == expected && std::signbit(r) == std::signbit(expected)) << y << ", " << x;
+    }
+}
+
+}  // namespace

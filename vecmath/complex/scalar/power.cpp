@@ -1,0 +1,85 @@
+// The power of one element, e^(w ln z). The error of w ln z is one of the result's argument and relative to
+// its modulus, so the logarithm stays in two doubles to the end.
+#include "vecmath/complex/formulas.h"
+#include "vecmath/complex/scalar/internal.h"
+#include "vecmath/extended/large_reduction.h"
+
+using namespace qkr;
+using DoubleDouble = sse2::DoubleDouble<double>;
+
+namespace {
+
+struct Logarithm {
+  DoubleDouble re, im;
+};
+
+// Where the squares of z's parts would leave the range of doubles, of z over a power of two.
+DoubleDouble logarithm_of_modulus(double x, double y) {
+  const double larger = __builtin_fmax(__builtin_fabs(x), __builtin_fabs(y));
+  if (larger > 0x1p-400 && larger < 0x1p400) return sse2::logarithm_of_modulus(x, y);
+  const int k = sse2::normalized(larger).exponent;
+  const long double scale = sse2::power_of_two(-k);
+  const auto rest = sse2::logarithm_of_modulus((double)(x * scale), (double)(y * scale));
+  return rest + sse2::fast_sum(k * sse2::ln2_hi, k * sse2::ln2_lo);
+}
+
+// Two doubles cannot hold the terms of very slender angles.
+DoubleDouble angle(double x, double y) {
+  constexpr double far_apart = 0x1p400;
+  const double a = __builtin_fabs(x), b = __builtin_fabs(y);
+  const bool slender = b == 0 || a > far_apart || b > far_apart || a < 1 / far_apart || b < 1 / far_apart;
+  return slender ? sse2::split(_vxmatan2l_scalar(y, x)) : sse2::angle(y, x);
+}
+
+sse2::Circular<double> circular_pair_of(DoubleDouble q) {
+  if (__builtin_fabs(q.hi) < sse2::circular_limit) return sse2::circular_pair(q);
+  sse2::Quadrant reduced = sse2::reduce_large(q.hi);
+  reduced.rest = reduced.rest + DoubleDouble{q.lo, 0};
+  return sse2::circular_pair_of(reduced);
+}
+
+// Of finite z and w, neither of them zero.
+vxm64fc ordinary_power(double x, double y, double u, double v) {
+  constexpr double exponential_limit = 11300, accurate_angle = 0x1p50;
+  const DoubleDouble re = logarithm_of_modulus(x, y), im = angle(x, y);
+  const auto p = times(re, u) - times(im, v), q = times(im, u) + times(re, v);
+  // Neither, if it is a NaN.
+  if (__builtin_fabs(p.hi) < exponential_limit && __builtin_fabs(q.hi) < accurate_angle) {
+    const auto e = sse2::exponential(p);
+    const auto [sine, cosine] = circular_pair_of(q);
+    const int k = (int32_t)e.n >> 6;
+    return rounded(
+        sse2::times_power_of_two(join(e.mantissa * cosine), k),
+        is_zero(q.hi) ? (v == 0 ? u * im.hi : q.hi) : sse2::times_power_of_two(join(e.mantissa * sine), k));
+  }
+  const long double L = (long double)re.hi + re.lo, theta = (long double)im.hi + im.lo;
+  return _vxmcexp_scalar((double)(u * L - v * theta), (double)(u * theta + v * L));
+}
+
+vxm64fc power_of_zero(double u, double v) {
+  if (u > 0) return {0, 0};
+  if (u < 0 && v == 0) return {1 / at_run_time(0.0), 0};
+  const double nan = u + v != u + v ? u + v : (double)sse2::invalid();
+  return {nan, nan};
+}
+
+// A factor that is zero does not count beside an infinity, but with its sign.
+double product(double a, double b) {
+  return a == 0 || b == 0 ? __builtin_copysign(0, a) * __builtin_copysign(1, b) : a * b;
+}
+
+vxm64fc power(double x, double y, double u, double v) {
+  if (u == 0 && v == 0) return {1, 0};
+  if (x == 0 && y == 0) return power_of_zero(u, v);
+  if (is_finite(x) && is_finite(y) && is_finite(u) && is_finite(v)) return ordinary_power(x, y, u, v);
+  const vxm64fc log = _vxmclog_scalar(x, y);
+  const double turned = product(u, log.im);
+  return _vxmcexp_scalar(product(u, log.re) - product(v, log.im),
+                         v == 0 ? turned : turned + product(v, log.re));
+}
+
+}  // namespace
+
+extern "C" vxm64fc _vxmcpow_scalar(double x, double y, double u, double v) {
+  return tested(power(x, y, u, v));
+}
