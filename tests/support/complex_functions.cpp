@@ -289,7 +289,7 @@ ComplexErrors measure(const ComplexFunction<E> &f, const Region &region, int poi
     Operands z = region.draw(random);
     const E a = rounded_element<E>(z.x, z.y), b = rounded_element<E>(z.u, z.v);
     z = {a.re, a.im, b.re, b.im};
-    if (std::isinf(a.re) || std::isinf(a.im)) continue;
+    if (std::isinf(a.re) || std::isinf(a.im) || (a.re == 0 && a.im == 0)) continue;
     E r;
     f.entry(1, &a, &b, &r);
     if (by_scalar) {

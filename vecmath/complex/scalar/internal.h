@@ -42,7 +42,7 @@ inline HyperbolicPair hyperbolic_sine_and_cosine(long double x) {
 
 inline vxm64fc rounded(long double re, long double im) { return {(double)re, (double)im}; }
 
-// (a b)(c + i d), for factors a b that overflow or vanish on purpose.
+// x^2 for an x whose square overflows or vanishes, with the event.
 inline double squared_at_run_time(double x) {
   x = at_run_time(x);
   return x * x;
