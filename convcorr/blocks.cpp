@@ -13,10 +13,13 @@ double logarithm(int64_t n) {
   return whole + (static_cast<double>(n) / static_cast<double>(int64_t{1} << whole) - 1);
 }
 
-// In steps of a transform, as measured: one that is no power of two costs more.
-double cost_of_transform(int64_t length) {
-  const bool power_of_two = (length & (length - 1)) == 0;
-  return static_cast<double>(length) * (logarithm(length) + 3) * (power_of_two ? 1 : 1.2);
+// Of a transform of rows (dimension 0) or columns, as measured: columns that do not go lane by lane, those longer
+// than 256, and lengths that are no power of two cost more for each number, and each block costs something, too.
+double cost_of_transform(int64_t length, int dimension) {
+  constexpr int64_t longest_in_lanes = 256;
+  const bool power_of_two = (length & (length - 1)) == 0, in_lanes = !dimension || length <= longest_in_lanes;
+  const double factor = !power_of_two ? 1.6 : in_lanes ? 1 : 1.5;
+  return static_cast<double>(length) * (logarithm(length) + 3) * factor + (dimension ? 200 : 400);
 }
 
 // body(length) for all lengths 2^a 3^b 5^c up to a limit that the first dimension, whose length is even, can
@@ -51,7 +54,7 @@ AxisBlocks::AxisBlocks(Kind kind, const Axis &axis, int dimension) {
     const int64_t block = single ? wanted.count : candidate - shorter + 1;
     if (block < 1) return;
     const int64_t count = ratio_up(wanted.count, block);
-    const double cost = static_cast<double>(count) * cost_of_transform(candidate);
+    const double cost = static_cast<double>(count) * cost_of_transform(candidate, dimension);
     if (length && cost >= least) return;
     length = candidate, step = block, blocks = count, least = cost;
   };
