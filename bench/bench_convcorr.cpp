@@ -31,15 +31,15 @@ struct Size {
   bool advised_direct;
 };
 constexpr Size sizes[] = {
-    {1, 64, 8, true, true, true},         {1, 1000, 31, true, true, true},
-    {1, 1000, 100, true, true, true},     {1, 1000, 1000, true, true, false},
-    {1, 10000, 300, true, true, false},   {1, 100000, 100, true, true, true},
+    {1, 64, 8, true, true, false},        {1, 1000, 31, true, true, false},
+    {1, 1000, 100, true, true, false},    {1, 1000, 1000, true, true, false},
+    {1, 10000, 300, true, true, false},   {1, 100000, 100, true, true, false},
     {1, 100000, 1000, true, true, false}, {1, 1000000, 10000, false, true, false},
     {2, 512, 3, true, true, true},        {2, 512, 7, true, true, true},
-    {2, 512, 15, true, true, true},       {2, 512, 31, true, true, false},
+    {2, 512, 15, true, true, false},      {2, 512, 31, true, true, false},
     {2, 512, 127, false, true, false},    {2, 2048, 3, true, true, true},
     {2, 2048, 7, true, true, true},       {2, 2048, 31, true, true, false},
-    {2, 2048, 127, false, true, false},   {3, 128, 5, true, true, true},
+    {2, 2048, 127, false, true, false},   {3, 128, 5, true, true, false},
 };
 
 template <class T>

@@ -1,5 +1,6 @@
-// A hash of the results of every execution function that computes: one line for each kind, method, form and shape,
-// which must be the same at all levels, with every compiler, on every processor and with every C library.
+// A hash of the results of every execution function that computes: one line for each kind, method, form and
+// shape, which must be the same at all levels, with every compiler, on every processor and with every C
+// library.
 #include <cstdio>
 
 #include "tasks.h"

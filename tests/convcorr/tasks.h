@@ -53,8 +53,8 @@ Words whole_result(const Operation &operation);
 // Elements from the lowest that an operand touches to the highest.
 int64_t extent(const Words &shape, const Words &stride);
 
-// Convolutions of one to seven dimensions, whose other fields are left to the test: lengths 1, 2, 3, odd, powers
-// of two and next to them, longer than a group of vectors at every level.
+// Convolutions of one to seven dimensions, whose other fields are left to the test: lengths 1, 2, 3, odd,
+// powers of two and next to them, longer than a group of vectors at every level.
 extern const std::vector<Operation> shapes;
 
 inline const int32_t *words_or_null(const Words &words) { return words.empty() ? nullptr : words.data(); }
