@@ -13,10 +13,14 @@ double logarithm(int64_t n) {
   return whole + (static_cast<double>(n) / static_cast<double>(int64_t{1} << whole) - 1);
 }
 
-// In steps of a transform, as measured: one that is no power of two costs more.
-double cost_of_transform(int64_t length) {
+// Of a transform of rows (dimension 0) or columns, as measured. Columns longer than 256 do not go lane by
+// lane, and in three dimensions and more long ones make planes that leave the cache; lengths that are no
+// power of two cost more for each number, and each block costs something, too.
+double cost_of_transform(int64_t length, int dimension, int dims) {
+  const int64_t longest = dimension == 0 ? length : dims == 2 ? 256 : 64;
   const bool power_of_two = (length & (length - 1)) == 0;
-  return static_cast<double>(length) * (logarithm(length) + 3) * (power_of_two ? 1 : 1.2);
+  const double factor = (power_of_two ? 1 : 1.6) * (length <= longest ? 1 : dims == 2 ? 1.5 : 2);
+  return static_cast<double>(length) * (logarithm(length) + 3) * factor + (dimension ? 200 : 400);
 }
 
 // body(length) for all lengths 2^a 3^b 5^c up to a limit that the first dimension, whose length is even, can
@@ -30,7 +34,7 @@ void for_each_length(int64_t limit, bool even, Body body) {
 
 }  // namespace
 
-AxisBlocks::AxisBlocks(Kind kind, const Axis &axis, int dimension) {
+AxisBlocks::AxisBlocks(Kind kind, const Axis &axis, int dimension, int dims) {
   const int64_t x = axis.x.count, y = axis.y.count;
   x_is_longer = x >= y;
   longer = larger(x, y), shorter = smaller(x, y);
@@ -51,7 +55,7 @@ AxisBlocks::AxisBlocks(Kind kind, const Axis &axis, int dimension) {
     const int64_t block = single ? wanted.count : candidate - shorter + 1;
     if (block < 1) return;
     const int64_t count = ratio_up(wanted.count, block);
-    const double cost = static_cast<double>(count) * cost_of_transform(candidate);
+    const double cost = static_cast<double>(count) * cost_of_transform(candidate, dimension, dims);
     if (length && cost >= least) return;
     length = candidate, step = block, blocks = count, least = cost;
   };

@@ -23,7 +23,7 @@ struct AxisBlocks {
   int64_t blocks;
 
   AxisBlocks() = default;
-  AxisBlocks(Kind kind, const Axis &axis, int dimension);
+  AxisBlocks(Kind kind, const Axis &axis, int dimension, int dims);
 
   Range results(int64_t block) const;  // numbers of results
   Range segment(int64_t block) const;  // of the longer operand

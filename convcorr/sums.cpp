@@ -14,6 +14,9 @@ using convcorr::TapRow;
 // Vectors worked on together: enough for the additions of each to hide behind those of the others.
 constexpr int together = 8;
 
+// Taps of outputs that are worked out from windows; fewer are taken one by one.
+constexpr int64_t least_windowed_taps = 7, most_windowed_taps = 64;
+
 // Terms first to last of an output.
 struct Terms {
   int64_t first, last;
@@ -150,6 +153,42 @@ struct Sums {
     for (int v = 0; v < vectors; ++v) memcpy(z + group.at[v], sums[v], sizeof sums[v]);
   }
 
+  // Few outputs that lack some of few taps: from a window of each row with zeros around it. A product with 0
+  // changes no sum, since none that starts from +0 is ever -0, unless the tap is an infinity or a NaN: false
+  // then, by sums that are not finite.
+  template <int vectors>
+  QKR_NOINLINE bool windowed(int64_t k, int64_t end) const {
+    T window[vectors * lanes + most_windowed_taps] = {};
+    const int64_t missing = line.taps - 1, low = place(k) - (descending ? missing : 0);
+    const int64_t high = low + vectors * lanes + missing, stop = high < line.signal ? high : line.signal;
+    const int64_t from = low > 0 ? low : 0, numbers = stop - from;
+    Native<T> sum[vectors] = {};
+    for (int64_t r = 0; r < count; ++r) {
+      if (numbers > 0) memcpy(window + (from - low), rows[r].signal + from, (size_t)numbers * sizeof(T));
+      for (int64_t m = 0; m < line.taps; ++m) {
+        const T *const signal = window + (descending ? missing - m : m);
+        const T tap = rows[r].taps[m];
+#pragma GCC unroll 8
+        for (int v = 0; v < vectors; ++v) sum[v] = sum[v] + tap * signals(signal + v * lanes);
+      }
+    }
+    T sums[vectors * lanes];
+    Flags not_finite = {};
+    for (int v = 0; v < vectors; ++v) {
+      not_finite = not_finite | beyond(sum[v], (T)__builtin_inf());
+      store(sums + v * lanes, sum[v]);
+    }
+    if (any(not_finite, T())) return false;
+    memcpy(z + k, sums, (size_t)(end - k) * sizeof(T));
+    return true;
+  }
+  template <int vectors>
+  QKR_INLINE bool in_windows(int64_t k, int64_t end) const {
+    if constexpr (vectors > 1)
+      if (end - k <= (vectors - 1) * lanes) return in_windows<vectors - 1>(k, end);
+    return windowed<vectors>(k, end);
+  }
+
   template <int vectors, bool is_whole>
   QKR_NOINLINE void group(int64_t k, int64_t end) const {
     if constexpr (is_whole) whole<vectors>(k, end);
@@ -167,6 +206,10 @@ struct Sums {
   QKR_INLINE void segment(int64_t k, int64_t end) const {
     constexpr int most = is_whole ? together : together / 2;
     if (k >= end) return;
+    if constexpr (!is_whole && unit_step) {
+      const bool few = end - k <= most * lanes && line.taps <= most_windowed_taps;
+      if (few && line.taps > least_windowed_taps && in_windows<most>(k, end)) return;
+    }
     if (end - k < lanes && (is_whole || line.taps < 2 * lanes || end < lanes)) return singly(k, end);
     for (; end - k > most * lanes; k += most * lanes) group<most, is_whole>(k, k + most * lanes);
     last_group<most, is_whole>(k, end);

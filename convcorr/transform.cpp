@@ -260,7 +260,7 @@ class Blocks {
 template <class Form>
 int32_t transform_grid(const Problem &problem, const Operands<Form> &operands) {
   AxisBlocks axes[largest_dims];
-  for (int d = 0; d < problem.dims; ++d) axes[d] = AxisBlocks(problem.kind, problem.axis[d], d);
+  for (int d = 0; d < problem.dims; ++d) axes[d] = AxisBlocks(problem.kind, problem.axis[d], d, problem.dims);
   return Blocks<Form>(problem, axes, operands).run();
 }
 

@@ -277,13 +277,38 @@ def plot_plane(out_dir):
     return figure, "complex_plane.png"
 
 
+def plot_beats(out_dir):
+    table = read_csv(out_dir / "ecg_beats.csv")
+    figure, (record, likeness) = plt.subplots(2, 1, figsize=(12, 6), sharex=True)
+    beats = table[table["beat"] == 1]
+    record.plot(table["second"], table["millivolt"], color="0.5", linewidth=0.8)
+    record.plot(beats["second"], beats["millivolt"], "v", color=RED, markersize=5, label=f"{len(beats)} beats")
+    record.set(title="Heart beats, found by correlation with one of them", ylabel="millivolt")
+    record.legend(frameon=False, loc="upper right")
+    likeness.plot(table["second"], table["likeness"], color=BLUE, linewidth=0.8)
+    likeness.axhline(0.6, color=RED, linewidth=1, linestyle="--")
+    likeness.set(xlabel="second", ylabel="likeness", xlim=(0, 20), ylim=(-1, 1))
+    for axes in (record, likeness):
+        axes.grid(alpha=0.25)
+    return figure, "ecg_beats.png"
+
+
+def plot_edges(out_dir):
+    figure, grid = plt.subplots(1, 2, figsize=(12, 6.2))
+    for axes, name in zip(grid, ("sharpened", "edges")):
+        axes.imshow(read_pgm(out_dir / f"photo_{name}.pgm"), cmap="gray", vmin=0, vmax=255)
+        axes.set_title(name)
+        axes.axis("off")
+    return figure, "photo_edges.png"
+
+
 def main():
     if len(sys.argv) != 2:
         sys.exit("usage: plot.py OUT_DIR")
     out_dir = Path(sys.argv[1])
     for plot in (plot_co2, plot_tone_curve, plot_daylight, plot_pi, plot_option,
                  plot_distributions, plot_queue_and_trial, plot_sunspots, plot_ecg, plot_year,
-                 plot_photo, plot_plane):
+                 plot_photo, plot_plane, plot_beats, plot_edges):
         try:
             figure, name = plot(out_dir)
             figure.savefig(out_dir / name)

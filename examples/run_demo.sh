@@ -46,6 +46,12 @@ OMP_NUM_THREADS=2 QKR_SERIAL=NO "$programs/photo_transform" "$here/data/photo.pg
 printf '\nThree functions over the complex plane (examples/complex_plane.cpp)\n\n'
 "$programs/complex_plane" "$out"
 
+printf '\nA heart beat found again (examples/ecg_beats.cpp)\n\n'
+"$programs/ecg_beats" "$here/data/ecg_360hz.csv" "$out"
+
+printf '\nA photograph sharpened, and its edges (examples/photo_edges.cpp)\n\n'
+"$programs/photo_edges" "$here/data/photo.pgm" "$out"
+
 printf '\nPictures\n\n'
 if [[ -x $python ]]; then
   "$python" "$here/plot.py" "$out"

@@ -53,6 +53,10 @@ Words whole_result(const Operation &operation);
 // Elements from the lowest that an operand touches to the highest.
 int64_t extent(const Words &shape, const Words &stride);
 
+// Convolutions of one to seven dimensions, whose other fields are left to the test: lengths 1, 2, 3, odd,
+// powers of two and next to them, longer than a group of vectors at every level.
+extern const std::vector<Operation> shapes;
+
 inline const int32_t *words_or_null(const Words &words) { return words.empty() ? nullptr : words.data(); }
 
 // The strides that the direct method takes for given: see convcorr.h.

@@ -57,6 +57,47 @@ class Demo(unittest.TestCase):
         spectrum = pixels(out / "photo_spectrum.pgm")
         self.assertEqual(max(spectrum), spectrum[256 * 512 + 256])
 
+    def test_edges(self):
+        """The pictures again, from their definitions, at some pixels; and the two ways agree."""
+        photo = pixels(examples / "data/photo.pgm")
+        weights = [math.exp(-i * i / 8) for i in range(-6, 7)]
+        weights = [w / sum(weights) for w in weights]
+        sharpened, edges = pixels(out / "photo_sharpened.pgm"), pixels(out / "photo_edges.pgm")
+        for y, x in itertools.product(range(7, 505, 53), range(7, 505, 47)):
+            def at(j, i):
+                return photo[(y + j) * 512 + x + i]
+            blurred = sum(weights[j + 6] * weights[i + 6] * at(j, i) for j in range(-6, 7) for i in range(-6, 7))
+            expected = min(max(at(0, 0) + 1.5 * (at(0, 0) - blurred), 0), 255)
+            self.assertAlmostEqual(sharpened[y * 512 + x], expected, delta=0.51)
+            across = sum((2 - abs(j)) * (at(j, 1) - at(j, -1)) for j in (-1, 0, 1))
+            down = sum((2 - abs(i)) * (at(1, i) - at(-1, i)) for i in (-1, 0, 1))
+            self.assertAlmostEqual(edges[y * 512 + x], min(math.hypot(across, down) / 2, 255), delta=0.51)
+        differences = re.findall(r"they differ by at most (\S+) grey levels", self.report)
+        self.assertEqual(len(differences), 3)
+        self.assertLess(max(map(float, differences)), 1e-3)
+
+    def test_beats(self):
+        """About 110 a minute; each is a local maximum of the likeness, which is a correlation coefficient."""
+        table = rows(out / "ecg_beats.csv")
+        signal, likeness = ([float(row[name]) for row in table] for name in ("millivolt", "likeness"))
+        beats = [i for i, row in enumerate(table) if row["beat"] == "1"]
+        self.assertTrue(105 <= len(beats) <= 115, len(beats))
+        self.assertIn(f"{len(beats)} beats in 60 s, {len(beats)} a minute", self.report)
+        place = round(float(re.search(r"template at (\S+) s", self.report)[1]) * 360)
+        self.assertAlmostEqual(likeness[place], 1, places=9)
+        self.assertGreater(min(b - a for a, b in itertools.pairwise(beats)), 108)
+
+        def centred(i):
+            part = signal[i - 25:i + 26]
+            mean = sum(part) / 51
+            return [v - mean for v in part]
+        model = centred(place)
+        for i in beats:
+            self.assertEqual(likeness[i], max(likeness[max(i - 10, 0):i + 11]))
+            part = centred(i)
+            exact = sum(map(math.prod, zip(model, part))) / math.hypot(*model) / math.hypot(*part)
+            self.assertAlmostEqual(likeness[i], exact, places=7)
+
     def test_growth(self):
         """The same line through the same logarithms, by Python's own."""
         points = []
@@ -339,7 +380,8 @@ class Demo(unittest.TestCase):
             return
         for name in ("co2_growth.png", "tone_curve.png", "daylight.png", "pi_error.png",
                      "option_error.png", "distributions.png", "queue_and_trial.png", "sunspot_spectrum.png",
-                     "ecg_filter.png", "co2_year.png", "complex_plane.png"):
+                     "ecg_filter.png", "co2_year.png", "complex_plane.png",
+                     "ecg_beats.png", "photo_edges.png"):
             self.assertIn(str(out / name), self.report)
             picture = (out / name).read_bytes()
             self.assertEqual(picture[:8], b"\x89PNG\r\n\x1a\n")
@@ -376,6 +418,10 @@ class Demo(unittest.TestCase):
                 ("sunspot_spectrum", [examples / "data/sunspots_yearly.csv", out / "nowhere"], "cannot write"),
                 ("ecg_filter", [co2, out], "line 2"),
                 ("ecg_filter", [examples / "data/ecg_360hz.csv", out / "nowhere"], "cannot write"),
+                ("ecg_beats", [co2, out], "line 2"),
+                ("ecg_beats", [examples / "data/ecg_360hz.csv", out / "nowhere"], "cannot write"),
+                ("photo_edges", [short, out], "ends before its last pixel"),
+                ("photo_edges", [photo, out / "nowhere"], "cannot write"),
                 ("co2_year", [bad_row, out], "too little data"),
                 ("co2_year", [co2, out / "nowhere"], "cannot write"),
                 ("error_policy", [out / "nowhere"], "cannot write"),
