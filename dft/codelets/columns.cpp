@@ -128,8 +128,8 @@ struct Columns {
                                      ResultRows<T, bytes>{to, to_pitch, scale != 1, scale});
   }
 
-  // Up to a line of columns by way of a copy: the last few, and, where the rows are so far apart that they
-  // fall into few sets of the cache, all of them, so that each line is fetched once.
+  // Up to a line of columns by way of a copy: the last few, and, where so many rows fall into one set of the
+  // cache that narrow registers would fetch each line again and again, all of them.
   template <int order, bool forward>
   QKR_NOINLINE void tile(int64_t i, int64_t width) const {
     alignas(64) T copy[line_bytes / sizeof(T) << order] = {};
@@ -150,8 +150,10 @@ struct Columns {
 
   template <int order, bool forward>
   QKR_NOINLINE void run(int64_t count) const {
-    constexpr ptrdiff_t set_distance = 1024;
-    const bool collides = bytes < line_bytes && source_pitch * (ptrdiff_t)sizeof(T) % set_distance == 0;
+    constexpr ptrdiff_t set_distance = 4096;
+    constexpr int rows = 1 << order, rows_too_many = bytes == 16 ? 64 : 256;  // measured
+    const bool collides = bytes < line_bytes && rows >= rows_too_many &&
+                          source_pitch * (ptrdiff_t)sizeof(T) % set_distance == 0;
     int64_t i = 0;
     if (collides)
       for (; i + in_line <= count; i += in_line) tile<order, forward>(i, in_line);
