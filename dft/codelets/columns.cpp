@@ -135,12 +135,12 @@ struct Columns {
     alignas(64) T copy[line_bytes / sizeof(T) << order] = {};
     constexpr ptrdiff_t pitch = line_bytes / sizeof(T);
     constexpr size_t rows = size_t{1} << order;
-    // A whole line by moves of a size that the compiler knows.
+    // By moves of a size that the compiler knows: a whole line, or number by number.
     const auto copy_rows = [=](T *to, ptrdiff_t to_pitch, const T *from, ptrdiff_t from_pitch) QKR_LAMBDA {
-      const size_t size = 2 * width * sizeof(T);
       for (size_t row = 0; row < rows; ++row, to += to_pitch, from += from_pitch)
         if (width == in_line) memcpy(to, from, line_bytes);
-        else memcpy(to, from, size);
+        else
+          for (int64_t k = 0; k < width; ++k) memcpy(to + 2 * k, from + 2 * k, 2 * sizeof(T));
     };
     copy_rows(copy, pitch, source + 2 * i, source_pitch);
     for (int64_t k = 0; k < width; k += together)
