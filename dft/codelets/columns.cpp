@@ -46,6 +46,40 @@ struct ResultRows {
     store_vector(base + row * pitch, scaled ? x.v * scale : x.v);
   }
 };
+#ifdef __AVX512F__
+// The same of fewer numbers than fill a register: the others are neither read nor written.
+QKR_INLINE Vector<double, 64> load_part(const double *p, unsigned lanes) {
+  return (Vector<double, 64>)_mm512_maskz_loadu_pd((__mmask8)lanes, p);
+}
+QKR_INLINE Vector<float, 64> load_part(const float *p, unsigned lanes) {
+  return (Vector<float, 64>)_mm512_maskz_loadu_ps((__mmask16)lanes, p);
+}
+QKR_INLINE void store_part(double *p, unsigned lanes, Vector<double, 64> v) {
+  _mm512_mask_storeu_pd(p, (__mmask8)lanes, (__m512d)v);
+}
+QKR_INLINE void store_part(float *p, unsigned lanes, Vector<float, 64> v) {
+  _mm512_mask_storeu_ps(p, (__mmask16)lanes, (__m512)v);
+}
+template <class T>
+struct PartSourceRows {
+  const T *base;
+  ptrdiff_t pitch;
+  unsigned lanes;
+  QKR_INLINE Paired<T, 64> get(size_t row) const { return {load_part(base + row * pitch, lanes)}; }
+};
+template <class T>
+struct PartResultRows {
+  T *base;
+  ptrdiff_t pitch;
+  bool scaled;
+  T scale;
+  unsigned lanes;
+  QKR_INLINE void put(size_t row, Paired<T, 64> x) const {
+    store_part(base + row * pitch, lanes, scaled ? x.v * scale : x.v);
+  }
+};
+#endif
+
 // Between passes the rows stand one behind the other.
 template <class T, int bytes>
 struct WorkRows {
@@ -148,6 +182,19 @@ struct Columns {
     copy_rows(target + 2 * i, target_pitch, copy, pitch);
   }
 
+  // Less than a vector of columns.
+  template <int order, bool forward>
+  QKR_NOINLINE void rest(int64_t i, int64_t width) const {
+#ifdef __AVX512F__
+    const unsigned lanes = (1u << 2 * width) - 1;
+    column_transform<order, forward>(
+        PartSourceRows<T>{source + 2 * i, source_pitch, lanes},
+        PartResultRows<T>{target + 2 * i, target_pitch, scale != 1, scale, lanes});
+#else
+    tile<order, forward>(i, width);
+#endif
+  }
+
   template <int order, bool forward>
   QKR_NOINLINE void run(int64_t count) const {
     constexpr ptrdiff_t set_distance = 4096;
@@ -159,7 +206,7 @@ struct Columns {
       for (; i + in_line <= count; i += in_line) tile<order, forward>(i, in_line);
     for (; i + together <= count; i += together)
       vector<order, forward>(source + 2 * i, source_pitch, target + 2 * i, target_pitch);
-    if (i < count) tile<order, forward>(i, count - i);
+    if (i < count) rest<order, forward>(i, count - i);
   }
 };
 
