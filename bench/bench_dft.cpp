@@ -40,7 +40,7 @@ struct Shape {
     std::vector<int32_t> all(lengths.rbegin(), lengths.rend());
     if (lengths.size() == 1) all.insert(interleaved ? all.end() : all.begin(), count);
     std::string label = "lengths ";
-    for (const int32_t n : all) label += (&n == &all[0] ? "" : "x") + std::to_string(n);
+    for (const int32_t &n : all) label += (&n == &all[0] ? "" : "x") + std::to_string(n);
     return label;
   }
   std::string name() const {
@@ -114,7 +114,7 @@ Transform ours(const Shape &shape, int threads) {
   set(DFTX_NUMBER_OF_TRANSFORMS, shape.count);
   std::vector<int32_t> input, output;
   int32_t in = shape.interleaved ? shape.count : 1, out = in;
-  for (const int32_t n : shape.lengths) {
+  for (const int32_t &n : shape.lengths) {
     input.push_back(in), output.push_back(out);
     in *= n, out *= &n == &shape.lengths[0] && shape.real ? half(shape) : n;
   }
