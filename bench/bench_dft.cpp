@@ -35,6 +35,14 @@ struct Shape {
     for (const int32_t n : lengths) points *= n;
     return points;
   }
+  // For bench/dft/peers.py: as an array in C has them, with the batch.
+  std::string label() const {
+    std::vector<int32_t> all(lengths.rbegin(), lengths.rend());
+    if (lengths.size() == 1) all.insert(interleaved ? all.end() : all.begin(), count);
+    std::string label = "lengths ";
+    for (const int32_t &n : all) label += (&n == &all[0] ? "" : "x") + std::to_string(n);
+    return label;
+  }
   std::string name() const {
     std::string name = real ? "Real" : "Complex";
     if (lengths.size() > 1) return name + std::to_string(lengths.size()) + 'D';
@@ -106,7 +114,7 @@ Transform ours(const Shape &shape, int threads) {
   set(DFTX_NUMBER_OF_TRANSFORMS, shape.count);
   std::vector<int32_t> input, output;
   int32_t in = shape.interleaved ? shape.count : 1, out = in;
-  for (const int32_t n : shape.lengths) {
+  for (const int32_t &n : shape.lengths) {
     input.push_back(in), output.push_back(out);
     in *= n, out *= &n == &shape.lengths[0] && shape.real ? half(shape) : n;
   }
@@ -161,6 +169,7 @@ auto run_kept(const Shape &shape, int threads, Make make) {
     }
     state.counters["elements"] = (double)shape.points();
     state.counters["wall"] = 1;
+    state.SetLabel(shape.label());
   };
 }
 
@@ -183,13 +192,13 @@ template <class T>
 void add_shape(const Shape &shape, int threads, const std::regex &filter) {
   const std::string name = (sizeof(T) == 8 ? "d" : "s") + shape.name() + (threads > 1 ? "Team" : "");
   const std::string size = '/' + std::to_string(shape.points()) + '/';
-  const auto run = run_kept<T>(shape, threads, ours<T>);
   for (int l = 0; l <= (int)supported_level(); ++l)
-    add(name + '/' + level_names[l] + size + "qkr", shape.points(), filter, [=](benchmark::State &state) {
-      force_level((Level)l);
-      run(state);
-      if (std::isfinite(aim(shape, (Level)l))) state.counters["aim"] = aim(shape, (Level)l);
-    });
+    add(name + '/' + level_names[l] + size + "qkr", shape.points(), filter,
+        [=, run = run_kept<T>(shape, threads, ours<T>)](benchmark::State &state) {
+          force_level((Level)l);  // before commit, which takes the code of the level
+          run(state);
+          if (std::isfinite(aim(shape, (Level)l))) state.counters["aim"] = aim(shape, (Level)l);
+        });
   add(name + "/any" + size + "fftw_measure", shape.points(), filter,
       [run = run_kept<T>(shape, threads, fftw<T>)](benchmark::State &state) {
         run(state);

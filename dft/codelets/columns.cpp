@@ -46,6 +46,40 @@ struct ResultRows {
     store_vector(base + row * pitch, scaled ? x.v * scale : x.v);
   }
 };
+#ifdef __AVX512F__
+// The same of fewer numbers than fill a register: the others are neither read nor written.
+QKR_INLINE Vector<double, 64> load_part(const double *p, unsigned lanes) {
+  return (Vector<double, 64>)_mm512_maskz_loadu_pd((__mmask8)lanes, p);
+}
+QKR_INLINE Vector<float, 64> load_part(const float *p, unsigned lanes) {
+  return (Vector<float, 64>)_mm512_maskz_loadu_ps((__mmask16)lanes, p);
+}
+QKR_INLINE void store_part(double *p, unsigned lanes, Vector<double, 64> v) {
+  _mm512_mask_storeu_pd(p, (__mmask8)lanes, (__m512d)v);
+}
+QKR_INLINE void store_part(float *p, unsigned lanes, Vector<float, 64> v) {
+  _mm512_mask_storeu_ps(p, (__mmask16)lanes, (__m512)v);
+}
+template <class T>
+struct PartSourceRows {
+  const T *base;
+  ptrdiff_t pitch;
+  unsigned lanes;
+  QKR_INLINE Paired<T, 64> get(size_t row) const { return {load_part(base + row * pitch, lanes)}; }
+};
+template <class T>
+struct PartResultRows {
+  T *base;
+  ptrdiff_t pitch;
+  bool scaled;
+  T scale;
+  unsigned lanes;
+  QKR_INLINE void put(size_t row, Paired<T, 64> x) const {
+    store_part(base + row * pitch, lanes, scaled ? x.v * scale : x.v);
+  }
+};
+#endif
+
 // Between passes the rows stand one behind the other.
 template <class T, int bytes>
 struct WorkRows {
@@ -128,19 +162,19 @@ struct Columns {
                                      ResultRows<T, bytes>{to, to_pitch, scale != 1, scale});
   }
 
-  // Up to a line of columns by way of a copy: the last few, and, where the rows are so far apart that they
-  // fall into few sets of the cache, all of them, so that each line is fetched once.
+  // Up to a line of columns by way of a copy: the last few, and, where so many rows fall into one set of the
+  // cache that narrow registers would fetch each line again and again, all of them.
   template <int order, bool forward>
   QKR_NOINLINE void tile(int64_t i, int64_t width) const {
     alignas(64) T copy[line_bytes / sizeof(T) << order] = {};
     constexpr ptrdiff_t pitch = line_bytes / sizeof(T);
     constexpr size_t rows = size_t{1} << order;
-    // A whole line by moves of a size that the compiler knows.
+    // By moves of a size that the compiler knows: a whole line, or number by number.
     const auto copy_rows = [=](T *to, ptrdiff_t to_pitch, const T *from, ptrdiff_t from_pitch) QKR_LAMBDA {
-      const size_t size = 2 * width * sizeof(T);
       for (size_t row = 0; row < rows; ++row, to += to_pitch, from += from_pitch)
         if (width == in_line) memcpy(to, from, line_bytes);
-        else memcpy(to, from, size);
+        else
+          for (int64_t k = 0; k < width; ++k) memcpy(to + 2 * k, from + 2 * k, 2 * sizeof(T));
     };
     copy_rows(copy, pitch, source + 2 * i, source_pitch);
     for (int64_t k = 0; k < width; k += together)
@@ -148,16 +182,31 @@ struct Columns {
     copy_rows(target + 2 * i, target_pitch, copy, pitch);
   }
 
+  // Less than a vector of columns.
+  template <int order, bool forward>
+  QKR_NOINLINE void rest(int64_t i, int64_t width) const {
+#ifdef __AVX512F__
+    const unsigned lanes = (1u << 2 * width) - 1;
+    column_transform<order, forward>(
+        PartSourceRows<T>{source + 2 * i, source_pitch, lanes},
+        PartResultRows<T>{target + 2 * i, target_pitch, scale != 1, scale, lanes});
+#else
+    tile<order, forward>(i, width);
+#endif
+  }
+
   template <int order, bool forward>
   QKR_NOINLINE void run(int64_t count) const {
-    constexpr ptrdiff_t set_distance = 1024;
-    const bool collides = bytes < line_bytes && source_pitch * (ptrdiff_t)sizeof(T) % set_distance == 0;
+    constexpr ptrdiff_t set_distance = 4096;
+    constexpr int rows = 1 << order, rows_too_many = bytes == 16 ? 64 : 256;  // measured
+    const bool collides = bytes < line_bytes && rows >= rows_too_many &&
+                          source_pitch * (ptrdiff_t)sizeof(T) % set_distance == 0;
     int64_t i = 0;
     if (collides)
       for (; i + in_line <= count; i += in_line) tile<order, forward>(i, in_line);
     for (; i + together <= count; i += together)
       vector<order, forward>(source + 2 * i, source_pitch, target + 2 * i, target_pitch);
-    if (i < count) tile<order, forward>(i, count - i);
+    if (i < count) rest<order, forward>(i, count - i);
   }
 };
 

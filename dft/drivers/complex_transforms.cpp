@@ -39,8 +39,11 @@ struct Grid {
       return static_cast<int32_t>(DFTX_NO_ERROR);
     });
     if (code) return code;
+    // Without gaps between the rows all columns lie side by side.
+    const bool dense = step(1) == length(0) * step(0);
+    const int64_t run = dense ? length(0) * length(1) : length(0);
     return share(workers, length(0) * length(1), [&](int64_t first, int64_t last, uint8_t *work) {
-      return for_each_run(first, last, length(0), [&](int64_t row, int64_t start, int64_t stop) {
+      return for_each_run(first, last, run, [&](int64_t row, int64_t start, int64_t stop) {
         return lines(base + row * step(1), 2, 0, start, stop, work);
       });
     });

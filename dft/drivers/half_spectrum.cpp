@@ -27,6 +27,10 @@ struct Shape {
     for (int i = 0; i < head->dimension; ++i) steps.along[i] = ptrdiff_t{width} * head[i].*stride;
     return steps;
   }
+  // Columns along the last dimension that lie side by side: those of all rows where there is no gap between.
+  int64_t run_of_columns(const Steps &steps) const {
+    return steps.along[1] == half() * steps.along[0] ? half() * length(1) : half();
+  }
   // Of a dense half spectrum.
   Steps dense() const { return {{2, 2 * half(), 2 * half() * length(1)}}; }
 
@@ -66,7 +70,7 @@ struct Forward : Shape {
         batch(workers, length(2), [&](int64_t i2, const Workers &who) { return slice(i2, who); });
     if (code) return code;
     return share(workers, half() * length(1), [&](int64_t first, int64_t last, uint8_t *work) {
-      return for_each_run(first, last, half(), [&](int64_t i1, int64_t start, int64_t stop) {
+      return for_each_run(first, last, run_of_columns(out), [&](int64_t i1, int64_t start, int64_t stop) {
         return columns(output + i1 * out.along[1], 2, start, stop, work);
       });
     });
@@ -100,7 +104,7 @@ struct BackwardInPlace : Shape {
   int32_t transform(const Workers &workers) const {
     if (length(2) == 1) return slice(0, workers);
     const int32_t code = share(workers, half() * length(1), [&](int64_t first, int64_t last, uint8_t *work) {
-      return for_each_run(first, last, half(), [&](int64_t i1, int64_t start, int64_t stop) {
+      return for_each_run(first, last, run_of_columns(steps), [&](int64_t i1, int64_t start, int64_t stop) {
         return columns(data + i1 * steps.along[1], 2, start, stop, work);
       });
     });
