@@ -29,7 +29,7 @@ QKR_INLINE Quad<float> both_twice(const float *point) {
 template <class T>
 QKR_INLINE Quad<T> both_twice(const T *point) {
   if constexpr (sizeof(T) == 8) {
-    const auto w = load_vector<Vector<T, 16>>(point);
+    const auto w = load_vector<Vector<T, 16> >(point);
     return shuffle<0, 1, 0, 1>(w, w);
   } else {
     double w;
