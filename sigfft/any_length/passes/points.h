@@ -28,8 +28,6 @@ QKR_INLINE void with_odd_factor(int factor, Run run) {
   if (factor == 3) run(Factor<3>());
   else if (factor == 5) run(Factor<5>());
   else if (factor == 7) run(Factor<7>());
-  else if (factor == 11) run(Factor<11>());
-  else if (factor == 13) run(Factor<13>());
   else run(AnyFactor{factor});
 }
 template <class Run>
@@ -163,6 +161,8 @@ QKR_INLINE void sums_of_points(int points, int k, C x0, const ColumnPoints<C> &i
 template <bool forward, class C, class Result, class T>
 QKR_NOINLINE void transform_any(int points, C x0, const ColumnPoints<C> &in, Result *out,
                                 SmallCircle<T> circle) {
+  if (points == 11) return sums_of_many<forward, 11>(x0, in.sum, in.difference, out, circle);
+  if (points == 13) return sums_of_many<forward, 13>(x0, in.sum, in.difference, out, circle);
   const int half = (points - 1) / 2;
   int k = 1;
   for (; k + 3 <= half; k += 4) sums_of_points<forward, 4>(points, k, x0, in, out, circle);

@@ -35,8 +35,11 @@ QKR_INLINE void first_transforms(F factor, const AnyLengthPlan<T> *plan, Source 
 // The stages work in `area`, but for the last, which goes to the target.
 template <bool forward, class Source, class Target, class T>
 QKR_INLINE void transform(const AnyLengthPlan<T> *plan, Source source, Interleaved<T> area, Target target) {
-  with_factor(plan->last_factor(),
-              [&](auto factor) QKR_LAMBDA { first_transforms<forward>(factor, plan, source, area); });
+  const auto start = [&](auto factor) QKR_LAMBDA { first_transforms<forward>(factor, plan, source, area); };
+  // In a stage code of their own would not pay for 11 and 13 points.
+  if (plan->last_factor() == 11) start(Factor<11>());
+  else if (plan->last_factor() == 13) start(Factor<13>());
+  else with_factor(plan->last_factor(), start);
   const auto run = [](const Stage<T> &stage, Interleaved<T> part, size_t blocks) {
     with_factor(stage.factor,
                 [&](auto factor) QKR_LAMBDA { combine<forward>(factor, part, part, stage, blocks); });
