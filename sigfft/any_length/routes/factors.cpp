@@ -32,14 +32,22 @@ QKR_INLINE void first_transforms(F factor, const AnyLengthPlan<T> *plan, Source 
   }
 }
 
+// 11 and 13 points of interleaved numbers have code of their own here, where it pays most for its size.
+template <class Source, class Run>
+QKR_INLINE void with_first_factor(int factor, Run run) {
+  if constexpr (std::is_same_v<Source, Interleaved<const typename Source::Element>>) {
+    if (factor == 11) return run(Factor<11>());
+    if (factor == 13) return run(Factor<13>());
+  }
+  with_factor(factor, run);
+}
+
 // The stages work in `area`, but for the last, which goes to the target.
 template <bool forward, class Source, class Target, class T>
 QKR_INLINE void transform(const AnyLengthPlan<T> *plan, Source source, Interleaved<T> area, Target target) {
-  const auto start = [&](auto factor) QKR_LAMBDA { first_transforms<forward>(factor, plan, source, area); };
-  // In a stage code of their own would not pay for 11 and 13 points.
-  if (plan->last_factor() == 11) start(Factor<11>());
-  else if (plan->last_factor() == 13) start(Factor<13>());
-  else with_factor(plan->last_factor(), start);
+  with_first_factor<Source>(plan->last_factor(), [&](auto factor) QKR_LAMBDA {
+    first_transforms<forward>(factor, plan, source, area);
+  });
   const auto run = [](const Stage<T> &stage, Interleaved<T> part, size_t blocks) {
     with_factor(stage.factor,
                 [&](auto factor) QKR_LAMBDA { combine<forward>(factor, part, part, stage, blocks); });
