@@ -82,7 +82,7 @@ QKR_INLINE Turns<Vector<T, bytes>> turns(Paired<T, bytes> w) {
 #ifdef __AVX__
 // From memory a load makes the copies, and the ports of arithmetic are left alone: of doubles it copies the
 // even ones, so that the sines are read from one number on.
-#define QKR_LOAD_TURNS(T, bytes, cosines, sines)                   \
+#define QKR_LOAD_TURNS(T, bytes, cosines, sines)                            \
   QKR_INLINE Turns<Vector<T, bytes>> load_turns(const T *p, Width<bytes>) { \
     return {(Vector<T, bytes>)cosines, (Vector<T, bytes>)sines};            \
   }

@@ -73,6 +73,13 @@ QKR_INLINE void sums_of_known(C x0, const C *sum, const C *difference, Put put, 
   }
 }
 
+// The same apart from the loop, for so many sums that they would swell every stage.
+template <bool forward, int points, class C, class Result, class T>
+QKR_NOINLINE void sums_of_many(C x0, const C *sum, const C *difference, Result *out, SmallCircle<T> circle) {
+  sums_of_known<forward, points>(
+      x0, sum, difference, [=](int q, auto x) QKR_LAMBDA { out[q] = x; }, circle);
+}
+
 template <bool forward, int points, class C, class Put, class T>
 QKR_INLINE void transform_points(const C *x, Put put, SmallCircle<T> circle) {
   if constexpr (points == 2) {
@@ -99,7 +106,14 @@ QKR_INLINE void transform_points(const C *x, Put put, SmallCircle<T> circle) {
       sum = sum + a[j];
     }
     put(0, sum);
-    sums_of_known<forward, points>(x[0], a, b, put, circle);
+    if constexpr (points <= 7) {
+      sums_of_known<forward, points>(x[0], a, b, put, circle);
+    } else {
+      decltype(plus_turned<forward>(x[0], x[0])) out[points];
+      sums_of_many<forward, points>(x[0], a, b, out, circle);
+#pragma GCC unroll 16
+      for (int q = 1; q < points; ++q) put(q, out[q]);
+    }
   }
 }
 
@@ -147,12 +161,8 @@ QKR_INLINE void sums_of_points(int points, int k, C x0, const ColumnPoints<C> &i
 template <bool forward, class C, class Result, class T>
 QKR_NOINLINE void transform_any(int points, C x0, const ColumnPoints<C> &in, Result *out,
                                 SmallCircle<T> circle) {
-  const auto unrolled = [&](auto factor) QKR_LAMBDA {
-    sums_of_known<forward, decltype(factor)::value>(
-        x0, in.sum, in.difference, [=](int q, auto x) QKR_LAMBDA { out[q] = x; }, circle);
-  };
-  if (points == 11) return unrolled(Factor<11>());
-  if (points == 13) return unrolled(Factor<13>());
+  if (points == 11) return sums_of_many<forward, 11>(x0, in.sum, in.difference, out, circle);
+  if (points == 13) return sums_of_many<forward, 13>(x0, in.sum, in.difference, out, circle);
   const int half = (points - 1) / 2;
   int k = 1;
   for (; k + 3 <= half; k += 4) sums_of_points<forward, 4>(points, k, x0, in, out, circle);

@@ -34,6 +34,36 @@ QKR_NOINLINE void combine(Factor<points> factor, In in, Out out, const Stage<T> 
   });
 }
 
+// A stage of each half and then the stage of factor 2: the numbers pass through memory once instead of twice.
+template <bool forward, int points, class In, class Out, class T>
+QKR_NOINLINE void combine_halves(Factor<points> factor, In in, Out out, const Stage<T> &stage,
+                                 const Stage<T> &last) {
+  const size_t rest = (size_t)stage.rest;
+  const T *const table = stage.twiddles, *const last_table = last.twiddles;
+  each_column<T>(0, rest, [=](auto width, size_t k) QKR_LAMBDA {
+    constexpr int bytes = decltype(width)::value;
+    const ColumnTwiddles<T> twiddles(table, points, k);
+    Columns<T, bytes> y[2][points];
+#pragma GCC unroll 2
+    for (int half = 0; half < 2; ++half) {
+      const auto get = [&](int m) QKR_LAMBDA {
+        const auto x = columns<bytes>(in, (half * points + m) * rest + k);
+        return m ? times<forward>(x, twiddles.template turns_of<bytes>(m)) : x;
+      };
+      transform_points<forward>(
+          factor, get, [&](int q, auto x) QKR_LAMBDA { y[half][q] = x; }, SmallCircle<T>{});
+    }
+#pragma GCC unroll 16
+    for (int q = 0; q < points; ++q) {
+      const size_t place = k + q * rest;
+      const ColumnTwiddles<T> twiddle(last_table, 2, place);
+      const auto odd = times<forward>(y[1][q], twiddle.template turns_of<bytes>(1));
+      set_columns<bytes>(out, place, y[0][q] + odd);
+      set_columns<bytes>(out, place + points * rest, y[0][q] - odd);
+    }
+  });
+}
+
 template <bool forward, class In, class Out, class T>
 QKR_NOINLINE void combine(AnyFactor factor, In in, Out out, const Stage<T> &stage, size_t blocks) {
   const size_t rest = (size_t)stage.rest, points = (size_t)factor.value;
@@ -54,25 +84,26 @@ QKR_NOINLINE void combine(AnyFactor factor, In in, Out out, const Stage<T> &stag
     });
 }
 
-// Stages from the last down to `level`, so that what is worked on together stays in the cache; but for
-// `level` itself, which the caller runs. combine(stage, area, blocks) runs one.
+// Stages from the last down to `level`, so that what is worked on together stays in the cache; but for the
+// `kept` stages from `level` on, which the caller runs. combine(stage, area, blocks) runs one.
 template <class T, class Area, class Combine>
-QKR_INLINE void stages_above(const AnyLengthPlan<T> *plan, int level, Area area, Combine combine);
+QKR_INLINE void stages_above(const AnyLengthPlan<T> *plan, int level, Area area, Combine combine,
+                             int kept = 1);
 
 template <class T, class Area, class Combine>
-void subtransform(const AnyLengthPlan<T> *plan, int level, Area area, Combine combine) {
+void subtransform(const AnyLengthPlan<T> *plan, int level, Area area, Combine combine, bool whole) {
   stages_above(plan, level, area, combine);
-  combine(plan->stage[level], area, 1);
+  if (whole) combine(plan->stage[level], area, 1);
 }
 template <class T, class Area, class Combine>
-QKR_INLINE void stages_above(const AnyLengthPlan<T> *plan, int level, Area area, Combine combine) {
+QKR_INLINE void stages_above(const AnyLengthPlan<T> *plan, int level, Area area, Combine combine, int kept) {
   const Stage<T> &stage = plan->stage[level];
   const int last = plan->stages - 1;
   if (level < last && (int64_t)stage.factor * stage.rest >= long_stage) {
     for (int i = 0; i < stage.factor; ++i)
-      subtransform(plan, level + 1, area + (size_t)i * stage.rest, combine);
+      subtransform(plan, level + 1, area + (size_t)i * stage.rest, combine, kept == 1);
   } else {
-    for (int i = last; i > level; --i) combine(plan->stage[i], area, (size_t)plan->stage[i].count);
+    for (int i = last; i >= level + kept; --i) combine(plan->stage[i], area, (size_t)plan->stage[i].count);
   }
 }
 

@@ -69,17 +69,16 @@ T *make_twiddles(const Stage<T> &stage, int32_t first_column, int32_t columns, c
                  size_t length) {
   constexpr int32_t together = 64 / (2 * sizeof(T));
   const int32_t filled = (columns + together - 1) / together * together;
-  const size_t numbers = (size_t)(stage.factor - 1) * filled, step = length / ((size_t)stage.factor * stage.rest);
-  T *const table = allocate_numbers<T>(numbers + 1);
+  T *const table = allocate_numbers<T>((size_t)(stage.factor - 1) * filled + 1);
   if (!table) return nullptr;
+  const size_t step = length / ((size_t)stage.factor * stage.rest);
   T *t = table;
-  for (int32_t start = 0; start < columns; start += together) {
+  for (int32_t start = 0; start < columns; start += together)
     for (size_t m = 1; m < (size_t)stage.factor; ++m)
       for (int32_t j = start; j < start + together; ++j, t += 2) {
         const T *const point = circle + (j < columns ? 2 * (m * (j + first_column) * step) : 0);
         t[0] = point[0], t[1] = point[1];
       }
-  }
   t[0] = t[1] = 0;
   return table;
 }

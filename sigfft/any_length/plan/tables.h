@@ -19,7 +19,8 @@ uint32_t *make_places(const AnyLengthPlan<T> &plan);
 
 // exp(-2 pi i m j / (factor rest)) for column j of a stage and m from 1 to factor - 1, for columns 0 to rest
 // - 1 of a complex stage, and 1 to (rest - 1) / 2 of a real one. Columns that fill 64 bytes form a group: of
-// all of them first those of m = 1, then of m = 2, and so on. The last group may be smaller.
+// all of them first those of m = 1, then of m = 2, and so on. The last group is filled up, and a number more
+// may be read.
 template <class T>
 T *make_twiddles(const Stage<T> &stage, int32_t first_column, int32_t columns, const T *circle,
                  size_t length);

@@ -17,10 +17,19 @@ QKR_INLINE Quad<T> quad(Columns<T, 2 * sizeof(T)> sum, Columns<T, 2 * sizeof(T)>
   constexpr int other = sizeof sum.v / sizeof(T);
   return shuffle<0, other, 1, other + 1>(sum.v, difference.v);
 }
+// A point [cos -sin], twice, as one load gives it.
+#ifdef __AVX__
+QKR_INLINE Quad<double> both_twice(const double *point) {
+  return (Quad<double>)_mm256_broadcast_pd((const __m128d *)point);
+}
+QKR_INLINE Quad<float> both_twice(const float *point) {
+  return (Quad<float>)_mm_loaddup_pd((const double *)point);
+}
+#else
 template <class T>
 QKR_INLINE Quad<T> both_twice(const T *point) {
   if constexpr (sizeof(T) == 8) {
-    const auto w = load_vector<Vector<T, 16>>(point);
+    const auto w = load_vector<Vector<T, 16> >(point);
     return shuffle<0, 1, 0, 1>(w, w);
   } else {
     double w;
@@ -28,13 +37,16 @@ QKR_INLINE Quad<T> both_twice(const T *point) {
     return (Quad<T>)Vector<double, 16>{w, w};
   }
 }
+#endif
 
-// The sums k to k + together - 1, to put(k, sum). They share the numbers that they read.
-template <int together, class T, class Put>
-QKR_INLINE void sums(const Quad<T> *pairs, Quad<T> start, int half, int k, SmallCircle<T> circle, Put put) {
+// The sums k to k + together - 1. They share the numbers that they read.
+template <int together, class T>
+QKR_INLINE void sums(const Quad<T> *pairs, Quad<T> start, int half, int k, SmallCircle<T> circle,
+                     Quad<T> *result) {
   Quad<T> sum[together];
   size_t place[together];
-  const auto from = (const char *)(circle.places + k);
+  auto from = (const char *)(circle.places + k);
+  asm("" : "+r"(from));  // one register for all of them
 #pragma GCC unroll 8
   for (int i = 0; i < together; ++i) sum[i] = start, place[i] = 0;
   for (int j = 0; j < half; ++j)
@@ -47,15 +59,34 @@ QKR_INLINE void sums(const Quad<T> *pairs, Quad<T> start, int half, int k, Small
       sum[i] += pairs[j] * both_twice(circle.points + next);
     }
 #pragma GCC unroll 8
-  for (int i = 0; i < together; ++i) put(k + i, sum[i]);
+  for (int i = 0; i < together; ++i) result[k + i] = sum[i];
 }
-template <class T, class Put>
-QKR_INLINE void all_sums(const Quad<T> *pairs, Quad<T> start, int half, SmallCircle<T> circle, Put put) {
+// All sums of a number of points that the compiler knows.
+template <int points, class T>
+QKR_INLINE void known_sums(const Quad<T> *pairs, Quad<T> start, SmallCircle<T> circle, Quad<T> *result) {
+  constexpr int half = (points - 1) / 2;
+  Quad<T> sum[half];
+#pragma GCC unroll 8
+  for (int i = 0; i < half; ++i) sum[i] = start;
+#pragma GCC unroll 8
+  for (int j = 1; j <= half; ++j)
+#pragma GCC unroll 8
+    for (int k = 1; k <= half; ++k)
+      sum[k - 1] += pairs[j - 1] * both_twice(circle.points + 2 * (j * k % points));
+#pragma GCC unroll 8
+  for (int i = 0; i < half; ++i) result[i + 1] = sum[i];
+}
+template <class T>
+QKR_NOINLINE void all_sums(const Quad<T> *pairs, Quad<T> start, int points, SmallCircle<T> circle,
+                           Quad<T> *result) {
+  if (points == 11) return known_sums<11>(pairs, start, circle, result);
+  if (points == 13) return known_sums<13>(pairs, start, circle, result);
   constexpr int together = QKR_BASELINE ? 4 : 8;
+  const int half = (points - 1) / 2;
   int k = 1;
-  for (; k + together - 1 <= half; k += together) sums<together>(pairs, start, half, k, circle, put);
-  for (; k + 1 <= half; k += 2) sums<2>(pairs, start, half, k, circle, put);
-  if (k <= half) sums<1>(pairs, start, half, k, circle, put);
+  for (; k + together - 1 <= half; k += together) sums<together>(pairs, start, half, k, circle, result);
+  for (; k + 1 <= half; k += 2) sums<2>(pairs, start, half, k, circle, result);
+  if (k <= half) sums<1>(pairs, start, half, k, circle, result);
 }
 
 template <bool forward, class Source, class Target, class T>
@@ -68,7 +99,7 @@ QKR_INLINE void direct(Source source, Target target, int points, const T *table)
   if (points == 5) return transform_points<forward>(Factor<5>(), get, put, circle);
   if (points == 7) return transform_points<forward>(Factor<7>(), get, put, circle);
   const int half = (points - 1) / 2;
-  Quad<T> pairs[(most_points - 1) / 2];
+  Quad<T> pairs[(most_points - 1) / 2], both[(most_points + 1) / 2];
   const C x0 = get(0);
   C sum = x0;
   for (int j = 0; j < half; ++j) {
@@ -78,22 +109,23 @@ QKR_INLINE void direct(Source source, Target target, int points, const T *table)
   }
   put(0, sum);
   const C nothing = {typename C::V{T(-0.0), T(-0.0)}};
-  all_sums(pairs, quad<T>(x0, nothing), half, circle, [&](int k, Quad<T> y) QKR_LAMBDA {
+  all_sums(pairs, quad<T>(x0, nothing), points, circle, both);
+  for (int k = 1; k <= half; ++k) {
     using Lanes = typename C::V;
     const auto part = [&](auto first) QKR_LAMBDA {
-      if constexpr (sizeof(T) == 8) return C{(Lanes)shuffle<first(), first() + 2>(y, y)};
-      else return C{(Lanes)shuffle<first(), first() + 2, first(), first() + 2>(y, y)};
+      if constexpr (sizeof(T) == 8) return C{(Lanes)shuffle<first(), first() + 2>(both[k], both[k])};
+      else return C{(Lanes)shuffle<first(), first() + 2, first(), first() + 2>(both[k], both[k])};
     };
     put_pair<forward>(points, k, part(std::integral_constant<int, 0>()),
                       part(std::integral_constant<int, 1>()), put);
-  });
+  }
 }
 
 // The inverse has twice the real and the imaginary part where the forward transform has sum and difference.
 template <bool forward, class T>
 QKR_INLINE void real_direct(const T *src, T *dst, int points, const T *table) {
   const int half = (points - 1) / 2;
-  Quad<T> pairs[(most_points - 1) / 2];
+  Quad<T> pairs[(most_points - 1) / 2], both[(most_points + 1) / 2];
   const T x0 = src[0];
   Quad<T> sum = {x0};
   for (int j = 0; j < half; ++j) {
@@ -103,11 +135,11 @@ QKR_INLINE void real_direct(const T *src, T *dst, int points, const T *table) {
     sum += pairs[j];
   }
   dst[0] = sum[0];
-  all_sums(pairs, Quad<T>{x0, T(-0.0)}, half, sigfft::small_circle(table, points),
-           [&](int k, Quad<T> y) QKR_LAMBDA {
-             if constexpr (forward) dst[2 * k - 1] = y[0], dst[2 * k] = y[1];
-             else dst[k] = y[0] + y[1], dst[points - k] = y[0] - y[1];
-           });
+  all_sums(pairs, Quad<T>{x0, T(-0.0)}, points, sigfft::small_circle(table, points), both);
+  for (int k = 1; k <= half; ++k) {
+    if constexpr (forward) dst[2 * k - 1] = both[k][0], dst[2 * k] = both[k][1];
+    else dst[k] = both[k][0] + both[k][1], dst[points - k] = both[k][0] - both[k][1];
+  }
 }
 
 }  // namespace

@@ -1,4 +1,6 @@
 // The factors route of complex numbers.
+#include <type_traits>
+
 #include "sigfft/any_length/passes/first_stage.h"
 #include "sigfft/any_length/routes/kernels.h"
 #include "simd/entry.h"
@@ -30,17 +32,39 @@ QKR_INLINE void first_transforms(F factor, const AnyLengthPlan<T> *plan, Source 
   }
 }
 
+// 11 and 13 points of interleaved numbers have code of their own here, where it pays most for its size.
+template <class Source, class Run>
+QKR_INLINE void with_first_factor(int factor, Run run) {
+  if constexpr (std::is_same_v<Source, Interleaved<const typename Source::Element>>) {
+    if (factor == 11) return run(Factor<11>());
+    if (factor == 13) return run(Factor<13>());
+  }
+  with_factor(factor, run);
+}
+
 // The stages work in `area`, but for the last, which goes to the target.
 template <bool forward, class Source, class Target, class T>
 QKR_INLINE void transform(const AnyLengthPlan<T> *plan, Source source, Interleaved<T> area, Target target) {
-  with_factor(plan->last_factor(),
-              [&](auto factor) QKR_LAMBDA { first_transforms<forward>(factor, plan, source, area); });
-  stages_above(plan, 0, area, [](const Stage<T> &stage, Interleaved<T> part, size_t blocks) {
+  with_first_factor<Source>(plan->last_factor(), [&](auto factor) QKR_LAMBDA {
+    first_transforms<forward>(factor, plan, source, area);
+  });
+  const auto run = [](const Stage<T> &stage, Interleaved<T> part, size_t blocks) {
     with_factor(stage.factor,
                 [&](auto factor) QKR_LAMBDA { combine<forward>(factor, part, part, stage, blocks); });
-  });
-  with_factor(plan->stage[0].factor,
-              [&](auto factor) QKR_LAMBDA { combine<forward>(factor, area, target, plan->stage[0], 1); });
+  };
+  const Stage<T> &last = plan->stage[0], &before = plan->stage[1];
+  if constexpr (std::is_same_v<Target, Interleaved<T>>)
+    if (last.factor == 2 && plan->stages > 1 && before.factor <= 5) {
+      stages_above(plan, 0, area, run, 2);
+      const auto run_both = [&](auto factor)
+                                QKR_LAMBDA { combine_halves<forward>(factor, area, target, before, last); };
+      if (before.factor == 3) run_both(Factor<3>());
+      else if (before.factor == 4) run_both(Factor<4>());
+      else run_both(Factor<5>());
+      return;
+    }
+  stages_above(plan, 0, area, run);
+  with_factor(last.factor, [&](auto factor) QKR_LAMBDA { combine<forward>(factor, area, target, last, 1); });
 }
 
 }  // namespace
