@@ -18,8 +18,8 @@ Square exact_square(long double x) {
 // ln |z| of finite parts.
 long double logarithm_of_modulus(double x, double y) {
   constexpr long double near_circle = 0.03L;
-  const long double a = __builtin_fmax(__builtin_fabs(x), __builtin_fabs(y)),
-                    b = __builtin_fmin(__builtin_fabs(x), __builtin_fabs(y)), s = a * a + b * b;
+  const double p = __builtin_fabs(x), q = __builtin_fabs(y);
+  const long double a = p < q ? q : p, b = p < q ? p : q, s = a * a + b * b;
   if (_vxmfabsl_scalar(s - 1) > near_circle) return 0.5L * _vxmlogl_scalar(s);
   const Square A = exact_square(a), B = exact_square(b);
   const long double h = A.head + B.head, v = h - A.head, e = (A.head - (h - v)) + (B.head - v);

@@ -15,7 +15,7 @@ struct Logarithm {
 
 // Where the squares of z's parts would leave the range of doubles, of z over a power of two.
 DoubleDouble logarithm_of_modulus(double x, double y) {
-  const double larger = __builtin_fmax(__builtin_fabs(x), __builtin_fabs(y));
+  const double larger = sse2::by_magnitude(x, y).larger;
   if (larger > 0x1p-400 && larger < 0x1p400) return sse2::logarithm_of_modulus(x, y);
   const int k = sse2::normalized(larger).exponent;
   const long double scale = sse2::power_of_two(-k);
