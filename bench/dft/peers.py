@@ -3,25 +3,14 @@
 
 Its times include what Python takes to call a function, about two microseconds, and a new array for the result.
 """
-import json
-import math
-import pathlib
 import re
-import sys
-import timeit
 
 import numpy
 import scipy.fft
 
+from python_peers import add, fastest, run_to_edit
+
 NAME = re.compile(r"([ds])(Complex|Real)(?:(\d)D|(Batch|Columns)(\d+))(Team)?")
-REPETITIONS = 7
-SECONDS = 0.002  # that a repetition takes at least
-
-
-def fastest(call):
-    once = timeit.timeit(call, number=1)
-    number = max(1, math.ceil(SECONDS / once))
-    return min(timeit.repeat(call, number=number, repeat=REPETITIONS if once < 0.1 else 2)) / number
 
 
 def call_of(match, lengths):
@@ -37,21 +26,17 @@ def call_of(match, lengths):
 
 
 def main():
-    path = pathlib.Path(sys.argv[1])
-    run = json.loads(path.read_text())
-    cases = {}
-    for b in run["benchmarks"]:
-        name, _, points = b["run_name"].split("/")[:3]
-        match = NAME.fullmatch(name)
-        if match and "lengths" in b.get("label", ""):
-            cases[name, points] = (match, b["label"], b["family_index"])
-    for (name, points), (match, label, index) in cases.items():
-        lengths = tuple(map(int, label.split()[1].split("x")))
-        run["benchmarks"].append({
-            "run_name": f"{name}/any/{points}/pocketfft", "family_index": index, "run_type": "iteration",
-            "real_time": 1e9 * fastest(call_of(match, lengths)), "wall": 1, "time_unit": "ns",
-            "elements": int(points)})
-    path.write_text(json.dumps(run))
+    with run_to_edit() as run:
+        shapes = {}
+        for b in run["benchmarks"]:
+            name, _, points = b["run_name"].split("/")[:3]
+            match = NAME.fullmatch(name)
+            if match and "lengths" in b.get("label", ""):
+                shapes[name, points] = (match, b["label"], b["family_index"])
+        for (name, points), (match, label, index) in shapes.items():
+            lengths = tuple(map(int, label.split()[1].split("x")))
+            add(run, name, points, "pocketfft", index, fastest(call_of(match, lengths)), int(points),
+                clock="real_time", wall=1)
 
 
 if __name__ == "__main__":

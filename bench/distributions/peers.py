@@ -4,13 +4,9 @@
 Numbers are drawn into new arrays, as NumPy gives them; the times include what Python takes to call a function,
 about two microseconds.
 """
-import json
-import math
-import pathlib
-import sys
-import timeit
-
 import numpy
+
+from python_peers import add, cases, fastest, run_to_edit
 
 # The row of bench_distributions, less its type and generator. A "_new" row has other parameters for each call, which
 # NumPy sets up anew whatever they are.
@@ -52,14 +48,6 @@ WHOLE = {
     "PoissonV": lambda g, n, means=0.5 + numpy.arange(10**6) * 2654435761 % 1000: g.poisson(means[:n]),
 }
 ENGINES = {"numpy-pcg64": numpy.random.PCG64, "numpy-sfc64": numpy.random.SFC64}
-REPETITIONS = 7
-SECONDS = 0.002  # that a repetition takes at least
-
-
-def fastest(call):
-    once = timeit.timeit(call, number=1)
-    number = max(1, math.ceil(SECONDS / once))
-    return min(timeit.repeat(call, number=number, repeat=REPETITIONS if once < 0.1 else 2)) / number
 
 
 def draw_of(name, form):
@@ -72,24 +60,19 @@ def draw_of(name, form):
 
 
 def main():
-    path = pathlib.Path(sys.argv[1])
-    run = json.loads(path.read_text())
-    cases = {tuple(b["run_name"].split("/")[:3:2]): b["family_index"] for b in run["benchmarks"]}
-    times = {}  # which are the same beside each of our generators
-    for (row, n), index in cases.items():
-        name, form, _ = row.rsplit(".", 2)
-        draw = draw_of(name, form)
-        if draw is None:
-            continue
-        for engine, make in ENGINES.items():
-            key = name, form, n, engine
-            if key not in times:
-                generator = numpy.random.Generator(make(7))
-                times[key] = 1e9 * fastest(lambda: draw(generator, int(n)))
-            run["benchmarks"].append({
-                "run_name": f"{row}/any/{n}/{engine}", "family_index": index, "run_type": "iteration",
-                "cpu_time": times[key], "time_unit": "ns", "elements": int(n)})
-    path.write_text(json.dumps(run))
+    with run_to_edit() as run:
+        times = {}  # which are the same beside each of our generators
+        for (row, n), index in cases(run).items():
+            name, form, _ = row.rsplit(".", 2)
+            draw = draw_of(name, form)
+            if draw is None:
+                continue
+            for engine, make in ENGINES.items():
+                key = name, form, n, engine
+                if key not in times:
+                    generator = numpy.random.Generator(make(7))
+                    times[key] = fastest(lambda: draw(generator, int(n)))
+                add(run, row, n, engine, index, times[key], int(n))
 
 
 if __name__ == "__main__":
