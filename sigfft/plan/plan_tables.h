@@ -25,7 +25,8 @@ struct Circle {
   void for_points(size_t first, size_t step, size_t count, Put put) const {
     static constexpr T cos_signs[] = {1, -1, -1, 1}, negated_sin_signs[] = {-1, -1, 1, 1};
     const size_t quarter = size_t{1} << (base_order - 2), distance = step << (base_order - bits);
-    for (size_t i = 0; i < count;) {
+    size_t i = 0;
+    while (i < count) {
       const size_t angle = (first + i * step) << (base_order - bits);
       const size_t quadrant = angle >> (base_order - 2) & 3, place = angle & (quarter - 1);
       const T re_sign = cos_signs[quadrant], im_sign = negated_sin_signs[quadrant];
