@@ -227,7 +227,7 @@ int main(int count, char **words) {
 
   report.print(
       "# Accuracy of the distributions\n\n"
-      "Made by `./dev accuracy distributions --markdown docs/accuracy_distributions.md`: %lld numbers for "
+      "Made by `./dev accuracy distributions%s --markdown FILE`: %lld numbers for "
       "each row, "
       "row k\n"
       "(from 0) drawn from member k of MT2203 with seed %u%s. Distribution functions are those of "
@@ -242,6 +242,7 @@ int main(int count, char **words) {
       "be rejected with probability %g, had the seed been drawn at random; Holm's correction for the number "
       "of\n"
       "comparisons sees to that.\n\n",
+      options.only.empty() ? "" : (" --only " + options.only).c_str(),
       static_cast<long long>(options.samples), options.seed,
       options.distortion != 0 ? ", WITH DISTORTED LAWS" : "", outermost_probability(double(options.samples)),
       false_alarm);
