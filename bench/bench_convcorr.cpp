@@ -3,10 +3,11 @@
 //
 //   bench_convcorr [--quick] [--filter REGEX] [--benchmark_out=FILE.json ...]
 //
-// A benchmark is named FORM/LEVEL/N/CONTENDER, for instance dDirect2D7/avx512/512/qkr: an image of 512 x 512 and
-// a kernel of 7 x 7, in double precision, the whole result. The ratio is that to the fastest of the loops, of
-// FFTW, whose plans are made in each call as ours are, and of SciPy's functions; `fftw_kept` has its plans and
-// memory made before. The method that the user guide advises at a size has an aim, the other has none.
+// A benchmark is named FORM/LEVEL/N/CONTENDER, for instance dDirect2D7/avx512/512/qkr: an image of 512 x
+// 512 and a kernel of 7 x 7, in double precision, the whole result. The ratio is that to the fastest of the
+// loops, of FFTW, whose plans are made in each call as ours are, and of SciPy's functions; `fftw_kept` has
+// its plans and memory made before. The method that the user guide advises at a size has an aim, the other
+// has none.
 #include <memory>
 #include <qkr/convcorr.h>
 #include <random>

@@ -1,5 +1,5 @@
-// Masks: what the operators < == > give of two operands. Of vectors lanes of ones and zeros, of Two a mask each,
-// of numbers a truth value; the compiler keeps them in mask registers where there are any.
+// Masks: what the operators < == > give of two operands. Of vectors lanes of ones and zeros, of Two a mask
+// each, of numbers a truth value; the compiler keeps them in mask registers where there are any.
 #pragma once
 
 #include "simd/vectors.h"

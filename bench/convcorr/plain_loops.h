@@ -1,5 +1,5 @@
-// The convolution that anybody would write, compiled at -O3 for each level: result by result, and term by term
-// into all results.
+// The convolution that anybody would write, compiled at -O3 for each level: result by result, and term by
+// term into all results.
 #pragma once
 
 #include <cstdint>

@@ -34,9 +34,9 @@ typedef struct {
 /** @name Complex Exp
  * The exponential function, e^z.
  *
- * Where e^x overflows or vanishes, both parts do, with the signs of cos y and sin y; of a real z the imaginary
- * part is that zero. Method: tables of 2^(j/64) and of the sine, short polynomials (P. T. P. Tang, ACM TOMS 15
- * (1989) 144).
+ * Where e^x overflows or vanishes, both parts do, with the signs of cos y and sin y; of a real z the
+ * imaginary part is that zero. Method: tables of 2^(j/64) and of the sine, short polynomials (P. T. P.
+ * Tang, ACM TOMS 15 (1989) 144).
  *
  * Largest error: 0.501 ulp (float 0.501). */
 /**@{*/

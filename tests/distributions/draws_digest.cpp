@@ -1,6 +1,6 @@
-// A hash of what every generator and every distribution draws: one line for each generator or distribution with
-// its parameters and each form of number, which must be the same at all levels, with every compiler and on every
-// processor.
+// A hash of what every generator and every distribution draws: one line for each generator or distribution
+// with its parameters and each form of number, which must be the same at all levels, with every compiler
+// and on every processor.
 //   draws_digest [COUNT]
 #include <cstdlib>
 

@@ -163,8 +163,8 @@ TEST_P(EveryGenerator, RefusesOtherMethods) {
 
 INSTANTIATE_TEST_SUITE_P(, EveryGenerator, testing::ValuesIn(all_generators()), test_name);
 
-// Further numbers of dimensions, and places in the sequence: inside a point, in one dimension only, and before
-// the index wraps.
+// Further numbers of dimensions, and places in the sequence: inside a point, in one dimension only, and
+// before the index wraps.
 TEST(DigitalSequences, FollowTheirDefinitionFromAnywhere) {
   constexpr uint32_t sobol = 0x600000, niederreiter = 0x700000;
   const struct {

@@ -186,8 +186,8 @@ TEST(QuasiRandom, RefusedStreamsAnswerNoNumbers) {
   }
 }
 
-// Streams of more dimensions than the record holds own their rows: a copy goes on when the first is gone. With
-// a chunk of another size, or without it, a file is refused.
+// Streams of more dimensions than the record holds own their rows: a copy goes on when the first is gone.
+// With a chunk of another size, or without it, a file is refused.
 TEST(QuasiRandom, LargeStreamsNeedTheirChunk) {
   const std::string file = testing::TempDir() + "qkr_large_" + std::to_string(getpid());
   for (const auto &[id, dim] : {std::pair{sobol_id, 41u}, {sobol_id, 500u}, {niederreiter_id, 319u}}) {

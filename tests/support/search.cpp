@@ -14,7 +14,8 @@
 namespace qkr::tests {
 namespace {
 
-// A range of inputs by rank, of one or of both arguments, and the worst that was found in it, of which result.
+// A range of inputs by rank, of one or of both arguments, and the worst that was found in it, of which
+// result.
 template <class T>
 struct Cell {
   int64_t low[2], high[2];

@@ -1,5 +1,5 @@
-// The tables of the vector functions, which their generators make again elsewhere: the short factors that make a kernel's products exact, and
-// the accuracy of every pair against long double.
+// The tables of the vector functions, which their generators make again elsewhere: the short factors that
+// make a kernel's products exact, and the accuracy of every pair against long double.
 #include "vecmath/tables/tables.h"
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 // Measures the errors of transforms beside FFTW's in the same precision, both against FFTW in long double (up
 // to 2^12 points against the defining sum), and prints them as Markdown tables; fails if one of ours exceeds
-// 1.2 times FFTW's, 1.35 times for lengths that are no powers of two: 1.33 is that of 10 doubles, by way of the
-// five-point transform, whose products with the half sum and half difference of two cosines are rounded once
-// more than FFTW's. Lengths beyond have self-tests: an impulse, whose transform is known, and the way back
-// from the transform of a random signal.
+// 1.2 times FFTW's, 1.35 times for lengths that are no powers of two: 1.33 is that of 10 doubles, by way of
+// the five-point transform, whose products with the half sum and half difference of two cosines are rounded
+// once more than FFTW's. Lengths beyond have self-tests: an impulse, whose transform is known, and the way
+// back from the transform of a random signal.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>

@@ -43,10 +43,11 @@ QKR_INLINE Folded<D> folded(V argument, D magnitude) {
 }
 
 // base + lo + v + v z (exact_part + series), where base is 0 or larger than v; lo does not matter in single
-// precision. In double only the last addition rounds in the size of the result. Below it, where a result is just
-// above 1/2, v = w near 1 and z near 1/4: v z is rounded by up to 1/8 of an ulp, of which less than 1/5 counts; the
-// sum of the series by 1/16, of which v z takes a quarter, and its first coefficient by half that; their product
-// and its sum with what is left by 1/64 each: .58 ulp, and .02 for what is smaller.
+// precision. In double only the last addition rounds in the size of the result. Below it, where a result is
+// just above 1/2, v = w near 1 and z near 1/4: v z is rounded by up to 1/8 of an ulp, of which less than
+// 1/5 counts; the sum of the series by 1/16, of which v z takes a quarter, and its first coefficient by
+// half that; their product and its sum with what is left by 1/64 each: .58 ulp, and .02 for what is
+// smaller.
 template <class T, class V>
 QKR_INLINE V sum(V base, V lo, V v, V z, V series) {
   if constexpr (is_single<T>) return base + (v + v * (z * series));
