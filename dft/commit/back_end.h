@@ -29,8 +29,6 @@ Entry of_precision(const Wish &wish, Entry single, Entry in_double) {
   return wish.head->precision == DFTX_DOUBLE ? in_double : single;
 }
 
-inline const DftDescriptor *head_of(const DftDescriptor *record) { return record - record->dimension_index; }
-
 template <class T>
 T scale_of(const DftDescriptor *record, Direction direction) {
   return static_cast<T>(record->scale[direction]);
