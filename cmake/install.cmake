@@ -5,11 +5,14 @@ install(TARGETS qkr qkr_static EXPORT qkr-targets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 # Installed without debug information, ten times smaller; `cmake --install build/release --component debug` then
 # puts it beside the library, where debuggers look for it.
+# Distributions strip for themselves, and turn QKR_STRIP off.
 set(installed "\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}")
 set(debug_file $<TARGET_FILE_NAME:qkr>.debug)
-install(CODE "
-  execute_process(COMMAND ${CMAKE_STRIP} --strip-unneeded ${installed}/$<TARGET_FILE_NAME:qkr> COMMAND_ERROR_IS_FATAL ANY)
-  execute_process(COMMAND ${CMAKE_STRIP} --strip-debug ${installed}/$<TARGET_FILE_NAME:qkr_static> COMMAND_ERROR_IS_FATAL ANY)")
+if(QKR_STRIP)
+  install(CODE "
+    execute_process(COMMAND ${CMAKE_STRIP} --strip-unneeded ${installed}/$<TARGET_FILE_NAME:qkr> COMMAND_ERROR_IS_FATAL ANY)
+    execute_process(COMMAND ${CMAKE_STRIP} --strip-debug ${installed}/$<TARGET_FILE_NAME:qkr_static> COMMAND_ERROR_IS_FATAL ANY)")
+endif()
 install(CODE "
   message(STATUS \"Installing: ${installed}/${debug_file}\")
   execute_process(COMMAND ${CMAKE_OBJCOPY} --only-keep-debug $<TARGET_FILE:qkr> ${installed}/${debug_file} COMMAND_ERROR_IS_FATAL ANY)
@@ -30,3 +33,4 @@ configure_file(${PROJECT_SOURCE_DIR}/cmake/qkr.pc.in ${PROJECT_BINARY_DIR}/qkr.p
 install(FILES ${PROJECT_BINARY_DIR}/qkr-config.cmake ${PROJECT_BINARY_DIR}/qkr-config-version.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qkr)
 install(FILES ${PROJECT_BINARY_DIR}/qkr.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES ${PROJECT_SOURCE_DIR}/docs/qkr.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3)

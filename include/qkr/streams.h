@@ -118,8 +118,8 @@ typedef struct BrngRecord {
  * @return the table */
 QKR_API const BrngRecord *__vxsGetBrngBaseOffset(int32_t id, int32_t *row, int32_t *member);
 
-/** @param table, row, member as __vxsGetBrngBaseOffset() gives them; a negative row, which only a negative id
- * leads to, is not refused
+/** Whether `table`, `row` and `member`, as __vxsGetBrngBaseOffset() gives them, name a generator. A negative
+ * row, which only a negative id leads to, is not refused.
  * @return VXS_STATUS_OK or VXS_STATUS_BAD_GENERATOR */
 QKR_API int32_t __vxsIsBrngValid(const BrngRecord *table, int32_t row, int32_t member);
 
@@ -144,14 +144,14 @@ QKR_API int32_t __vxsRegisterBrng(const BrngRecord *record);
 /** Makes a stream and seeds it.
  * @param[out] out the stream; also when seeding fails, so that the caller always deletes what is not null
  * @param id generator id; abstract streams have constructors of their own
- * @param n, params seed words; how many count, and what none or too few mean, is the generator's matter.
- * Several streams at once: see __vxsSeedWords()
+ * @param n how many seed words; how many count, and what none or too few mean, is the generator's matter
+ * @param params the seed words; for several streams at once, see __vxsSeedWords()
  * @return VXS_STATUS_BAD_GENERATOR or VXS_STATUS_NO_MEMORY, or what the generator's InitStream returns */
 QKR_API int32_t __vxsNewStreamEx(StreamState **out, uint32_t id, int32_t n, const void *params);
 
 /** Allocates the record of a stream without seeding it; what follows the head is zero.
  * @param[out] out the record; null if there is no memory, as it was if there is no such generator
- * @param table, id, row, member as for __vxsGetBrngBaseOffset()
+ * @param table and `id`, `row`, `member`: as for __vxsGetBrngBaseOffset()
  * @return VXS_STATUS_OK, VXS_STATUS_BAD_GENERATOR or VXS_STATUS_NO_MEMORY */
 QKR_API int32_t __vxsAllocateStream(StreamState **out, const BrngRecord *table, uint32_t id, int32_t row,
                                     int32_t member);
@@ -178,7 +178,7 @@ QKR_API int32_t __vxsDeleteStream(StreamState **stream);
  * mix(mix(seed + g) + (index + 1) g), where mix is its output function and g its increment. The starting
  * points of two indices of one seed always differ.
  *
- * @param seed, index any numbers
+ * @param seed any number, as is `index`
  * @param n how many words; none if it is not above 0
  * @param[out] words n words */
 QKR_API void __vxsSeedWords(uint64_t seed, uint64_t index, int32_t n, uint32_t *words);

@@ -38,7 +38,7 @@ typedef int32_t (*AbstractUpdateS)(StreamState *stream, int32_t *size, float *bu
  * @param[out] out the stream
  * @param size numbers that the buffer holds, at least 1
  * @param buffer the caller's, to stay valid as long as the stream
- * @param lower, upper range of the numbers in the buffer, lower < upper; block entries map it to theirs
+ * @param lower range of the numbers in the buffer: up to `upper`, above it; block entries map it to theirs
  * @param callback the refill function
  * @return VXS_STATUS_OK, VXS_STATUS_BAD_ARGUMENT or VXS_STATUS_NO_MEMORY
  * @{ */

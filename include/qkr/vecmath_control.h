@@ -104,8 +104,8 @@ QKR_API const void *_vxmSetInterfInputVectorPointer(const void *pointer);
  * the standard handlers as the mode tells, and writes the record's results back.
  * @param status one of VXM_STATUS_...; the vectors may be null for VXM_STATUS_BADMEM and VXM_STATUS_BADSIZE
  * @param index  position in the vectors, or the bad size
- * @param a,b    start of the inputs; `a` twice for a function of one input
- * @param r1,r2  start of the results, which may be the inputs; `r1` twice for a function of one result
+ * @param a      start of the inputs, as is `b`; `a` twice for a function of one input
+ * @param r1     start of the results, as is `r2`, which may be the inputs; `r1` twice for one result
  * @param name   name of the function; the record takes 64 characters of it */
 QKR_API void _vxmdError(int32_t status, int32_t index, const double *a, const double *b, double *r1,
                         double *r2, const char *name);

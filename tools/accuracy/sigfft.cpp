@@ -36,7 +36,7 @@ constexpr const char introduction[] =
     "sqrt(log2 N).\n\n";
 
 constexpr const char any_length_introduction[] =
-    "# Any length\n\n"
+    "## Any length\n\n"
     "The same of `w6_zprsDFTFwd_CToC`, `w6_zprsDFTInv_CToC` and `w6_zprsDFTFwd_RToCCS`, averages over 4096 / N "
     "signals.\n\n";
 

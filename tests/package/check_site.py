@@ -1,0 +1,62 @@
+"""The site is made without a warning, every exported name has its entry there, and no link within it is broken.
+
+check_site.py OUT_DIR C_COMPILER, from the top folder; the pages go to OUT_DIR, what they are made from beside it
+"""
+import html.parser
+import os
+import shutil
+import subprocess
+import sys
+import zlib
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools"))
+import where
+
+out, compiler = Path(sys.argv[1]).resolve(), sys.argv[2]
+made_from = out.with_name(out.name + "_made_from")
+shutil.rmtree(out, ignore_errors=True)
+made_from.mkdir(parents=True, exist_ok=True)
+
+
+def run(*command, text=None, **environment):
+    if subprocess.run(command, input=text, text=True, env=dict(os.environ, **environment)).returncode:
+        sys.exit(f"{command[0]} failed")
+
+
+run("doxygen", "-", text=f"{Path('docs/Doxyfile').read_text()}\nOUTPUT_DIRECTORY = {made_from}\n")
+run("/usr/bin/python3", "-m", "sphinx", "-q", "-W", "--keep-going", "-d", made_from / "doctrees", "docs", out,
+    QKR_DOXYGEN_XML=str(made_from / "xml"))
+
+# Four lines of heading; then, compressed, "name domain:role priority place title" each.
+inventory = zlib.decompress((out / "objects.inv").read_bytes().split(b"\n", 4)[4]).decode()
+entries = {line.split()[0] for line in inventory.splitlines()}
+declared = where.declarations(compiler)
+faults = [f"{name} has no entry" for name in declared if name not in entries]
+
+
+class Page(html.parser.HTMLParser):
+    """Where a page can be entered, and where it leads."""
+
+    def __init__(self, path):
+        super().__init__()
+        self.anchors, self.links = set(), set()
+        self.feed(path.read_text())
+
+    def handle_starttag(self, tag, attributes):
+        for name, value in attributes:
+            if name == "id":
+                self.anchors.add(value)
+            elif name in ("href", "src") and "://" not in value and not value.startswith(("mailto:", "data:")):
+                self.links.add(value)
+
+
+pages = {path: Page(path) for path in out.rglob("*.html")}
+for path, page in pages.items():
+    for link in page.links:
+        file, _, anchor = link.partition("#")
+        target = (path.parent / file.partition("?")[0]).resolve() if file else path
+        if not target.exists() or anchor and target in pages and anchor not in pages[target].anchors:
+            faults.append(f"{path.relative_to(out)}: {link} leads nowhere")
+print(f"{len(pages)} pages, {len(declared)} exported names; {len(faults)} faults")
+sys.exit("\n".join(faults) or (0 if declared else "the headers declare nothing"))
