@@ -110,13 +110,13 @@ def write_csv(rows, path):
         out = csv.writer(file)
         out.writerow(["function", "level", "n", *(f"{name} ns" for name in names), *(f"{name} ulp" for name in names),
                       "GB/s", "ratio within 1 ulp", "fastest within 1 ulp", "ratio to any", "fastest",
-                      "ratio of the aim", "aim", "misses aim"])
+                      "ratio of the aim", "peer of the aim", "aim", "misses aim"])
         for row in rows:
             timed = [row.timings.get(name) for name in names]
-            accurate, fastest, (aimed, _) = row.accurate(), row.fastest(), row.aimed()
+            accurate, fastest, (aimed, aimed_at) = row.accurate(), row.fastest(), row.aimed()
             out.writerow([row.function, row.level, row.size, *(t and f"{t.ns:.4f}" for t in timed),
                           *(t and f"{t.ulp:.3f}" for t in timed), row.timings[OURS].rate(), number(accurate[0], 3), accurate[1],
-                          number(fastest[0], 3), fastest[1], number(aimed, 3), row.timings[OURS].aim,
+                          number(fastest[0], 3), fastest[1], number(aimed, 3), aimed_at, row.timings[OURS].aim,
                           int(row.misses())])
 
 
@@ -204,6 +204,7 @@ def plot_by_size(rows, path):
         axis.set_xscale("log", base=2)
         axis.set(title=function, ylim=(0, None), ylabel=f"our time / {of_function[0].aimed()[1]}'s")
         axis.legend()
+    figure.suptitle(f"qkr {path.stem}: below 1 ours is faster")
     figure.savefig(path, dpi=110)
 
 
@@ -248,6 +249,7 @@ def plot(rows, size, path):
         axis.set(title=f"{function}, {widest}", xlabel="n", ylabel="ns a call", xlim=(0, 33))
         axis.set_ylim(0, 2.5 * max(r.timings[OURS].ns * r.size for r in of_function if r.size <= 32))
         axis.legend()
+    figure.suptitle(f"qkr {path.stem} beside the fastest peer within 1 ulp")
     figure.savefig(path, dpi=110)
 
 
@@ -273,7 +275,7 @@ def main():
         plot_by_size(rows, out / f"{source.stem}.png")
     else:
         plot(rows, size, out / f"{source.stem}.png")
-    print(overview)
+    print(f"{explanation}\n\n{overview}")
 
 
 if __name__ == "__main__":

@@ -10,12 +10,17 @@
 #include "simd/level.h"
 #include "simd/vectors.h"
 
+#ifdef QKR_ONE_LEVEL  // a build for sanitizers has the baseline alone
+#define QKR_BODIES(name) qkr::sse2::name##_body
+#else
+#define QKR_BODIES(name) qkr::sse2::name##_body, qkr::avx2::name##_body, qkr::avx512::name##_body
+#endif
+
 #if QKR_BASELINE
-#define QKR_DISPATCHER(result, name, parameters, arguments)                                      \
-  extern "C" result name parameters {                                                            \
-    static constexpr result(*const bodies[])                                                     \
-        parameters = {qkr::sse2::name##_body, qkr::avx2::name##_body, qkr::avx512::name##_body}; \
-    return bodies[static_cast<unsigned>(qkr::level())] arguments;                                \
+#define QKR_DISPATCHER(result, name, parameters, arguments)                   \
+  extern "C" result name parameters {                                         \
+    static constexpr result(*const bodies[]) parameters = {QKR_BODIES(name)}; \
+    return bodies[static_cast<unsigned>(qkr::level())] arguments;             \
   }
 #else
 #define QKR_DISPATCHER(result, name, parameters, arguments)

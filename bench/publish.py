@@ -1,0 +1,125 @@
+#!/usr/bin/python3
+"""What was measured, where readers see it: publish.py OUTDIR keeps the ratios of OUTDIR/ROOM.csv and the picture
+OUTDIR/ROOM.png under docs/measured, and makes from all that lies there docs/speed.md and the tables of README.md.
+
+A table of README.md stands between two comments, of which the first says what is in it:
+
+    <!-- speed ROOM
+    FUNCTION SIZE LABEL
+    -->
+    <!-- end of speed -->
+"""
+import collections
+import csv
+import dataclasses
+import pathlib
+import re
+import shutil
+import statistics
+import sys
+
+import report
+
+measured = pathlib.Path("docs/measured")
+columns = ["function", "level", "n", "ratio", "fastest"]
+titles = {
+    "vecmath": "Vector functions",
+    "streams": "Random words and uniform numbers",
+    "distributions": "Distributions",
+    "sigfft": "Transforms of power-of-two length",
+    "sigfft_dft": "Transforms of any length",
+    "sigfft_convolution": "Convolution",
+    "sigfft_arrays": "Copies, fills and conversions",
+    "dft": "Transforms by descriptor",
+    "convcorr": "Convolution and correlation tasks",
+    "cxx": "C++ beside C",
+    "python": "Python beside NumPy and SciPy",
+}
+intro = """# Speed
+
+Our time divided by that of the fastest peer whose errors are below 1 ulp, in the same run on the same arrays: below 1 we are faster. Each cell names that peer; rows that lose are in bold. Made by `./dev speed` from the files of `./dev bench`, smallest of interleaved repetitions, on a Xeon (Skylake) with AVX-512 and two cores; where a row has no peer it is not shown.
+"""
+
+
+def keep(folder):
+    measured.mkdir(parents=True, exist_ok=True)
+    for path in sorted(folder.glob("*.csv")):
+        if path.stem not in titles:
+            continue
+        rows = [(row["function"], row["level"], row["n"], row["ratio of the aim"], row["peer of the aim"])
+                for row in csv.DictReader(path.open()) if row["ratio of the aim"]]
+        with (measured / path.name).open("w", newline="") as file:
+            csv.writer(file, lineterminator="\n").writerows([columns, *rows])
+        shutil.copy(path.with_suffix(".png"), measured)
+
+
+@dataclasses.dataclass
+class Row:
+    function: str
+    level: str
+    size: int
+    ratio: float
+    peer: str
+
+
+def read(room):
+    return [Row(row["function"], row["level"], int(row["n"]), float(row["ratio"]), row["fastest"])
+            for row in csv.DictReader((measured / f"{room}.csv").open())]
+
+
+def cell(row):
+    if not row:
+        return ""
+    return f"**{row.ratio:.2f}** {row.peer}" if round(row.ratio, 2) > 1 else f"{row.ratio:.2f} {row.peer}"
+
+
+def table(lines, rows):
+    """lines: label, function, size."""
+    levels = list({row.level: None for row in rows})
+    cells = {(row.function, row.size, row.level): row for row in rows}
+    return "\n".join(report.table(["", *levels], ([label, *(cell(cells.get((function, size, level))) for level in levels)]
+                                                  for label, function, size in lines)))
+
+
+def tally(rows):
+    by_level = collections.defaultdict(list)
+    for row in rows:
+        by_level[row.level].append(row.ratio)
+    return "; ".join(f"{level}: {len(ratios)} rows, median {statistics.median(ratios):.2f}, "
+                     f"{sum(ratio > 1.005 for ratio in ratios)} above 1, largest {max(ratios):.2f}"
+                     for level, ratios in by_level.items())
+
+
+def speed_page():
+    parts = [intro]
+    for room, title in titles.items():
+        if not (measured / f"{room}.csv").exists():
+            continue
+        rows = read(room)
+        size = None if report.is_by_size(rows) else report.main_size(rows)
+        shown = [row for row in rows if size in (None, row.size)]
+        lines = {(f"{row.function}, {row.size}", row.function, row.size): None for row in shown}
+        parts.append(f"## {title}\n\n{tally(rows)}.\n\n![Ratios of {room}](measured/{room}.png)\n\n{table(lines, shown)}\n")
+    return "\n".join(parts)
+
+
+def readme_table(match):
+    room, wanted = match[1], [line.split(None, 2) for line in match[2].strip().splitlines()]
+    rows = read(room)
+    for function, size, _ in wanted:
+        if not any((row.function, row.size) == (function, int(size)) for row in rows):
+            sys.exit(f"README.md: {room} has no {function} {size}")
+    lines = [(label, function, int(size)) for function, size, label in wanted]
+    return (f"<!-- speed {room}\n{match[2].strip()}\n-->\n{table(lines, rows)}\n\nAll that was measured there: {tally(rows)}.\n<!-- end of speed -->")
+
+
+def main():
+    keep(pathlib.Path(sys.argv[1]))
+    pathlib.Path("docs/speed.md").write_text(speed_page())
+    readme = pathlib.Path("README.md")
+    readme.write_text(re.sub(r"<!-- speed (\w+)\n(.*?)-->.*?<!-- end of speed -->", readme_table, readme.read_text(),
+                             flags=re.S))
+
+
+if __name__ == "__main__":
+    main()
