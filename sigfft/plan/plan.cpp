@@ -58,14 +58,13 @@ Sizes complex_sizes(int order) {
   }
 }
 
-// Where the tables of a plan come from: each from the allocator, or one behind the other from the caller's
-// memory.
+// The tables of a plan lie one behind the other.
 struct TableMemory {
-  char *next;  // null: the allocator
+  char *next;
+  size_t alignment;
   void *take(size_t bytes) {
-    if (!next) return allocate_block(bytes);
     char *const table = next;
-    next += bytes;
+    next += round_up(bytes, alignment);
     return table;
   }
 };
@@ -92,60 +91,61 @@ void set_normalisation(Plan<T> *plan, int32_t flag) {
   if (flag != 8) plan->norm_factor = flag == 4 ? (T)(1 / sqrt(n)) : 1 / (T)n;
 }
 
-// False if a table could not be allocated; the plan then holds those that could.
+// Bytes of all tables.
 template <EntrySet set, class T>
-bool make_tables(Plan<T> *plan, const T *base, TableMemory memory) {
+size_t tables_bytes(int32_t id, int order, size_t alignment) {
+  const int complex_order = order - is_real(id);
+  return round_up(reversal_bytes(complex_order), alignment) +
+         round_up(complex_sizes<set, T>(complex_order).twiddles, alignment) +
+         (is_real(id) ? 2 * round_up(real_table_bytes<T>(order), alignment) : 0);
+}
+
+template <EntrySet set, class T>
+void make_tables(Plan<T> *plan, const T *base, TableMemory memory) {
   const int order = plan->order, complex_order = order - is_real(plan->id);
   const bool staged = complex_order <= largest_staged_order<set, T>;
   const Sizes sizes = complex_sizes<set, T>(complex_order);
   plan->work_bytes = (int32_t)sizes.work;
 
   plan->reversal = (uint32_t *)memory.take(reversal_bytes(complex_order));
-  if (!plan->reversal) return false;
   plan->twiddles = (T *)memory.take(sizes.twiddles);
-  if (!plan->twiddles) return false;
   if (set == EntrySet::plain) fill_reversal_pairs(complex_order, plan->reversal);
   else if (staged || complex_order < first_tiled_order<T>) fill_reversal(complex_order, plan->reversal);
   else fill_reversal_tiles(complex_order, tile_bits, plan->reversal);
   if (staged) fill_staged_table<set>(complex_order, base, order, plan->twiddles);
   else fill_large_tables<set>(*plan, complex_order, base, order, plan->twiddles);
-  if (!is_real(plan->id)) return true;
+  if (!is_real(plan->id)) return;
 
   plan->forward_real = (T *)memory.take(real_table_bytes<T>(order));
-  if (!plan->forward_real) return false;
   plan->inverse_real = (T *)memory.take(real_table_bytes<T>(order));
-  if (!plan->inverse_real) return false;
   fill_forward_real_table<set>(order, base, plan->forward_real);
   fill_inverse_real_table<set>(order, base, plan->inverse_real);
-  return true;
 }
 
 template <class T>
 void release_plan(Plan<T> *plan) {
   plan->id = 0;
-  if (!plan->owned) return;
-  release_block(plan->reversal);
-  release_block(plan->twiddles);
-  release_block(plan->forward_real);
-  release_block(plan->inverse_real);
-  release_block(plan);
+  if (plan->owned) release_block(plan);
 }
 
 template <EntrySet set, class T>
 zprStatus init_alloc(int32_t id, Plan<T> **out, int32_t order, int32_t flag, int32_t hint) {
   if (!out) return zprStsNullPtrErr;
   if (!valid_order(order)) return zprStsFftOrderErr;
-  const auto plan = (Plan<T> *)allocate_block(sizeof(Plan<T>));
+  const bool has_tables = valid_flag(flag) && order > largest_fixed_order;
+  constexpr size_t alignment = best_alignment, record = round_up(sizeof(Plan<T>), alignment);
+  const auto plan =
+      (Plan<T> *)allocate_block(record + (has_tables ? tables_bytes<set, T>(id, order, alignment) : 0));
   if (!plan) return zprStsMemAllocErr;
   start_plan<set>(plan, id, order, hint, true);
   if (!valid_flag(flag)) return release_plan(plan), zprStsFftFlagErr;
   set_normalisation(plan, flag);
-  if (order > largest_fixed_order) {
+  if (has_tables) {
     const auto base = (T *)allocate_block(base_bytes<T>(order));
-    if (base) fill_base_table(order, base);
-    const bool made = base && make_tables<set>(plan, base, {nullptr});
+    if (!base) return release_plan(plan), zprStsMemAllocErr;
+    fill_base_table(order, base);
+    make_tables<set>(plan, base, {(char *)plan + record, alignment});
     release_block(base);
-    if (!made) return release_plan(plan), zprStsMemAllocErr;
   }
   *out = plan;
   return zprStsNoErr;
@@ -165,7 +165,7 @@ zprStatus init(int32_t id, Plan<T> **out, int32_t order, int32_t flag, int32_t h
   if (order > largest_fixed_order) {
     const auto base = (T *)align16(init_buffer);
     fill_base_table(order, base);
-    make_tables<set>(plan, base, {(char *)plan + align16(sizeof *plan)});
+    make_tables<set>(plan, base, {(char *)plan + align16(sizeof *plan), 16});
   }
   *out = plan;
   return zprStsNoErr;
@@ -182,10 +182,8 @@ zprStatus get_size(int32_t id, int32_t order, int32_t flag, int32_t *spec_size, 
   static_assert(sizeof(Plan<T>) + rounding <= record);
   size_t spec = record, scratch = 0, work = 0;
   if (order > largest_fixed_order) {
-    const int complex_order = order - is_real(id);
-    const Sizes sizes = complex_sizes<set, T>(complex_order);
-    spec = align16(record) + sizes.twiddles + reversal_bytes(complex_order);
-    if (is_real(id)) spec += 2 * real_table_bytes<T>(order);
+    const Sizes sizes = complex_sizes<set, T>(order - is_real(id));
+    spec = align16(record) + tables_bytes<set, T>(id, order, 16);
     scratch = sizes.scratch + base_bytes<T>(order) + rounding;
     work = sizes.work ? sizes.work + rounding : 0;
   }

@@ -20,8 +20,11 @@ uint32_t *fill_reversal_pairs(int order, uint32_t *table) {
   for (size_t j = 1; j < quarter; ++j) {
     reversed.next();
     const size_t r = reversed.value();
-    if (j < r) table[front++] = (uint32_t)(4 * j), table[front++] = (uint32_t)(4 * r);
-    else if (j == r) table[--back] = (uint32_t)(4 * j);
+    // Whether j < r cannot be foreseen: what is no pair is written too, and overwritten. The last j stays,
+    // and fills the one place that is not behind all pairs.
+    table[front] = (uint32_t)(4 * j), table[front + 1] = (uint32_t)(4 * r);
+    front += j < r ? 2 : 0;
+    if (j == r) table[--back] = (uint32_t)(4 * j);
   }
   table[front] = 0;  // the one place between the pairs and those that stay
   table[quarter] = 0;

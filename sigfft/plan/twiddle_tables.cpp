@@ -1,5 +1,8 @@
 // Twiddle tables, each in the order in which the passes read it, so that they read it straight forward.
+#include <utility>
+
 #include "sigfft/plan/plan_tables.h"
+#include "simd/simd.h"
 
 namespace qkr::sigfft {
 namespace {
@@ -104,19 +107,28 @@ void fill_plain_blocks(Plan<T> &plan, int order, const T *base, int base_order, 
   }
 }
 
-// The first value of a pair of columns k, and the second, in groups or, in the plain set, side by side from k
-// = 0.
-template <EntrySet set, class T, class First, class Second>
-T *fill_real_table(int order, T *table, First first, Second second) {
+// A value made of the cosine of column k and one made of its sine: as many as fill 16 bytes of the first kind
+// and then of the second, from k = 1 on, or, in the plain set, side by side from k = 0.
+template <EntrySet set, class T, class First, class Second, int... i>
+T *fill_real_table(int order, const T *base, T *table, First first, Second second,
+                   std::integer_sequence<int, i...>) {
+  constexpr bool plain = set == EntrySet::plain;
+  constexpr int together = sizeof...(i), half = together / 2;
   const size_t quarter = size_t{1} << (order - 2);
-  constexpr size_t together = set == EntrySet::w6 ? group<T> : 1;
   T *t = table;
-  for (size_t k = set == EntrySet::w6; k < quarter; k += together) {
-    for (size_t g = 0; g < together; ++g) *t++ = first(k + g);
-    for (size_t g = 0; g < together; ++g) *t++ = second(k + g);
+  for (size_t k = plain ? 0 : 1; k < quarter; k += together, t += 2 * together) {
+    sse2::Native<T> cosines, sines;
+    sse2::load(base + quarter - k - (together - 1), cosines);
+    sse2::load(base + k, sines);
+    const auto a = first(__builtin_shufflevector(cosines, cosines, (together - 1 - i)...)), b = second(sines);
+    sse2::store(t, plain ? __builtin_shufflevector(a, b, (i / 2 + i % 2 * together)...) : a);
+    sse2::store(t + together,
+                plain ? __builtin_shufflevector(a, b, (half + i / 2 + i % 2 * together)...) : b);
   }
   return align16(table + 2 * quarter);
 }
+template <class T>
+using Lanes = std::make_integer_sequence<int, group<T>>;
 
 }  // namespace
 
@@ -135,17 +147,15 @@ void fill_large_tables(Plan<T> &plan, int order, const T *base, int base_order, 
 
 template <EntrySet set, class T>
 T *fill_forward_real_table(int order, const T *base, T *table) {
-  const size_t quarter = size_t{1} << (order - 2);
   return fill_real_table<set>(
-      order, table, [=](size_t k) { return T(0.5) * base[quarter - k]; },
-      [=](size_t k) { return T(0.5) - T(0.5) * base[k]; });
+      order, base, table, [](auto cosine) { return T(0.5) * cosine; },
+      [](auto sine) { return T(0.5) - T(0.5) * sine; }, Lanes<T>());
 }
 
 template <EntrySet set, class T>
 T *fill_inverse_real_table(int order, const T *base, T *table) {
-  const size_t quarter = size_t{1} << (order - 2);
   return fill_real_table<set>(
-      order, table, [=](size_t k) { return base[quarter - k]; }, [=](size_t k) { return -base[k]; });
+      order, base, table, [](auto cosine) { return cosine; }, [](auto sine) { return -sine; }, Lanes<T>());
 }
 
 #define QKR_INSTANTIATE(set, T)                                                        \

@@ -5,9 +5,9 @@
 #pragma GCC visibility push(hidden)
 
 namespace qkr::sigfft {
-constexpr int quarter_wave_order = 10;
+constexpr int quarter_wave_order = 12;
 // Row i: sin(2 pi i / 2^quarter_wave_order), the first quarter of the wave.
-alignas(64) extern const double quarter_wave[256];
+alignas(64) extern const double quarter_wave[1024];
 
 // Row j: cosine and sine of 2 pi j / 1024, each as a head of 26 bits and a rest.
 constexpr int unit_circle_steps = 1024;

@@ -18,7 +18,8 @@ class Hash {
   void add(const std::vector<T> &numbers) {
     for (T x : numbers) {
       if constexpr (sizeof x == 8) value_ ^= __builtin_bit_cast(uint64_t, x);
-      else value_ ^= __builtin_bit_cast(uint32_t, x);
+      else if constexpr (sizeof x == 4) value_ ^= __builtin_bit_cast(uint32_t, x);
+      else value_ ^= (uint16_t)x;
       value_ *= 0x9E3779B97F4A7C15;
       value_ ^= value_ >> 29;
     }

@@ -22,19 +22,23 @@ struct AnyFactor {
 };
 constexpr int most_points = 179;  // those of the direct sum of real signals
 
-// run(Factor or AnyFactor)
+// run(Factor or AnyFactor). Two ways at a time: of more, compilers make a jump to a computed address, which
+// costs as much as a short stage.
 template <class Run>
 QKR_INLINE void with_odd_factor(int factor, Run run) {
-  if (factor == 3) run(Factor<3>());
-  else if (factor == 5) run(Factor<5>());
-  else if (factor == 7) run(Factor<7>());
-  else run(AnyFactor{factor});
+  if (factor <= 5) {
+    if (factor == 3) run(Factor<3>());
+    else run(Factor<5>());
+  } else {
+    if (factor == 7) run(Factor<7>());
+    else run(AnyFactor{factor});
+  }
 }
 template <class Run>
 QKR_INLINE void with_factor(int factor, Run run) {
+  if (factor % 2) return with_odd_factor(factor, run);
   if (factor == 4) run(Factor<4>());
-  else if (factor == 2) run(Factor<2>());
-  else with_odd_factor(factor, run);
+  else run(Factor<2>());
 }
 
 // Cosines and negated sines of 2 pi / 3, 2 pi / 5 and 4 pi / 5.

@@ -66,21 +66,19 @@ QKR_NOINLINE void transform_short(const AnyLengthPlan<T> *plan, const T *src, T 
 
 template <bool forward, class T>
 QKR_INLINE void transform(const AnyLengthPlan<T> *plan, const T *src, T *dst) {
-  switch (plan->complex_length) {
-    case 6:
-      return transform_short<forward, 3, 1, 2>(plan, src, dst);
-    case 9:
-      return transform_short<forward, 3, 1, 3>(plan, src, dst);
-    case 10:
-      return transform_short<forward, 5, 1, 2>(plan, src, dst);
-    case 12:
-      return transform_short<forward, 3, 1, 4>(plan, src, dst);
-    case 15:
-      return transform_short<forward, 3, 1, 5>(plan, src, dst);
-    case 20:
-      return transform_short<forward, 5, 1, 4>(plan, src, dst);
-    default:
-      return transform_short<forward, 2, 3, 4>(plan, src, dst);
+  // Few comparisons at a time, of which no compiler makes a jump to a computed address: that would cost more.
+  const int first = plan->stage[0].factor, last = plan->last_factor();
+  if (last == 4) {
+    if (first == 3) transform_short<forward, 3, 1, 4>(plan, src, dst);
+    else if (first == 5) transform_short<forward, 5, 1, 4>(plan, src, dst);
+    else transform_short<forward, 2, 3, 4>(plan, src, dst);
+  } else if (last == 2) {
+    if (first == 3) transform_short<forward, 3, 1, 2>(plan, src, dst);
+    else transform_short<forward, 5, 1, 2>(plan, src, dst);
+  } else if (last == 3) {
+    transform_short<forward, 3, 1, 3>(plan, src, dst);
+  } else {
+    transform_short<forward, 3, 1, 5>(plan, src, dst);
   }
 }
 
