@@ -143,6 +143,10 @@ struct GrowingSingle : GrowingHyperbolic<float, Value> {
 
 // tanh |x| with nodes of j/16, up to 20. The sum of the tangents is divided only where it is small beside
 // them: (A + t) / (1 + A t) = A + t - A t (A + t) / (1 + A t).
+//
+// The error is largest below 1, in ulp of 2^-53. The quotient is below 2^-5: its product, its numerator and
+// its own rounding cost .015, .030 and .016; node + tangent and 1 + product, above 1, cost .030 each;
+// tangent, rest - quotient and the sum of the small terms .016 each. With the last rounding that is .668.
 struct TanhDouble : UnaryKernel<double, 1> {
   template <class V>
   QKR_INLINE static Flags special(V x) {
@@ -204,5 +208,5 @@ QKR_FUNCTION(_vxmdCosh_HA, _vxmdCosh_50, double, 0.57, -0x1.03ee211c0457dp+1, Co
 QKR_FUNCTION(_vxmsCosh_HA, _vxmsCosh_21, float, 0.503, -0x1.0a33bp+0, CoshSingle)
 QKR_FUNCTION(_vxmdSinh_HA, _vxmdSinh_50, double, 0.56, 0x1.63140974f32bp-8, SinhDouble)
 QKR_FUNCTION(_vxmsSinh_HA, _vxmsSinh_21, float, 0.504, 0x1.62e792p-2, SinhSingle)
-QKR_FUNCTION(_vxmdTanh_HA, _vxmdTanh_50, double, 0.64, 0x1.63f61b766ecb5p+1, TanhDouble)
+QKR_FUNCTION(_vxmdTanh_HA, _vxmdTanh_50, double, 0.67, 0x1.a2fe1cf9368abp+3, TanhDouble)
 QKR_FUNCTION(_vxmsTanh_HA, _vxmsTanh_21, float, 0.517, 0x1.62f9b6p-2, TanhSingle)
