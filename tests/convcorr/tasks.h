@@ -35,9 +35,9 @@ using Forms = testing::Types<DD, SD, SS>;
 
 struct Operation {
   int32_t kind;
-  Words xshape, yshape, zshape;
-  Words start, decimation;          // empty: left to the task
-  Words xstride, ystride, zstride;  // empty: dense
+  Words xshape, yshape, zshape = {};
+  Words start = {}, decimation = {};               // empty: left to the task
+  Words xstride = {}, ystride = {}, zstride = {};  // empty: dense
 
   int dims() const { return static_cast<int>(xshape.size()); }
   bool convolves() const { return kind == VXS_CC_CONVOLUTION; }
@@ -53,9 +53,12 @@ Words whole_result(const Operation &operation);
 // Elements from the lowest that an operand touches to the highest.
 int64_t extent(const Words &shape, const Words &stride);
 
-// Convolutions of one to seven dimensions, whose other fields are left to the test: lengths 1, 2, 3, odd,
-// powers of two and next to them, longer than a group of vectors at every level.
-extern const std::vector<Operation> shapes;
+// Operands of one to seven dimensions: lengths 1, 2, 3, odd, powers of two and next to them, longer
+// than a group of vectors at every level.
+extern const std::vector<std::pair<Words, Words>> shapes;
+
+// A convolution and a correlation of each, of which all of the result is wanted.
+std::vector<Operation> whole_operations();
 
 inline const int32_t *words_or_null(const Words &words) { return words.empty() ? nullptr : words.data(); }
 

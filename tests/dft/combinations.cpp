@@ -4,6 +4,7 @@
 #include <cmath>
 #include <complex>
 #include <cstring>
+#include <fftw3.h>
 #include <map>
 #include <random>
 #include <sstream>
@@ -15,29 +16,13 @@ namespace {
 using Exact = long double;
 using Numbers = std::vector<std::complex<Exact>>;  // dimension 0 fastest
 
-int64_t product(const std::vector<int32_t> &lengths) {
-  int64_t size = 1;
-  for (const int32_t n : lengths) size *= n;
-  return size;
-}
-
-// The sum that defines the transform, along one dimension after the other.
-Numbers exact_transform(Numbers x, const std::vector<int32_t> &lengths, bool forward) {
-  int64_t inner = 1;
-  for (const int64_t n : lengths) {
-    Numbers root(n), y(x.size());
-    const Exact step = (forward ? -2 : 2) * std::acos(Exact(-1)) / n;
-    for (int64_t k = 0; k < n; ++k) root[k] = std::polar(Exact(1), step * k);
-    for (int64_t outer = 0; outer < static_cast<int64_t>(x.size()); outer += inner * n)
-      for (int64_t i = 0; i < inner; ++i)
-        for (int64_t k = 0; k < n; ++k) {
-          std::complex<Exact> sum = 0;
-          for (int64_t j = 0; j < n; ++j) sum += x[outer + j * inner + i] * root[j * k % n];
-          y[outer + k * inner + i] = sum;
-        }
-    x = y;
-    inner *= n;
-  }
+Numbers exact_transform(Numbers x, const Lengths &lengths, bool forward) {
+  const std::vector<int> slowest_first(lengths.rbegin(), lengths.rend());
+  const auto data = reinterpret_cast<fftwl_complex *>(x.data());
+  const fftwl_plan plan = fftwl_plan_dft(static_cast<int>(lengths.size()), slowest_first.data(), data, data,
+                                         forward ? FFTW_FORWARD : FFTW_BACKWARD, FFTW_ESTIMATE);
+  fftwl_execute(plan);
+  fftwl_destroy_plan(plan);
   return x;
 }
 
@@ -146,12 +131,12 @@ Settings settings_of(const Case &c, bool input) {
   const int32_t numbers_of_row = c.lengths[0] / 2 + 1;
   // Room for one transform, in pairs or in single numbers, also for the other array if the two are one.
   const int32_t room =
-      static_cast<int32_t>(product(c.lengths) / c.lengths[0]) * std::max(c.lengths[0], numbers_of_row);
+      static_cast<int32_t>(points(c.lengths) / c.lengths[0]) * std::max(c.lengths[0], numbers_of_row);
   switch (c.layout) {
     case Layout::contiguous: {
       const bool pairs = !is_signal(c, input);
       int32_t distance = room + 4 * c.lengths[0] + 16;
-      if (c.domain == DFTX_COMPLEX) distance = static_cast<int32_t>(product(c.lengths));
+      if (c.domain == DFTX_COMPLEX) distance = static_cast<int32_t>(points(c.lengths));
       else if (!pairs) distance *= 2;
       return {strides, distance, false};
     }
@@ -185,7 +170,7 @@ const Pair &random_pair(const std::vector<int32_t> &lengths, bool real, bool for
   if (!pair.signal.empty()) return pair;
   std::mt19937 engine(seed);
   std::uniform_real_distribution<float> uniform(-1, 1);
-  pair.signal.resize(product(lengths));
+  pair.signal.resize(points(lengths));
   for (auto &number : pair.signal) {
     const Exact re = uniform(engine), im = uniform(engine);
     number = {re, real ? 0 : im};
@@ -228,7 +213,7 @@ Outcome compute_in(const Case &c, DftDescriptor *descriptor) {
     Numbers x = pair.signal, y = pair.spectrum;
     if (real && !c.forward) {
       std::swap(x, y);
-      for (auto &number : y) number *= product(c.lengths);
+      for (auto &number : y) number *= points(c.lengths);
     }
     for (auto &number : y) number *= c.scale;
     for (const Word &w : words_of(c, x, true, in))
@@ -273,6 +258,56 @@ Outcome compute_in(const Case &c, DftDescriptor *descriptor) {
 }
 
 }  // namespace
+
+int64_t points(const Lengths &lengths) {
+  int64_t size = 1;
+  for (const int32_t n : lengths) size *= n;
+  return size;
+}
+
+int32_t expected_code(const Case &c) {
+  if (c.domain == DFTX_COMPLEX) return DFTX_NO_ERROR;
+  if (c.ordering == DFTX_SCRAMBLED) return DFTX_INVALID_ARGUMENT;
+  const bool packed = c.storage == DFTX_COMPLEX_REAL;
+  return packed && (c.lengths.size() == 3 || c.format == DFTX_CCE_FORMAT) ? DFTX_UNIMPLEMENTED
+                                                                          : DFTX_NO_ERROR;
+}
+
+std::vector<Case> cases(const Ranges &ranges) {
+  std::vector<Case> all = {{}};
+  const auto vary = [&](const auto &values, auto set) {
+    std::vector<Case> varied;
+    for (Case &c : all)
+      for (const auto &value : values) {
+        set(c, value);
+        varied.push_back(c);
+      }
+    all = std::move(varied);
+  };
+  const auto vary_field = [&](const auto &values, auto field) {
+    vary(values, [=](Case &c, const auto &value) { c.*field = value; });
+  };
+  vary_field(ranges.lengths, &Case::lengths);
+  vary_field(ranges.precisions, &Case::precision);
+  vary(ranges.kinds, [](Case &c, const Kind &kind) {
+    c.domain = kind.domain, c.storage = kind.storage, c.format = kind.format;
+  });
+  vary_field(ranges.forward, &Case::forward);
+  vary_field(ranges.transforms, &Case::transforms);
+  vary_field(ranges.layouts, &Case::layout);
+  vary_field(ranges.scales, &Case::scale);
+  vary_field(ranges.placements, &Case::placement);
+  vary_field(ranges.orderings, &Case::ordering);
+  vary_field(ranges.thread_limits, &Case::thread_limit);
+  vary_field(ranges.one_array, &Case::in_place);
+  vary_field(ranges.guarded, &Case::guarded);
+  std::erase_if(all, [&](const Case &c) {
+    const bool collides = c.layout != Layout::contiguous && c.transforms > 1;
+    return (c.in_place && (c.domain == DFTX_COMPLEX || collides)) ||
+           (!ranges.with_refused && expected_code(c) != DFTX_NO_ERROR);
+  });
+  return all;
+}
 
 std::string name(const Case &c) {
   std::ostringstream text;

@@ -1,4 +1,4 @@
-// One transform in all its settings, and what it must give: plain sums in long double along every dimension.
+// One transform in all its settings, and what it must give: by FFTW in long double.
 #pragma once
 
 #include <optional>
@@ -16,9 +16,12 @@ enum class Layout {
   spread,       // gaps everywhere
 };
 
+using Lengths = std::vector<int32_t>;
+int64_t points(const Lengths &lengths);
+
 struct Case {
   int32_t precision = DFTX_DOUBLE, domain = DFTX_COMPLEX;
-  std::vector<int32_t> lengths;
+  Lengths lengths;
   int32_t storage = DFTX_COMPLEX_REAL, format = DFTX_CCS_FORMAT;  // of a real transform's spectrum
   int32_t placement = DFTX_NOT_INPLACE, ordering = DFTX_ORDERED;
   int32_t transforms = 1;
@@ -32,6 +35,38 @@ struct Case {
 };
 
 std::string name(const Case &c);
+
+// Complex data, or the way in which the spectrum of real data is stored.
+struct Kind {
+  int32_t domain, storage, format;
+};
+constexpr Kind complex_kind = {DFTX_COMPLEX, DFTX_COMPLEX_REAL, DFTX_CCS_FORMAT},
+               half_spectrum = {DFTX_REAL, DFTX_COMPLEX_COMPLEX, DFTX_CCE_FORMAT},
+               packed_ccs = {DFTX_REAL, DFTX_COMPLEX_REAL, DFTX_CCS_FORMAT},
+               packed_pack = {DFTX_REAL, DFTX_COMPLEX_REAL, DFTX_PACK_FORMAT},
+               packed_perm = {DFTX_REAL, DFTX_COMPLEX_REAL, DFTX_PERM_FORMAT};
+
+// What the fields of cases run over.
+struct Ranges {
+  std::vector<Lengths> lengths = {};
+  std::vector<int32_t> precisions = {DFTX_SINGLE, DFTX_DOUBLE};
+  std::vector<Kind> kinds = {complex_kind, half_spectrum, packed_ccs, packed_pack, packed_perm};
+  std::vector<bool> forward = {true, false};
+  std::vector<int32_t> transforms = {1};
+  std::vector<Layout> layouts = {Layout::contiguous, Layout::interleaved, Layout::spread};
+  std::vector<double> scales = {1};
+  std::vector<int32_t> placements = {DFTX_NOT_INPLACE}, orderings = {DFTX_ORDERED}, thread_limits = {1};
+  std::vector<bool> one_array = {false};
+  std::vector<std::optional<Edge>> guarded = {std::nullopt};
+  bool with_refused = false;
+};
+
+// Their product, but for what cannot be: complex data have one array at any rate, and interleaved or spread
+// transforms of one array would write into one another's input.
+std::vector<Case> cases(const Ranges &ranges);
+
+// What commit answers.
+int32_t expected_code(const Case &c);
 
 // Creates the descriptor, sets it up and commits it: the first code that is not 0.
 int32_t prepare(const Case &c, DftDescriptor **handle);

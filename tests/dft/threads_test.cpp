@@ -22,32 +22,19 @@ std::vector<Case> cases_to_share() {
                 {{32, 64}, 1},  {{128, 64}, 1},    {{4, 8}, 7},     {{1024, 2}, 1},
                 {{2048, 1}, 1}, {{32, 32, 32}, 1}, {{16, 4, 8}, 1}, {{64, 1, 512}, 1},
                 {{60}, 9},      {{151}, 4},        {{45, 75}, 1},   {{15, 33, 70}, 1}};
-  std::vector<Case> cases;
-  for (const auto &shape : shapes)
-    for (const int32_t precision : {DFTX_SINGLE, DFTX_DOUBLE})
-      for (const bool forward : {true, false})
-        for (const Layout layout : {Layout::contiguous, Layout::interleaved})
-          for (const bool in_place : {false, true})
-            for (const int kind : {0, 1, 2}) {  // complex, half spectrum, packed
-              if (kind == 2 && shape.lengths.size() == 3) continue;
-              if (in_place && (kind == 0 || layout == Layout::interleaved)) continue;
-              Case c;
-              c.precision = precision;
-              c.lengths = shape.lengths;
-              c.transforms = shape.transforms;
-              c.forward = forward;
-              c.layout = layout;
-              c.in_place = in_place;
-              c.scale = 0.7;
-              c.domain = kind == 0 ? DFTX_COMPLEX : DFTX_REAL;
-              c.storage = kind == 1 ? DFTX_COMPLEX_COMPLEX : DFTX_COMPLEX_REAL;
-              c.format = kind == 1 ? DFTX_CCE_FORMAT : DFTX_PERM_FORMAT;
-              cases.push_back(c);
-            }
-  return cases;
+  std::vector<Case> all;
+  for (const auto &[lengths, transforms] : shapes)
+    for (const Case &c : cases({.lengths = {lengths},
+                         .kinds = {complex_kind, half_spectrum, packed_perm},
+                         .transforms = {transforms},
+                         .layouts = {Layout::contiguous, Layout::interleaved},
+                         .scales = {0.7},
+                         .one_array = {false, true}}))
+      all.push_back(c);
+  return all;
 }
 
-TEST(Threads, SameBitsOnAnyTeam) {
+TEST(Threads, SameBitsOnAnyTeamAndAtEveryLevel) {
   int forks = 0;
   for (const Case &c : cases_to_share()) {
     SCOPED_TRACE(name(c));
@@ -55,26 +42,12 @@ TEST(Threads, SameBitsOnAnyTeam) {
     ASSERT_EQ(alone.code, DFTX_NO_ERROR);
     for (const int32_t threads : {2, 3, 8}) {
       const WithTeam with(threads);
-      const Outcome shared = run(c);
-      ASSERT_EQ(shared.code, DFTX_NO_ERROR);
-      ASSERT_EQ(shared.bytes, alone.bytes) << threads << " threads";
+      ASSERT_EQ(run(c).bytes, alone.bytes) << threads << " threads";
       forks += team.forks;
     }
+    for_each_level([&](const char *level) { EXPECT_EQ(run(c).bytes, alone.bytes) << level; });
   }
   EXPECT_GT(forks, 0);
-}
-
-TEST(Threads, SameBitsAtEveryLevel) {
-  for (const Case &c : cases_to_share()) {
-    SCOPED_TRACE(name(c));
-    std::vector<char> first;
-    for_each_level([&](const char *level) {
-      const Outcome outcome = run(c);
-      ASSERT_EQ(outcome.code, DFTX_NO_ERROR);
-      if (first.empty()) first = outcome.bytes;
-      EXPECT_EQ(outcome.bytes, first) << level;
-    });
-  }
 }
 
 // Which calls fork, and how often: the thresholds, and the one form that treats a plane as it does a grid.
@@ -85,7 +58,7 @@ TEST(Threads, OnlyLargeWorkIsSharedOut) {
     std::vector<int32_t> lengths;
     int32_t transforms;
     int forks_forward, forks_backward;
-  } cases[] = {
+  } rows[] = {
       {DFTX_DOUBLE, 'c', {1024}, 1, 0, 0},       {DFTX_DOUBLE, 'c', {2}, 2, 1, 1},
       {DFTX_DOUBLE, 'c', {2}, 0, 0, 0},          {DFTX_DOUBLE, 'c', {32, 63}, 1, 0, 0},
       {DFTX_DOUBLE, 'c', {32, 64}, 1, 2, 0},     {DFTX_SINGLE, 'c', {32, 64}, 1, 2, 2},
@@ -96,7 +69,7 @@ TEST(Threads, OnlyLargeWorkIsSharedOut) {
       {DFTX_DOUBLE, 'r', {32, 63}, 1, 0, 0},     {DFTX_SINGLE, 'r', {32, 64}, 1, 2, 2},
       {DFTX_DOUBLE, 'r', {2048, 1}, 1, 1, 0},    {DFTX_DOUBLE, 'r', {32, 32, 32}, 1, 2, 2},
   };
-  for (const auto &[precision, kind, lengths, transforms, forks_forward, forks_backward] : cases)
+  for (const auto &[precision, kind, lengths, transforms, forks_forward, forks_backward] : rows)
     for (const bool forward : {true, false}) {
       Case c;
       c.precision = precision;
@@ -170,10 +143,11 @@ TEST(Threads, FailureOfAChunkIsTheAnswer) {
 class CallersThreads : public testing::TestWithParam<int> {};
 
 TEST_P(CallersThreads, ComputeAtATime) {
-  std::vector<Case> cases = {plane(), plane(), plane()};
-  cases[1].lengths = {64};
-  cases[2].domain = DFTX_REAL;
-  for (Case c : cases) {
+  for (Case c : cases({.lengths = {{128, 64}, {64}},
+                .precisions = {DFTX_DOUBLE},
+                .kinds = {complex_kind, packed_ccs},
+                .forward = {true},
+                .layouts = {Layout::contiguous}})) {
     SCOPED_TRACE(name(c));
     const Outcome alone = run(c);
     c.thread_limit = GetParam();

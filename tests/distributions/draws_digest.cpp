@@ -4,6 +4,7 @@
 //   draws_digest [COUNT]
 #include <cstdlib>
 
+#include "tests/distributions/recorded_stream.h"
 #include "tests/streams/generators.h"
 #include "tests/support/digest.h"
 #include "tests/support/distribution_cases.h"
@@ -34,11 +35,12 @@ void digest_of_generators(int32_t count) {
   }
 }
 
+// Of a generator's numbers, and of recorded ones, among them all that are awkward.
 template <class T>
-void digest_of_distributions(const char *type, int32_t count) {
+void digest_of_distributions(const char *type, int32_t count, bool recorded) {
   for (const Case &a_case : cases<T>())
     print_digest(name_of<T>(a_case) + " method " + std::to_string(a_case.method) + type, [&] {
-      const Stream stream = new_stream(0x100000, {777});
+      const Stream stream = recorded ? recorded_stream() : new_stream(0x100000, {777});
       return hash_of_requests(count, [&](int32_t n) {
         std::vector<T> numbers(static_cast<size_t>(n));
         if (draw(a_case, stream.get(), n, numbers.data()) != VXS_STATUS_OK) ++differences;
@@ -52,8 +54,9 @@ void digest_of_distributions(const char *type, int32_t count) {
 int main(int count_of_arguments, char **arguments) {
   const int32_t count = count_of_arguments > 1 ? atoi(arguments[1]) : 5000;
   digest_of_generators(count);
-  digest_of_distributions<double>(" double", count);
-  digest_of_distributions<float>(" single", count);
-  digest_of_distributions<int32_t>(" whole", count);
+  digest_of_distributions<double>(" double", count, false);
+  digest_of_distributions<float>(" single", count, false);
+  digest_of_distributions<int32_t>(" whole", count, false);
+  digest_of_distributions<int32_t>(" whole, recorded", count, true);
   return differences != 0;
 }

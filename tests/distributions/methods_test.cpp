@@ -4,11 +4,10 @@
 #include <limits>
 #include <qkr/distributions.h>
 #include <qkr/streams_generators.h>
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include "tests/distributions/recorded_stream.h"
 #include "tests/support/distribution_cases.h"
+#include "tests/support/guarded.h"
 
 namespace {
 
@@ -216,23 +215,15 @@ int32_t no_words(StreamState *, int32_t, uint32_t *) { return VXS_STATUS_OK; }
 // Requests of 2^31 - 1 numbers from a generator of a user, who writes nothing: into an array whose pages are
 // all the same few.
 TEST(LongRequests, AreAsLongAsTheirTypeAllows) {
-  constexpr size_t bytes = size_t(INT32_MAX) * 4, window = size_t(1) << 24;
-  const int file = memfd_create("window", 0);
-  ASSERT_EQ(ftruncate(file, window), 0);
-  char *const array = static_cast<char *>(
-      mmap(nullptr, bytes + window, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0));
-  ASSERT_NE(array, MAP_FAILED);
-  for (size_t at = 0; at < bytes; at += window)
-    ASSERT_NE(mmap(array + at, window, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_FIXED, file, 0), MAP_FAILED);
+  const Repeated array(size_t(INT32_MAX) * 4);
+  ASSERT_NE(array.data(), nullptr);
   const BrngRecord record = {
       24, 1, 1, 4, 32, init_nothing, leave_as_they_are<float>, leave_as_they_are<double>, no_words};
   const Stream stream = new_stream(static_cast<uint32_t>(__vxsRegisterBrng(&record)), {1});
-  int32_t *const wholes = reinterpret_cast<int32_t *>(array);
+  int32_t *const wholes = reinterpret_cast<int32_t *>(array.data());
   EXPECT_EQ(_vxsiRngUniform(0, stream.get(), INT32_MAX, wholes, 0, 10), VXS_STATUS_OK);
   EXPECT_EQ(_vxsiRngBernoulli(0, stream.get(), INT32_MAX, wholes, 1), VXS_STATUS_OK);
   EXPECT_EQ(wholes[INT32_MAX - 1], 1);
-  munmap(array, bytes + window);
-  close(file);
 }
 
 // n * d is 2^32 or 2^31, which 32 bits turn into nothing.

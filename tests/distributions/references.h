@@ -1,5 +1,5 @@
-// Every distribution beside its definition: one number at a time, from the same uniform numbers, in long
-// double arithmetic but for what decides between branches.
+// Every continuous distribution beside its definition: one number at a time, from the same uniform numbers,
+// in long double arithmetic but for what decides between branches.
 #pragma once
 
 #include <functional>
@@ -14,7 +14,7 @@ struct Number {
   long double magnitude;  // of what was rounded on the way
 };
 
-// The next number of a case; null where there is no definition as short as that.
+// The next number of a case.
 template <class T>
 using Definition = std::function<Number(Cursor<T> &u)>;
 template <class T>

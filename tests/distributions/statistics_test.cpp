@@ -41,23 +41,4 @@ TYPED_TEST(LongStatistics, NoticeAWrongLaw) {
   }
 }
 
-template <class T>
-void expect_covariance(uint32_t seed) {
-  for (int32_t size = 1; size <= 32; ++size)
-    for (int32_t storage = 0; storage < 3; ++storage) {
-      const Stream stream = new_stream(mt19937, {++seed});
-      for (const Finding &finding : examine_vectors<T>({size}, storage, size % 2, stream.get(), 10000))
-        EXPECT_GT(finding.probability, smallest_probability)
-            << finding.statistic << ", size " << size << ", storage " << storage << ": " << finding.value;
-    }
-}
-
-TEST(LongStatistics, VectorsHaveTheirCovariance) {
-  expect_covariance<double>(2000);
-  expect_covariance<float>(3000);
-  const Stream stream = new_stream(mt19937, {4000});
-  EXPECT_LT(examine_vectors<double>({3}, 0, 1, stream.get(), 10000, 0.1)[1].probability,
-            smallest_probability);
-}
-
 }  // namespace

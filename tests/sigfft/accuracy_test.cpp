@@ -85,24 +85,6 @@ Root root(uint64_t turns, uint64_t n) {
   return {(double)cosl(angle), (double)-sinl(angle)};
 }
 
-// The impulse at a place shows every twiddle once.
-TYPED_TEST(LongSelfTest, ImpulseGivesRoots) {
-  using T = TypeParam;
-  for (int order = 3; order <= 24; ++order)
-    for (const auto &f : functions<T>) {
-      const uint64_t n = uint64_t{1} << order, place = n / 2 + 3;
-      std::vector<T> y(2 * n);
-      y[2 * place] = 1;
-      ASSERT_EQ(f.complex_in_place[true](y.data(), Plan<T>(f, interleaved, order), nullptr), zprStsNoErr);
-      double worst = 0;
-      for (uint64_t k = 0; k < n; k += order < 16 ? 1 : 509) {
-        const Root w = root(place * k, n);
-        worst = std::max({worst, std::abs(y[2 * k] - w.re), std::abs(y[2 * k + 1] - w.im)});
-      }
-      EXPECT_LE(worst, 2 * order * epsilon<T>) << f.name << ", order " << order;
-    }
-}
-
 // The transform of a shifted signal plus a multiple of another, beside what the two transforms say it is.
 TYPED_TEST(LongSelfTest, IsLinearAndTurnsShifts) {
   using T = TypeParam;

@@ -2,9 +2,9 @@
 // are too large, failing allocations.
 #include <gtest/gtest.h>
 
-#include "allocations.h"
 #include "any_length_engines.h"
 #include "sigfft/any_length/plan/factors.h"
+#include "tests/support/allocations.h"
 
 namespace qkr::tests {
 namespace {
@@ -146,38 +146,31 @@ TYPED_TEST(AnyLengthPlans, ReportFailingAllocations) {
     for (const int32_t length : {3, 7, 64, 105, 157, 302, 330, 1009, 5005, 6000}) {
       SCOPED_TRACE(testing::Message() << any_kind_names[kind] << ' ' << length);
       const auto &p = any_length<T>.plan[kind];
-      const int in_use = blocks_in_use;
+      const long in_use = allocations.live;
       void *plan = nullptr;
-      for (int failing = 0;; ++failing) {
-        requests_until_failure = failing;
-        const zprStatus status = p.init_alloc(&plan, length, 8, 0);
-        const bool all_served = requests_until_failure >= 0;
-        requests_until_failure = -1;
-        if (all_served) {
-          EXPECT_EQ(status, zprStsNoErr);
-          EXPECT_GE(failing, length == 3 ? 1 : 3);
-          break;
-        }
-        ASSERT_EQ(status, zprStsMemAllocErr) << failing;
-        ASSERT_EQ(plan, nullptr);
-        ASSERT_EQ(blocks_in_use, in_use);
-      }
+      const int made = fail_each_allocation([&] { return p.init_alloc(&plan, length, 8, 0); },
+                                            [&](zprStatus status, bool failed) {
+                                              EXPECT_EQ(status, failed ? zprStsMemAllocErr : zprStsNoErr);
+                                              EXPECT_EQ(plan == nullptr, failed);
+                                              EXPECT_EQ(allocations.live == in_use, failed);
+                                            });
+      EXPECT_GE(made, length == 3 ? 1 : 3);
       int32_t work = -1;
       p.get_buffer_size(plan, &work);
       const std::vector<T> before(2 * length + 2, T(1));
       std::vector<T> data = before;
       const auto &f = any_length<T>;
       T *const x = data.data();
-      requests_until_failure = 0;
+      allocations.until_failure = 1;
       const zprStatus status = kind == any_split  ? f.split[0](x, x + length, x, x + length, plan, nullptr)
                                : kind == any_real ? f.real[0][ccs](x, x, plan, nullptr)
                                : kind == any_out_of_order ? f.out_of_order[0](x, x, plan, nullptr)
                                                           : f.complex[0](x, x, plan, nullptr);
-      requests_until_failure = -1;
+      allocations.until_failure = 0;
       EXPECT_EQ(status, work ? zprStsMemAllocErr : zprStsNoErr);
       EXPECT_EQ(data == before, work != 0);
       EXPECT_EQ(p.release(plan), zprStsNoErr);
-      EXPECT_EQ(blocks_in_use, in_use);
+      EXPECT_EQ(allocations.live, in_use);
     }
 }
 

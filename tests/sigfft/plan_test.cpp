@@ -2,9 +2,8 @@
 #include <cstring>
 #include <gtest/gtest.h>
 
-#include "allocations.h"
 #include "engines.h"
-#include "sigfft/plan/decomposition.h"
+#include "tests/support/allocations.h"
 
 namespace qkr::tests {
 namespace {
@@ -22,45 +21,17 @@ struct SizeRow {
 };
 template <class T>
 const SizeRow size_rows[] = {
-    {w6, interleaved, 3, 152, 0, 0},
-    {w6, interleaved, 4, 464, 64, 272},
-    {w6, real, 4, 448, 64, 144},
-    {w6, interleaved, 10, 17600, 2080, 16400},
-    {w6, interleaved, 16, 1179840, 131104, 65552},
-    {w6, real, 17, 2228416, 262176, 65552},
-    {w6, interleaved, 19, 9044160, 1048608, 131088},
-    {w6, real, 21, 34865344, 4194336, 262160},
-    {w6, interleaved, 24, 286326976, 33554464, 262160},
-    {plain, interleaved, 3, 152, 0, 0},
-    {plain, interleaved, 4, 464, 64, 0},
-    {plain, real, 4, 448, 64, 0},
-    {plain, interleaved, 10, 13504, 2080, 0},
-    {plain, interleaved, 16, 1124560, 139440, 8208},
-    {plain, real, 17, 2173136, 270512, 8208},
-    {plain, interleaved, 19, 8933584, 1081904, 32784},
-    {plain, real, 21, 34627792, 4227632, 32784},
-    {plain, interleaved, 24, 285751520, 33596096, 32784},
+    {w6, interleaved, 4, 464, 64, 272},       {w6, real, 4, 448, 64, 144},
+    {w6, real, 17, 2228416, 262176, 65552},   {w6, interleaved, 24, 286326976, 33554464, 262160},
+    {plain, interleaved, 4, 464, 64, 0},      {plain, real, 4, 448, 64, 0},
+    {plain, real, 17, 2173136, 270512, 8208}, {plain, interleaved, 24, 285751520, 33596096, 32784},
 };
 template <>
 const SizeRow size_rows<float>[] = {
-    {w6, interleaved, 3, 144, 0, 0},
-    {w6, interleaved, 4, 320, 48, 144},
-    {w6, real, 4, 304, 48, 80},
-    {w6, interleaved, 10, 9392, 1056, 8208},
-    {w6, interleaved, 16, 590000, 65568, 524304},
-    {w6, real, 17, 1114288, 131104, 524304},
-    {w6, interleaved, 19, 4980912, 524320, 262160},
-    {w6, real, 21, 18350256, 2097184, 524304},
-    {w6, interleaved, 24, 151519408, 16777248, 524304},
-    {plain, interleaved, 3, 144, 0, 0},
-    {plain, interleaved, 4, 320, 48, 0},
-    {plain, real, 4, 304, 48, 0},
-    {plain, interleaved, 10, 9392, 1056, 0},
-    {plain, interleaved, 16, 594112, 74032, 8208},
-    {plain, real, 17, 1118400, 139568, 8208},
-    {plain, interleaved, 19, 4731072, 558128, 32784},
-    {plain, real, 21, 17842368, 2130992, 32784},
-    {plain, interleaved, 24, 151525584, 16794176, 8208},
+    {w6, interleaved, 4, 320, 48, 144},       {w6, real, 4, 304, 48, 80},
+    {w6, real, 17, 1114288, 131104, 524304},  {w6, interleaved, 24, 151519408, 16777248, 524304},
+    {plain, interleaved, 4, 320, 48, 0},      {plain, real, 4, 304, 48, 0},
+    {plain, real, 17, 1118400, 139568, 8208}, {plain, interleaved, 24, 151525584, 16794176, 8208},
 };
 
 TYPED_TEST(Plans, HaveTheirSizes) {
@@ -156,9 +127,9 @@ TYPED_TEST(Plans, ChecksHaveAnOrder) {
       void *plan = &size;
       EXPECT_EQ(p.init_alloc(nullptr, 31, 3, 0), zprStsNullPtrErr);
       EXPECT_EQ(p.init_alloc(&plan, 31, 3, 0), zprStsFftOrderErr);
-      const int in_use = blocks_in_use;
+      const long in_use = allocations.live;
       EXPECT_EQ(p.init_alloc(&plan, 5, 3, 0), zprStsFftFlagErr);
-      EXPECT_EQ(blocks_in_use, in_use);
+      EXPECT_EQ(allocations.live, in_use);
       uint8_t memory[1024];
       EXPECT_EQ(p.init(nullptr, 31, 3, 0, nullptr, nullptr), zprStsNullPtrErr);
       EXPECT_EQ(p.init(&plan, 31, 3, 0, nullptr, nullptr), zprStsFftOrderErr);
@@ -185,41 +156,33 @@ TYPED_TEST(Plans, ReportFailingAllocations) {
     for (const Kind kind : {interleaved, real})
       for (const int order : {2, 6, 13, 18}) {
         SCOPED_TRACE(testing::Message() << f.name << ' ' << kind_names[kind] << ", order " << order);
-        const int in_use = blocks_in_use, requests = order < 4 ? 1 : 2;
+        const long in_use = allocations.live;
         void *plan = nullptr;
-        int failing = 0;
-        for (;; ++failing) {
-          requests_until_failure = failing;
-          const zprStatus status = f.plan[kind].init_alloc(&plan, order, 8, 0);
-          const bool all_served = requests_until_failure >= 0;
-          requests_until_failure = -1;
-          if (all_served) {
-            EXPECT_EQ(status, zprStsNoErr);
-            break;
-          }
-          ASSERT_EQ(status, zprStsMemAllocErr);
-          ASSERT_EQ(plan, nullptr);
-          ASSERT_EQ(blocks_in_use, in_use);
-        }
-        EXPECT_EQ(failing, requests);
+        const int made = fail_each_allocation([&] { return f.plan[kind].init_alloc(&plan, order, 8, 0); },
+                                              [&](zprStatus status, bool failed) {
+                                                EXPECT_EQ(status, failed ? zprStsMemAllocErr : zprStsNoErr);
+                                                EXPECT_EQ(plan == nullptr, failed);
+                                                EXPECT_EQ(allocations.live == in_use, failed);
+                                              });
+        EXPECT_EQ(made, order < 4 ? 1 : 2);
 
         int32_t work = 0;
         f.plan[kind].get_buffer_size(plan, &work);
         const std::vector<T> before(size_t{2} << order, T(1));
         std::vector<T> data = before;
-        requests_until_failure = 0;
+        allocations.until_failure = 1;
         const zprStatus status = kind == real ? f.real_in_place[true][perm](data.data(), plan, nullptr)
                                               : f.complex_in_place[true](data.data(), plan, nullptr);
-        requests_until_failure = -1;
+        allocations.until_failure = 0;
         EXPECT_EQ(status, work ? zprStsMemAllocErr : zprStsNoErr);
         EXPECT_EQ(data == before, work != 0);
         EXPECT_EQ(f.plan[kind].release(plan), zprStsNoErr);
-        EXPECT_EQ(blocks_in_use, in_use);
+        EXPECT_EQ(allocations.live, in_use);
       }
 }
 
 TEST(Memory, IsAlignedAndGoesBackThroughEitherSet) {
-  const int in_use = blocks_in_use;
+  const long in_use = allocations.live;
   EXPECT_EQ(zprsMalloc_8u(0), nullptr);
   EXPECT_EQ(w6_zprsMalloc_64fc(-1), nullptr);
   for (int32_t length = 1; length < 200; length += 7) {
@@ -233,31 +196,7 @@ TEST(Memory, IsAlignedAndGoesBackThroughEitherSet) {
     zprsFree(numbers);
   }
   zprsFree(nullptr);
-  EXPECT_EQ(blocks_in_use, in_use);
-}
-
-// Radices of the passes by order, which the tables follow.
-TEST(PassSequence, IsThatOfTheTables) {
-  const struct {
-    int order;
-    const char *doubles, *singles;
-  } rows[] = {
-      {4, "44", "44"},         {5, "84", "48"},        {6, "444", "444"},      {7, "844", "484"},
-      {8, "884", "4444"},      {9, "888", "4484"},     {10, "8844", "4884"},   {11, "8884", "4888"},
-      {12, "8888", "44884"},   {13, "88844", "48884"}, {14, "88884", "48888"}, {15, nullptr, "448884"},
-      {16, nullptr, "448888"},
-  };
-  const auto text = [](const sigfft::Passes &passes) {
-    std::string radices;
-    for (int i = 0; i < passes.count; ++i) radices += passes.bits[i] == 3 ? '8' : '4';
-    return radices;
-  };
-  for (const auto &row : rows) {
-    if (row.doubles) {
-      EXPECT_EQ(text(sigfft::staged_passes<double>(row.order)), row.doubles);
-    }
-    EXPECT_EQ(text(sigfft::staged_passes<float>(row.order)), row.singles);
-  }
+  EXPECT_EQ(allocations.live, in_use);
 }
 
 }  // namespace

@@ -1,30 +1,10 @@
 #include "reference.h"
 
 #include <cmath>
-#include <complex>
 #include <fftw3.h>
 
 namespace qkr::tests {
 namespace {
-
-LongNumbers direct_sum(const LongNumbers &x, bool forward) {
-  const size_t n = x.size() / 2;
-  using Complex = std::complex<long double>;
-  std::vector<Complex> roots(n);
-  for (size_t k = 0; k < n; ++k)
-    roots[k] = std::polar(1.0L, (forward ? -2 : 2) * 3.14159265358979323846264338327950288L * k / n);
-  LongNumbers result;
-  for (size_t k = 0; k < n; ++k) {
-    Complex sum = 0;
-    for (size_t i = 0; i < n; ++i) {
-      const Complex w = roots[i * k % n];
-      sum += Complex(x[2 * i] * w.real() - x[2 * i + 1] * w.imag(),
-                     x[2 * i] * w.imag() + x[2 * i + 1] * w.real());
-    }
-    result.push_back(sum.real()), result.push_back(sum.imag());
-  }
-  return result;
-}
 
 #define QKR_FFTW(T, prefix)                                                                        \
   std::vector<T> run_fftw(std::vector<T> x, bool forward) {                                        \
@@ -42,9 +22,7 @@ QKR_FFTW(long double, fftwl)
 
 }  // namespace
 
-LongNumbers exact_transform(const LongNumbers &x, bool forward) {
-  return x.size() <= 2 << 12 ? direct_sum(x, forward) : run_fftw(x, forward);
-}
+LongNumbers exact_transform(const LongNumbers &x, bool forward) { return run_fftw(x, forward); }
 std::vector<double> fftw_transform(const std::vector<double> &x, bool forward) {
   return run_fftw(x, forward);
 }

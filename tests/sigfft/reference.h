@@ -1,4 +1,4 @@
-// Transforms in long double, and FFTW's own in the precision under test, to compare with.
+// FFTW's transforms in long double, and in the precision under test, to compare with.
 #pragma once
 
 #include <vector>
@@ -7,7 +7,6 @@ namespace qkr::tests {
 
 using LongNumbers = std::vector<long double>;  // interleaved
 
-// By the sum that defines the transform up to 2^12 points, by FFTW in long double beyond.
 LongNumbers exact_transform(const LongNumbers &x, bool forward);
 
 std::vector<double> fftw_transform(const std::vector<double> &x, bool forward);

@@ -1,6 +1,5 @@
 // Products of spectra: every length, both layouts, in place, the corners of the 16-bit forms.
 #include <algorithm>
-#include <complex>
 
 #include "convolution_functions.h"
 #include "tests/support/guarded.h"
@@ -85,26 +84,6 @@ TYPED_TEST(SpectrumProducts, HaveTheBitsOfThePlainFormula) {
           EXPECT_TRUE(same_bits(dst, expected));
         });
       }
-}
-
-TYPED_TEST(SpectrumProducts, AreThoseOfComplexNumbers) {
-  using T = TypeParam;
-  using Complex = std::complex<long double>;
-  for (const auto &m : members<T>)
-    for (const size_t len : {2, 7, 64, 129}) {
-      const auto a = random_vector<T>(len, 3);
-      auto b = random_vector<T>(len, 4);
-      const auto spectrum = b;
-      m.in_place(a.data(), b.data(), (int)len);
-      const auto [real, first, pairs] = places(m.layout, len);
-      for (size_t k = first; k < first + 2 * pairs; k += 2) {
-        const Complex second(spectrum[k], spectrum[k + 1]);
-        const Complex exact = Complex(a[k], a[k + 1]) * (m.conjugate ? std::conj(second) : second);
-        const double bound = 2 * std::numeric_limits<T>::epsilon();
-        EXPECT_NEAR(b[k], (double)exact.real(), bound) << m.name;
-        EXPECT_NEAR(b[k + 1], (double)exact.imag(), bound) << m.name;
-      }
-    }
 }
 
 TYPED_TEST(SpectrumProducts, TouchOnlyTheirArraysAndCheckThem) {

@@ -3,11 +3,13 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <qkr/streams_abstract.h>
+#include <random>
 
 #include "streams/internal.h"
-#include "tests/streams/allocations.h"
 #include "tests/streams/generators.h"
+#include "tests/support/allocations.h"
 
 namespace {
 
@@ -65,6 +67,15 @@ TEST_F(StreamFiles, EveryGeneratorGoesOnWhereItWasSaved) {
     EXPECT_EQ(second->brng, generator.id);
     EXPECT_EQ(payload(second), payload(stream));
     EXPECT_EQ(draw_words(second, 2000), draw_words(stream, 2000));
+    // Memory that held something else before shows in no file.
+    const auto saved_after = [&](int fill) {
+      const auto size = static_cast<size_t>(generator_of(stream).StateSize);
+      void *dirty = malloc(size);
+      memset(dirty, fill, size);
+      free(dirty);
+      return saved(generator.start());
+    };
+    EXPECT_EQ(saved_after(0x11), saved_after(0xee));
   }
 }
 
@@ -157,6 +168,46 @@ TEST_F(StreamFiles, DamagedStatesAreRefused) {
   }
 }
 
+// Up to four faults, which gather where they matter: in the header, and at the chunks behind the payload.
+std::string damaged(std::string bytes, std::mt19937 &engine) {
+  for (uint32_t faults = 1 + engine() % 4; faults > 0 && !bytes.empty(); --faults) {
+    const size_t region = std::min<size_t>(bytes.size(), 1 + engine() % 48);
+    size_t position = engine() % bytes.size();
+    if (engine() % 3 != 0) position = engine() % 2 ? engine() % region : bytes.size() - 1 - engine() % region;
+    const uint32_t kind = engine() % 4;
+    if (kind == 0) bytes[position] = static_cast<char>(engine());
+    if (kind == 1) bytes[position] = static_cast<char>(engine() % 2 ? 0 : 0xff);
+    if (kind == 2) bytes.resize(position);
+    if (kind == 3) bytes.erase(position, 1 + engine() % 8);
+  }
+  return bytes;
+}
+
+// A stream that comes of a damaged file is what that says: saved and loaded again it is the same. The address
+// sanitizer tells whether drawing from it does more; QKR_FAULTY_FILES=1000000 for a long look.
+TEST_F(StreamFiles, RandomFaultsDoNoHarm) {
+  const char *wanted = getenv("QKR_FAULTY_FILES");
+  std::mt19937 engine(1);
+  std::vector<std::string> good;
+  for (const Generator &generator : all_generators()) {
+    const Stream stream = generator.start();
+    for (size_t id = 0; id < good.size() % 3; ++id)
+      add_chunk(stream, static_cast<uint32_t>(id), "0123456789");
+    if (const std::string bytes = saved(stream); bytes.size() < 10000) good.push_back(bytes);
+  }
+  std::map<int32_t, int> outcomes;
+  for (long i = 0; i < (wanted ? atol(wanted) : 3000); ++i) {
+    const int32_t status = status_of(damaged(good[engine() % good.size()], engine));
+    ++outcomes[status];
+    if (status != VXS_STATUS_OK) continue;
+    const Stream first = loaded(file);
+    save(first, file);
+    ASSERT_EQ(payload(loaded(file)), payload(first)) << i;
+  }
+  for (const int32_t status : {VXS_STATUS_OK, VXS_STATUS_FILE_FORMAT, VXS_STATUS_FILE_READ})
+    EXPECT_GT(outcomes[status], 0) << status;
+}
+
 // Addresses mean nothing after loading: an abstract stream waits for new ones.
 TEST_F(StreamFiles, AbstractStreamsComeBackUnconnected) {
   static double buffer[5];
@@ -180,20 +231,6 @@ TEST_F(StreamFiles, AbstractStreamsComeBackUnconnected) {
   for (const auto &[word, value] : {std::pair{0, 0}, {0, 2}, {1, 5}, {1, -1}, {2, 6}, {2, -1}})
     EXPECT_EQ(status_of(with(bytes, 16 + 4 * word, bytes_of(value))), VXS_STATUS_FILE_FORMAT)
         << word << ' ' << value;
-}
-
-// Memory that held something else before shows in no file.
-TEST_F(StreamFiles, EveryByteIsDefined) {
-  for (const Generator &generator : all_generators()) {
-    const auto saved_after = [&](int fill) {
-      const auto size = static_cast<size_t>(generator_of(generator.start()).StateSize);
-      void *dirty = malloc(size);
-      memset(dirty, fill, size);
-      free(dirty);
-      return saved(generator.start());
-    };
-    EXPECT_EQ(saved_after(0x11), saved_after(0xee)) << generator.name;
-  }
 }
 
 TEST_F(StreamFiles, WhatCannotBeOpenedWrittenOrClosed) {
@@ -264,13 +301,6 @@ TEST_F(StreamFiles, EachStepReportsItsFailureAndRespectsAnEarlierOne) {
   EXPECT_EQ(kept, stream.get());
 }
 
-TEST_F(StreamFiles, OnlySixteenBitsOfTheChunkCountAreKept) {
-  const Stream stream = new_stream(0, {1});
-  for (int i = 0; i < 65536 + 2; ++i) add_chunk(stream, 2, "x");
-  save(stream, file);
-  EXPECT_EQ(contents().size(), 16u + 8 + 2 * 9);
-}
-
 TEST_F(StreamFiles, AllocationsThatFailLeaveNothingBehind) {
   const Stream stream = new_stream(0x800000, {1});
   add_chunk(stream, 2, "ab");
@@ -281,13 +311,15 @@ TEST_F(StreamFiles, AllocationsThatFailLeaveNothingBehind) {
 
   // How many allocations an operation makes that ends with a stream, or without one where it fails.
   const auto making = [](auto operation) {
-    return fail_each_allocation([&] {
-      StreamState *made = nullptr;
-      const int32_t status = operation(&made);
-      EXPECT_EQ(made != nullptr, status == VXS_STATUS_OK);
-      if (made) __vxsDeleteStream(&made);
-      return status;
-    });
+    return allocations_survived(
+        [&] {
+          StreamState *made = nullptr;
+          const int32_t status = operation(&made);
+          EXPECT_TRUE(!made || status == VXS_STATUS_OK);
+          if (made) __vxsDeleteStream(&made);
+          return status;
+        },
+        VXS_STATUS_NO_MEMORY);
   };
   uint32_t buffer[1];
   EXPECT_EQ(making([](auto s) { return __vxsNewStreamEx(s, 0x100000, 0, nullptr); }), 1);
@@ -295,8 +327,8 @@ TEST_F(StreamFiles, AllocationsThatFailLeaveNothingBehind) {
   EXPECT_EQ(making([&](auto s) { return __vxsLoadStreamF(s, file.c_str()); }), 5);
   EXPECT_EQ(making([&](auto s) { return __vxsiNewAbstractStream(s, 1, buffer, [](auto...) { return 0; }); }),
             1);
-  EXPECT_EQ(fail_each_allocation([&] { return __vxsSaveStreamF(stream.get(), file.c_str(), length); }), 1);
-  EXPECT_EQ(fail_each_allocation([&] {
+  EXPECT_EQ(making([&](auto) { return __vxsSaveStreamF(stream.get(), file.c_str(), length); }), 1);
+  EXPECT_EQ(making([&](auto) {
               const int32_t status = __vxsAddChunk(plain.get(), 9, nullptr, 1);
               __vxsDeleteChunks(plain.get());
               return status;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <cmath>
 #include <deque>
 #include <random>
 
@@ -119,51 +118,15 @@ Steps digital_sequence(const Generator &, const Stream &stream) {
   };
 }
 
-template <class T>
-T by_31_bits(const Generator &, const uint32_t *words, T a, T b) {
-  const T scale = static_cast<T>((b - a) / 2147483647.0);
-  return static_cast<T>(*words) * scale + a;
-}
-template <class T>
-T by_59_bits(const Generator &, const uint32_t *words, T a, T b) {
-  uint64_t x;
-  std::memcpy(&x, words, sizeof x);
-  return static_cast<T>(static_cast<double>(x) * std::ldexp(static_cast<double>(b) - a, -59) + a);
-}
-template <class T>
-T by_fractions(const Generator &generator, const uint32_t *words, T a, T b) {
-  double u = 0;
-  for (int j = 3; j >= 0; --j) u += words[j] * (1.0 / wichmann_hill::moduli[member_of(generator.id)][j]);
-  return static_cast<T>((u - std::trunc(u)) * (static_cast<double>(b) - a) + a);
-}
-template <class T>
-T by_32_bits(const Generator &, const uint32_t *words, T a, T b) {
-  return static_cast<T>(*words * std::ldexp(static_cast<double>(b) - a, -32) + a);
-}
-// The difference of the ends in their own precision.
-template <class T>
-T by_32_bits_narrow(const Generator &, const uint32_t *words, T a, T b) {
-  return static_cast<T>(*words * std::ldexp(static_cast<double>(b - a), -32) + a);
-}
-template <class T>
-T by_modulus(const Generator &, const uint32_t *words, T a, T b) {
-  return static_cast<T>(*words * ((static_cast<double>(b) - a) / 4294967087.0) + a);
-}
-
-#define REALS(form) form<double>, form<float>
-
 using enum Partition;
-constexpr Family mcg31m1_family = {all, true, mcg31m1, REALS(by_31_bits)};
-constexpr Family mcg59_family = {all, true, mcg59, REALS(by_59_bits)};
-constexpr Family wh_family = {all, true, wichmann_hill, REALS(by_fractions)};
-constexpr Family r250_family = {none, false, r250, REALS(by_32_bits)};
-constexpr Family mrg32k3a_family = {none, true, mrg32k3a, REALS(by_modulus)};
-constexpr Family mt19937_family = {none, false, mt19937, REALS(by_32_bits)};
-constexpr Family mt2203_family = {none, false, mt2203, REALS(by_32_bits_narrow)};
+constexpr Family mcg31m1_family = {all, true, mcg31m1}, mcg59_family = {all, true, mcg59},
+                 wh_family = {all, true, wichmann_hill}, r250_family = {none, false, r250},
+                 mrg32k3a_family = {none, true, mrg32k3a}, mt19937_family = {none, false, mt19937},
+                 mt2203_family = {none, false, mt2203};
 
 }  // namespace
 
-constinit const Family digital_sequences = {one_dimension, true, digital_sequence, REALS(by_32_bits_narrow)};
+constinit const Family digital_sequences = {one_dimension, true, digital_sequence};
 
 Seeds user_directions(uint32_t dim) {
   Seeds array = {dim, 1, 4};

@@ -18,8 +18,6 @@ struct Family {
   Partition leapfrog;
   bool skips_ahead;
   Steps (*definition)(const Generator &generator, const Stream &stream);
-  double (*real)(const Generator &generator, const uint32_t *words, double a, double b);
-  float (*single)(const Generator &generator, const uint32_t *words, float a, float b);
 };
 
 struct Generator {

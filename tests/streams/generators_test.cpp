@@ -4,13 +4,14 @@
 #include <random>
 
 #include "streams/quasi/digital_sequence.h"
+#include "tests/support/guarded.h"
 #include "tests/support/levels.h"
 
 namespace {
 
 using namespace qkr::tests;
 
-// The numbers by definition, in the form that the stream is asked for.
+// The words by definition.
 struct Expected {
   const Generator &generator;
   Steps steps;
@@ -25,13 +26,6 @@ struct Expected {
     for (int32_t i = 0; i < n; ++i) steps(&all[i * words_each]);
     return all;
   }
-  template <class T, class Form>
-  std::vector<T> reals(int32_t n, T a, T b, Form form) {
-    const Words drawn = words(n);
-    std::vector<T> all(n);
-    for (int32_t i = 0; i < n; ++i) all[i] = form(generator, &drawn[i * words_each], a, b);
-    return all;
-  }
 };
 
 std::string state_of(const Stream &stream) {
@@ -41,12 +35,20 @@ std::string state_of(const Stream &stream) {
   return bytes;
 }
 
+// One number after the other by an entry of the generator.
+template <class T, class Entry, class... Ends>
+std::vector<T> one_by_one(Entry entry, const Stream &stream, int32_t n, Ends... ends) {
+  std::vector<T> numbers(n);
+  for (T &number : numbers) entry(stream.get(), 1, &number, ends...);
+  return numbers;
+}
+
 // Blocks of random length and form from where the stream is, and after each block the state of a stream that
-// took one step at a time.
+// took one step at a time. What reals are made of the words, draws_digest.txt records.
 void expect_definition_followed(const Generator &generator, const Stream &from, int32_t numbers) {
-  const Family &family = generator.family;
   for_each_level([&](const char *level) {
     const Stream stream = copy_of(from), stepwise = copy_of(from);
+    const BrngRecord record = generator_of(stream);
     Expected expected(generator, stream);
     std::mt19937 engine(2026);
     for (int32_t total = 0, n; total < numbers; total += n) {
@@ -54,16 +56,18 @@ void expect_definition_followed(const Generator &generator, const Stream &from, 
       n = static_cast<int32_t>(engine() % (choice % 8 == 0 ? 40000 : choice % 4 == 0 ? 2000 : 90));
       SCOPED_TRACE(testing::Message() << level << ", " << n << " numbers after " << total);
       const uint32_t form = engine() % 3;
+      const Words words = expected.words(n);
       if (form == 0) {
-        ASSERT_EQ(draw_words(stream, n), expected.words(n));
+        uint32_t single[4];
+        for (int32_t i = 0; i < n; ++i) record.iBrng(stepwise.get(), 1, single);
+        ASSERT_EQ(draw_words(stream, n), words);
       } else if (form == 1) {
-        ASSERT_EQ(draw_doubles(stream, n, -1.5, 2.3), expected.reals(n, -1.5, 2.3, family.real));
+        ASSERT_EQ(draw_doubles(stream, n, -1.5, 2.3),
+                  one_by_one<double>(record.dBrng, stepwise, n, -1.5, 2.3));
       } else {
-        ASSERT_EQ(draw_singles(stream, n, -1.1f, 1e3f), expected.reals(n, -1.1f, 1e3f, family.single));
+        ASSERT_EQ(draw_singles(stream, n, -1.1f, 1e3f),
+                  one_by_one<float>(record.sBrng, stepwise, n, -1.1f, 1e3f));
       }
-      const BrngRecord record = generator_of(stepwise);
-      uint32_t words[4];
-      for (int32_t i = 0; i < n; ++i) record.iBrng(stepwise.get(), 1, words);
       ASSERT_EQ(state_of(stream), state_of(stepwise));
     }
   });
@@ -203,6 +207,41 @@ TEST(DigitalSequences, FollowTheirDefinitionFromAnywhere) {
     }
     if (row.only >= 0) __vxsLeapfrogStream(stream.get(), row.only, 0x7fffffff);
     expect_definition_followed(generator, stream, 30000);
+  }
+}
+
+// 2^31 - 1 numbers, where counting reaches the end of its range: the last of them, and the state behind them,
+// are those of a stream that got there in other ways.
+TEST(LongDraws, ReachTheLargestCount) {
+  constexpr int32_t most = INT32_MAX, last = 1000;
+  const Repeated memory(size_t{16} * most);
+  if (!memory.data()) GTEST_SKIP() << "no addresses";
+  const auto expect_same = [&](const Generator &generator, size_t size, auto draw) {
+    SCOPED_TRACE(generator.name);
+    const Stream stream = generator.start(), other = generator.start();
+    ASSERT_EQ(draw(stream, most), VXS_STATUS_OK);
+    const char *const end = memory.data() + size * most;
+    const std::string numbers(end - size * last, end);
+    int32_t left = most - last;
+    if (generator.family.skips_ahead) EXPECT_EQ(__vxsSkipAheadStream(other.get(), left), VXS_STATUS_OK);
+    else
+      for (int32_t n; left > 0; left -= n) draw(other, n = std::min(left, 1 << 20));
+    ASSERT_EQ(draw(other, last), VXS_STATUS_OK);
+    EXPECT_EQ(numbers, std::string(memory.data(), size * last));
+    EXPECT_EQ(payload(stream), payload(other));
+  };
+  const std::string chosen[] = {"MCG31M1", "R250",     "MRG32K3A", "MCG59",   "WH 0",
+                                "Sobol 3", "Sobol 40", "MT19937",  "MT2203 0"};
+  for (const Generator &generator : all_generators()) {
+    if (std::find(std::begin(chosen), std::end(chosen), generator.name) == std::end(chosen)) continue;
+    const BrngRecord record = generator_of(generator.start());
+    expect_same(generator, record.WordSize, [&](const Stream &from, int32_t n) {
+      return record.iBrng(from.get(), n, reinterpret_cast<uint32_t *>(memory.data()));
+    });
+    if (record.WordSize == 16)  // the others make reals of their words
+      expect_same(generator, sizeof(float), [&](const Stream &from, int32_t n) {
+        return record.sBrng(from.get(), n, reinterpret_cast<float *>(memory.data()), 0, 1);
+      });
   }
 }
 

@@ -7,8 +7,8 @@
 
 #include "streams/quasi/digital_sequence.h"
 #include "streams/tables/tables.h"
-#include "tests/streams/allocations.h"
 #include "tests/streams/generators.h"
+#include "tests/support/allocations.h"
 
 namespace {
 
@@ -155,13 +155,6 @@ TEST(QuasiRandom, UserArrays) {
   }
 }
 
-TEST(QuasiRandom, FailingAllocations) {
-  for (const uint32_t id : {sobol_id, niederreiter_id}) {
-    const Words array = user_directions(400);
-    EXPECT_EQ(fail_each_allocation([&] { return status_of_new_stream(id, array); }), 3);
-  }
-}
-
 // A stream that was refused, or has lost its chunk, tells so at every use.
 void expect_refusals(const Stream &stream) {
   const BrngRecord generator = generator_of(stream);
@@ -177,7 +170,8 @@ void expect_refusals(const Stream &stream) {
 
 TEST(QuasiRandom, RefusedStreamsAnswerNoNumbers) {
   for (const auto &[id, dim] : {std::pair{sobol_id, 41u}, {niederreiter_id, 319u}}) {
-    const Words array = {dim, 1, 1, 0};
+    const Words array = {dim, 1, 1, 0}, large = user_directions(400);
+    EXPECT_EQ(allocations_survived([&] { return status_of_new_stream(id, large); }, VXS_STATUS_NO_MEMORY), 3);
     StreamState *refused = nullptr;
     EXPECT_EQ(__vxsNewStreamEx(&refused, id, 4, array.data()), VXS_STATUS_BAD_ARGUMENT);
     const Stream stream(refused);

@@ -46,6 +46,30 @@ TEST(WordGenerators, Mrg32k3aGivesThePublishedSum) {
   EXPECT_NEAR(sum, 5001090.95, 0.005);
 }
 
+// SplitMix64 by its published first numbers from 1234567, then the hash in its terms.
+TEST(SeedWords, AreThoseOfSplitMix64) {
+  const auto next = [](uint64_t &state) {
+    uint64_t z = state += 0x9e3779b97f4a7c15;
+    z = (z ^ (z >> 30)) * 0xbf58476d1ce4e5b9;
+    z = (z ^ (z >> 27)) * 0x94d049bb133111eb;
+    return z ^ (z >> 31);
+  };
+  uint64_t published = 1234567;
+  EXPECT_EQ(next(published), 6457827717110365317u);
+  EXPECT_EQ(next(published), 3203168211198807973u);
+  for (const uint64_t seed : {uint64_t{0}, uint64_t{777}, ~uint64_t{0}})
+    for (const uint64_t index : {uint64_t{0}, uint64_t{5}, ~uint64_t{0}}) {
+      uint64_t start = seed, state = next(start) + index * 0x9e3779b97f4a7c15;
+      state = next(state);
+      const uint64_t words[] = {next(state), next(state)};
+      uint32_t found[4] = {0, 0, 0, 7};
+      __vxsSeedWords(seed, index, 3, found);
+      EXPECT_EQ(memcmp(found, words, 3 * sizeof *found), 0) << seed << ", " << index;
+      EXPECT_EQ(found[3], 7u);
+    }
+  __vxsSeedWords(1, 2, -1, nullptr);
+}
+
 TEST(Generators, SeedsThatMeanTheSame) {
   constexpr uint32_t top = 0xffffffff;
   const struct {

@@ -38,8 +38,4 @@ Errors<T> measure(const VectorFunction<T> &f, uint64_t points);
 // Every float in the range of a function of one input.
 Errors<float> measure_all(const VectorFunction<float> &f);
 
-// The worst result that is a normal number, by an adaptive search from `runs` different samples.
-template <class T>
-Worst<T> search(const VectorFunction<T> &f, int runs);
-
 }  // namespace qkr::tests

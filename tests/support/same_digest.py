@@ -1,10 +1,15 @@
 """A digest prints the same on other processors and with other choices of the C library: emulated ones of
-two generations, and a C library that is told to do without AVX2 and fused operations."""
+two generations, and a C library that is told to do without AVX2 and fused operations. Where the bits that the
+library gives to its users are recorded in a file, they are those.
+
+same_digest.py PROGRAM SIZE [FILE [--write]]
+"""
 import os
 import subprocess
 import sys
+from pathlib import Path
 
-program, size = sys.argv[1:]
+program, size, *recorded = sys.argv[1:]
 VARIANTS = {
     "a C library without AVX2 and FMA": ([], {"GLIBC_TUNABLES": "glibc.cpu.hwcaps=-AVX2,-FMA,-FMA4"}),
     "a processor without AVX": (["qemu-x86_64", "-cpu", "Nehalem"], {}),
@@ -18,11 +23,15 @@ def digest(emulator=(), environment={}):
 
 
 here = digest()
+if "--write" in recorded:
+    Path(recorded[0]).write_text("\n".join(here) + "\n")
 faults = [] if len(here) > 50 else [f"only {len(here)} lines"]
-for name, variant in VARIANTS.items():
-    there = digest(*variant)
+results = {name: digest(*variant) for name, variant in VARIANTS.items()}
+if recorded:
+    results["what is recorded"] = Path(recorded[0]).read_text().splitlines()
+for name, there in results.items():
     different = [f"{a} | {b}" for a, b in zip(here, there) if a != b]
     if different or len(there) != len(here):
         faults.append("\n".join([f"{name}: {len(different)} of {len(here)} lines differ", *different[:5]]))
-print(f"{len(here)} lines, {len(VARIANTS)} variants")
+print(f"{len(here)} lines, {len(results)} variants")
 sys.exit("\n".join(faults) or 0)

@@ -253,50 +253,9 @@ std::vector<Finding> examine(const Case &a_case, StreamState *stream, int64_t n,
   return findings;
 }
 
-template <class T>
-std::vector<Finding> examine_vectors(const Factor &factor, int32_t storage, int32_t method,
-                                     StreamState *stream, int64_t n, double distortion) {
-  const int32_t d = factor.size;
-  const std::vector<T> mean = factor.means<T>(), t = factor.stored<T>(storage);
-  std::vector<double> full = Factor{d, storage == 2}.stored<double>(0), means(d), covariances(d * d), z(d);
-  for (double &element : full) element *= 1 + distortion;
-  const int32_t vectors = std::max(1, block / d);
-  std::vector<T> x(size_t(vectors) * d);
-  for (int64_t done = 0; done < n; done += vectors) {
-    const int32_t m = static_cast<int32_t>(std::min<int64_t>(vectors, n - done));
-    int32_t status;
-    if constexpr (sizeof(T) == 8)
-      status = _vxsdRngGaussianMV(method, stream, m, x.data(), d, storage, mean.data(), t.data());
-    else status = _vxssRngGaussianMV(method, stream, m, x.data(), d, storage, mean.data(), t.data());
-    if (status != VXS_STATUS_OK) return {{"status", double(status), 0}};
-    for (const T *v = x.data(); v != x.data() + size_t(m) * d; v += d)
-      for (int32_t j = 0; j < d; ++j) {
-        double rest = v[j] - factor.mean(j);
-        for (int32_t i = 0; i < j; ++i) rest -= full[j * d + i] * z[i];
-        z[j] = rest / full[j * d + j];
-        means[j] += z[j];
-        for (int32_t i = 0; i <= j; ++i) covariances[j * d + i] += z[i] * z[j];
-      }
-  }
-  const double count = static_cast<double>(n);
-  double from_zero = 0, from_unit = 0;
-  for (int32_t j = 0; j < d; ++j) {
-    from_zero += means[j] * means[j] / count;
-    for (int32_t i = 0; i < j; ++i) from_unit += covariances[j * d + i] * covariances[j * d + i] / count;
-    from_unit += std::pow(covariances[j * d + j] - count, 2) / (2 * count);
-  }
-  return {{"means", from_zero, chi_squared_probability(from_zero, d)},
-          {"covariances", from_unit, chi_squared_probability(from_unit, d * (d + 1) / 2.0)}};
-}
-
 #define INSTANTIATE(T) template std::vector<Finding> examine<T>(const Case &, StreamState *, int64_t, double);
 INSTANTIATE(double)
 INSTANTIATE(float)
 INSTANTIATE(int32_t)
-#define INSTANTIATE_VECTORS(T)                                                                               \
-  template std::vector<Finding> examine_vectors<T>(const Factor &, int32_t, int32_t, StreamState *, int64_t, \
-                                                   double);
-INSTANTIATE_VECTORS(double)
-INSTANTIATE_VECTORS(float)
 
 }  // namespace qkr::tests

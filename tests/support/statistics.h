@@ -28,10 +28,4 @@ double outermost_probability(double n);
 template <class T>
 std::vector<Finding> examine(const Case &a_case, StreamState *stream, int64_t n, double distortion = 0);
 
-// The same for n vectors of GaussianMV. With the inverse of T, which `distortion` makes larger, they are
-// turned back into independent standard normal numbers; their means and covariances are two sums of squares.
-template <class T>
-std::vector<Finding> examine_vectors(const Factor &factor, int32_t storage, int32_t method,
-                                     StreamState *stream, int64_t n, double distortion = 0);
-
 }  // namespace qkr::tests

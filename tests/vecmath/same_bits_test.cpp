@@ -1,14 +1,18 @@
-// The bits of a result depend on the input alone: not on the vector width, the place in a vector, the entry,
-// or the caller's control words.
+// What holds for every vector function, real or complex: its results depend on the input alone, not on the
+// vector width, the place in a vector, the entry, or the caller's control words; it keeps to its arrays; and
+// ordinary input raises no event but inexact.
 #include <algorithm>
+#include <fenv.h>
+#include <functional>
 #include <gtest/gtest.h>
 #include <immintrin.h>
 #include <qkr/vecmath_control.h>
 #include <string.h>
 #include <string>
 
+#include "tests/support/complex_functions.h"
+#include "tests/support/guarded.h"
 #include "tests/support/levels.h"
-#include "tests/support/samples.h"
 #include "tests/vecmath/fresh_thread.h"
 
 namespace {
@@ -16,93 +20,130 @@ namespace {
 using namespace qkr::tests;
 
 template <class T>
-class SameBits : public testing::Test {};
-using Elements = testing::Types<double, float>;
+class SameBits : public testing::Test {
+ protected:
+  void SetUp() override { _vxmSetMode(VXM_MODE_IGNORE); }
+  void TearDown() override { _vxmSetMode(VXM_MODE_DEFAULT); }
+};
+using Elements = testing::Types<double, float, vxm64fc, vxm32fc>;
 TYPED_TEST_SUITE(SameBits, Elements);
 
-// Inputs and results of one function, the results one behind the other where there are two.
+template <class T>
+constexpr bool is_complex = !std::is_floating_point_v<T>;
+
+// One function with its inputs: b and q are read and written only where it has two inputs, two results.
 template <class T>
 struct Case {
-  const VectorFunction<T> &f;
+  using Call = std::function<void(int32_t n, const T *a, const T *b, T *r, T *q)>;
+  const char *name;
+  int inputs, results;
+  Call entry, low;  // low: by the lower-accuracy name, where there is one
   std::vector<T> a, b;
+  bool follows_caller = false;  // rounds as the caller does
+
   int count() const { return static_cast<int>(a.size()); }
-
-  Case(const VectorFunction<T> &function, int count)
-      : f(function), a(mixed_inputs(f, f.a, count, 1)), b(mixed_inputs(f, f.b, count, 2)) {}
-
-  std::vector<T> results() const { return std::vector<T>(a.size() * f.entry.results(), T(77)); }
-  void run(int first, int n, std::vector<T> &r) const { run(f.entry, first, n, r); }
-  void run(const Entry<T> &entry, int first, int n, std::vector<T> &r) const {
-    entry(n, &a[first], &b[first], &r[first], entry.results() == 2 ? &r[first + a.size()] : nullptr);
+  // Of `n` elements from `first` on; second results stand behind all the first ones.
+  void run(const Call &call, int first, int n, std::vector<T> &r) const {
+    call(n, &a[first], &b[first], &r[first], &r[first + (results - 1) * a.size()]);
   }
-  std::vector<T> one_by_one() const {
-    std::vector<T> r = results();
-    for (int i = 0; i < count(); ++i) run(i, 1, r);
+  std::vector<T> blank() const { return std::vector<T>(a.size() * results, T{}); }
+  std::vector<T> in_pieces(int longest) const {
+    std::vector<T> r = blank();
+    for (int first = 0, n = 1; first < count(); first += n, n = n % longest + 1)
+      run(entry, first, std::min(n, count() - first), r);
     return r;
   }
   std::vector<T> at_once() const {
-    std::vector<T> r = results();
-    run(0, count(), r);
+    std::vector<T> r = blank();
+    run(entry, 0, count(), r);
     return r;
-  }
-
-  testing::AssertionResult same(const std::vector<T> &expected, const std::vector<T> &got) const {
-    for (size_t i = 0; i < expected.size(); ++i)
-      if (pattern_of(expected[i]) != pattern_of(got[i]))
-        return testing::AssertionFailure()
-               << f.name << " of " << std::hexfloat << a[i % a.size()] << ", " << b[i % a.size()] << " gives "
-               << got[i] << " instead of " << expected[i];
-    return testing::AssertionSuccess();
   }
 };
 
-TYPED_TEST(SameBits, AtAllLevelsLengthsAndPlaces) {
-  using T = TypeParam;
-  in_fresh_thread([] {
-    _vxmSetMode(VXM_MODE_IGNORE);
-    for (const auto &f : vector_functions<T>()) {
-      const Case<T> inputs(f, 20'011);
-      const std::vector<T> expected = inputs.one_by_one();
-      for_each_level([&](const char *level) {
-        SCOPED_TRACE(level);
-        EXPECT_TRUE(inputs.same(expected, inputs.at_once()));
-        EXPECT_TRUE(inputs.same(expected, inputs.one_by_one()));
-        std::vector<T> pieces = inputs.results();
-        for (int first = 0, n = 1; first < inputs.count(); first += n, n = n % 71 + 1)
-          inputs.run(first, std::min(n, inputs.count() - first), pieces);
-        EXPECT_TRUE(inputs.same(expected, pieces)) << "in pieces";
-        if (f.low.unary || f.low.binary || f.low.two_results) {
-          std::vector<T> low = inputs.results();
-          inputs.run(f.low, 0, inputs.count(), low);
-          EXPECT_TRUE(inputs.same(expected, low)) << "by the lower-accuracy name";
-        }
-      });
+// All functions with inputs of every kind, or with ordinary ones.
+template <class T>
+std::vector<Case<T>> cases(int count, bool ordinary = false) {
+  std::vector<Case<T>> all;
+  if constexpr (is_complex<T>) {
+    for (const auto &f : complex_functions<T>()) {
+      const auto call = [](const ComplexEntry<T> &entry) {
+        return [&entry](int32_t n, const T *a, const T *b, T *r, T *) { entry(n, a, b, r); };
+      };
+      all.push_back({f.name, f.entry.binary ? 2 : 1, 1, call(f.entry), call(f.low), {}, {}});
+      Random random{1};
+      for (int i = 0; i < count; ++i) {
+        Operands z = any_operands(random);
+        const double tiny = std::ldexp(random.unit() - 0.5, -static_cast<int>(random.below(99)));
+        if (ordinary) z = {random.unit() * 3 - 1.5, tiny, random.unit() * 3, random.unit()};
+        all.back().a.push_back(rounded_element<T>(z.x, z.y));
+        all.back().b.push_back(f.entry.with_number && i ? all.back().b[0] : rounded_element<T>(z.u, z.v));
+      }
     }
-  });
+  } else {
+    const auto inputs = [=](const VectorFunction<T> &f, Range<T> range, uint64_t seed) {
+      if (!ordinary) return mixed_inputs(f, range, count, seed);
+      Random random{seed};
+      std::vector<T> x(count);
+      for (T &number : x)
+        number = value_between(Range<T>{std::max(range.low, T(-20)), std::min(range.high, T(20))}, random);
+      return x;
+    };
+    for (const auto &f : vector_functions<T>()) {
+      const bool has_low = f.low.unary || f.low.binary || f.low.two_results;
+      all.push_back({f.name, f.entry.inputs(), f.entry.results(), f.entry,
+                     has_low ? typename Case<T>::Call(f.low) : nullptr, inputs(f, f.a, 1), inputs(f, f.b, 2),
+                     f.rounding == Rounding::callers});
+    }
+  }
+  return all;
+}
+
+template <class T>
+testing::AssertionResult same(const Case<T> &c, const std::vector<T> &expected, const std::vector<T> &got) {
+  for (size_t i = 0; i < expected.size(); ++i)
+    if (memcmp(&expected[i], &got[i], sizeof(T)) != 0) {
+      const size_t k = i % c.a.size();
+      return testing::AssertionFailure()
+             << c.name << " of element " << i << ", " << testing::PrintToString(c.a[k]) << ' '
+             << testing::PrintToString(c.b[k]);
+    }
+  return testing::AssertionSuccess();
+}
+
+TYPED_TEST(SameBits, AtAllLevelsLengthsAndPlaces) {
+  for (const auto &c : cases<TypeParam>(is_complex<TypeParam> ? 2'011 : 20'011)) {
+    const auto expected = c.in_pieces(1);
+    for_each_level([&](const char *level) {
+      SCOPED_TRACE(level);
+      EXPECT_TRUE(same(c, expected, c.at_once()));
+      EXPECT_TRUE(same(c, expected, c.in_pieces(1))) << "one by one";
+      EXPECT_TRUE(same(c, expected, c.in_pieces(150))) << "in pieces";
+      if (!c.low) return;
+      auto low = c.blank();
+      c.run(c.low, 0, c.count(), low);
+      EXPECT_TRUE(same(c, expected, low)) << "by the lower-accuracy name";
+    });
+  }
 }
 
 TYPED_TEST(SameBits, WhenAResultReplacesAnInput) {
-  using T = TypeParam;
-  in_fresh_thread([] {
-    _vxmSetMode(VXM_MODE_IGNORE);
-    for (const auto &f : vector_functions<T>()) {
-      const Case<T> inputs(f, 4'001);
-      const std::vector<T> expected = inputs.at_once();
-      for_each_level([&](const char *level) {
-        SCOPED_TRACE(level);
-        for (int replaced = 0; replaced < std::max(f.entry.inputs(), f.entry.results()); ++replaced) {
-          std::vector<T> a = inputs.a, b = inputs.b, r = inputs.results();
-          T *first = &r[0], *second = f.entry.results() == 2 ? &r[inputs.count()] : nullptr;
-          const bool by_second_result = f.entry.results() == 2 && replaced == 1;
-          T *const input = f.entry.inputs() == 2 && replaced == 1 ? &b[0] : &a[0];
-          (by_second_result ? second : first) = input;
-          f.entry(inputs.count(), &a[0], &b[0], first, second);
-          std::copy_n(input, inputs.count(), &r[by_second_result ? inputs.count() : 0]);
-          EXPECT_TRUE(inputs.same(expected, r));
-        }
-      });
-    }
-  });
+  for (const auto &c : cases<TypeParam>(2'001)) {
+    const auto expected = c.at_once();
+    for_each_level([&](const char *level) {
+      SCOPED_TRACE(level);
+      for (int replaced = 0; replaced < std::max(c.inputs, c.results); ++replaced) {
+        auto a = c.a, b = c.b, r = c.blank();
+        auto *const input = c.inputs == 2 && replaced == 1 ? b.data() : a.data();
+        const int result = c.results == 2 ? replaced : 0;
+        TypeParam *results[2] = {r.data(), r.data() + (c.results - 1) * c.a.size()};
+        TypeParam *const place = results[result];
+        results[result] = input;
+        c.entry(c.count(), a.data(), b.data(), results[0], results[1]);
+        std::copy_n(input, c.count(), place);
+        EXPECT_TRUE(same(c, expected, r));
+      }
+    });
+  }
 }
 
 uint16_t x87_control() {
@@ -113,39 +154,53 @@ uint16_t x87_control() {
 void set_x87_control(uint16_t word) { asm volatile("fldcw %0" : : "m"(word)); }
 
 TYPED_TEST(SameBits, UnderTheCallersControlWords) {
-  using T = TypeParam;
-  static constexpr unsigned down = 0x2000, up = 0x4000, toward_zero = 0x6000, ftz = 0x8000, daz = 0x0040;
-  in_fresh_thread([] {
-    _vxmSetMode(VXM_MODE_IGNORE);
-    const unsigned usual = _mm_getcsr();
-    for (const auto &f : vector_functions<T>()) {
-      const Case<T> inputs(f, 3'001);
-      const std::vector<T> ordinary = inputs.at_once();
-      for (const unsigned controls : {down, up, toward_zero, ftz, daz, up | ftz | daz})
+  constexpr unsigned down = 0x2000, up = 0x4000, toward_zero = 0x6000, ftz = 0x8000, daz = 0x0040;
+  const unsigned usual = _mm_getcsr();
+  const uint16_t usual_x87 = x87_control();
+  for (const auto &c : cases<TypeParam>(is_complex<TypeParam> ? 501 : 2'001)) {
+    const auto ordinary = c.at_once();
+    for (const unsigned controls : {0u, down, up, toward_zero, ftz, daz, up | ftz | daz})
+      for (const uint16_t x87 : {0x300, 0x000, 0x200, 0x700, 0xF00})
         for_each_level([&](const char *level) {
-          SCOPED_TRACE(std::string(f.name) + " at " + level + ", MXCSR controls " + std::to_string(controls));
+          if (controls && x87 != 0x300 && !is_complex<TypeParam>) return;  // one of them at a time
+          SCOPED_TRACE(testing::Message() << level << ", controls " << controls << " and " << x87);
           const unsigned word = (usual & ~0x3Fu) | controls;
+          const auto word_x87 = static_cast<uint16_t>((usual_x87 & ~0xF00) | x87);
           _mm_setcsr(word);
-          const std::vector<T> got = inputs.at_once();
+          set_x87_control(word_x87);
+          const auto got = c.at_once();
           const unsigned after = _mm_getcsr();
+          const uint16_t after_x87 = x87_control();
           _mm_setcsr(word);
-          const std::vector<T> expected = f.rounding == Rounding::own ? ordinary : inputs.one_by_one();
+          const auto expected = c.follows_caller ? c.in_pieces(1) : ordinary;
           _mm_setcsr(usual);
-          EXPECT_TRUE(inputs.same(expected, got));
+          set_x87_control(usual_x87);
+          EXPECT_TRUE(same(c, expected, got));
           EXPECT_EQ(after & ~_MM_EXCEPT_MASK, word & ~_MM_EXCEPT_MASK);
+          EXPECT_EQ(after_x87, word_x87);
         });
-      for (const uint16_t controls : {0x000, 0x200, 0x300, 0x400, 0x800, 0xC00, 0xF00}) {
-        SCOPED_TRACE(std::string(f.name) + ", x87 controls " + std::to_string(controls));
-        const uint16_t before = x87_control(), word = static_cast<uint16_t>((before & ~0xF00) | controls);
-        set_x87_control(word);
-        const std::vector<T> got = inputs.at_once();
-        const uint16_t after = x87_control();
-        set_x87_control(before);
-        EXPECT_TRUE(inputs.same(ordinary, got));
-        EXPECT_EQ(after, word);
+  }
+}
+
+// Every length, between pages that must not be touched.
+TYPED_TEST(SameBits, KeepsToItsArraysWithoutEvents) {
+  using T = TypeParam;
+  constexpr int longest = 140;
+  for (const auto &c : cases<T>(longest, true))
+    for (const Edge edge : {Edge::end, Edge::start})
+      for (int n = 0; n <= longest; n += n < 40 ? 1 : 11) {
+        Guarded<T> a(n, edge), b(n, edge), r(n, edge), q(n, edge);
+        const T number[1] = {c.b[0]};
+        const bool with_number = is_complex<T> && c.inputs == 1;  // may read one element of b
+        std::copy_n(c.a.data(), n, a.data());
+        std::copy_n(c.b.data(), n, b.data());
+        for_each_level([&](const char *level) {
+          feclearexcept(FE_ALL_EXCEPT);
+          c.entry(n, a.data(), with_number ? number : b.data(), r.data(), q.data());
+          ASSERT_EQ(fetestexcept(FE_ALL_EXCEPT & ~FE_INEXACT), 0) << c.name << ' ' << n << ' ' << level;
+          c.entry(-n, a.data(), number, r.data(), q.data());
+        });
       }
-    }
-  });
 }
 
 }  // namespace

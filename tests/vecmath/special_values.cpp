@@ -1,342 +1,179 @@
-// Rows: function, inputs, result, status.
+// The tables as text, which both precisions read.
 #include "tests/vecmath/special_values.h"
 
-#define NAME(function) either<T>("_vxmd" #function "_HA", "_vxms" #function "_HA")
+#include <iterator>
+#include <map>
 
 namespace qkr::tests {
 namespace {
 
+// "Functions: input = result; input = result status; ..." The functions of two inputs or results have both. An
+// accurate result is "~", and "a|b" is a for doubles and b for floats; the rest is told at value_of. dExp and
+// sExp are the functions of one precision.
+constexpr char table[] = R"(
+Exp: quiet = ones|quiet; -quiet = ones|-quiet; signalling = ones|quiet; inf = inf; -inf = 0; 0 = 1; -0 = 1;
+    smallest = 1; -normal = 1; largest = inf 3; -largest = 0 4
+Sqrt: quiet = quiet; -quiet = -quiet; signalling = quiet; inf = inf; 0 = 0; -0 = -0; -inf = nan 1;
+    -1 = nan 1; -smallest = nan 1; -largest = nan 1; smallest = ~; subnormal = ~; normal = ~; largest = ~
+Erf: quiet = quiet; signalling = quiet; inf = 1; -inf = -1; -largest = -1; 0 = 0; -0 = -0; smallest = ~;
+    -subnormal = ~
+Erfc: -quiet = -quiet; signalling = quiet; inf = 0; -inf = 2; -largest = 2; largest = 0 4; -smallest = 1;
+    26.543|9.1945 = ~; 26.544|9.195 = ~ 4; 27.226|10.05 = smallest 4; 27.25|10.1 = 0 4
+ErfInv: quiet = quiet; signalling = quiet; 1 = inf 2; -1 = -inf 2; 1+ = nan 1; -inf = nan 1; 1- = ~;
+    -0 = -0; smallest = ~; -subnormal = ~
+Div: 1 0 = inf 2; 1 -0 = -inf 2; -smallest 0 = -inf 2; 0 0 = nan 2; inf 0 = inf 0|2; -inf 0 = -inf 0|2;
+    quiet 0 = quiet 0|2; signalling 1 = quiet; 1 -quiet = -quiet; inf inf = nan; -0 7 = -0; 7 -inf = -0;
+    1 smallest = inf; largest 0.5 = inf; smallest 4 = 0; normal 3 = ~
+InvSqrt: 0 = inf 2; -0 = -inf 2; -1 = nan 1; -inf = nan 1; inf = 0; smallest = ~
+Cbrt: -inf = -inf; -0 = -0; smallest = ~
+InvCbrt: -0 = -inf 2; -inf = -0; -smallest = ~
+Hypot: inf quiet = inf; quiet 1 = quiet; largest largest = inf 3; smallest 0 = smallest; -0 -0 = 0
+Cosh: quiet = quiet; -inf = inf; -0 = 1; smallest = 1; -cosh_overflow = inf 3; largest = inf 3;
+    cosh_overflow- = ~
+Sinh: -quiet = -quiet; -inf = -inf; -0 = -0; -smallest = -smallest; normal = normal;
+    -cosh_overflow = -inf 3; largest = inf 3; -cosh_overflow+ = ~
+Tanh: signalling = quiet; -inf = -1; -0 = -0; -smallest = -smallest; subnormal = subnormal; normal = normal;
+    -largest = -1
+Pow: quiet 0 = 1; 1 quiet = 1; -0 -3 = -inf 2; -0 -2 = inf 2; 0 -inf = inf; -0 3 = -0; -1 inf = 1;
+    -2 0.5 = nan 1; -2 3 = -8; -inf -3 = -0; 0.5 -inf = inf; 10 400 = inf 3; -10 401 = -inf 3;
+    10 -400 = 0 4; 2 -1060|-140 = 0x1p-1060|0x1p-140 4
+Inv: 0 = inf 2; -0 = -inf 2; inf = 0; -inf = -0; quiet = quiet; signalling = quiet; smallest = inf;
+    -subnormal = ~; largest = ~
+Sin Tan Cos: inf = nan 1; -inf = nan 1; quiet = nan|quiet; -quiet = nan|-quiet; signalling = nan|quiet 1|0;
+    smallest = ~; -normal = ~; -largest = ~; 1e22 = ~
+SinCos: inf = nan nan 1; -inf = nan nan 1; quiet = nan|quiet nan|quiet; -quiet = nan|-quiet nan|-quiet;
+    signalling = nan|quiet nan|quiet 1|0; 0 = 0 1; -0 = 0|-0 1; smallest = ~ ~; -normal = ~ ~; -largest = ~ ~;
+    1e22 = ~ ~
+Sin: 0 = 0; -0 = 0|-0
+Cos: 0 = 1; -0 = 1
+Tan: 0 = 0; -0 = -0
+Atan Asin Acos Acosh Asinh Atanh: quiet = quiet; -quiet = -quiet; signalling = quiet
+Atan Asin Asinh Atanh: 0 = 0; -0 = -0; smallest = smallest; -smallest = -smallest; normal = normal;
+    subnormal = subnormal
+Asin Acos Atanh: 1+ = nan 1; -1- = nan 1; largest = nan 1; inf = nan 1; -inf = nan 1
+Atan: inf = ~; largest = ~
+Asin: 1 = ~
+Acos: 1 = 0; -1 = ~; 0 = ~
+Acosh: 1 = 0; 1+ = ~; largest = ~; inf = inf; 1- = nan 1; 0 = nan 1; -0 = nan 1; -smallest = nan 1;
+    -1 = nan 1; -largest = nan 1; -inf = nan 1
+Asinh: inf = inf; largest = ~
+Atanh: 1 = inf 2; -1 = -inf 2; 1- = ~
+Atan2: quiet inf = quiet; 0 quiet = quiet; smallest inf = 0; -1 inf = -0; 0 1 = 0; -0 largest = -0; 0 0 = 0;
+    -0 0 = -0
+Ln: quiet = quiet; -quiet = -quiet; signalling = signalling; inf = inf; 0 = -inf 2; -0 = -inf 2;
+    -inf = nan|domain_nan 1; -1 = nan|domain_nan 1; -smallest = nan|domain_nan 1; -largest = nan|domain_nan 1; 1 = 0;
+    smallest = ~; subnormal = ~; normal = ~; largest = ~
+Log10: quiet = quiet; -quiet = -quiet; signalling = signalling; inf = inf; 0 = -inf 2; -0 = -inf 2;
+    -inf = nan 1; -1 = nan 1; -smallest = nan 1; -largest = nan 1; 1 = 0; smallest = ~; subnormal = ~;
+    normal = ~; largest = ~
+dExp: 708.39599609375- = ~; 708.39599609375 = ~; -708.39599609375+ = ~; -708.39599609375 = ~;
+    0x1.62e37e7d8ba71p+9 = ~; 0x1.62e37e7d8ba72p+9 = ~; 709.78 = ~; 0x1.62e42fefa39efp+9 = ~;
+    0x1.62e42fefa39f0p+9 = inf 3; 710 = inf 3; -0x1.6232bdd7abcd0p+9 = ~; -0x1.6232bdd7abcd1p+9 = ~ 4;
+    -708.4 = ~ 4; -0x1.74910d52d3051p+9 = smallest 4; -0x1.74910d52d3052p+9 = 0 4; -746 = 0 4
+sExp: 87.3365478515625- = ~; 87.3365478515625 = ~; 88.5 = ~; 88.72283935546875- = ~;
+    88.72283935546875 = inf 3; 89 = inf 3; -87.3365478515625+ = ~; -87.3365478515625 = ~ 4; -100 = ~ 4;
+    -103.27893829345703+ = smallest 4; -103.27893829345703 = 0 4; -104 = 0 4
+)";
+
 template <class T>
-T nan(Pattern<T> low_bits, bool signalling = false, bool negative = false) {
+T next(T x, int step) {
+  return of_rank<T>(rank(x) + step);
+}
+
+template <class T>
+T nan(Pattern<T> low_bits, bool signalling) {
   constexpr int quiet_bit = std::numeric_limits<T>::digits - 2;
-  Pattern<T> pattern = pattern_of(std::numeric_limits<T>::infinity()) | low_bits;
-  if (!signalling) pattern |= Pattern<T>(1) << quiet_bit;
-  if (negative) pattern |= ~(~Pattern<T>() >> 1);
-  return from_pattern<T>(pattern);
+  const Pattern<T> pattern = pattern_of(std::numeric_limits<T>::infinity()) | low_bits;
+  return from_pattern<T>(signalling ? pattern : pattern | Pattern<T>(1) << quiet_bit);
 }
 
 template <class T>
-T next_up(T x) {
-  return of_rank<T>(rank(x) + 1);
+T negative(T x) {
+  return from_pattern<T>(pattern_of(x) ^ ~(~Pattern<T>() >> 1));  // of a NaN too
 }
+
 template <class T>
-T next_down(T x) {
-  return of_rank<T>(rank(x) - 1);
-}
-
-// Where Exp changes its ways: the last input before each threshold and the first behind it.
-std::vector<Special<double>> exp_thresholds(double) {
-  constexpr double inf = std::numeric_limits<double>::infinity();
-  constexpr double smallest = std::numeric_limits<double>::denorm_min();
-  constexpr auto name = "_vxmdExp_HA";
-  return {
-      {name, next_down(708.39599609375), 0, accurate, 0},
-      {name, 708.39599609375, 0, accurate, 0},
-      {name, next_up(-708.39599609375), 0, accurate, 0},
-      {name, -708.39599609375, 0, accurate, 0},
-      {name, from_pattern<double>(0x40862E37E7D8BA71), 0, accurate, 0},
-      {name, from_pattern<double>(0x40862E37E7D8BA72), 0, accurate, 0},
-      {name, 709.78, 0, accurate, 0},
-      {name, from_pattern<double>(0x40862E42FEFA39EF), 0, accurate, 0},
-      {name, from_pattern<double>(0x40862E42FEFA39F0), 0, inf, 3},
-      {name, 710, 0, inf, 3},
-      {name, from_pattern<double>(0xC086232BDD7ABCD0), 0, accurate, 0},
-      {name, from_pattern<double>(0xC086232BDD7ABCD1), 0, accurate, 4},
-      {name, -708.4, 0, accurate, 4},
-      {name, from_pattern<double>(0xC0874910D52D3051), 0, smallest, 4},
-      {name, from_pattern<double>(0xC0874910D52D3052), 0, 0.0, 4},
-      {name, -746, 0, 0.0, 4},
-  };
-}
-
-std::vector<Special<float>> exp_thresholds(float) {
-  constexpr float inf = std::numeric_limits<float>::infinity();
-  constexpr float smallest = std::numeric_limits<float>::denorm_min();
-  constexpr auto name = "_vxmsExp_HA";
-  return {
-      {name, next_down(87.3365478515625f), 0, accurate, 0},
-      {name, 87.3365478515625f, 0, accurate, 0},
-      {name, 88.5f, 0, accurate, 0},
-      {name, next_down(88.72283935546875f), 0, accurate, 0},
-      {name, 88.72283935546875f, 0, inf, 3},
-      {name, 89, 0, inf, 3},
-      {name, next_up(-87.3365478515625f), 0, accurate, 0},
-      {name, -87.3365478515625f, 0, accurate, 4},
-      {name, -100, 0, accurate, 4},
-      {name, next_up(-103.27893829345703f), 0, smallest, 4},
-      {name, -103.27893829345703f, 0, 0.0f, 4},
-      {name, -104, 0, 0.0f, 4},
-  };
-}
-
-// NaNs that differ in whether they count as an infinity, infinities, zeros, and the smallest numbers.
-template <class T>
-std::vector<Special<T>> circular_values(T inf, T smallest, T normal, T largest) {
-  const T indefinite = nan<T>(0, false, true);
-  const T quiet = nan<T>(0x1234), negative_quiet = nan<T>(0x1234, false, true);
-  const bool is_double = sizeof(T) == 8;
-  const struct {
-    const char *name;
-    Expected<T> of_zero, of_negative_zero;
-  } functions[] = {
-      {NAME(Sin), T(0), either<T>(0.0, -0.0f)},
-      {NAME(SinCos), T(0), either<T>(0.0, -0.0f)},
-      {NAME(Tan), T(0), -T(0)},
-      {NAME(Cos), T(1), T(1)},
-  };
-  std::vector<Special<T>> rows;
-  for (const auto &f : functions) {
-    const auto add = [&](T a, Expected<T> result, int32_t status, Expected<T> cosine) {
-      rows.push_back({f.name, a, 0, result, status, cosine});
-    };
-    const auto add_nan = [&](T a, T result, int32_t status) { add(a, result, status, result); };
-    add_nan(inf, indefinite, 1);
-    add_nan(-inf, indefinite, 1);
-    add_nan(quiet, is_double ? indefinite : quiet, 0);
-    add_nan(negative_quiet, is_double ? indefinite : negative_quiet, 0);
-    add_nan(nan<T>(0x1234, true), is_double ? indefinite : quiet, is_double ? 1 : 0);  // high word 0x7FF00000
-    add(0, f.of_zero, 0, T(1));
-    add(-T(0), f.of_negative_zero, 0, T(1));
-    for (T x : {smallest, -normal, -largest, T(1e22)}) add(x, accurate, 0, accurate);
-  }
-  return rows;
-}
-
-// The inverse functions; those of one sign are odd or have rows of their own.
-template <class T>
-std::vector<Special<T>> inverse_values(T inf, T smallest, T normal, T largest) {
-  const T domain_nan = nan<T>(0, false, true), above = next_up(T(1)), below = next_down(T(1));
-  const T quiet = nan<T>(0x1234), negative_quiet = nan<T>(0x1234, false, true);
-  std::vector<Special<T>> rows = {
-      {NAME(Atan), inf, 0, accurate, 0},
-      {NAME(Atan), largest, 0, accurate, 0},
-      {NAME(Asin), 1, 0, accurate, 0},
-      {NAME(Acos), 1, 0, T(0), 0},
-      {NAME(Acos), -1, 0, accurate, 0},
-      {NAME(Acos), 0, 0, accurate, 0},
-      {NAME(Acosh), 1, 0, T(0), 0},
-      {NAME(Acosh), above, 0, accurate, 0},
-      {NAME(Acosh), largest, 0, accurate, 0},
-      {NAME(Acosh), inf, 0, inf, 0},
-      {NAME(Asinh), inf, 0, inf, 0},
-      {NAME(Asinh), largest, 0, accurate, 0},
-      {NAME(Atanh), 1, 0, inf, 2},
-      {NAME(Atanh), -1, 0, -inf, 2},
-      {NAME(Atanh), below, 0, accurate, 0},
-      {NAME(Atan2), quiet, inf, quiet, 0},
-      {NAME(Atan2), 0, quiet, quiet, 0},
-      {NAME(Atan2), smallest, inf, T(0), 0},
-      {NAME(Atan2), -1, inf, -T(0), 0},
-      {NAME(Atan2), 0, 1, T(0), 0},
-      {NAME(Atan2), -T(0), largest, -T(0), 0},
-      {NAME(Atan2), 0, 0, T(0), 0},
-      {NAME(Atan2), -T(0), 0, -T(0), 0},
-  };
-  for (const char *name : {NAME(Asin), NAME(Acos), NAME(Atanh)})
-    for (const T x : {above, -above, largest, inf, -inf}) rows.push_back({name, x, 0, domain_nan, 1});
-  for (const T x : {below, T(0), -T(0), -smallest, T(-1), -largest, -inf})
-    rows.push_back({NAME(Acosh), x, 0, domain_nan, 1});
-  for (const char *name : {NAME(Atan), NAME(Asin), NAME(Acos), NAME(Acosh), NAME(Asinh), NAME(Atanh)}) {
-    rows.push_back({name, quiet, 0, quiet, 0});
-    rows.push_back({name, negative_quiet, 0, negative_quiet, 0});
-    rows.push_back({name, nan<T>(0x1234, true), 0, quiet, 0});
-  }
-  for (const char *name : {NAME(Atan), NAME(Asin), NAME(Asinh), NAME(Atanh)})
-    for (const T x : {T(0), -T(0), smallest, -smallest, normal, next_down(normal)})
-      rows.push_back({name, x, 0, x, 0});
-  // Axes, diagonals and corners, where the angle is a multiple of pi/4.
-  for (const T sign : {T(1), T(-1)})
-    for (const T x : {-T(0), -smallest, T(1), -largest, inf, -inf})
-      for (const T y : {T(0), smallest, largest, inf})
-        if (x < 0 || y > 0) rows.push_back({NAME(Atan2), std::copysign(y, sign), x, accurate, 0});
-  return rows;
+Expected<T> expected(const std::string &word) {
+  return word == "~" ? Expected<T>(accurate) : Expected<T>(value_of<T>(word));
 }
 
 }  // namespace
 
 template <class T>
+T value_of(const std::string &word) {
+  using Format = std::numeric_limits<T>;
+  static const std::map<std::string, T> names = {
+      {"inf", Format::infinity()},
+      {"nan", negative(nan<T>(0, false))},  // what the processor makes of 0 / 0
+      {"domain_nan", from_pattern<T>(either<T>(0x7FF8000000000000, 0x7FFC0000))},
+      {"quiet", nan<T>(0x1234, false)},
+      {"signalling", nan<T>(0x1234, true)},
+      {"ones", from_pattern<T>(~Pattern<T>())},
+      {"smallest", Format::denorm_min()},
+      {"subnormal", next(Format::min(), -1)},
+      {"normal", Format::min()},
+      {"largest", Format::max()},
+      {"pi", T(3.1415926535897932)},
+      {"pi/2", T(1.5707963267948966)},
+      {"pi/4", T(0.78539816339744831)},
+      {"3pi/4", T(2.3561944901923449)},
+      {"cosh_overflow", either<T>(0x1.633ce8fb9f87ep+9, 0x1.65a9fap+6f)}};  // the first number to overflow
+  if (const size_t bar = word.find('|'); bar != std::string::npos)
+    return value_of<T>(sizeof(T) == 8 ? word.substr(0, bar) : word.substr(bar + 1));
+  if (const char last = word.back(); last == '+' || last == '-')
+    return next(value_of<T>(word.substr(0, word.size() - 1)), last == '+' ? 1 : -1);
+  if (word.front() == '-') return negative(value_of<T>(word.substr(1)));
+  const auto found = names.find(word);
+  return found != names.end() ? found->second : static_cast<T>(std::stod(word));
+}
+template double value_of(const std::string &);
+template float value_of(const std::string &);
+
+void for_each_row(const char *text, const std::function<void(const std::string &, std::istream &)> &body) {
+  std::istringstream lines(text);
+  std::vector<std::string> functions;
+  for (std::string line; std::getline(lines, line);) {
+    if (const size_t colon = line.find(':'); colon != std::string::npos) {
+      std::istringstream names(line.substr(0, colon));
+      functions.assign(std::istream_iterator<std::string>(names), {});
+      line.erase(0, colon + 1);
+    }
+    std::istringstream rows(line);
+    for (std::string row; std::getline(rows, row, ';');)
+      for (const std::string &function : functions) {
+        std::istringstream words(row);
+        body(function, words);
+      }
+  }
+}
+
+template <class T>
 std::vector<Special<T>> special_values() {
-  constexpr T inf = std::numeric_limits<T>::infinity();
-  constexpr T smallest = std::numeric_limits<T>::denorm_min(), normal = std::numeric_limits<T>::min();
-  constexpr T largest = std::numeric_limits<T>::max();
-  const T subnormal = next_down(normal), quiet = nan<T>(0x1234), negative_quiet = nan<T>(0x1234, false, true);
-  const T signalling = nan<T>(0x1234, true);
-  const T default_nan = nan<T>(0, false, true);  // what the processor makes of 0 / 0
-  const T domain_nan = default_nan;              // and most kernels of a domain error
-  const T ln_domain_nan = either<T>(default_nan, from_pattern<float>(0x7FFC0000));
-  const T cosh_overflow = either<T>(0x1.633ce8fb9f87ep+9, 0x1.65a9fap+6f);  // the first number to overflow
-  const T all_ones = from_pattern<T>(~Pattern<T>());
-  const bool is_double = sizeof(T) == 8;
-
-  std::vector<Special<T>> rows = {
-      {NAME(Exp), quiet, 0, is_double ? all_ones : quiet, 0},
-      {NAME(Exp), negative_quiet, 0, is_double ? all_ones : negative_quiet, 0},
-      {NAME(Exp), signalling, 0, is_double ? all_ones : quiet, 0},
-      {NAME(Exp), inf, 0, inf, 0},
-      {NAME(Exp), -inf, 0, T(0), 0},
-      {NAME(Exp), 0, 0, T(1), 0},
-      {NAME(Exp), -T(0), 0, T(1), 0},
-      {NAME(Exp), smallest, 0, T(1), 0},
-      {NAME(Exp), -normal, 0, T(1), 0},
-      {NAME(Exp), largest, 0, inf, 3},
-      {NAME(Exp), -largest, 0, T(0), 4},
-
-      {NAME(Sqrt), quiet, 0, quiet, 0},
-      {NAME(Sqrt), negative_quiet, 0, negative_quiet, 0},
-      {NAME(Sqrt), signalling, 0, quiet, 0},
-      {NAME(Sqrt), inf, 0, inf, 0},
-      {NAME(Sqrt), 0, 0, T(0), 0},
-      {NAME(Sqrt), -T(0), 0, -T(0), 0},
-      {NAME(Sqrt), -inf, 0, domain_nan, 1},
-      {NAME(Sqrt), -1, 0, domain_nan, 1},
-      {NAME(Sqrt), -smallest, 0, domain_nan, 1},
-      {NAME(Sqrt), -largest, 0, domain_nan, 1},
-      {NAME(Sqrt), smallest, 0, accurate, 0},
-      {NAME(Sqrt), subnormal, 0, accurate, 0},
-      {NAME(Sqrt), normal, 0, accurate, 0},
-      {NAME(Sqrt), largest, 0, accurate, 0},
-
-      {NAME(Erf), quiet, 0, quiet, 0},
-      {NAME(Erf), signalling, 0, quiet, 0},
-      {NAME(Erf), inf, 0, T(1), 0},
-      {NAME(Erf), -inf, 0, T(-1), 0},
-      {NAME(Erf), -largest, 0, T(-1), 0},
-      {NAME(Erf), 0, 0, T(0), 0},
-      {NAME(Erf), -T(0), 0, -T(0), 0},
-      {NAME(Erf), smallest, 0, accurate, 0},
-      {NAME(Erf), -subnormal, 0, accurate, 0},
-
-      {NAME(Erfc), negative_quiet, 0, negative_quiet, 0},
-      {NAME(Erfc), signalling, 0, quiet, 0},
-      {NAME(Erfc), inf, 0, T(0), 0},
-      {NAME(Erfc), -inf, 0, T(2), 0},
-      {NAME(Erfc), -largest, 0, T(2), 0},
-      {NAME(Erfc), largest, 0, T(0), 4},
-      {NAME(Erfc), -smallest, 0, T(1), 0},
-      {NAME(Erfc), either<T>(26.543, 9.1945f), 0, accurate, 0},
-      {NAME(Erfc), either<T>(26.544, 9.195f), 0, accurate, 4},
-      {NAME(Erfc), either<T>(27.226, 10.05f), 0, smallest, 4},
-      {NAME(Erfc), either<T>(27.25, 10.1f), 0, T(0), 4},
-
-      {NAME(ErfInv), quiet, 0, quiet, 0},
-      {NAME(ErfInv), signalling, 0, quiet, 0},
-      {NAME(ErfInv), 1, 0, inf, 2},
-      {NAME(ErfInv), -1, 0, -inf, 2},
-      {NAME(ErfInv), next_up(T(1)), 0, default_nan, 1},
-      {NAME(ErfInv), -inf, 0, default_nan, 1},
-      {NAME(ErfInv), next_down(T(1)), 0, accurate, 0},
-      {NAME(ErfInv), -T(0), 0, -T(0), 0},
-      {NAME(ErfInv), smallest, 0, accurate, 0},
-      {NAME(ErfInv), -subnormal, 0, accurate, 0},
-
-      {NAME(Div), 1, 0, inf, 2},
-      {NAME(Div), 1, -T(0), -inf, 2},
-      {NAME(Div), -smallest, 0, -inf, 2},
-      {NAME(Div), 0, 0, default_nan, 2},
-      {NAME(Div), inf, 0, inf, is_double ? 0 : 2},
-      {NAME(Div), -inf, 0, -inf, is_double ? 0 : 2},
-      {NAME(Div), quiet, 0, quiet, is_double ? 0 : 2},
-      {NAME(Div), signalling, 1, quiet, 0},
-      {NAME(Div), 1, negative_quiet, negative_quiet, 0},
-      {NAME(Div), inf, inf, default_nan, 0},
-      {NAME(Div), -0.0, 7, -T(0), 0},
-      {NAME(Div), 7, -inf, -T(0), 0},
-      {NAME(Div), 1, smallest, inf, 0},
-      {NAME(Div), largest, T(0.5), inf, 0},
-      {NAME(Div), smallest, 4, T(0), 0},
-      {NAME(Div), normal, 3, accurate, 0},
-
-      {NAME(InvSqrt), 0, 0, inf, 2},
-      {NAME(InvSqrt), -T(0), 0, -inf, 2},
-      {NAME(InvSqrt), -1, 0, nan<T>(0, false, true), 1},
-      {NAME(InvSqrt), -inf, 0, nan<T>(0, false, true), 1},
-      {NAME(InvSqrt), inf, 0, T(0), 0},
-      {NAME(InvSqrt), std::numeric_limits<T>::denorm_min(), 0, accurate, 0},
-      {NAME(Cbrt), -inf, 0, -inf, 0},
-      {NAME(Cbrt), -T(0), 0, -T(0), 0},
-      {NAME(Cbrt), std::numeric_limits<T>::denorm_min(), 0, accurate, 0},
-      {NAME(InvCbrt), -T(0), 0, -inf, 2},
-      {NAME(InvCbrt), -inf, 0, -T(0), 0},
-      {NAME(InvCbrt), -std::numeric_limits<T>::denorm_min(), 0, accurate, 0},
-      {NAME(Hypot), inf, nan<T>(1), inf, 0},
-      {NAME(Hypot), nan<T>(1), 1, nan<T>(1), 0},
-      {NAME(Hypot), std::numeric_limits<T>::max(), std::numeric_limits<T>::max(), inf, 3},
-      {NAME(Hypot), std::numeric_limits<T>::denorm_min(), 0, std::numeric_limits<T>::denorm_min(), 0},
-      {NAME(Hypot), -T(0), -T(0), T(0), 0},
-      {NAME(Cosh), quiet, 0, quiet, 0},
-      {NAME(Cosh), -inf, 0, inf, 0},
-      {NAME(Cosh), -T(0), 0, T(1), 0},
-      {NAME(Cosh), smallest, 0, T(1), 0},
-      {NAME(Cosh), -cosh_overflow, 0, inf, 3},
-      {NAME(Cosh), largest, 0, inf, 3},
-      {NAME(Cosh), std::nextafter(cosh_overflow, T(0)), 0, accurate, 0},
-      {NAME(Sinh), negative_quiet, 0, negative_quiet, 0},
-      {NAME(Sinh), -inf, 0, -inf, 0},
-      {NAME(Sinh), -T(0), 0, -T(0), 0},
-      {NAME(Sinh), -smallest, 0, -smallest, 0},
-      {NAME(Sinh), normal, 0, normal, 0},
-      {NAME(Sinh), -cosh_overflow, 0, -inf, 3},
-      {NAME(Sinh), largest, 0, inf, 3},
-      {NAME(Sinh), -std::nextafter(cosh_overflow, T(0)), 0, accurate, 0},
-      {NAME(Tanh), signalling, 0, quiet, 0},
-      {NAME(Tanh), -inf, 0, -T(1), 0},
-      {NAME(Tanh), -T(0), 0, -T(0), 0},
-      {NAME(Tanh), -smallest, 0, -smallest, 0},
-      {NAME(Tanh), subnormal, 0, subnormal, 0},
-      {NAME(Tanh), normal, 0, normal, 0},
-      {NAME(Tanh), -largest, 0, -T(1), 0},
-      {NAME(Pow), nan<T>(1), 0, T(1), 0},
-      {NAME(Pow), 1, nan<T>(1), T(1), 0},
-      {NAME(Pow), -T(0), -3, -inf, 2},
-      {NAME(Pow), -T(0), -2, inf, 2},
-      {NAME(Pow), 0, -inf, inf, 0},
-      {NAME(Pow), -T(0), 3, -T(0), 0},
-      {NAME(Pow), -1, inf, T(1), 0},
-      {NAME(Pow), -2, T(0.5), nan<T>(0, false, true), 1},
-      {NAME(Pow), -2, 3, T(-8), 0},
-      {NAME(Pow), -inf, -3, -T(0), 0},
-      {NAME(Pow), T(0.5), -inf, inf, 0},
-      {NAME(Pow), 10, 400, inf, 3},
-      {NAME(Pow), -10, 401, -inf, 3},
-      {NAME(Pow), 10, -400, T(0), 4},
-      {NAME(Pow), 2, either<T>(T(-1060), T(-140)), either<T>(T(0x1p-1060), T(0x1p-140f)), 4},
-      {NAME(Inv), 0, 0, inf, 2},
-      {NAME(Inv), -T(0), 0, -inf, 2},
-      {NAME(Inv), inf, 0, T(0), 0},
-      {NAME(Inv), -inf, 0, -T(0), 0},
-      {NAME(Inv), quiet, 0, quiet, 0},
-      {NAME(Inv), signalling, 0, quiet, 0},
-      {NAME(Inv), smallest, 0, inf, 0},
-      {NAME(Inv), -subnormal, 0, accurate, 0},
-      {NAME(Inv), largest, 0, accurate, 0},
-  };
-
-  const struct {
-    const char *name;
-    T domain_nan;
-  } logarithms[] = {{NAME(Ln), ln_domain_nan}, {NAME(Log10), domain_nan}};
-  for (const auto &log : logarithms)
-    for (const Special<T> &row : {
-             Special<T>{log.name, quiet, 0, quiet, 0},  // a NaN stays as it stands
-             {log.name, negative_quiet, 0, negative_quiet, 0},
-             {log.name, signalling, 0, signalling, 0},
-             {log.name, inf, 0, inf, 0},
-             {log.name, 0, 0, -inf, 2},
-             {log.name, -T(0), 0, -inf, 2},
-             {log.name, -inf, 0, log.domain_nan, 1},
-             {log.name, -1, 0, log.domain_nan, 1},
-             {log.name, -smallest, 0, log.domain_nan, 1},
-             {log.name, -largest, 0, log.domain_nan, 1},
-             {log.name, 1, 0, T(0), 0},
-             {log.name, smallest, 0, accurate, 0},
-             {log.name, subnormal, 0, accurate, 0},
-             {log.name, normal, 0, accurate, 0},
-             {log.name, largest, 0, accurate, 0},
-         })
-      rows.push_back(row);
-  for (const Special<T> &row : exp_thresholds(T())) rows.push_back(row);
-  for (const Special<T> &row : circular_values<T>(inf, smallest, normal, largest)) rows.push_back(row);
-  for (const Special<T> &row : inverse_values<T>(inf, smallest, normal, largest)) rows.push_back(row);
+  constexpr char letter = sizeof(T) == 8 ? 'd' : 's', other = sizeof(T) == 8 ? 's' : 'd';
+  std::vector<Special<T>> rows;
+  for_each_row(table, [&](const std::string &function, std::istream &text) {
+    if (function.front() == other) return;
+    const std::string name =
+        std::string("_vxm") + letter + function.substr(function.front() == letter) + "_HA";
+    const Entry<T> &entry = find_function<T>(name)->entry;
+    const auto next_word = [&] {
+      std::string word;
+      return text >> word, word;
+    };
+    Special<T> row = {name, value_of<T>(next_word())};
+    if (entry.inputs() == 2) row.b = value_of<T>(next_word());
+    if (next_word() != "=") throw std::invalid_argument(name);
+    row.result = expected<T>(next_word());
+    if (entry.results() == 2) row.second_result = expected<T>(next_word());
+    if (const std::string status = next_word(); !status.empty())
+      row.status = static_cast<int32_t>(value_of<T>(status));
+    rows.push_back(row);
+  });
+  // Axes, diagonals and corners, where the angle is a multiple of pi/4.
+  for (const char *x : {"-0", "-smallest", "1", "-largest", "inf", "-inf"})
+    for (const char *y : {"0", "smallest", "largest", "inf", "-0", "-smallest", "-largest", "-inf"})
+      if (value_of<T>(x) < 0 || value_of<T>(y) != 0)
+        rows.push_back({either<T>("_vxmdAtan2_HA", "_vxmsAtan2_HA"), value_of<T>(y), value_of<T>(x)});
   return rows;
 }
 template std::vector<Special<double>> special_values();

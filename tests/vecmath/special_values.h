@@ -1,6 +1,10 @@
 // Special inputs of the vector functions, with their results and reports.
 #pragma once
 
+#include <functional>
+#include <sstream>
+#include <string>
+
 #include "tests/support/samples.h"
 
 namespace qkr::tests {
@@ -19,14 +23,22 @@ struct Expected {
 
 template <class T>
 struct Special {
-  const char *function;
-  T a, b;  // b: 0 where the function has one input
-  Expected<T> result;
-  int32_t status;
+  std::string function;
+  T a, b = 0;  // b: 0 where the function has one input
+  Expected<T> result = accurate;
+  int32_t status = 0;
   Expected<T> second_result = accurate;  // where the function has two
 };
 
 template <class T>
 std::vector<Special<T>> special_values();
+
+// A number, a name of one, a minus before it, a plus or minus behind it for its neighbour: "1-", "-largest".
+template <class T>
+T value_of(const std::string &word);
+
+// body(function, words of a row), for "functions: row; row; ..." on lines of a text; a line without functions
+// goes on with those of the line before.
+void for_each_row(const char *text, const std::function<void(const std::string &, std::istream &)> &body);
 
 }  // namespace qkr::tests

@@ -12,6 +12,7 @@
 #include "tests/support/measure.h"
 #include "tests/support/samples.h"
 #include "tools/accuracy/peers.h"
+#include "tools/accuracy/search.h"
 
 namespace {
 

@@ -1,13 +1,14 @@
 // The search for worst inputs: cells of inputs are sampled, those with the largest errors are split, and so
 // on until they are small. Errors of kernels change smoothly but for rounding, so that the worst inputs lie
 // in neighbourhoods of bad ones; plain sampling hardly ever meets them.
+#include "tools/accuracy/search.h"
+
 #include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <qkr/vecmath_control.h>
 #include <thread>
 
-#include "tests/support/measure.h"
 #include "tests/support/oracle.h"
 #include "tests/support/samples.h"
 
