@@ -71,8 +71,7 @@ QKR_INLINE void lane_pass(In in, Out out) {
 #pragma GCC unroll 8
     for (int m = 0; m < radix; ++m)
 #pragma GCC unroll 4
-      for (int i = 0; i < together; i += In::together)
-        in.get((j + m * blocks) * columns + k + i, x[m] + i);
+      for (int i = 0; i < together; i += In::together) in.get((j + m * blocks) * columns + k + i, x[m] + i);
 #pragma GCC unroll 4
     for (int i = 0; i < together; ++i)
       butterfly<radix, forward>(

@@ -14,7 +14,7 @@ constexpr int largest_row_order = 7;
 // j below 2^order, from order 1 on; the result, times `scale`, goes behind target + i * target_distance.
 // Distances count single numbers, and no two lines may overlap; both arrays may be the same. Answers how many
 // lines are done: the last few may be left, or all of them.
-#define QKR_ROWS(name)                                                                             \
+#define QKR_ROWS(name)                                                                            \
   extern "C" int64_t name(int order, const void *source, ptrdiff_t source_distance, void *target, \
                           ptrdiff_t target_distance, int64_t count, double scale);
 QKR_ROWS(dft_rows_forward_32fc)

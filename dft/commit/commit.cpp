@@ -31,11 +31,9 @@ int32_t make_record(const DftDescriptor *head, DftDescriptor *record) {
   const bool first = record == head;
   int32_t code = DFTX_NO_ERROR;
   record->leaves_zero = head->configuration.packed_format == DFTX_CCS_FORMAT;
-  if (is_complex(head) || !first) {
-    code = make_first(complex_lines, head, record);
-    if (!code) code = make_first(several_lines, head, record);
-  }
+  if (is_complex(head) || !first) code = make_first(complex_lines, head, record);
   if (!code && !is_complex(head)) code = make_first(real_lines, head, record);
+  if (!code) code = make_first(several_lines, head, record);
   return code;
 }
 

@@ -1,8 +1,6 @@
 // Complex lines. Contiguous ones are transformed where they stand, several at a time where the length is short
 // enough. Neighbouring columns are transformed lane by lane where it is, or gathered in strips into rows of a
 // scratch. Any others are copied one by one.
-#include <stdlib.h>
-
 #include "dft/drivers/lines.h"
 #include "dft/drivers/row_copy.h"
 #include "dft/drivers/scratch.h"
@@ -22,12 +20,10 @@ struct ComplexLines {
 
   int order() const { return __builtin_ctz(static_cast<unsigned>(record->length)); }
 
-  // Lines that overlap are transformed one after the other.
-  bool are_apart(ptrdiff_t distance) const { return llabs(distance) >= 2 * ptrdiff_t{record->length}; }
-
   int32_t where_they_stand(int64_t first, int64_t last) const {
     const RowTransform rows = record->rows[direction];
-    if (rows && are_apart(source.distance) && are_apart(target.distance))
+    const ptrdiff_t numbers = 2 * ptrdiff_t{record->length};
+    if (rows && source.are_apart(numbers) && target.are_apart(numbers))
       first += rows(order(), source.line(first), source.distance, target.line(first), target.distance,
                     last - first, record->scale[direction]);
     for (int64_t i = first; i < last; ++i)

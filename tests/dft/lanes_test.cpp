@@ -1,5 +1,6 @@
 // Lines one a lane, columns and contiguous ones, get the bits of one line after the other through the engine,
 // whatever their number, and nothing beyond them is touched.
+#include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
@@ -8,7 +9,7 @@
 #include <vector>
 
 #include "dft/codelets/columns.h"
-#include "dft/codelets/rows.h"
+#include "dft/codelets/real_rows.h"
 #include "tests/support/guarded.h"
 #include "tests/support/levels.h"
 
@@ -20,21 +21,33 @@ using Rows = int64_t (*)(int, const void *, ptrdiff_t, void *, ptrdiff_t, int64_
 
 template <class T>
 struct Engine;
-#define QKR_TEST_ENGINE(T, C)                                                                 \
-  template <>                                                                                 \
-  struct Engine<T> {                                                                          \
-    static constexpr Columns columns[] = {dft_columns_backward_##C, dft_columns_forward_##C}; \
-    static constexpr Rows rows[] = {dft_rows_backward_##C, dft_rows_forward_##C};             \
-    static void line(bool forward, int order, T *line) {                                      \
-      zprsFFTSpec_C_##C *plan = nullptr;                                                      \
-      ASSERT_EQ(w6_zprsFFTInitAlloc_C_##C(&plan, order, 8, 0), zprStsNoErr);                  \
-      const auto x = reinterpret_cast<zpr##C *>(line);                                        \
-      (forward ? w6_zprsFFTFwd_CToC_##C : w6_zprsFFTInv_CToC_##C)(x, x, plan, nullptr);       \
-      w6_zprsFFTFree_C_##C(plan);                                                             \
-    }                                                                                         \
+using RealRows = int64_t (*)(int, const void *, ptrdiff_t, void *, ptrdiff_t, int64_t, bool, double);
+#define QKR_TEST_ENGINE(T, C, R)                                                                     \
+  template <>                                                                                        \
+  struct Engine<T> {                                                                                 \
+    static constexpr Columns columns[] = {dft_columns_backward_##C, dft_columns_forward_##C};        \
+    static constexpr Rows rows[] = {dft_rows_backward_##C, dft_rows_forward_##C};                    \
+    static constexpr RealRows real_rows[] = {dft_real_rows_backward_##R, dft_real_rows_forward_##R}; \
+    /* In place, in CCS format or in Perm format. */                                                 \
+    static void real_line(bool forward, int order, bool has_last, T *line) {                         \
+      zprsFFTSpec_R_##R *plan = nullptr;                                                             \
+      ASSERT_EQ(w6_zprsFFTInitAlloc_R_##R(&plan, order, 8, 0), zprStsNoErr);                         \
+      const auto entry = has_last  ? forward ? w6_zprsFFTFwd_RToCCS_##R : w6_zprsFFTInv_CCSToR_##R   \
+                         : forward ? w6_zprsFFTFwd_RToPerm_##R                                       \
+                                   : w6_zprsFFTInv_PermToR_##R;                                      \
+      entry(line, line, plan, nullptr);                                                              \
+      w6_zprsFFTFree_R_##R(plan);                                                                    \
+    }                                                                                                \
+    static void line(bool forward, int order, T *line) {                                             \
+      zprsFFTSpec_C_##C *plan = nullptr;                                                             \
+      ASSERT_EQ(w6_zprsFFTInitAlloc_C_##C(&plan, order, 8, 0), zprStsNoErr);                         \
+      const auto x = reinterpret_cast<zpr##C *>(line);                                               \
+      (forward ? w6_zprsFFTFwd_CToC_##C : w6_zprsFFTInv_CToC_##C)(x, x, plan, nullptr);              \
+      w6_zprsFFTFree_C_##C(plan);                                                                    \
+    }                                                                                                \
   };
-QKR_TEST_ENGINE(float, 32fc)
-QKR_TEST_ENGINE(double, 64fc)
+QKR_TEST_ENGINE(float, 32fc, 32f)
+QKR_TEST_ENGINE(double, 64fc, 64f)
 
 struct Case {
   int order, count;
@@ -111,6 +124,41 @@ void expect_lines(const Case &c) {
   });
 }
 
+// Real lines, in one array or from one to another.
+template <class T>
+void expect_real_lines(int order, int count, int gap, bool forward, bool has_last, double scale) {
+  const int n = 1 << order, spectrum = n + 2 * has_last;
+  const int read = forward ? n : spectrum, written = forward ? spectrum : n;
+  const ptrdiff_t step = spectrum + gap;
+  const size_t size = static_cast<size_t>((count - 1) * step + spectrum);
+  const std::vector<T> x = numbers<T>(size, order < 5);
+  for_each_level([&](const char *level) {
+    for (const Edge edge : {Edge::end, Edge::start})
+      for (const bool in_place : {true, false}) {
+        SCOPED_TRACE(testing::Message() << level << " real order " << order << " count " << count << " gap "
+                                        << gap << " forward " << forward << " CCS " << has_last << " scale "
+                                        << scale << " in place " << in_place);
+        Guarded<T> source(size, edge), target(size, edge);
+        std::memcpy(source.data(), x.data(), size * sizeof(T));
+        std::memcpy(target.data(), x.data(), size * sizeof(T));
+        T *const y = in_place ? source.data() : target.data();
+        const int64_t done =
+            Engine<T>::real_rows[forward](order, source.data(), step, y, step, count, has_last, scale);
+        ASSERT_TRUE(done <= count && count - done < static_cast<int64_t>(64 / (2 * sizeof(T))));
+        std::vector<T> expected = x, line(spectrum);
+        for (int64_t i = 0; i < done; ++i) {
+          std::copy_n(x.data() + i * step, read, line.data());
+          Engine<T>::real_line(forward, order, has_last, line.data());
+          for (int j = 0; j < n + (forward && has_last); ++j)
+            if (scale != 1) line[j] *= static_cast<T>(scale);
+          std::copy_n(line.data(), written, expected.data() + i * step);
+        }
+        expect_same(y, expected);
+        if (!in_place) expect_same(source.data(), x);
+      }
+  });
+}
+
 template <class T>
 class LaneTest : public testing::Test {};
 using Precisions = testing::Types<float, double>;
@@ -127,6 +175,18 @@ TYPED_TEST(LaneTest, BitsOfTheEngine) {
               expect_lines<TypeParam>({order, count, (2 << order) + gap, false, forward, scale});
             if (testing::Test::HasFatalFailure()) return;
           }
+}
+
+TYPED_TEST(LaneTest, BitsOfTheEngineForRealLines) {
+  for (int order = 2; order <= dft::largest_row_order; ++order)
+    for (const int count : {1, 3, 4, 8, 17})
+      for (const int gap : {0, 3})
+        for (const bool forward : {true, false})
+          for (const bool has_last : {true, false})
+            for (const double scale : {1.0, 0.3}) {
+              expect_real_lines<TypeParam>(order, count, gap, forward, has_last, scale);
+              if (testing::Test::HasFatalFailure()) return;
+            }
 }
 
 }  // namespace
