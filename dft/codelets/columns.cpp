@@ -1,29 +1,12 @@
 // Short transforms of neighbouring columns where they stand, one column a lane: nothing is gathered,
-// transposed or permuted. The passes, their butterflies and their twiddles are those of the engine's
-// transform of one line, so the bits are the same whichever way a line is taken.
+// transposed or permuted.
 #include "dft/codelets/columns.h"
 
-#include "dft/codelets/circle.h"
-#include "sigfft/passes/butterfly.h"
-#include "sigfft/plan/decomposition.h"
+#include "dft/codelets/lane_passes.h"
 #include "simd/entry.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
-
-using qkr::dft::CirclePoint;
-
-// Twiddles of the columns k below 2^done of a butterfly of radix 2^bits: row k, multiples 1, 2, ... of it.
-template <class T, int done, int bits>
-struct Twiddles {
-  CirclePoint<T> row[1 << done][(1 << bits) - 1];
-  constexpr Twiddles() : row() {
-    for (size_t k = 0; k < size_t{1} << done; ++k)
-      for (size_t m = 1; m < size_t{1} << bits; ++m) row[k][m - 1] = dft::circle_point<T>(done + bits, m * k);
-  }
-};
-template <class T, int done, int bits>
-constexpr Twiddles<T, done, bits> twiddles_of;
 
 constexpr int line_bytes = 64;
 
@@ -32,8 +15,9 @@ template <class T, int bytes>
 struct SourceRows {
   const T *base;
   ptrdiff_t pitch;
-  QKR_INLINE Paired<T, bytes> get(size_t row) const {
-    return {load_vector<Vector<T, bytes>>(base + row * pitch)};
+  static constexpr int together = 1;
+  QKR_INLINE void get(size_t row, Paired<T, bytes> *x) const {
+    x->v = load_vector<Vector<T, bytes>>(base + row * pitch);
   }
 };
 template <class T, int bytes>
@@ -42,8 +26,9 @@ struct ResultRows {
   ptrdiff_t pitch;
   bool scaled;
   T scale;
-  QKR_INLINE void put(size_t row, Paired<T, bytes> x) const {
-    store_vector(base + row * pitch, scaled ? x.v * scale : x.v);
+  static constexpr int together = 1;
+  QKR_INLINE void put(size_t row, const Paired<T, bytes> *x) const {
+    store_vector(base + row * pitch, scaled ? x->v * scale : x->v);
   }
 };
 #ifdef __AVX512F__
@@ -65,7 +50,8 @@ struct PartSourceRows {
   const T *base;
   ptrdiff_t pitch;
   unsigned lanes;
-  QKR_INLINE Paired<T, 64> get(size_t row) const { return {load_part(base + row * pitch, lanes)}; }
+  static constexpr int together = 1;
+  QKR_INLINE void get(size_t row, Paired<T, 64> *x) const { x->v = load_part(base + row * pitch, lanes); }
 };
 template <class T>
 struct PartResultRows {
@@ -74,75 +60,12 @@ struct PartResultRows {
   bool scaled;
   T scale;
   unsigned lanes;
-  QKR_INLINE void put(size_t row, Paired<T, 64> x) const {
-    store_part(base + row * pitch, lanes, scaled ? x.v * scale : x.v);
+  static constexpr int together = 1;
+  QKR_INLINE void put(size_t row, const Paired<T, 64> *x) const {
+    store_part(base + row * pitch, lanes, scaled ? x->v * scale : x->v);
   }
 };
 #endif
-
-// Between passes the rows stand one behind the other.
-template <class T, int bytes>
-struct WorkRows {
-  T *base;
-  static constexpr size_t pitch = bytes / sizeof(T);
-  QKR_INLINE Paired<T, bytes> get(size_t row) const {
-    return {load_vector<Vector<T, bytes>>(base + row * pitch)};
-  }
-  QKR_INLINE void put(size_t row, Paired<T, bytes> x) const { store_vector(base + row * pitch, x.v); }
-};
-
-// The pass that has 2^done finished columns in each of its blocks. Sub-transform m of block j is block
-// j + m * blocks of the pass before.
-template <int order, int done, int bits, bool forward, class In, class Out>
-QKR_INLINE void column_pass(In in, Out out) {
-  using T = typename decltype(in.get(0))::Element;
-  using V = decltype(in.get(0).v);
-  constexpr int radix = 1 << bits;
-  constexpr size_t columns = size_t{1} << done, blocks = (size_t{1} << order) / columns / radix;
-  for (size_t j = 0; j < blocks; ++j)
-    for (size_t k = 0; k < columns; ++k)
-      butterfly<radix, forward>(
-          [&](int m) QKR_LAMBDA {
-            const auto x = in.get((j + m * blocks) * columns + k);
-            if (done == 0 || m == 0) return x;
-            const CirclePoint<T> w = twiddles_of<T, done, bits>.row[k][m - 1];
-            return times<forward>(x, w.c - V{}, w.s - V{});  // which keeps the sign of a zero
-          },
-          [&](int q, auto value) QKR_LAMBDA { out.put(j * columns * radix + q * columns + k, value); });
-}
-
-template <int order, int pass, int done, bool forward, class In, class Out, class Work>
-QKR_INLINE void passes_from(In in, Out out, Work here, Work there) {
-  using T = typename decltype(in.get(0))::Element;
-  constexpr sigfft::Passes passes = sigfft::staged_passes<T>(order);
-  constexpr int bits = passes.bits[pass];
-  if constexpr (pass + 1 == passes.count) {
-    column_pass<order, done, bits, forward>(in, out);
-  } else {
-    column_pass<order, done, bits, forward>(in, here);
-    passes_from<order, pass + 1, done + bits, forward>(here, out, there, here);
-  }
-}
-
-template <int order, bool forward, class In, class Out>
-QKR_INLINE void column_transform(In in, Out out) {
-  if constexpr (order == 0) {
-    out.put(0, in.get(0));
-  } else if constexpr (order == 1) {
-    const auto a = in.get(0), b = in.get(1);
-    out.put(0, a + b);
-    out.put(1, a - b);
-  } else if constexpr (order <= sigfft::largest_fixed_order) {
-    butterfly<1 << order, forward>([&](int m) QKR_LAMBDA { return in.get(m); },
-                                   [&](int q, auto value) QKR_LAMBDA { out.put(q, value); });
-  } else {
-    using T = typename decltype(in.get(0))::Element;
-    constexpr int bytes = sizeof(in.get(0).v);
-    alignas(64) T here[bytes / sizeof(T) << order], there[bytes / sizeof(T) << order];
-    using Work = WorkRows<T, bytes>;
-    passes_from<order, 0, 0, forward>(in, out, Work{here}, Work{there});
-  }
-}
 
 template <class T>
 struct Columns {
@@ -158,8 +81,8 @@ struct Columns {
   // Columns from number i on, a vector of them.
   template <int order, bool forward>
   QKR_INLINE void vector(const T *from, ptrdiff_t from_pitch, T *to, ptrdiff_t to_pitch) const {
-    column_transform<order, forward>(SourceRows<T, bytes>{from, from_pitch},
-                                     ResultRows<T, bytes>{to, to_pitch, scale != 1, scale});
+    lane_transform<order, forward, Paired<T, bytes>>(SourceRows<T, bytes>{from, from_pitch},
+                                                     ResultRows<T, bytes>{to, to_pitch, scale != 1, scale});
   }
 
   // Up to a line of columns by way of a copy: the last few, and, where so many rows fall into one set of the
@@ -187,7 +110,7 @@ struct Columns {
   QKR_NOINLINE void rest(int64_t i, int64_t width) const {
 #ifdef __AVX512F__
     const unsigned lanes = (1u << 2 * width) - 1;
-    column_transform<order, forward>(
+    lane_transform<order, forward, Paired<T, bytes>>(
         PartSourceRows<T>{source + 2 * i, source_pitch, lanes},
         PartResultRows<T>{target + 2 * i, target_pitch, scale != 1, scale, lanes});
 #else

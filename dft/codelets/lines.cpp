@@ -4,6 +4,7 @@
 #include "dft/codelets/lines.h"
 
 #include "dft/codelets/line_passes.h"
+#include "dft/codelets/recombination_tables.h"
 #include "sigfft/passes/recombination.h"
 #include "sigfft/routes/fixed.h"
 #include "simd/entry.h"
@@ -26,20 +27,6 @@ struct Layout {
   static constexpr int last = format == DFTX_CCS_FORMAT ? n : format == DFTX_PACK_FORMAT ? n - 1 : 1;
   static constexpr int moved = format == DFTX_PACK_FORMAT;
 };
-
-// What the difference of X[k] and the conjugate of X[n/2 - k] is multiplied by, from k = 1 on; each twice.
-template <class T, bool forward, int order>
-struct Recombination {
-  T first[1 << (order - 1)], second[1 << (order - 1)];
-  constexpr Recombination() : first(), second() {
-    for (size_t i = 0; i < size_t{1} << (order - 1); ++i) {
-      const dft::CirclePoint<T> w = dft::circle_point<T>(order, i / 2 + 1);  // with the sine negated
-      first[i] = forward ? T(0.5) * w.c : w.c, second[i] = forward ? T(0.5) + T(0.5) * w.s : w.s;
-    }
-  }
-};
-template <class T, bool forward, int order>
-constexpr Recombination<T, forward, order> recombination_of;
 
 // From the transform of pairs to X[1], X[2], ..., or back. The last step takes in the middle, which is its
 // own counterpart and is put right afterwards.

@@ -21,7 +21,7 @@ struct BackEnd {
 // In the order in which commit tries them.
 extern const BackEnd complex_codelets, scrambled_engine, complex_engine;
 extern const BackEnd real_codelets, real_engine;
-extern const BackEnd short_columns, columns_by_lines;
+extern const BackEnd lanes, line_by_line;
 
 // One of two by the precision: transforms are templates over the element type.
 template <class Entry>

@@ -9,7 +9,7 @@ namespace qkr::dft {
 namespace {
 
 constexpr const BackEnd *complex_lines[] = {&complex_codelets, &scrambled_engine, &complex_engine};
-constexpr const BackEnd *complex_columns[] = {&short_columns, &columns_by_lines};
+constexpr const BackEnd *several_lines[] = {&lanes, &line_by_line};
 constexpr const BackEnd *real_lines[] = {&real_codelets, &real_engine};
 
 // The last of each list applies always.
@@ -31,11 +31,9 @@ int32_t make_record(const DftDescriptor *head, DftDescriptor *record) {
   const bool first = record == head;
   int32_t code = DFTX_NO_ERROR;
   record->leaves_zero = head->configuration.packed_format == DFTX_CCS_FORMAT;
-  if (is_complex(head) || !first) {
-    code = make_first(complex_lines, head, record);
-    if (!code) code = make_first(complex_columns, head, record);
-  }
+  if (is_complex(head) || !first) code = make_first(complex_lines, head, record);
   if (!code && !is_complex(head)) code = make_first(real_lines, head, record);
+  if (!code) code = make_first(several_lines, head, record);
   return code;
 }
 

@@ -16,6 +16,12 @@ using LineTransform = int32_t (*)(const void *input, void *output, const DftDesc
 // Lines of 2^order complex numbers that stand side by side, `count` of them: see dft/codelets/columns.h.
 using ColumnTransform = void (*)(int order, const void *source, ptrdiff_t source_stride, void *target,
                                  ptrdiff_t target_stride, int64_t count, double scale);
+// The same of contiguous ones, as many of them as it answers: see dft/codelets/rows.h.
+using RowTransform = int64_t (*)(int order, const void *source, ptrdiff_t source_distance, void *target,
+                                 ptrdiff_t target_distance, int64_t count, double scale);
+// Real ones: see dft/codelets/real_rows.h.
+using RealRowTransform = int64_t (*)(int order, const void *source, ptrdiff_t source_distance, void *target,
+                                     ptrdiff_t target_distance, int64_t count, bool has_last, double scale);
 
 constexpr int32_t not_committed = 31, committed = 30;
 constexpr int32_t largest_dimension = 3, largest_named_dimension = 7;
@@ -46,6 +52,8 @@ struct DftDescriptor {
   qkr::dft::LineTransform real_line[2];          // in the packed format of the descriptor
   qkr::dft::LineTransform real_line_of_perm;     // backward, from DFTX_PERM_FORMAT
   qkr::dft::ColumnTransform columns[2];          // null: there is none for this length
+  qkr::dft::RowTransform rows[2];                // the same
+  qkr::dft::RealRowTransform real_rows[2];       // the same
   void *spec_complex, *spec_real, *outord_spec;  // plans of the engine, owned
   int32_t work_size;                             // bytes that one line needs
   bool leaves_zero;  // backward in place, real lines leave a zero behind their last number

@@ -1,6 +1,6 @@
-// Complex lines. Contiguous ones are transformed where they stand. Neighbouring columns are transformed lane
-// by lane where the length is short enough, or gathered in strips into rows of a scratch. Any others are
-// copied one by one.
+// Complex lines. Contiguous ones are transformed where they stand, several at a time where the length is short
+// enough. Neighbouring columns are transformed lane by lane where it is, or gathered in strips into rows of a
+// scratch. Any others are copied one by one.
 #include "dft/drivers/lines.h"
 #include "dft/drivers/row_copy.h"
 #include "dft/drivers/scratch.h"
@@ -12,12 +12,20 @@ namespace {
 template <class T>
 struct ComplexLines {
   const DftDescriptor *record;
+  Direction direction;
   LineTransform transform;
   Place<const T> source;
   Place<T> target;
   uint8_t *work;
 
+  int order() const { return __builtin_ctz(static_cast<unsigned>(record->length)); }
+
   int32_t where_they_stand(int64_t first, int64_t last) const {
+    const RowTransform rows = record->rows[direction];
+    const ptrdiff_t numbers = 2 * ptrdiff_t{record->length};
+    if (rows && source.are_apart(numbers) && target.are_apart(numbers))
+      first += rows(order(), source.line(first), source.distance, target.line(first), target.distance,
+                    last - first, record->scale[direction]);
     for (int64_t i = first; i < last; ++i)
       if (const int32_t code = transform(source.line(i), target.line(i), record, work)) return code;
     return DFTX_NO_ERROR;
@@ -60,13 +68,12 @@ template <class T>
 int32_t transform_complex_lines(const DftDescriptor *record, Direction direction, Place<const T> source,
                                 Place<T> target, int64_t first, int64_t last, uint8_t *work) {
   if (first >= last) return DFTX_NO_ERROR;
-  const ComplexLines<T> lines = {record, record->complex_line[direction], source, target, work};
+  const ComplexLines<T> lines = {record, direction, record->complex_line[direction], source, target, work};
   if (source.is_contiguous(2) && target.is_contiguous(2)) return lines.where_they_stand(first, last);
   if (!source.is_interleaved(2) || !target.is_interleaved(2)) return lines.one_by_one(first, last);
   const ColumnTransform columns = record->columns[direction];
   if (!columns) return lines.by_strips(first, last);
-  const int order = __builtin_ctz(static_cast<unsigned>(record->length));
-  columns(order, source.line(first), source.stride, target.line(first), target.stride, last - first,
+  columns(lines.order(), source.line(first), source.stride, target.line(first), target.stride, last - first,
           record->scale[direction]);
   return DFTX_NO_ERROR;
 }

@@ -35,7 +35,7 @@ struct Shape {
   Steps dense() const { return {{2, 2 * half(), 2 * half() * length(1)}}; }
 
   RealTransform rows(Direction direction, LineTransform line, int32_t format) const {
-    return {head, line, direction, spectrum_numbers(format, length(0))};
+    return {head, line, direction, format, spectrum_numbers(format, length(0))};
   }
 };
 

@@ -16,6 +16,8 @@ struct Place {
   ptrdiff_t stride, distance, imaginary = 1;
 
   T *line(int64_t i) const { return base + i * distance; }
+  // Whether lines of so many neighbouring numbers do not overlap: others are transformed one after the other.
+  bool are_apart(ptrdiff_t numbers) const { return distance >= numbers || distance <= -numbers; }
   bool is_contiguous(int width) const { return stride == width && imaginary == 1; }
   bool is_interleaved(int width) const { return distance == width && imaginary == 1; }
 };
@@ -32,6 +34,7 @@ struct RealTransform {
   const DftDescriptor *record;
   LineTransform line;
   Direction direction;
+  int32_t format;
   int64_t spectrum_numbers;
 };
 template <class T>

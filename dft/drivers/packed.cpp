@@ -51,7 +51,8 @@ struct Packed {
     const Layout layout = layout_of(source_format, length()), target = layout_of(output_format, length());
     // A single row has no second number downward.
     const int64_t numbers = height() == 1 ? 1 : spectrum_numbers(line_format(head), height());
-    const RealTransform real = {head + 1, head[1].real_line[direction], direction, numbers};
+    const RealTransform real = {head + 1, head[1].real_line[direction], direction, line_format(head),
+                                numbers};
     return share(workers, real_columns() + pairs(), [&](int64_t first, int64_t last, uint8_t *work) {
       for (; first < last && first < real_columns(); ++first) {
         const T *column = source + first * layout.nyquist * from.along;
@@ -75,7 +76,7 @@ struct Packed {
   }
 
   int32_t forward_transform(const Workers &workers) const {
-    const RealTransform row = {head, head->real_line[forward], forward,
+    const RealTransform row = {head, head->real_line[forward], forward, output_format,
                                spectrum_numbers(output_format, length())};
     const int32_t code = share(workers, height(), [&](int64_t first, int64_t last, uint8_t *work) {
       return transform_real_lines<T>(row, {input, in.along, in.down},
@@ -88,7 +89,7 @@ struct Packed {
     if (const int32_t code = columns(workers, input, in, input_format)) return code;
     const bool own = output_format == line_format(head);
     const RealTransform row = {head, own ? head->real_line[backward] : head->real_line_of_perm, backward,
-                               spectrum_numbers(output_format, length())};
+                               output_format, spectrum_numbers(output_format, length())};
     return share(workers, height(), [&](int64_t first, int64_t last, uint8_t *work) {
       return transform_real_lines<T>(row, {output, 2 * out.along, out.down, out.along},
                                      {output, out.along, out.down}, first, last, work);

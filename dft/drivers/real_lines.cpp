@@ -1,5 +1,5 @@
-// Real lines. Contiguous ones are transformed where they stand, neighbouring columns in strips, any others
-// one by one through a scratch.
+// Real lines. Contiguous ones are transformed where they stand, several at a time where the length is short
+// enough; neighbouring columns in strips, any others one by one through a scratch.
 #include "dft/drivers/lines.h"
 #include "dft/drivers/row_copy.h"
 #include "dft/drivers/scratch.h"
@@ -20,7 +20,28 @@ struct RealLines {
   int64_t row_numbers() const { return signal_numbers() + 2; }
   int32_t run(const T *from, T *to) const { return transform.line(from, to, transform.record, work); }
 
+  // Several at a time from line `first` on: how many. Of one array, signal and spectrum lie in one place.
+  int64_t in_lanes(int64_t first, int64_t last) const {
+    const DftDescriptor *record = transform.record;
+    const Direction direction = transform.direction;
+    const RealRowTransform rows = record->real_rows[direction];
+    const bool in_place = source.base == target.base, has_last = transform.format == DFTX_CCS_FORMAT;
+    const int64_t signal = signal_numbers(), spectrum = transform.spectrum_numbers;
+    if (!rows || transform.format == DFTX_PACK_FORMAT ||
+        !source.are_apart(direction == forward ? signal : spectrum) ||
+        !target.are_apart(direction == forward ? spectrum : signal) ||
+        (in_place && source.distance != target.distance))
+      return 0;
+    const int order = __builtin_ctz(static_cast<unsigned>(record->length));
+    const int64_t done = rows(order, source.line(first), source.distance, target.line(first), target.distance,
+                              last - first, has_last, record->scale[direction]);
+    if (direction == backward && has_last && record->leaves_zero && in_place)
+      for (int64_t i = first; i < first + done; ++i) target.line(i)[record->length] = 0;
+    return done;
+  }
+
   int32_t where_they_stand(int64_t first, int64_t last) const {
+    first += in_lanes(first, last);
     for (int64_t i = first; i < last; ++i)
       if (const int32_t code = run(source.line(i), target.line(i))) return code;
     return DFTX_NO_ERROR;

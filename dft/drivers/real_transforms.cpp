@@ -12,8 +12,9 @@ int32_t real_transforms(const DftDescriptor *head, Direction direction, const T 
   const ptrdiff_t input_distance = input_width * set.input_distance;
   const ptrdiff_t output_distance = output_width * set.output_distance;
   if (head->dimension == 1) {
-    const RealTransform transform = {head, head->real_line[direction], direction,
-                                     spectrum_numbers(line_format(head), head->length)};
+    const int32_t format = line_format(head);
+    const RealTransform transform = {head, head->real_line[direction], direction, format,
+                                     spectrum_numbers(format, head->length)};
     const Place<const T> source = {input, input_width * head->input_stride, input_distance};
     const Place<T> target = {output, output_width * head->output_stride, output_distance};
     return share(workers, count, [&](int64_t first, int64_t last, uint8_t *work) {
