@@ -1,5 +1,5 @@
-// Transforms of arrays that are spread over ranks in slabs, beside FFTW's, which leaves the spectrum spread in
-// the same way: its second axis is cut. Best times of several runs, in turn, and the largest difference.
+// Transforms of arrays that are spread over ranks in slabs, beside FFTW's, which leaves the spectrum spread
+// in the same way, its second axis cut. Best times of several runs, in turn, and the largest difference.
 //
 // mpirun -n RANKS beside_fftw
 #include <algorithm>

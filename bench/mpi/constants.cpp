@@ -42,20 +42,20 @@ static double latency(int rank) {
 static double redistribution_time(MPI_Comm members, const Box &before, const Box &after) {
   std::vector<Complex> from(before.elements()), to(after.elements());
   const Redistribution move(members, before, after, MPI_C_DOUBLE_COMPLEX);
-  return time_of(MPI_COMM_WORLD, 8, [&] { move.forward(from.data(), to.data()); });
+  return time_of(MPI_COMM_WORLD, 20, [&] { move.forward(from.data(), to.data()); });
 }
 
 static double transform_time(MPI_Comm ranks, int length) {
   DistributedTransform transform({length, length, length}, 2, 1);
   std::vector<Complex> data(transform.before().elements());
-  return time_of(ranks, 6, [&] { transform.forward(data); });
+  return time_of(ranks, 12, [&] { transform.forward(data); });
 }
 
 static double axes_time(MPI_Comm ranks, int length) {
   const Box whole{{}, {length, length, length}};
   std::vector<Complex> data(whole.elements());
   AxisTransform axes[] = {{whole, 0}, {whole, 1}, {whole, 2}};
-  return time_of(ranks, 6, [&] {
+  return time_of(ranks, 12, [&] {
     for (AxisTransform &axis : axes) axis.forward(data.data());
   });
 }
