@@ -52,6 +52,11 @@ printf '\nA heart beat found again (examples/ecg_beats.cpp)\n\n'
 printf '\nA photograph sharpened, and its edges (examples/photo_edges.cpp)\n\n'
 "$programs/photo_edges" "$here/data/photo.pgm" "$out"
 
+if [[ -x $programs/mpi/monte_carlo ]]; then
+  printf '\nThe mean distance in a cube, on one rank and on two (examples/mpi/monte_carlo.cpp)\n\n'
+  for ranks in 1 2; do "$here/mpi/on_this_machine.sh" "$ranks" "$programs/mpi/monte_carlo"; done
+fi
+
 printf '\nPictures\n\n'
 if [[ -x $python ]]; then
   "$python" "$here/plot.py" "$out"
