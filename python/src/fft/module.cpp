@@ -10,7 +10,7 @@ namespace qkr::fft {
 namespace {
 
 /* Numbers from which on the GIL is released: a few microseconds. */
-constexpr npy_intp many = 1000;
+constexpr npy_intp many = 500;
 
 PyObject *set_error(int32_t code) {
   switch (code) {
@@ -58,7 +58,8 @@ PyObject *run(PyObject *, PyObject *const *arguments, Py_ssize_t) {
   request.output = PyArray_BYTES(output);
 
   int32_t code = 0;
-  PyThreadState *thread = PyArray_SIZE(output) >= many ? PyEval_SaveThread() : nullptr;
+  PyThreadState *thread =
+      std::max(PyArray_SIZE(input), PyArray_SIZE(output)) >= many ? PyEval_SaveThread() : nullptr;
   /* A descriptor has three dimensions: the last three axes first (forward) or last (backward), and others around. */
   for (int left = request.axis_count; left > 0 && !code;) {
     const int group = std::min(left, most_dimensions);

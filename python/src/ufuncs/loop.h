@@ -29,7 +29,11 @@ struct Variant {
   char type; /* NumPy's letter of the element */
   void (*function)();
   void (*of_number)(); /* the form with one second operand for all elements, or null */
-  unsigned reported;   /* statuses that become NumPy's errors, bit by bit */
+  /* The function on dense arrays of at least one element. @return whether no element had an error */
+  bool (*dense)(const Variant &variant, npy_intp n, char *const *data);
+  unsigned collected; /* statuses, bit by bit; 0 for a function that has none */
+  unsigned reported;  /* those that become NumPy's errors */
+  bool by_flags;      /* the function raises floating-point flags by itself */
 };
 
 /* Bytes of a block. Three of them, and as much again of what they are gathered from, lie in 32 KiB. */
@@ -90,6 +94,17 @@ void call(const Variant &variant, npy_intp count, T *const *p, bool second_is_nu
 }
 
 template <class T, int inputs, int outputs>
+bool dense(const Variant &variant, npy_intp n, char *const *data) {
+  T *p[inputs + outputs];
+  for (int k = 0; k < inputs + outputs; ++k) p[k] = reinterpret_cast<T *>(data[k]);
+  if (variant.by_flags) std::feclearexcept(FE_ALL_EXCEPT);
+  Collecting collecting(variant.collected);
+  call<T, inputs, outputs>(variant, n, p, false);
+  const bool no_status = (collecting.finish() & variant.reported) == 0;
+  return no_status && (!variant.by_flags || !std::fetestexcept(FE_ALL_EXCEPT & ~FE_INEXACT));
+}
+
+template <class T, int inputs, int outputs>
 void loop(char **arrays, const npy_intp *dimensions, const npy_intp *strides, void *data) {
   constexpr int operands = inputs + outputs;
   constexpr npy_intp block_length = block_bytes / sizeof(T);
@@ -123,7 +138,7 @@ void loop(char **arrays, const npy_intp *dimensions, const npy_intp *strides, vo
   for (int k = 0; k < operands; ++k) all_dense &= operand[k].is_dense || (k == 1 && second_is_number);
 
   const npy_intp piece = in_steps ? 1 : all_dense ? longest_piece : block_length;
-  const Reporting reporting(variant.reported);
+  Collecting collecting(variant.collected);
   for (npy_intp done = 0; done < n; done += piece) {
     const npy_intp count = std::min(piece, n - done);
     T *p[operands];
@@ -137,6 +152,8 @@ void loop(char **arrays, const npy_intp *dimensions, const npy_intp *strides, vo
       operand[k].at += count * operand[k].stride;
     }
   }
+  const unsigned statuses = collecting.finish() & variant.reported;
+  if (statuses) raise(statuses);
 }
 
 }  // namespace qkr::ufuncs

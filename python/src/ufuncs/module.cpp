@@ -1,6 +1,7 @@
 /* The module _ufuncs: makes a ufunc of each row. */
 #define QKR_IMPORTS_NUMPY
 #include "numpy_api.h"
+#include "ufuncs/shortcut.h"
 #include "ufuncs/table.h"
 
 namespace qkr::ufuncs {
@@ -24,8 +25,11 @@ PyObject *make(Row &row, Storage &storage) {
     storage.data[i] = &row.variants[i];
     for (int k = 0; k < row.inputs + row.outputs; ++k) *type++ = type_number(row.variants[i].type);
   }
-  return PyUFunc_FromFuncAndData(storage.loops, storage.data, storage.types, row.count, row.inputs,
-                                 row.outputs, row.identity, row.name, row.docstring, 0);
+  PyObject *made = PyUFunc_FromFuncAndData(storage.loops, storage.data, storage.types, row.count, row.inputs,
+                                           row.outputs, row.identity, row.name, row.docstring, 0);
+  if (!made) return nullptr;
+  add_shortcut(reinterpret_cast<PyUFuncObject *>(made));
+  return made;
 }
 
 int execute(PyObject *module) {

@@ -20,8 +20,14 @@ struct Shape {
   static constexpr int inputs = inputs_, outputs = outputs_;
   template <class F>
   static Variant variant(F function) {
-    return {loop<T, inputs, outputs>, letter<T>, reinterpret_cast<void (*)()>(function), nullptr,
-            statuses<T>};
+    return {.loop = loop<T, inputs, outputs>,
+            .type = letter<T>,
+            .function = reinterpret_cast<void (*)()>(function),
+            .of_number = nullptr,
+            .dense = dense<T, inputs, outputs>,
+            .collected = statuses<T>,
+            .reported = statuses<T>,
+            .by_flags = !std::is_floating_point_v<T>};
   }
 };
 
@@ -57,12 +63,15 @@ Row with_number(Row row, F... functions) {
 /* What the processor's own flags tell better than a status (0 / 0 is invalid, 1 / 0 a division by zero): statuses are
  * collected, so that they go nowhere else, and not reported. */
 Row by_flags(Row row) {
-  for (Variant &variant : row.variants) variant.reported = bit(VXM_STATUS_OK);
+  for (Variant &variant : row.variants) {
+    variant.reported = 0;
+    variant.by_flags = true;
+  }
   return row;
 }
 
 Row without_errors(Row row) {
-  for (Variant &variant : row.variants) variant.reported = 0;
+  for (Variant &variant : row.variants) variant.collected = 0;
   return row;
 }
 
