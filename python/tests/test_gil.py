@@ -10,6 +10,7 @@ import pytest
 import qkr
 import qkr.fft
 import qkr.random
+import qkr.signal
 
 
 def releases_gil(call, seconds):
@@ -53,6 +54,7 @@ LONG = {
     "fft": lambda: qkr.fft.fft(X[:1000]),
     "rfft": lambda: qkr.fft.rfft(X[:1000]),
     "irfft": lambda: qkr.fft.irfft(X[:1000]),
+    "convolve": lambda: qkr.signal.convolve(X[:1000], X[:100]),
     "fft2": lambda: qkr.fft.fft2(X.reshape(100, 200)),
 }
 SHORT = {
