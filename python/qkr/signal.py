@@ -91,8 +91,9 @@ def _floating(x, y, axes, start, shape, by_transform):
 def _is_large(x, y, axes, single):
     """Whether transforms are the faster way."""
     small = min(_math.prod(a.shape[k] for k in axes) for a in (x, y))
-    border = _BORDERS["f" if single else "d"][min(len(axes), 3) - 1]
-    return small > border or (len(axes) == 1 and small < _SHORT)
+    if len(axes) == 1 and small < _SHORT:
+        return x.dtype.kind + y.dtype.kind == "ff"
+    return small > _BORDERS["f" if single else "d"][min(len(axes), 3) - 1]
 
 
 def _whole(x, y, axes, start, shape, method):
