@@ -1,7 +1,6 @@
-/* Python and NumPy, for the files of an extension. One file of each defines QKR_IMPORTS_NUMPY and calls import_array()
- * (and import_umath()); the others share its table of functions. */
-#ifndef QKR_PYTHON_NUMPY_API_H
-#define QKR_PYTHON_NUMPY_API_H
+// Python and NumPy, for the files of an extension. One file of each defines QKR_IMPORTS_NUMPY and calls
+// import_array() (and import_umath()); the others share its table of functions.
+#pragma once
 
 #define PY_SSIZE_T_CLEAN
 #include <Python.h>
@@ -14,5 +13,3 @@
 #endif
 #include <numpy/arrayobject.h>
 #include <numpy/ufuncobject.h>
-
-#endif

@@ -1,4 +1,4 @@
-/* The module _fft: transforms of arrays that qkr/fft.py has made ready. */
+// The module _fft: transforms of arrays that qkr/fft.py has made ready.
 #define QKR_IMPORTS_NUMPY
 #include <algorithm>
 
@@ -9,7 +9,7 @@
 namespace qkr::fft {
 namespace {
 
-/* Numbers from which on the GIL is released: a few microseconds. */
+// Numbers from which on the GIL is released: a few microseconds.
 constexpr npy_intp many = 500;
 
 PyObject *set_error(int32_t code) {
@@ -34,8 +34,8 @@ bool is_double(PyArrayObject *array) {
   return PyArray_TYPE(array) == NPY_DOUBLE || PyArray_TYPE(array) == NPY_CDOUBLE;
 }
 
-/* run(input, output, axes, forward, forward_scale, backward_scale, workers): dense arrays; the same one for a complex
- * transform, which is done in place. */
+// run(input, output, axes, forward, forward_scale, backward_scale, workers): dense arrays; the same one for
+// a complex transform, which is done in place.
 PyObject *run(PyObject *, PyObject *const *arguments, Py_ssize_t) {
   auto *input = reinterpret_cast<PyArrayObject *>(arguments[0]);
   auto *output = reinterpret_cast<PyArrayObject *>(arguments[1]);
@@ -60,7 +60,8 @@ PyObject *run(PyObject *, PyObject *const *arguments, Py_ssize_t) {
   int32_t code = 0;
   PyThreadState *thread =
       std::max(PyArray_SIZE(input), PyArray_SIZE(output)) >= many ? PyEval_SaveThread() : nullptr;
-  /* A descriptor has three dimensions: the last three axes first (forward) or last (backward), and others around. */
+  // A descriptor has three dimensions: the last three axes first (forward) or last (backward), and others
+  // around.
   for (int left = request.axis_count; left > 0 && !code;) {
     const int group = std::min(left, most_dimensions);
     left -= group;
@@ -76,7 +77,7 @@ PyObject *run(PyObject *, PyObject *const *arguments, Py_ssize_t) {
   Py_RETURN_NONE;
 }
 
-/* complete(spectrum, axes): the second half of a spectrum of real numbers, from its first. */
+// complete(spectrum, axes): the second half of a spectrum of real numbers, from its first.
 PyObject *complete_spectrum(PyObject *, PyObject *const *arguments, Py_ssize_t) {
   auto *spectrum = reinterpret_cast<PyArrayObject *>(arguments[0]);
   int axes[most_axes], count;

@@ -7,12 +7,12 @@
 namespace qkr::fft {
 namespace {
 
-/* The cache: a list, the plan used last at its head. It is short, and a search compares words. */
+// The cache: a list, the plan used last at its head. It is short, and a search compares words.
 std::mutex mutex;
 Plan *head = nullptr;
 CacheState state = {.plans = 0, .most_plans = 64, .points = 0, .most_points = size_t{1} << 23};
 
-/* A descriptor's tables grow with its lengths, and work memory with their product. */
+// A descriptor's tables grow with its lengths, and work memory with their product.
 size_t points(const Key &key) {
   size_t product = 1;
   for (int d = 0; d < key.dimensions; ++d) product *= static_cast<size_t>(key.lengths[d]);
@@ -24,7 +24,7 @@ void destroy(Plan *plan) {
   free(plan);
 }
 
-/* Cuts off what exceeds the bounds; the caller destroys it when it has let go of the lock. */
+// Cuts off what exceeds the bounds; the caller destroys it when it has let go of the lock.
 Plan *cut_off_excess() {
   size_t plans = 0, total = 0;
   Plan **link = &head;

@@ -1,18 +1,18 @@
-/* Committed descriptors, and a cache of them.
- *
- * Whoever computes takes a descriptor out of the cache, or makes one, and gives it back. So no descriptor serves two
- * threads at a time, and nothing is locked while it computes. */
-#ifndef QKR_PYTHON_FFT_PLANS_H
-#define QKR_PYTHON_FFT_PLANS_H
+// Committed descriptors, and a cache of them.
+//
+// Whoever computes takes a descriptor out of the cache, or makes one, and gives it back. So no descriptor
+// serves two threads at a time, and nothing is locked while it computes.
+#pragma once
 
 #include <cstddef>
 #include <qkr/dft.h>
 
 namespace qkr::fft {
 
-inline constexpr int most_dimensions = 3; /* of a descriptor */
+inline constexpr int most_dimensions = 3;  // of a descriptor
 
-/* All that distinguishes one descriptor from another. Compared as words: nothing but int32_t before the scales. */
+// All that distinguishes one descriptor from another. Compared as words: nothing but int32_t before the
+// scales.
 struct Key {
   int32_t precision, domain, dimensions, count;
   int32_t lengths[most_dimensions];
@@ -24,10 +24,10 @@ struct Key {
 struct Plan {
   Key key;
   DftDescriptor *descriptor;
-  Plan *next; /* in the cache: less recently used */
+  Plan *next;  // in the cache: less recently used
 };
 
-/* A plan for the key; null with the library's code in *code. */
+// A plan for the key; null with the library's code in *code.
 Plan *take(const Key &key, int32_t *code);
 void give_back(Plan *plan);
 
@@ -35,9 +35,7 @@ struct CacheState {
   size_t plans, most_plans, points, most_points;
 };
 CacheState cache_state();
-/* Sets the bounds, and drops what exceeds them. */
+// Sets the bounds, and drops what exceeds them.
 void limit_cache(size_t most_plans, size_t most_points);
 
 }  // namespace qkr::fft
-
-#endif

@@ -1,5 +1,5 @@
-/* From axes of arrays to descriptors: the transformed axes become dimensions of a descriptor, the neighbouring axes
- * beside them its batch, and the rest a loop, whose steps are shared among threads. */
+// From axes of arrays to descriptors: the transformed axes become dimensions of a descriptor, the
+// neighbouring axes beside them its batch, and the rest a loop, whose steps are shared among threads.
 #include "fft/transform.h"
 
 #include <algorithm>
@@ -17,8 +17,8 @@ struct Axis {
   ptrdiff_t length, input_stride, output_stride;
 };
 
-/* The axes of an array that are not transformed, neighbours joined where they are one behind the other in memory, and in
- * order of falling strides. */
+// The axes of an array that are not transformed, neighbours joined where they are one behind the other in
+// memory, and in order of falling strides.
 struct Rest {
   int count = 0;
   Axis axes[most_axes];
@@ -37,13 +37,13 @@ struct Rest {
   }
 };
 
-/* A transform call for every step of the loop. */
+// A transform call for every step of the loop.
 struct Job {
   const Request *request;
   Key key;
   Rest loop;
-  ptrdiff_t steps, input_bytes, output_bytes; /* of the loop; of an element */
-  Axis batch;                                 /* which the steps divide into pieces, the last one shorter */
+  ptrdiff_t steps, input_bytes, output_bytes;  // of the loop; of an element
+  Axis batch;                                  // which the steps divide into pieces, the last one shorter
   ptrdiff_t pieces, piece;
   std::atomic<ptrdiff_t> next = 0;
   std::atomic<int32_t> code = 0;
@@ -69,7 +69,7 @@ int32_t compute(const Request &r, Plan *plan, char *input, char *output) {
   }
 }
 
-/* Takes steps until there are none, with plans for a whole piece and for the last one. */
+// Takes steps until there are none, with plans for a whole piece and for the last one.
 void *work(void *argument) {
   Job &job = *static_cast<Job *>(argument);
   Plan *plans[2] = {};
@@ -103,7 +103,7 @@ void *work(void *argument) {
   }
   if (code) {
     job.code = code;
-    job.next = all; /* the others need not go on */
+    job.next = all;  // the others need not go on
   }
   return nullptr;
 }
@@ -149,7 +149,8 @@ int32_t transform(const Request &r) {
   bool transformed[most_axes] = {};
   for (int d = 0; d < r.axis_count; ++d) {
     const int k = r.axes[r.axis_count - 1 - d];
-    /* A half spectrum that is given may be longer than half, and a place for one may be whole: the signal counts. */
+    // A half spectrum that is given may be longer than half, and a place for one may be whole: the signal
+    // counts.
     const ptrdiff_t length = r.kind == Kind::real_forward ? r.input_shape[k] : r.output_shape[k];
     if (!fits(length) || !fits(axes[k].input_stride) || !fits(axes[k].output_stride))
       return DFTX_MEMORY_ERROR;
@@ -162,7 +163,7 @@ int32_t transform(const Request &r) {
   for (int k = 0; k < r.dimensions; ++k) {
     if (!transformed[k]) job.loop.add(axes[k]);
   }
-  /* The innermost axis beside the transformed ones makes the batch, the others the loop. */
+  // The innermost axis beside the transformed ones makes the batch, the others the loop.
   job.batch = job.loop.count ? job.loop.axes[--job.loop.count] : Axis{1, 1, 1};
   if (!fits(job.batch.input_stride) || !fits(job.batch.output_stride)) return DFTX_MEMORY_ERROR;
   key.input_distance = static_cast<int32_t>(job.batch.input_stride);

@@ -1,5 +1,5 @@
-/* Draws whose parameters are arrays, and the generator's own words. The callers in qkr/random.py bring arrays of the
- * right type, dense and of matching sizes. */
+// Draws whose parameters are arrays, and the generator's own words. The callers in qkr/random.py bring
+// arrays of the right type, dense and of matching sizes.
 #include <algorithm>
 #include <qkr/distributions.h>
 
@@ -15,7 +15,7 @@ PyObject *finish(int32_t status) {
 
 }  // namespace
 
-/* _normal_vectors(out, mean, triangle): `out` of n by d numbers. */
+// _normal_vectors(out, mean, triangle): `out` of n by d numbers.
 PyObject *normal_vectors(PyObject *object, PyObject *arguments) {
   Stream *self = ready(object);
   PyArrayObject *out, *mean, *triangle;
@@ -44,7 +44,7 @@ PyObject *normal_vectors(PyObject *object, PyObject *arguments) {
   return finish(status);
 }
 
-/* _poisson_each(out, means): `out` of int32, `means` of float64. */
+// _poisson_each(out, means): `out` of int32, `means` of float64.
 PyObject *poisson_each(PyObject *object, PyObject *arguments) {
   Stream *self = ready(object);
   PyArrayObject *out, *means;
@@ -66,7 +66,7 @@ PyObject *poisson_each(PyObject *object, PyObject *arguments) {
   return finish(status);
 }
 
-/* _raw_words(out, n): `n` of the generator's integers into the bytes of `out`. */
+// _raw_words(out, n): `n` of the generator's integers into the bytes of `out`.
 PyObject *raw_words(PyObject *object, PyObject *arguments) {
   Stream *self = ready(object);
   PyArrayObject *out;
@@ -82,7 +82,7 @@ PyObject *raw_words(PyObject *object, PyObject *arguments) {
   return finish(status);
 }
 
-/* How the generator hands out integers: bytes of each, and significant bits. */
+// How the generator hands out integers: bytes of each, and significant bits.
 PyObject *word_size(PyObject *object, void *) {
   Stream *self = ready(object);
   BrngRecord record = {};

@@ -1,5 +1,5 @@
-/* The distributions, one row each. Names, parameters and laws are NumPy's where it has the distribution; `loc` and
- * `scale` beyond those are the library's displacement and stretching. */
+// The distributions, one row each. Names, parameters and laws are NumPy's where it has the distribution;
+// `loc` and `scale` beyond those are the library's displacement and stretching.
 #include <cmath>
 #include <iterator>
 #include <limits>
@@ -22,7 +22,7 @@ template <int k>
 const char *not_negative(const double *p) {
   return p[k] >= 0 ? nullptr : "scale is negative or NaN";
 }
-/* A shape above 0, then a scale of at least 0 as parameter k. */
+// A shape above 0, then a scale of at least 0 as parameter k.
 template <int k>
 const char *shape_and_scale(const double *p) {
   return p[0] > 0 ? not_negative<k>(p) : "shape is not above 0";
@@ -60,7 +60,7 @@ const char *whole_range(const double *p) {
   return !whole ? "the range is not one of 32-bit integers" : low < high ? nullptr : "the range is empty";
 }
 
-/* Of the double and the single-precision form of a function, that of T. */
+// Of the double and the single-precision form of a function, that of T.
 template <class T, class D, class S>
 constexpr auto of(D in_doubles, S in_floats) {
   if constexpr (std::is_same_v<T, double>) return in_doubles;
@@ -112,7 +112,7 @@ const Distribution rows[] = {
         "cauchy", {loc, scale}, not_negative<1>,
         REAL { return of<T>(_vxsdRngCauchy, _vxssRngCauchy)(0, s, n, out, p[0], p[1]); }),
     real(
-        "rayleigh", {scale, loc}, not_negative<0>, /* the library's scale is that of the squared sum */
+        "rayleigh", {scale, loc}, not_negative<0>,  // the library's scale is that of the squared sum
         REAL {
           return of<T>(_vxsdRngRayleigh, _vxssRngRayleigh)(0, s, n, out, p[1], p[0] * std::numbers::sqrt2);
         }),
@@ -120,7 +120,7 @@ const Distribution rows[] = {
         "lognormal", {{"mean", 0}, {"sigma", 1}, loc, scale}, sigma_and_scale,
         REAL { return of<T>(_vxsdRngLognormal, _vxssRngLognormal)(0, s, n, out, p[0], p[1], p[2], p[3]); }),
     real(
-        "gumbel", {loc, scale}, not_negative<1>, /* the library's law, mirrored */
+        "gumbel", {loc, scale}, not_negative<1>,  // the library's law, mirrored
         REAL { return of<T>(_vxsdRngGumbel, _vxssRngGumbel)(0, s, n, out, p[0], -p[1]); }),
     real(
         "gumbel_left", {loc, scale}, not_negative<1>,
@@ -139,7 +139,7 @@ const Distribution rows[] = {
         WHOLE {
           const auto low = static_cast<int32_t>(range_begin(p)), high = static_cast<int32_t>(range_end(p));
           const int32_t status = _vxsiRngUniform(0, s, n, out, low, high);
-          for (int32_t i = 0; i < n; ++i) out[i] = out[i] < high ? out[i] : high - 1; /* a rounded MCG59 */
+          for (int32_t i = 0; i < n; ++i) out[i] = out[i] < high ? out[i] : high - 1;  // a rounded MCG59
           return status;
         }),
     whole(
@@ -171,7 +171,7 @@ const Distribution rows[] = {
 #define TAIL "size=None, dtype=None, out=None)\n--\n\n"
 #define NOTES "\n\nNotes\n-----\nThe C functions: "
 
-/* Docstrings, in the order of the rows. */
+// Docstrings, in the order of the rows.
 constexpr const char *docstrings[] = {
     "random($self, " TAIL
     "Uniform over [0, 1), of as many bits as the generator's words; in float32 1.0 can come "

@@ -7,14 +7,14 @@
 namespace qkr::random {
 namespace {
 
-/* Numbers from which on the GIL is released: a few microseconds. */
+// Numbers from which on the GIL is released: a few microseconds.
 constexpr npy_intp many = 500;
-/* The library counts in 32 bits. Draws may be split without changing a number. */
+// The library counts in 32 bits. Draws may be split without changing a number.
 constexpr npy_intp longest_piece = npy_intp{1} << 30;
 
 enum { size_place, dtype_place, out_place, own_places };
 
-/* Sorts arguments into the parameters and size, dtype, out. @return whether all fit */
+// Sorts arguments into the parameters and size, dtype, out. @return whether all fit
 bool match(const Distribution &d, PyObject *const *arguments, Py_ssize_t count, PyObject *names,
            PyObject **found) {
   static const char *const own[] = {"size", "dtype", "out"};
@@ -53,7 +53,7 @@ bool read_parameters(const Distribution &d, PyObject *const *found, double *p) {
   return !complaint;
 }
 
-/* The element type that is asked for, as NumPy's number; -1 with an exception set. */
+// The element type that is asked for, as NumPy's number; -1 with an exception set.
 int read_type(const Distribution &d, PyObject *dtype) {
   const bool real = d.doubles;
   if (!dtype || dtype == Py_None) return real ? NPY_DOUBLE : NPY_INT64;
@@ -66,7 +66,7 @@ int read_type(const Distribution &d, PyObject *dtype) {
   return -1;
 }
 
-/* The array to fill, new or the caller's. */
+// The array to fill, new or the caller's.
 PyArrayObject *result_array(const Distribution &d, PyObject *size, PyObject *dtype, PyObject *out) {
   PyArray_Dims shape = {};
   if (size && size != Py_None && !PyArray_IntpConverter(size, &shape)) return nullptr;
@@ -85,7 +85,7 @@ PyArrayObject *result_array(const Distribution &d, PyObject *size, PyObject *dty
     const int type =
         read_type(d, dtype && dtype != Py_None ? dtype : reinterpret_cast<PyObject *>(PyArray_DESCR(array)));
     if (type < 0) {
-      /* told */
+      // told
     } else if (PyArray_TYPE(array) != type || !PyArray_ISCARRAY(array)) {
       PyErr_Format(PyExc_ValueError, "%s: out is to be a writeable C array of the dtype", d.name);
     } else if (has_shape && (shape.len != PyArray_NDIM(array) ||
@@ -108,7 +108,7 @@ int32_t fill(Fill<T> function, StreamState *stream, npy_intp n, T *out, const do
   return status;
 }
 
-/* Wider integers, and those with an offset, go through a block that stays in the cache. */
+// Wider integers, and those with an offset, go through a block that stays in the cache.
 int32_t fill(const Distribution &d, StreamState *stream, npy_intp n, int64_t *out, const double *p) {
   constexpr npy_intp block = 2048;
   int32_t numbers[block];

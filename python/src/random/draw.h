@@ -1,6 +1,5 @@
-/* A distribution as a method of Stream: name, parameters, size, dtype, out. */
-#ifndef QKR_PYTHON_RANDOM_DRAW_H
-#define QKR_PYTHON_RANDOM_DRAW_H
+// A distribution as a method of Stream: name, parameters, size, dtype, out.
+#pragma once
 
 #include "random/stream.h"
 
@@ -10,10 +9,10 @@ inline constexpr int most_parameters = 4;
 
 struct Parameter {
   const char *name;
-  double value; /* unless given; NaN: it has to be given */
+  double value;  // unless given; NaN: it has to be given
 };
 
-/* What is asked of a parameter list; text of the exception, or null. */
+// What is asked of a parameter list; text of the exception, or null.
 using Check = const char *(*)(const double *p);
 
 template <class T>
@@ -24,12 +23,12 @@ struct Distribution {
   int count;
   Parameter parameters[most_parameters];
   Check check;
-  /* Of real numbers: */
+  // Of real numbers:
   Fill<double> doubles;
   Fill<float> floats;
-  /* Of whole numbers: */
+  // Of whole numbers:
   Fill<int32_t> integers;
-  /* Added to each, as NumPy counts some of them from 1. */
+  // Added to each, as NumPy counts some of them from 1.
   int offset;
 };
 
@@ -37,5 +36,3 @@ PyObject *draw(const Distribution &distribution, PyObject *self, PyObject *const
                PyObject *names);
 
 }  // namespace qkr::random
-
-#endif

@@ -1,4 +1,4 @@
-/* Streams to bytes and files, and back: the bytes are those of a stream file. */
+// Streams to bytes and files, and back: the bytes are those of a stream file.
 #include <cstdio>
 #include <cstdlib>
 #include <qkr/streams_files.h>

@@ -1,4 +1,4 @@
-/* The module _random: the types Stream and Lock. */
+// The module _random: the types Stream and Lock.
 #define QKR_IMPORTS_NUMPY
 #include <cstring>
 #include <iterator>
@@ -83,7 +83,7 @@ void free_stream(PyObject *object) {
   Py_DECREF(type);
 }
 
-/* Stream(generator, words): `words` is an array of unsigned 32-bit numbers. */
+// Stream(generator, words): `words` is an array of unsigned 32-bit numbers.
 int init_stream(PyObject *object, PyObject *arguments, PyObject *) {
   unsigned int generator;
   PyObject *seed;
@@ -105,7 +105,7 @@ int init_stream(PyObject *object, PyObject *arguments, PyObject *) {
   return adopt(self, state) ? 0 : -1;
 }
 
-/* _copy_from(other): a copy of the other's stream takes the place of this one's. */
+// _copy_from(other): a copy of the other's stream takes the place of this one's.
 PyObject *copy_from(PyObject *object, PyObject *source) {
   if (!PyObject_TypeCheck(source, stream_type)) {
     PyErr_SetString(PyExc_TypeError, "not a stream");
@@ -135,7 +135,7 @@ PyObject *skip(PyObject *object, PyObject *argument) {
     PyErr_SetString(PyExc_ValueError, "a stream skips forward only");
     return nullptr;
   }
-  constexpr long long longest = 0x7fffffff; /* of one step */
+  constexpr long long longest = 0x7fffffff;  // of one step
   const Guard guard(self);
   int32_t status = VXS_STATUS_OK;
   Py_BEGIN_ALLOW_THREADS;
@@ -197,7 +197,7 @@ PyGetSetDef properties[] = {
     {},
 };
 
-/* The methods above and those of the distributions, for the life of the process. */
+// The methods above and those of the distributions, for the life of the process.
 PyMethodDef *all_methods() {
   static PyMethodDef all[64];
   int count;

@@ -1,7 +1,7 @@
-/* A stream as the bit generator of numpy.random.Generator: functions that hand out one number at a time, from a block of
- * words that the stream fills.
- *
- * Numbers of 64 bits and doubles of 53 are made of two words, as NumPy's own MT19937 makes them. */
+// A stream as the bit generator of numpy.random.Generator: functions that hand out one number at a time,
+// from a block of words that the stream fills.
+//
+// Numbers of 64 bits and doubles of 53 are made of two words, as NumPy's own MT19937 makes them.
 #include <cstdlib>
 #include <qkr/distributions.h>
 

@@ -1,4 +1,4 @@
-/* The module _signal: convolution of arrays that qkr/signal.py has made ready, by the library's tasks. */
+// The module _signal: convolution of arrays that qkr/signal.py has made ready, by the library's tasks.
 #define QKR_IMPORTS_NUMPY
 #include <cstdint>
 #include <qkr/convcorr.h>
@@ -8,7 +8,7 @@
 namespace qkr::signal {
 namespace {
 
-constexpr int most_dimensions = 7; /* of a task */
+constexpr int most_dimensions = 7;  // of a task
 
 PyObject *set_error(int32_t status) {
   switch (status) {
@@ -21,16 +21,17 @@ PyObject *set_error(int32_t status) {
   }
 }
 
-/* An array as a task wants it: its convolved axes, the last one first, and where its first element in memory is. */
+// An array as a task wants it: its convolved axes, the last one first, and where its first element in
+// memory is.
 struct Operand {
   char *data;
   int32_t shape[most_dimensions], strides[most_dimensions];
-  npy_intp loop_strides[NPY_MAXDIMS]; /* bytes, of the other axes; 0 along one that is repeated */
+  npy_intp loop_strides[NPY_MAXDIMS];  // bytes, of the other axes; 0 along one that is repeated
 };
 
 bool fits(npy_intp number) { return number >= -INT32_MAX && number <= INT32_MAX; }
 
-/* @return whether its numbers fit into the library's */
+// @return whether its numbers fit into the library's
 bool describe(PyArrayObject *array, int dims, const int *axes, int loops, const int *loop_axes,
               Operand *operand) {
   operand->data = PyArray_BYTES(array);
@@ -41,8 +42,7 @@ bool describe(PyArrayObject *array, int dims, const int *axes, int loops, const 
     all_fit &= fits(length) && fits(bytes / PyArray_ITEMSIZE(array));
     operand->shape[d] = static_cast<int32_t>(length);
     operand->strides[d] = static_cast<int32_t>(bytes / PyArray_ITEMSIZE(array));
-    if (bytes < 0)
-      operand->data += (length - 1) * bytes; /* tasks count a negative stride from the other end */
+    if (bytes < 0) operand->data += (length - 1) * bytes;  // tasks count a negative stride from the other end
   }
   for (int k = 0; k < loops; ++k) {
     const int axis = loop_axes[k];
@@ -51,8 +51,8 @@ bool describe(PyArrayObject *array, int dims, const int *axes, int loops, const 
   return all_fit;
 }
 
-/* convolve(x, y, z, axes, start, by_transform): aligned arrays of one real type. z holds, along each of `axes`, the
- * results from `start` on; x and y may have length 1 along other axes. */
+// convolve(x, y, z, axes, start, by_transform): aligned arrays of one real type. z holds, along each of
+// `axes`, the results from `start` on; x and y may have length 1 along other axes.
 PyObject *convolve(PyObject *, PyObject *arguments) {
   PyArrayObject *x, *y, *z;
   PyObject *axis_tuple, *start_tuple;

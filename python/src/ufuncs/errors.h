@@ -1,10 +1,9 @@
-/* From the library's statuses to NumPy's floating-point errors.
- *
- * NumPy clears the floating-point flags before a loop and looks at them afterwards; np.errstate says what becomes of
- * them. So a loop collects the statuses of its elements through an error callback, and raises the flags at its end. The
- * thread's own policy (mode, callback, status word) is put aside meanwhile. */
-#ifndef QKR_PYTHON_UFUNCS_ERRORS_H
-#define QKR_PYTHON_UFUNCS_ERRORS_H
+// From the library's statuses to NumPy's floating-point errors.
+//
+// NumPy clears the floating-point flags before a loop and looks at them afterwards; np.errstate says what
+// becomes of them. So a loop collects the statuses of its elements through an error callback, and raises
+// the flags at its end. The thread's own policy (mode, callback, status word) is put aside meanwhile.
+#pragma once
 
 #include <cfenv>
 #include <qkr/vecmath_control.h>
@@ -16,14 +15,14 @@ constexpr unsigned bit(int status) { return 1u << status; }
 inline constexpr unsigned all_statuses =
     bit(VXM_STATUS_ERRDOM) | bit(VXM_STATUS_SING) | bit(VXM_STATUS_OVERFLOW) | bit(VXM_STATUS_UNDERFLOW);
 
-/* From its making to finish(), the statuses of this thread's vector functions come here. */
+// From its making to finish(), the statuses of this thread's vector functions come here.
 class Collecting {
  public:
-  /* For functions that have no statuses `wanted` is false, and nothing is done. */
+  // For functions that have no statuses `wanted` is false, and nothing is done.
   explicit Collecting(bool wanted) : wanted(wanted) {
     if (wanted) qkr_vxm_exchange_policy(&policy);
   }
-  /* @return what was collected, bit by bit */
+  // @return what was collected, bit by bit
   unsigned finish() {
     if (!wanted) return 0;
     qkr_vxm_exchange_policy(&policy);
@@ -36,7 +35,7 @@ class Collecting {
  private:
   static int32_t note(VxmErrorContext *element) {
     seen |= bit(element->iCode);
-    return 1; /* the element keeps its result */
+    return 1;  // the element keeps its result
   }
 
   static inline thread_local unsigned seen = 0;
@@ -52,5 +51,3 @@ inline void raise(unsigned statuses) {
 }
 
 }  // namespace qkr::ufuncs
-
-#endif

@@ -1,10 +1,9 @@
-/* The loop of a ufunc: what NumPy calls with pointers, strides and a count, and what hands that to a vector function of
- * the library.
- *
- * Dense operands go to the library as they are. Others pass through blocks that stay in the first-level cache: gather a
- * block, call, scatter. */
-#ifndef QKR_PYTHON_UFUNCS_LOOP_H
-#define QKR_PYTHON_UFUNCS_LOOP_H
+// The loop of a ufunc: what NumPy calls with pointers, strides and a count, and what hands that to a vector
+// function of the library.
+//
+// Dense operands go to the library as they are. Others pass through blocks that stay in the first-level
+// cache: gather a block, call, scatter.
+#pragma once
 
 #include <algorithm>
 #include <qkr/qkr.h>
@@ -23,22 +22,22 @@ using OfNumber = void (*)(int32_t, const T *, T, T *);
 template <class T>
 using ToTwo = void (*)(int32_t, const T *, T *, T *);
 
-/* A library function for one element type: the `data` that NumPy passes to the loop. */
+// A library function for one element type: the `data` that NumPy passes to the loop.
 struct Variant {
   PyUFuncGenericFunction loop;
-  char type; /* NumPy's letter of the element */
+  char type;  // NumPy's letter of the element
   void (*function)();
-  void (*of_number)(); /* the form with one second operand for all elements, or null */
-  /* The function on dense arrays of at least one element. @return whether no element had an error */
+  void (*of_number)();  // the form with one second operand for all elements, or null
+  // The function on dense arrays of at least one element. @return whether no element had an error
   bool (*dense)(const Variant &variant, npy_intp n, char *const *data);
-  unsigned collected; /* statuses, bit by bit; 0 for a function that has none */
-  unsigned reported;  /* those that become NumPy's errors */
-  bool by_flags;      /* the function raises floating-point flags by itself */
+  unsigned collected;  // statuses, bit by bit; 0 for a function that has none
+  unsigned reported;   // those that become NumPy's errors
+  bool by_flags;       // the function raises floating-point flags by itself
 };
 
-/* Bytes of a block. Three of them, and as much again of what they are gathered from, lie in 32 KiB. */
+// Bytes of a block. Three of them, and as much again of what they are gathered from, lie in 32 KiB.
 inline constexpr npy_intp block_bytes = 4096;
-/* The longest piece of a dense vector: the library counts in 32 bits. */
+// The longest piece of a dense vector: the library counts in 32 bits.
 inline constexpr npy_intp longest_piece = npy_intp{1} << 30;
 
 template <class T>
@@ -57,7 +56,7 @@ struct Operand {
   T *data() const { return is_dense ? reinterpret_cast<T *>(at) : block; }
 };
 
-/* Whether two operands of n elements of one size touch the same memory other than element by element. */
+// Whether two operands of n elements of one size touch the same memory other than element by element.
 template <class T>
 bool overlap(const Operand<T> &a, const Operand<T> &b, npy_intp n) {
   if (a.at == b.at && a.stride == b.stride && a.stride != 0) return false;
@@ -70,7 +69,7 @@ bool overlap(const Operand<T> &a, const Operand<T> &b, npy_intp n) {
   return a_begin < b_end && b_begin < a_end;
 }
 
-/* Whether an element of `in` is the result of an earlier step, as in reduce and accumulate. */
+// Whether an element of `in` is the result of an earlier step, as in reduce and accumulate.
 template <class T>
 bool depends(const Operand<T> &in, const Operand<T> &out, npy_intp n) {
   if (out.stride == 0) return in.at == out.at;
@@ -112,7 +111,7 @@ void loop(char **arrays, const npy_intp *dimensions, const npy_intp *strides, vo
   const npy_intp n = dimensions[0];
   if (n <= 0) return;
 
-  alignas(64) char memory[operands][block_bytes]; /* T may have a constructor: raw bytes */
+  alignas(64) char memory[operands][block_bytes];  // T may have a constructor: raw bytes
   Operand<T> operand[operands];
   bool all_dense = true, in_steps = false;
   for (int k = 0; k < operands; ++k) {
@@ -126,7 +125,8 @@ void loop(char **arrays, const npy_intp *dimensions, const npy_intp *strides, vo
     }
   }
 
-  /* An operand of stride 0 is one number: it fills its block once, or goes to a function that takes a number. */
+  // An operand of stride 0 is one number: it fills its block once, or goes to a function that takes a
+  // number.
   bool is_number[operands] = {};
   bool second_is_number = false;
   for (int k = 0; k < inputs && n > 1 && !in_steps; ++k) {
@@ -157,5 +157,3 @@ void loop(char **arrays, const npy_intp *dimensions, const npy_intp *strides, vo
 }
 
 }  // namespace qkr::ufuncs
-
-#endif

@@ -1,4 +1,4 @@
-/* The module _ufuncs: makes a ufunc of each row. */
+// The module _ufuncs: makes a ufunc of each row.
 #define QKR_IMPORTS_NUMPY
 #include "numpy_api.h"
 #include "ufuncs/shortcut.h"
@@ -7,7 +7,7 @@
 namespace qkr::ufuncs {
 namespace {
 
-/* What PyUFunc_FromFuncAndData() keeps pointers to. */
+// What PyUFunc_FromFuncAndData() keeps pointers to.
 struct Storage {
   PyUFuncGenericFunction loops[4];
   void *data[4];

@@ -1,5 +1,5 @@
-/* The shortcut computes at once what has no error. If an element has one, the call starts anew on NumPy's way, which
- * asks np.errstate; so it is for results that do not overwrite their inputs. */
+// The shortcut computes at once what has no error. If an element has one, the call starts anew on NumPy's
+// way, which asks np.errstate; so it is for results that do not overwrite their inputs.
 #include "ufuncs/shortcut.h"
 
 #include <algorithm>
@@ -9,9 +9,9 @@
 namespace qkr::ufuncs {
 namespace {
 
-/* Beyond this, NumPy's way costs little beside the computation. */
+// Beyond this, NumPy's way costs little beside the computation.
 constexpr npy_intp too_many = 16384;
-/* As in NumPy: from so many elements on the GIL is released. */
+// As in NumPy: from so many elements on the GIL is released.
 constexpr npy_intp many = 500;
 
 vectorcallfunc usual_way;
@@ -42,7 +42,8 @@ const Variant *variant_of(PyUFuncObject *ufunc, int type) {
   return nullptr;
 }
 
-/* The results, new or given, of one array or a tuple; null, without an exception, if the shortcut does not serve. */
+// The results, new or given, of one array or a tuple; null, without an exception, if the shortcut does not
+// serve.
 PyObject *compute(PyUFuncObject *ufunc, PyObject *const *arguments, Py_ssize_t count) {
   if (count != ufunc->nin && count != ufunc->nargs) return nullptr;
   auto *first = reinterpret_cast<PyArrayObject *>(arguments[0]);

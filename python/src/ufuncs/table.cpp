@@ -1,5 +1,5 @@
-/* The ufuncs and their library functions. Names are NumPy's where it has the function, SciPy's for error functions, and
- * the library's otherwise. */
+// The ufuncs and their library functions. Names are NumPy's where it has the function, SciPy's for error
+// functions, and the library's otherwise.
 #include "ufuncs/table.h"
 
 namespace qkr::ufuncs {
@@ -11,7 +11,7 @@ constexpr char letter = std::is_same_v<T, float>     ? 'f'
                         : std::is_same_v<T, vxm32fc> ? 'F'
                                                      : 'D';
 
-/* Complex functions raise floating-point flags by themselves and set no status. */
+// Complex functions raise floating-point flags by themselves and set no status.
 template <class T>
 constexpr unsigned statuses = std::is_floating_point_v<T> ? all_statuses : 0;
 
@@ -52,7 +52,7 @@ Row row(const char *name, const char *docstring, F first, More... more) {
           {S::variant(first), ShapeOf<More>::variant(more)...}};
 }
 
-/* Powers with one exponent for all elements. */
+// Powers with one exponent for all elements.
 template <class... F>
 Row with_number(Row row, F... functions) {
   Variant *variant = row.variants;
@@ -60,8 +60,8 @@ Row with_number(Row row, F... functions) {
   return row;
 }
 
-/* What the processor's own flags tell better than a status (0 / 0 is invalid, 1 / 0 a division by zero): statuses are
- * collected, so that they go nowhere else, and not reported. */
+// What the processor's own flags tell better than a status (0 / 0 is invalid, 1 / 0 a division by zero):
+// statuses are collected, so that they go nowhere else, and not reported.
 Row by_flags(Row row) {
   for (Variant &variant : row.variants) {
     variant.reported = 0;
@@ -80,21 +80,21 @@ Row reducible(Row row, int identity) {
   return row;
 }
 
-/* NumPy's order of results: fraction first. */
+// NumPy's order of results: fraction first.
 void modf_fraction_first(int32_t n, const float *a, float *r1, float *r2) { _vxmsModf(n, a, r2, r1); }
 void modf_fraction_first(int32_t n, const double *a, double *r1, double *r2) { _vxmdModf(n, a, r2, r1); }
 
-/* A row: name, summary, the library's functions by element type. The docstring names them. */
+// A row: name, summary, the library's functions by element type. The docstring names them.
 #define QKR_UFUNC(name, summary, ...) \
   row(#name, summary "\n\nNotes\n-----\nThe C functions: " #__VA_ARGS__ ".\n", __VA_ARGS__)
 
 Row rows[] = {
-    /* exponentials and logarithms */
+    // exponentials and logarithms
     QKR_UFUNC(exp, "The exponential function, e**x.", _vxmsExp_HA, _vxmdExp_HA, _vxmcExp_HA, _vxmzExp_HA),
     QKR_UFUNC(log, "The natural logarithm.", _vxmsLn_HA, _vxmdLn_HA, _vxmcLn_HA, _vxmzLn_HA),
     QKR_UFUNC(log10, "The logarithm to base 10.", _vxmsLog10_HA, _vxmdLog10_HA, _vxmcLog10_HA, _vxmzLog10_HA),
 
-    /* powers and roots */
+    // powers and roots
     QKR_UFUNC(sqrt, "The square root, not negative.", _vxmsSqrt_HA, _vxmdSqrt_HA, _vxmcSqrt_HA, _vxmzSqrt_HA),
     QKR_UFUNC(invsqrt, "The reciprocal square root, 1 / sqrt(x).", _vxmsInvSqrt_HA, _vxmdInvSqrt_HA),
     QKR_UFUNC(cbrt, "The cube root.", _vxmsCbrt_HA, _vxmdCbrt_HA),
@@ -111,11 +111,11 @@ Row rows[] = {
                   _vxmsHypot_HA, _vxmdHypot_HA),
         PyUFunc_Zero),
 
-    /* division */
+    // division
     by_flags(QKR_UFUNC(divide, "Division, x1 / x2, correctly rounded.", _vxmsDiv_HA, _vxmdDiv_HA)),
     by_flags(QKR_UFUNC(reciprocal, "The reciprocal, 1 / x, correctly rounded.", _vxmsInv_HA, _vxmdInv_HA)),
 
-    /* circular functions, in radians */
+    // circular functions, in radians
     QKR_UFUNC(sin, "The sine.", _vxmsSin_HA, _vxmdSin_HA, _vxmcSin_HA, _vxmzSin_HA),
     QKR_UFUNC(cos, "The cosine.", _vxmsCos_HA, _vxmdCos_HA, _vxmcCos_HA, _vxmzCos_HA),
     QKR_UFUNC(sincos, "Sine and cosine, as a pair of arrays.", _vxmsSinCos_HA, _vxmdSinCos_HA),
@@ -129,7 +129,7 @@ Row rows[] = {
     QKR_UFUNC(arctan2, "The angle of the point with ordinate x1 and abscissa x2, from -pi to pi.",
               _vxmsAtan2_HA, _vxmdAtan2_HA),
 
-    /* hyperbolic functions */
+    // hyperbolic functions
     QKR_UFUNC(sinh, "The hyperbolic sine.", _vxmsSinh_HA, _vxmdSinh_HA, _vxmcSinh_HA, _vxmzSinh_HA),
     QKR_UFUNC(cosh, "The hyperbolic cosine.", _vxmsCosh_HA, _vxmdCosh_HA, _vxmcCosh_HA, _vxmzCosh_HA),
     QKR_UFUNC(tanh, "The hyperbolic tangent.", _vxmsTanh_HA, _vxmdTanh_HA, _vxmcTanh_HA, _vxmzTanh_HA),
@@ -140,13 +140,13 @@ Row rows[] = {
     QKR_UFUNC(arctanh, "The inverse hyperbolic tangent.", _vxmsAtanh_HA, _vxmdAtanh_HA, _vxmcAtanh_HA,
               _vxmzAtanh_HA),
 
-    /* error functions */
+    // error functions
     QKR_UFUNC(erf, "The error function.", _vxmsErf_HA, _vxmdErf_HA),
     QKR_UFUNC(erfc, "The complementary error function, 1 - erf(x), accurate also where it is small.",
               _vxmsErfc_HA, _vxmdErfc_HA),
     QKR_UFUNC(erfinv, "The inverse of the error function.", _vxmsErfInv_HA, _vxmdErfInv_HA),
 
-    /* integer parts */
+    // integer parts
     without_errors(QKR_UFUNC(ceil, "The smallest integer not below x.", _vxmsCeil, _vxmdCeil)),
     without_errors(QKR_UFUNC(floor, "The largest integer not above x.", _vxmsFloor, _vxmdFloor)),
     without_errors(QKR_UFUNC(trunc, "The integer part, rounded toward zero.", _vxmsTrunc, _vxmdTrunc)),

@@ -1,6 +1,5 @@
-/* The ufuncs, one row each. */
-#ifndef QKR_PYTHON_UFUNCS_TABLE_H
-#define QKR_PYTHON_UFUNCS_TABLE_H
+// The ufuncs, one row each.
+#pragma once
 
 #include <span>
 
@@ -11,12 +10,10 @@ namespace qkr::ufuncs {
 struct Row {
   const char *name, *docstring;
   int inputs, outputs, identity;
-  int count;           /* of variants */
-  Variant variants[4]; /* in NumPy's order of preference: narrower elements first */
+  int count;            // of variants
+  Variant variants[4];  // in NumPy's order of preference: narrower elements first
 };
 
 std::span<Row> table();
 
 }  // namespace qkr::ufuncs
-
-#endif
