@@ -27,8 +27,9 @@ T *find_or_make_cell(pthread_key_t key, size_t bytes, T initial) {
 
 }  // namespace
 
-// accessor() finds the cell of the calling thread. The bytes are those of a small block. The key owns the cell; the
-// thread remembers where it is, as short vector calls would notice two calls of the C library for each look.
+// accessor() finds the cell of the calling thread. The bytes are those of a small block. The key owns the
+// cell; the thread remembers where it is, as short vector calls would notice two calls of the C library for
+// each look.
 #define THREAD_CELL(accessor, Type, bytes, initial)                                              \
   namespace {                                                                                    \
   pthread_key_t accessor##_key = no_key;                                                         \
