@@ -95,6 +95,19 @@ QKR_API VxmErrorCallBack _vxmGetErrorCallBack(void);
  * @return the previous callback */
 QKR_API VxmErrorCallBack _vxmClearErrorCallBack(void);
 
+/** The error policy of a thread as a whole. */
+typedef struct VxmErrorPolicy {
+  VxmMode mode;              /**< the mode word */
+  int32_t status;            /**< the status word */
+  VxmErrorCallBack callback; /**< the callback, or null */
+} VxmErrorPolicy;
+
+/** Exchanges the calling thread's mode, status and callback with those of `policy`. For layers above that treat
+ * errors in their own way: one call before and one after their vector calls, with the same record, leave the
+ * thread as it was, and the record then tells the status of the last error between them. The mode is stored
+ * whole, so that a field may become zero; bits outside of its fields are dropped. */
+QKR_API void qkr_vxm_exchange_policy(VxmErrorPolicy *policy);
+
 /** For callers that hand out a long vector in pieces: `pointer` is the start of the whole first input, and
  * VxmErrorContext::iIndex then counts from there. Null turns this off.
  * @return `pointer` */

@@ -11,7 +11,7 @@ sources = [path for top in root.iterdir() if top.is_dir() and top.name not in ma
            for path in top.rglob("*") if path.suffix in {".h", ".cpp"}]
 folders = {f"{path.parent.relative_to(root)}/" for path in sources}
 # A line for tests, bench and the like stands for what lies below, too.
-whole = {"tests", "bench", "tools", "examples", "include"}
+whole = {"tests", "bench", "tools", "examples", "include", "python"}
 faults = [f"names {name}, which does not exist" for name in sorted(named) if not (root / name).exists()]
 faults += [f"has no line for {folder}" for folder in sorted(folders - named) if folder.partition("/")[0] not in whole]
 faults += ["is longer than 100 lines"] * (text.count("\n") > 100)

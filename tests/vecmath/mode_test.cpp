@@ -72,6 +72,44 @@ TEST(Mode, SettersReturnWhatWasThere) {
   });
 }
 
+TEST(Mode, PolicyIsExchangedWhole) {
+  in_fresh_thread([] {
+    VxmErrorPolicy policy = {0x1000 | 0xF0u, -7, callback_a};
+    qkr_vxm_exchange_policy(&policy);
+    EXPECT_EQ(_vxmGetMode(), VxmMode{0x1000}); /* no accuracy, and no bit that has no field */
+    EXPECT_EQ(_vxmGetErrorCallBack(), callback_a);
+    EXPECT_EQ(_vxmSetErrStatus(VXM_STATUS_SING), -7);
+    qkr_vxm_exchange_policy(&policy);
+    EXPECT_EQ(policy.mode, VxmMode{0x1000});
+    EXPECT_EQ(policy.status, VXM_STATUS_SING);
+    EXPECT_EQ(policy.callback, callback_a);
+    EXPECT_EQ(_vxmGetMode(), VxmMode{VXM_MODE_DEFAULT});
+    EXPECT_EQ(_vxmGetErrStatus(), VXM_STATUS_OK);
+    EXPECT_EQ(_vxmGetErrorCallBack(), nullptr);
+  });
+}
+
+// A destructor that runs after those of the cells gets cells of its own, with the values of a new thread.
+TEST(Mode, CellsAreMadeAgainForLateDestructors) {
+  static pthread_key_t late;
+  static int rounds;
+  rounds = 0;
+  const auto at_end = [](void *again) {
+    if (++rounds == 1) {
+      pthread_setspecific(late, again); /* the next round comes after the cells have gone */
+    } else {
+      EXPECT_EQ(_vxmGetMode(), VxmMode{VXM_MODE_DEFAULT});
+    }
+  };
+  ASSERT_EQ(pthread_key_create(&late, at_end), 0);
+  in_fresh_thread([] {
+    _vxmSetMode(VXM_MODE_IGNORE);
+    pthread_setspecific(late, &rounds);
+  });
+  EXPECT_EQ(rounds, 2);
+  pthread_key_delete(late);
+}
+
 TEST(Mode, ThreadsDoNotSeeEachOther) {
   in_fresh_thread([] {
     _vxmSetMode(0x401);

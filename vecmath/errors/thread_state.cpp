@@ -27,15 +27,23 @@ T *find_or_make_cell(pthread_key_t key, size_t bytes, T initial) {
 
 }  // namespace
 
-// accessor() finds the cell of the calling thread. The bytes are those of a small block.
-#define THREAD_CELL(accessor, Type, bytes, initial)                                    \
-  namespace {                                                                          \
-  pthread_key_t accessor##_key = no_key;                                               \
-  pthread_once_t accessor##_once = PTHREAD_ONCE_INIT;                                  \
-  }                                                                                    \
-  Type *qkr::accessor() {                                                              \
-    pthread_once(&accessor##_once, [] { pthread_key_create(&accessor##_key, free); }); \
-    return find_or_make_cell<Type>(accessor##_key, bytes, initial);                    \
+// accessor() finds the cell of the calling thread. The bytes are those of a small block. The key owns the
+// cell; the thread remembers where it is, as short vector calls would notice two calls of the C library for
+// each look.
+#define THREAD_CELL(accessor, Type, bytes, initial)                                              \
+  namespace {                                                                                    \
+  pthread_key_t accessor##_key = no_key;                                                         \
+  pthread_once_t accessor##_once = PTHREAD_ONCE_INIT;                                            \
+  __attribute__((tls_model("initial-exec"))) QKR_THREAD_LOCAL Type *accessor##_found = nullptr;  \
+  void accessor##_end(void *cell) {                                                              \
+    accessor##_found = nullptr;                                                                  \
+    free(cell);                                                                                  \
+  }                                                                                              \
+  }                                                                                              \
+  Type *qkr::accessor() {                                                                        \
+    if (accessor##_found) return accessor##_found;                                               \
+    pthread_once(&accessor##_once, [] { pthread_key_create(&accessor##_key, accessor##_end); }); \
+    return accessor##_found = find_or_make_cell<Type>(accessor##_key, bytes, initial);           \
   }
 
 THREAD_CELL(thread_mode, VxmMode, 8, VXM_MODE_DEFAULT)
@@ -79,6 +87,18 @@ VxmErrorCallBack _vxmSetErrorCallBack(VxmErrorCallBack callback) {
 VxmErrorCallBack _vxmGetErrorCallBack() { return *thread_callback(); }
 
 VxmErrorCallBack _vxmClearErrorCallBack() { return _vxmSetErrorCallBack(nullptr); }
+
+void qkr_vxm_exchange_policy(VxmErrorPolicy *policy) {
+  constexpr VxmMode fields = VXM_MODE_ACCURACY | VXM_MODE_ERRORS | VXM_MODE_RESERVED;
+  VxmMode *mode = thread_mode();
+  int32_t *status = thread_status();
+  VxmErrorCallBack *callback = thread_callback();
+  const VxmErrorPolicy previous = {*mode, *status, *callback};
+  *mode = policy->mode & fields;
+  *status = policy->status;
+  *callback = policy->callback;
+  *policy = previous;
+}
 
 const void *_vxmSetInterfInputVectorPointer(const void *pointer) { return *thread_input_vector() = pointer; }
 

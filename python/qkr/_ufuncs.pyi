@@ -1,0 +1,37 @@
+from numpy import ufunc
+
+exp: ufunc
+log: ufunc
+log10: ufunc
+sqrt: ufunc
+invsqrt: ufunc
+cbrt: ufunc
+invcbrt: ufunc
+power: ufunc
+hypot: ufunc
+divide: ufunc
+reciprocal: ufunc
+sin: ufunc
+cos: ufunc
+sincos: ufunc
+tan: ufunc
+arcsin: ufunc
+arccos: ufunc
+arctan: ufunc
+arctan2: ufunc
+sinh: ufunc
+cosh: ufunc
+tanh: ufunc
+arcsinh: ufunc
+arccosh: ufunc
+arctanh: ufunc
+erf: ufunc
+erfc: ufunc
+erfinv: ufunc
+ceil: ufunc
+floor: ufunc
+trunc: ufunc
+rint: ufunc
+nearbyint: ufunc
+round_half_away: ufunc
+modf: ufunc

@@ -1,0 +1,13 @@
+from typing import Any, Literal, Sequence
+
+from numpy.typing import ArrayLike
+
+__all__ = ["convolve", "correlate", "fftconvolve", "oaconvolve"]
+
+_Mode = Literal["full", "same", "valid"]
+_Method = Literal["auto", "direct", "fft"]
+
+def convolve(in1: ArrayLike, in2: ArrayLike, mode: _Mode = ..., method: _Method = ...) -> Any: ...
+def correlate(in1: ArrayLike, in2: ArrayLike, mode: _Mode = ..., method: _Method = ...) -> Any: ...
+def oaconvolve(in1: ArrayLike, in2: ArrayLike, mode: _Mode = ..., axes: int | Sequence[int] | None = ...) -> Any: ...
+def fftconvolve(in1: ArrayLike, in2: ArrayLike, mode: _Mode = ..., axes: int | Sequence[int] | None = ...) -> Any: ...
