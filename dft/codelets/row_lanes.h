@@ -12,7 +12,8 @@ namespace {
 template <int bytes>
 using Cells = Vector<double, bytes>;
 
-// Where the lines of a group start, each address in a register: a sum of two in an operand costs an operation.
+// Where the lines of a group start, each address in a register: a sum of two in an operand costs an
+// operation.
 template <class T, int lines>
 struct Starts {
   T *start[lines];
@@ -131,8 +132,8 @@ struct Rows {
   }
 };
 
-// A line may be shorter than half a register. Two cells at once make fewer stores; on the way in they are worth
-// it only where registers are plenty.
+// A line may be shorter than half a register. Two cells at once make fewer stores; on the way in they are
+// worth it only where registers are plenty.
 template <class T, int order>
 constexpr int row_bytes = QKR_SIMD_BYTES == 64 && 2 * sizeof(T) << order < 32 ? 32 : QKR_SIMD_BYTES;
 template <class T, int order>

@@ -1,6 +1,6 @@
-// Complex lines. Contiguous ones are transformed where they stand, several at a time where the length is short
-// enough. Neighbouring columns are transformed lane by lane where it is, or gathered in strips into rows of a
-// scratch. Any others are copied one by one.
+// Complex lines. Contiguous ones are transformed where they stand, several at a time where the length is
+// short enough. Neighbouring columns are transformed lane by lane where it is, or gathered in strips into
+// rows of a scratch. Any others are copied one by one.
 #include "dft/drivers/lines.h"
 #include "dft/drivers/row_copy.h"
 #include "dft/drivers/scratch.h"
