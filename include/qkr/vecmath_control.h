@@ -100,12 +100,15 @@ typedef struct VxmErrorPolicy {
   VxmMode mode;              /**< the mode word */
   int32_t status;            /**< the status word */
   VxmErrorCallBack callback; /**< the callback, or null */
+  /** Null, or the address of a word that collects the statuses of all elements: status k sets bit k. At first
+   * null. */
+  uint32_t *statuses;
 } VxmErrorPolicy;
 
-/** Exchanges the calling thread's mode, status and callback with those of `policy`. For layers above that treat
- * errors in their own way: one call before and one after their vector calls, with the same record, leave the
- * thread as it was, and the record then tells the status of the last error between them. The mode is stored
- * whole, so that a field may become zero; bits outside of its fields are dropped. */
+/** Exchanges the calling thread's policy with `policy`. For layers above that treat errors in their own way:
+ * one call before and one after their vector calls, with the same record, leave the thread as it was, and the
+ * record then tells the status of the last error between them. The mode is stored whole, so that a field may
+ * become zero; bits outside of its fields are dropped. */
 QKR_API void qkr_vxm_exchange_policy(VxmErrorPolicy *policy);
 
 /** For callers that hand out a long vector in pieces: `pointer` is the start of the whole first input, and

@@ -57,7 +57,7 @@ def calls(draw):
     return name, x, options
 
 
-@settings(max_examples=400, deadline=None)
+@settings(max_examples=250, deadline=None)
 @given(calls())
 def test_all_arguments_mean_what_scipy_means(call):
     name, x, options = call

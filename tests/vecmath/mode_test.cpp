@@ -1,6 +1,7 @@
 // Mode word, callback, status and their cells.
 #include <gtest/gtest.h>
 #include <malloc.h>
+#include <qkr/vecmath.h>
 
 #include "tests/vecmath/fresh_thread.h"
 #include "vecmath/errors/gate.h"
@@ -74,9 +75,9 @@ TEST(Mode, SettersReturnWhatWasThere) {
 
 TEST(Mode, PolicyIsExchangedWhole) {
   in_fresh_thread([] {
-    VxmErrorPolicy policy = {0x1000 | 0xF0u, -7, callback_a};
+    VxmErrorPolicy policy = {0x1000 | 0xF0u, -7, callback_a, nullptr};
     qkr_vxm_exchange_policy(&policy);
-    EXPECT_EQ(_vxmGetMode(), VxmMode{0x1000}); /* no accuracy, and no bit that has no field */
+    EXPECT_EQ(_vxmGetMode(), VxmMode{0x1000});  // no accuracy, and no bit that has no field
     EXPECT_EQ(_vxmGetErrorCallBack(), callback_a);
     EXPECT_EQ(_vxmSetErrStatus(VXM_STATUS_SING), -7);
     qkr_vxm_exchange_policy(&policy);
@@ -89,6 +90,22 @@ TEST(Mode, PolicyIsExchangedWhole) {
   });
 }
 
+TEST(Mode, PolicyCollectsAllStatuses) {
+  in_fresh_thread([] {
+    uint32_t statuses = 1u << 31;
+    VxmErrorPolicy policy = {VXM_MODE_IGNORE, VXM_STATUS_OK, nullptr, &statuses};
+    qkr_vxm_exchange_policy(&policy);
+    double x[5] = {1, 1000, -1000, 1, -1}, r[5];
+    _vxmdExp_HA(5, x, r);
+    EXPECT_EQ(statuses, 1u << 31 | 1u << VXM_STATUS_OVERFLOW | 1u << VXM_STATUS_UNDERFLOW);
+    qkr_vxm_exchange_policy(&policy);
+    EXPECT_EQ(policy.status, VXM_STATUS_UNDERFLOW);
+    EXPECT_EQ(policy.statuses, &statuses);
+    _vxmdLn_HA(5, x, r);  // collected by nobody
+    EXPECT_EQ(statuses >> VXM_STATUS_ERRDOM & 1, 0u);
+  });
+}
+
 // A destructor that runs after those of the cells gets cells of its own, with the values of a new thread.
 TEST(Mode, CellsAreMadeAgainForLateDestructors) {
   static pthread_key_t late;
@@ -96,7 +113,7 @@ TEST(Mode, CellsAreMadeAgainForLateDestructors) {
   rounds = 0;
   const auto at_end = [](void *again) {
     if (++rounds == 1) {
-      pthread_setspecific(late, again); /* the next round comes after the cells have gone */
+      pthread_setspecific(late, again);  // the next round comes after the cells have gone
     } else {
       EXPECT_EQ(_vxmGetMode(), VxmMode{VXM_MODE_DEFAULT});
     }

@@ -24,6 +24,7 @@ template <typename Real>
 void dispatch(int32_t status, int32_t index, const Real *a, const Real *b, Real *r1, Real *r2,
               const char *name) {
   *thread_status() = status;
+  if (collected_statuses) *collected_statuses |= 1u << (status & 31);
   if ((*thread_mode() & VXM_MODE_ERRORS) == VXM_MODE_IGNORE) return;
 
   VxmErrorContext record = {};

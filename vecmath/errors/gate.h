@@ -19,6 +19,9 @@ int32_t *thread_status();
 VxmErrorCallBack *thread_callback();
 const void **thread_input_vector();
 
+// Where the calling thread collects statuses; null unless qkr_vxm_exchange_policy() has set it.
+extern __attribute__((tls_model("initial-exec"))) QKR_THREAD_LOCAL uint32_t *collected_statuses;
+
 // The handlers that the mode has switched on, in this order: errno, stderr, floating-point event.
 void handle_error(VxmErrorContext *record);
 void set_errno(VxmErrorContext *record);

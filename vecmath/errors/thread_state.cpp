@@ -51,6 +51,8 @@ THREAD_CELL(thread_status, int32_t, 8, VXM_STATUS_OK)
 THREAD_CELL(thread_callback, VxmErrorCallBack, 16, nullptr)
 THREAD_CELL(thread_input_vector, const void *, 16, nullptr)
 
+QKR_THREAD_LOCAL uint32_t *qkr::collected_statuses = nullptr;
+
 extern "C" {
 
 VxmMode _vxmSetMode(VxmMode mode) {
@@ -93,10 +95,11 @@ void qkr_vxm_exchange_policy(VxmErrorPolicy *policy) {
   VxmMode *mode = thread_mode();
   int32_t *status = thread_status();
   VxmErrorCallBack *callback = thread_callback();
-  const VxmErrorPolicy previous = {*mode, *status, *callback};
+  const VxmErrorPolicy previous = {*mode, *status, *callback, collected_statuses};
   *mode = policy->mode & fields;
   *status = policy->status;
   *callback = policy->callback;
+  collected_statuses = policy->statuses;
   *policy = previous;
 }
 

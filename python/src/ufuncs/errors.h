@@ -1,8 +1,8 @@
 // From the library's statuses to NumPy's floating-point errors.
 //
 // NumPy clears the floating-point flags before a loop and looks at them afterwards; np.errstate says what
-// becomes of them. So a loop collects the statuses of its elements through an error callback, and raises
-// the flags at its end. The thread's own policy (mode, callback, status word) is put aside meanwhile.
+// becomes of them. So a loop collects the statuses of its elements, and raises the flags at its end. The
+// thread's own policy (mode, callback, status word) is put aside meanwhile.
 #pragma once
 
 #include <cfenv>
@@ -22,25 +22,19 @@ class Collecting {
   explicit Collecting(bool wanted) : wanted(wanted) {
     if (wanted) qkr_vxm_exchange_policy(&policy);
   }
-  // @return what was collected, bit by bit
+  // The policy holds an address within.
+  Collecting(const Collecting &) = delete;
+  Collecting &operator=(const Collecting &) = delete;
+  // Returns what was collected, bit by bit.
   unsigned finish() {
-    if (!wanted) return 0;
-    qkr_vxm_exchange_policy(&policy);
-    if (policy.status == VXM_STATUS_OK) return 0;
-    const unsigned statuses = seen;
-    seen = 0;
+    if (wanted) qkr_vxm_exchange_policy(&policy);
     return statuses;
   }
 
  private:
-  static int32_t note(VxmErrorContext *element) {
-    seen |= bit(element->iCode);
-    return 1;  // the element keeps its result
-  }
-
-  static inline thread_local unsigned seen = 0;
   bool wanted;
-  VxmErrorPolicy policy = {VXM_MODE_CALLBACK, VXM_STATUS_OK, note};
+  uint32_t statuses = 0;
+  VxmErrorPolicy policy = {VXM_MODE_IGNORE, VXM_STATUS_OK, nullptr, &statuses};
 };
 
 inline void raise(unsigned statuses) {
