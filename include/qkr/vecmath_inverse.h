@@ -47,7 +47,7 @@ QKR_API void _vxmsAtan_21(int32_t n, const float *a, float *r);
  *
  * Method: as Atan.
  *
- * Largest error: 0.60 ulp (float 0.51). */
+ * Largest error: 0.60 ulp (float 0.52). */
 /**@{*/
 QKR_API void _vxmdAtan2_HA(int32_t n, const double *a, const double *b, double *r);
 QKR_API void _vxmdAtan2_50(int32_t n, const double *a, const double *b, double *r);

@@ -141,4 +141,4 @@ struct Atan2Single : BinaryKernel<float, 4> {
 QKR_FUNCTION(_vxmdAtan_HA, _vxmdAtan_50, double, 0.62, 0x1.1030aac90c834p-1, AtanDouble)
 QKR_FUNCTION(_vxmsAtan_HA, _vxmsAtan_21, float, 0.51, 0x1.a152d4p-3, AtanSingle)
 QKR_FUNCTION_OF_TWO(_vxmdAtan2_HA, _vxmdAtan2_50, double, 0.60, 0x1.cb417a2d00c18p+0, Atan2Double)
-QKR_FUNCTION_OF_TWO(_vxmsAtan2_HA, _vxmsAtan2_21, float, 0.51, 0x1.7ddb3cp-10, Atan2Single)
+QKR_FUNCTION_OF_TWO(_vxmsAtan2_HA, _vxmsAtan2_21, float, 0.52, 0x1.60620cp+68, Atan2Single)

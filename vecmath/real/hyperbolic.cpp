@@ -204,9 +204,9 @@ using SinhSingle = GrowingSingle<SinhValue>;
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_FUNCTION(_vxmdCosh_HA, _vxmdCosh_50, double, 0.57, -0x1.03ee211c0457dp+1, CoshDouble)
+QKR_FUNCTION(_vxmdCosh_HA, _vxmdCosh_50, double, 0.57, -0x1.e7a10861f2a99p+2, CoshDouble)
 QKR_FUNCTION(_vxmsCosh_HA, _vxmsCosh_21, float, 0.503, -0x1.0a33bp+0, CoshSingle)
-QKR_FUNCTION(_vxmdSinh_HA, _vxmdSinh_50, double, 0.56, 0x1.63140974f32bp-8, SinhDouble)
+QKR_FUNCTION(_vxmdSinh_HA, _vxmdSinh_50, double, 0.565, 0x1.62eac92ecaad3p-8, SinhDouble)
 QKR_FUNCTION(_vxmsSinh_HA, _vxmsSinh_21, float, 0.504, 0x1.62e792p-2, SinhSingle)
 QKR_FUNCTION(_vxmdTanh_HA, _vxmdTanh_50, double, 0.67, 0x1.a2fe1cf9368abp+3, TanhDouble)
 QKR_FUNCTION(_vxmsTanh_HA, _vxmsTanh_21, float, 0.517, 0x1.62f9b6p-2, TanhSingle)

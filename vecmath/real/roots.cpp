@@ -126,6 +126,6 @@ QKR_FUNCTION(_vxmdInvSqrt_HA, _vxmdInvSqrt_50, double, 0.501, 0x1.528be3e20b924p
 QKR_FUNCTION(_vxmsInvSqrt_HA, _vxmsInvSqrt_21, float, 0.506, 0x1.591f9p+12, InvSqrt<SingleRoot>)
 QKR_FUNCTION(_vxmdCbrt_HA, _vxmdCbrt_50, double, 0.55, -0x1.f202422888ef7p-169, CubeRoot<double, CbrtValue>)
 QKR_FUNCTION(_vxmsCbrt_HA, _vxmsCbrt_21, float, 0.501, 0x1.cbf92p-130, CubeRoot<float, CbrtValue>)
-QKR_FUNCTION(_vxmdInvCbrt_HA, _vxmdInvCbrt_50, double, 0.51, 0x1.f94dcf4cadf75p+2,
+QKR_FUNCTION(_vxmdInvCbrt_HA, _vxmdInvCbrt_50, double, 0.515, 0x1.f94ffb6c4624dp+497,
              CubeRoot<double, InvCbrtValue>)
 QKR_FUNCTION(_vxmsInvCbrt_HA, _vxmsInvCbrt_21, float, 0.501, -0x1.7b6194p-2, CubeRoot<float, InvCbrtValue>)

@@ -168,6 +168,6 @@ void qkr::sine_and_cosine_of_any(double x, double *sine, double *cosine) {
 }
 #endif
 
-QKR_FUNCTION(_vxmdSin_HA, _vxmdSin_50, double, 0.53, -0x1.3bffffffffffp+3, SinDouble)
-QKR_FUNCTION(_vxmdCos_HA, _vxmdCos_50, double, 0.54, 0x1.fffffffffffcdp+16, CosDouble)
+QKR_FUNCTION(_vxmdSin_HA, _vxmdSin_50, double, 0.54, 0x1.814fc69a6da8ep+16, SinDouble)
+QKR_FUNCTION(_vxmdCos_HA, _vxmdCos_50, double, 0.545, -0x1.d75b0d80639e6p+16, CosDouble)
 QKR_FUNCTION_TO_TWO(_vxmdSinCos_HA, _vxmdSinCos_50, double, 0.56, 0x1.20eda84dbbc25p+6, SinCosDouble)
