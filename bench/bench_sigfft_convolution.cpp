@@ -133,7 +133,8 @@ void add_all(bool quick, const std::regex &wanted) {
       if (filter <= n) add<T>(n, filter, wanted);
     add<T>(n, 0, wanted);
   }
-  for (const size_t n : {75, 128, 512, 1000, 2048, 4096, 10000}) {
+  for (const size_t n : {75, 128, 512, 1000, 2048, 4096, 10000, 30000, 100000, 250000}) {
+    if (quick && n > 10000) break;
     if (n % 4) add<T>(n, 0, wanted);
     if (n > 75) add_plan<T>(n, wanted);
   }

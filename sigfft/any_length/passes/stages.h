@@ -9,9 +9,28 @@ namespace {
 
 using sigfft::AnyLengthPlan, sigfft::Stage, sigfft::small_circle, sigfft::long_stage;
 
-// Every column of `blocks` blocks: the twiddles are loaded once for all blocks.
+// Every column of one block.
 template <bool forward, int points, class In, class Out, class T>
-QKR_NOINLINE void combine(Factor<points> factor, In in, Out out, const Stage<T> &stage, size_t blocks) {
+QKR_NOINLINE void combine_block(Factor<points> factor, In in, Out out, const Stage<T> &stage) {
+  const size_t rest = (size_t)stage.rest;
+  const auto circle = small_circle<T>(stage.circle, points);
+  const T *const table = stage.twiddles;
+  each_column<T>(0, rest, [=](auto width, size_t k) QKR_LAMBDA {
+    constexpr int bytes = decltype(width)::value;
+    const ColumnTwiddles<T> twiddles(table, points, k);
+    const auto get = [&](int m) QKR_LAMBDA {
+      const auto x = columns<bytes>(in, k + m * rest);
+      return m ? times<forward>(x, twiddles.template turns_of<bytes>(m)) : x;
+    };
+    transform_points<forward>(
+        factor, get, [&](int q, auto x) QKR_LAMBDA { set_columns<bytes>(out, k + q * rest, x); }, circle);
+  });
+}
+
+// Every column of `blocks` blocks: the twiddles are loaded once for all blocks.
+template <bool forward, int points, class T>
+QKR_NOINLINE void combine_blocks(Factor<points> factor, Interleaved<T> area, const Stage<T> &stage,
+                                 size_t blocks) {
   const size_t rest = (size_t)stage.rest;
   const auto circle = small_circle<T>(stage.circle, points);
   const T *const table = stage.twiddles;
@@ -24,11 +43,11 @@ QKR_NOINLINE void combine(Factor<points> factor, In in, Out out, const Stage<T> 
     for (size_t b = 0; b < blocks; ++b) {
       const size_t place = b * points * rest + k;
       const auto get = [&](int m) QKR_LAMBDA {
-        const auto x = columns<bytes>(in, place + m * rest);
+        const auto x = columns<bytes>(area, place + m * rest);
         return m ? times<forward>(x, w[m]) : x;
       };
       transform_points<forward>(
-          factor, get, [&](int q, auto x) QKR_LAMBDA { set_columns<bytes>(out, place + q * rest, x); },
+          factor, get, [&](int q, auto x) QKR_LAMBDA { set_columns<bytes>(area, place + q * rest, x); },
           circle);
     }
   });
@@ -65,23 +84,27 @@ QKR_NOINLINE void combine_halves(Factor<points> factor, In in, Out out, const St
 }
 
 template <bool forward, class In, class Out, class T>
-QKR_NOINLINE void combine(AnyFactor factor, In in, Out out, const Stage<T> &stage, size_t blocks) {
+QKR_NOINLINE void combine_block(AnyFactor factor, In in, Out out, const Stage<T> &stage) {
   const size_t rest = (size_t)stage.rest, points = (size_t)factor.value;
   const auto circle = small_circle<T>(stage.circle, factor.value);
   const T *const table = stage.twiddles;
-  for (size_t b = 0; b < blocks; ++b)
-    each_column<T>(0, rest, [=](auto width, size_t k) QKR_LAMBDA {
-      constexpr int bytes = decltype(width)::value;
-      const ColumnTwiddles<T> twiddles(table, points, k);
-      const size_t place = b * points * rest + k;
-      const auto get = [&](int m) QKR_LAMBDA {
-        const auto x = columns<bytes>(in, place + m * rest);
-        return m ? times<forward>(x, twiddles.template turns_of<bytes>(m)) : x;
-      };
-      transform_points<forward>(
-          factor, get, [&](int q, auto x) QKR_LAMBDA { set_columns<bytes>(out, place + q * rest, x); },
-          circle);
-    });
+  each_column<T>(0, rest, [=](auto width, size_t k) QKR_LAMBDA {
+    constexpr int bytes = decltype(width)::value;
+    const ColumnTwiddles<T> twiddles(table, points, k);
+    const auto get = [&](int m) QKR_LAMBDA {
+      const auto x = columns<bytes>(in, k + m * rest);
+      return m ? times<forward>(x, twiddles.template turns_of<bytes>(m)) : x;
+    };
+    transform_points<forward>(
+        factor, get, [&](int q, auto x) QKR_LAMBDA { set_columns<bytes>(out, k + q * rest, x); }, circle);
+  });
+}
+template <bool forward, class T>
+QKR_INLINE void combine_blocks(AnyFactor factor, Interleaved<T> area, const Stage<T> &stage, size_t blocks) {
+  for (size_t b = 0; b < blocks; ++b) {
+    const Interleaved<T> block = area + b * (size_t)(factor.value * stage.rest);
+    combine_block<forward>(factor, block, block, stage);
+  }
 }
 
 // Stages from the last down to `level`, so that what is worked on together stays in the cache; but for the

@@ -49,8 +49,10 @@ QKR_INLINE void transform(const AnyLengthPlan<T> *plan, Source source, Interleav
     first_transforms<forward>(factor, plan, source, area);
   });
   const auto run = [](const Stage<T> &stage, Interleaved<T> part, size_t blocks) {
-    with_factor(stage.factor,
-                [&](auto factor) QKR_LAMBDA { combine<forward>(factor, part, part, stage, blocks); });
+    with_factor(stage.factor, [&](auto factor) QKR_LAMBDA {
+      if (blocks == 1) combine_block<forward>(factor, part, part, stage);
+      else combine_blocks<forward>(factor, part, stage, blocks);
+    });
   };
   const Stage<T> &last = plan->stage[0], &before = plan->stage[1];
   if constexpr (std::is_same_v<Target, Interleaved<T>>)
@@ -64,7 +66,8 @@ QKR_INLINE void transform(const AnyLengthPlan<T> *plan, Source source, Interleav
       return;
     }
   stages_above(plan, 0, area, run);
-  with_factor(last.factor, [&](auto factor) QKR_LAMBDA { combine<forward>(factor, area, target, last, 1); });
+  with_factor(last.factor,
+              [&](auto factor) QKR_LAMBDA { combine_block<forward>(factor, area, target, last); });
 }
 
 }  // namespace
