@@ -24,6 +24,7 @@ The C functions: those of qkr/dft.h (`qkr_dft_def_compute_forward_z` and its com
 import math as _math
 import operator as _operator
 import os as _os
+import sys as _sys
 from collections import namedtuple as _namedtuple
 
 import numpy as _np
@@ -423,4 +424,6 @@ def __ua_function__(method, args, kwargs):
     x = args[0]
     if getattr(x, "dtype", None) is not None and x.dtype.char not in _as_floats:
         return NotImplemented  # of long doubles, SciPy keeps the precision
+    if len(args) < 6 and kwargs.get("workers") is None:
+        kwargs = {**kwargs, "workers": _sys.modules["scipy.fft"].get_workers()}  # as scipy.fft.set_workers() has set
     return function(*args, **kwargs)

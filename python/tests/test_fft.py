@@ -170,6 +170,17 @@ def test_backend_leaves_to_scipy_what_is_not_served():
     assert qkr.fft.cache_info().transforms > 0
 
 
+def test_backend_has_the_workers_that_are_set(monkeypatch):
+    asked = []
+    monkeypatch.setattr(qkr.fft, "_workers", lambda workers: asked.append(workers) or 1)
+    x = np.ones((4, 4))
+    with scipy.fft.set_backend(qkr.fft), scipy.fft.set_workers(3):
+        scipy.fft.fft(x)
+        scipy.fft.fft(x, workers=2)
+        scipy.fft.fft(x, None, -1, None, False, 2)
+    assert asked == [3, 2, 2]
+
+
 def test_cache_keeps_its_bounds_and_what_was_used_last():
     limits = qkr.fft.cache_info()
     try:
