@@ -34,8 +34,8 @@ function(qkr_kernels)
 endfunction()
 
 set(QKR_PUBLIC_HEADERS
-    api.h convcorr.h dft.h distributions.h qkr.h service.h service_level1.h
-    sigfft.h sigfft_arrays.h sigfft_convolution.h sigfft_dft.h sigfft_plan.h sigfft_transforms.h
+    api.h convcorr.h dft.h distributions.h library.h qkr.h service.h service_level1.h
+    sigfft.h sigfft_arrays.h sigfft_convolution.h sigfft_dft.h sigfft_flags.h sigfft_plan.h sigfft_transforms.h
     streams.h streams_abstract.h streams_files.h streams_generators.h
     vecmath.h vecmath_complex.h vecmath_control.h vecmath_elements.h vecmath_exact.h vecmath_extended.h vecmath_inverse.h)
 
