@@ -8,12 +8,12 @@
  *
  * The argument of the template is the type of a signal's elements:
  *
- * | class                                 | signal                          | spectrum                            |
- * |---------------------------------------|---------------------------------|-------------------------------------|
- * | fft<double>, fft<float>               | N real numbers                  | N / 2 + 1 complex numbers, or packed |
- * | fft<std::complex<double>>, ...<float> | N complex numbers               | N complex numbers                   |
- * | fft<split<double>>, ...               | N real and N imaginary parts    | the same                            |
- * | fft<unordered<double>>, ...           | N complex numbers               | N, in an order of the library's own |
+ * | class                                     | signal                       | spectrum                             |
+ * |-------------------------------------------|------------------------------|--------------------------------------|
+ * | `fft<double>`, `fft<float>`               | N real numbers               | N / 2 + 1 complex numbers, or packed |
+ * | `fft<std::complex<double>>`, of float too | N complex numbers            | N complex numbers                    |
+ * | `fft<split<double>>`, of float too        | N real and N imaginary parts | the same                             |
+ * | `fft<unordered<double>>`, of float too    | N complex numbers            | N, in an order of the library's own  |
  *
  * An object holds a plan, which transforms do not change, and work memory of its own: so one object serves one thread
  * at a time, and any number of threads by the overloads that take the work memory, which are const. Spans of other
