@@ -147,8 +147,8 @@ TEST(GaussianMV, ReportsWhatFails) {
 
 // Two words make one number, as in genrand_res53; other generators by their reals.
 TEST(Uniform53, JoinsTwoNumbers) {
-  for (const uint32_t id : std::initializer_list<uint32_t>{QKR_MT19937, QKR_MT2203(7), QKR_MRG32K3A, QKR_MCG59,
-                                                           QKR_WH(3), QKR_MCG31M1}) {
+  for (const uint32_t id : std::initializer_list<uint32_t>{QKR_MT19937, QKR_MT2203(7), QKR_MRG32K3A,
+                                                           QKR_MCG59, QKR_WH(3), QKR_MCG31M1}) {
     const Stream words = new_stream(id, {777, 5}), whole = copy_of(words);
     const std::vector<double> u = draw_doubles(words, 2 * 3000);
     std::vector<double> expected(3000), numbers(3000);

@@ -1,4 +1,6 @@
 // Version, level and the texts of statuses.
+#include <algorithm>
+#include <cstring>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <qkr/library.h>
@@ -67,7 +69,9 @@ TEST(StatusText, ServesAllStatusesOfTheHeaders) {
     for (int status = row.first; status <= row.last; ++status) {
       const std::string answer = qkr_status_text(row.room, status);
       EXPECT_EQ(answer != "unknown status", statuses.count(status) == 1) << row.header << ' ' << status;
-      if (statuses.count(status)) EXPECT_TRUE(texts.insert(answer).second) << answer;
+      if (statuses.count(status)) {
+        EXPECT_TRUE(texts.insert(answer).second) << answer;
+      }
     }
   }
   EXPECT_STREQ(qkr_status_text(-1, 0), "unknown room");
