@@ -14,7 +14,7 @@
 #include <gsl/gsl_qrng.h>
 #include <gsl/gsl_rng.h>
 #include <memory>
-#include <qkr/streams.h>
+#include <qkr/streams_generators.h>
 #include <random>
 #include <regex>
 #include <string>
@@ -40,11 +40,19 @@ struct Generator {
   uint32_t dimensions;  // the seed
   const char *word_form = "u32";
 };
-constexpr Generator generators[] = {
-    {"MCG31M1", 0x100000, 1},      {"R250", 0x200000, 1},       {"MRG32K3A", 0x300000, 1},
-    {"MCG59", 0x400000, 1, "u64"}, {"WH", 0x500000, 1, "4u32"}, {"Sobol1", 0x600000, 1},
-    {"Sobol3", 0x600000, 3},       {"Sobol10", 0x600000, 10},   {"Sobol40", 0x600000, 40},
-    {"Niederr100", 0x700000, 100}, {"MT19937", 0x800000, 1},    {"MT2203", 0x900000, 1}};
+const Generator generators[] = {{"MCG31M1", 0x100000, 1},
+                                {"R250", 0x200000, 1},
+                                {"MRG32K3A", 0x300000, 1},
+                                {"MCG59", 0x400000, 1, "u64"},
+                                {"WH", 0x500000, 1, "4u32"},
+                                {"Sobol1", 0x600000, 1},
+                                {"Sobol3", 0x600000, 3},
+                                {"Sobol10", 0x600000, 10},
+                                {"Sobol40", 0x600000, 40},
+                                {"Niederr100", 0x700000, 100},
+                                {"MT19937", 0x800000, 1},
+                                {"MT2203", 0x900000, 1},
+                                {"Philox", static_cast<uint32_t>(qkr_philox()), 1}};
 
 using Stream = std::unique_ptr<StreamState, void (*)(StreamState *)>;
 Stream new_stream(const Generator &generator) {

@@ -21,6 +21,10 @@ install(CODE "
         COMPONENT debug EXCLUDE_FROM_ALL)
 list(TRANSFORM QKR_PUBLIC_HEADERS PREPEND ${PROJECT_SOURCE_DIR}/include/qkr/ OUTPUT_VARIABLE headers)
 install(FILES ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qkr)
+foreach(header IN LISTS QKR_CXX_HEADERS)
+  cmake_path(GET header PARENT_PATH folder)
+  install(FILES ${PROJECT_SOURCE_DIR}/include/qkr/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qkr/${folder})
+endforeach()
 install(EXPORT qkr-targets NAMESPACE qkr:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qkr)
 
 configure_package_config_file(

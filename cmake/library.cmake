@@ -34,10 +34,14 @@ function(qkr_kernels)
 endfunction()
 
 set(QKR_PUBLIC_HEADERS
-    api.h convcorr.h dft.h distributions.h qkr.h service.h service_level1.h
-    sigfft.h sigfft_arrays.h sigfft_convolution.h sigfft_dft.h sigfft_plan.h sigfft_transforms.h
+    api.h convcorr.h dft.h distributions.h library.h qkr.h service.h service_level1.h
+    sigfft.h sigfft_arrays.h sigfft_convolution.h sigfft_dft.h sigfft_flags.h sigfft_plan.h sigfft_transforms.h
     streams.h streams_abstract.h streams_files.h streams_generators.h
     vecmath.h vecmath_complex.h vecmath_control.h vecmath_elements.h vecmath_exact.h vecmath_extended.h vecmath_inverse.h)
+# C++20, over the others.
+set(QKR_CXX_HEADERS
+    qkr.hpp cpp/arrays.hpp cpp/base.hpp cpp/convolution.hpp cpp/dft.hpp cpp/distributions.hpp cpp/fft.hpp cpp/fft_plan.hpp
+    cpp/packing.hpp cpp/stream.hpp cpp/task.hpp cpp/vecmath.hpp)
 
 # libqkr.so exports what the public headers declare with QKR_API and nothing else; libqkr.a also serves the
 # white-box tests, which reach hidden functions.

@@ -11,7 +11,7 @@ import sys
 from pathlib import Path
 
 REPOSITORY = Path(__file__).resolve().parents[1]
-ROOMS = ("service", "vecmath", "streams", "distributions", "sigfft", "dft", "convcorr")
+ROOMS = ("service", "vecmath", "streams", "distributions", "sigfft", "dft", "convcorr", "library")
 
 
 def declared_name(declaration):

@@ -93,6 +93,7 @@ constexpr Peer<T> peers_of_type[] = {{"MCG31M1", "step", draw<T, Mcg31Step>},
                                      {"MT19937", "philox", draw<T, Philox>},
                                      {"MT19937", "ranlxs", draw_gsl<T, &gsl_rng_ranlxs0>},
                                      {"MT2203", "step", draw<T, Mt2203Step>},
+                                     {"Philox", "random123", draw<T, Philox>},
                                      {nullptr, nullptr, nullptr}};
 
 constexpr Peer<double> only_in_double[] = {{"MT19937", "std64", draw<double, std::mt19937_64>},

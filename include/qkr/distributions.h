@@ -33,8 +33,16 @@
 
 QKR_BEGIN_DECLS
 
+/** Values of `method`, and of `mstorage` of GaussianMV. */
 enum {
-  VXS_METHOD_ACCURATE = 0x40000000 /**< method of Uniform and Beta: the bounds hold in spite of rounding */
+  VXS_METHOD_ACCURATE = 0x40000000, /**< method of Uniform and Beta: the bounds hold in spite of rounding */
+  QKR_GAUSSIAN_SINE = 0,            /**< method of Gaussian: one number for each pair of uniform ones */
+  QKR_GAUSSIAN_PAIRS = 1,           /**< method of Gaussian: two numbers for each pair */
+  QKR_POISSON_PTPE = 0,             /**< method of Poisson: table, or rejection */
+  QKR_POISSON_NORMAL = 1,           /**< method of Poisson: table, or corrected normal numbers */
+  QKR_STORAGE_FULL = 0,             /**< mstorage: the full matrix by rows */
+  QKR_STORAGE_PACKED = 1,           /**< mstorage: the lower triangle by columns */
+  QKR_STORAGE_DIAGONAL = 2          /**< mstorage: the diagonal */
 };
 
 /** @name Uniform
@@ -45,6 +53,16 @@ QKR_API int32_t _vxsdRngUniform(int32_t method, StreamState *stream, int32_t n, 
                                 double b);
 QKR_API int32_t _vxssRngUniform(int32_t method, StreamState *stream, int32_t n, float *out, float a, float b);
 /**@}*/
+
+/** Uniform over [a, b) with all 53 bits of a double, where Uniform has those of one number of the generator, 32 as a
+ * rule. Two numbers u1, u2 of the stream, uniform over [0, 1), make one: with
+ *
+ *     u = (floor(2^27 u1) 2^26 + floor(2^26 u2)) 2^-53
+ *
+ * it is u (b - a) + a, which may round to b. From generators of 32 bits that is genrand_res53 of M. Matsumoto and T.
+ * Nishimura. Of quasi-random streams it takes two components for one number, which spoils them.
+ * VXS_STATUS_OTHER_TYPE for abstract streams of integers and floats. */
+QKR_API int32_t qkr_uniform_53(StreamState *stream, int32_t n, double *out, double a, double b);
 
 /** @name Exponential
  * Exponential of scale beta, displaced to begin at a: a - beta ln u, at least a. Inversion. */

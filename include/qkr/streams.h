@@ -39,6 +39,22 @@
 
 QKR_BEGIN_DECLS
 
+/** Generator ids, as the table above has them. */
+enum {
+  QKR_MCG31M1 = 0x100000,
+  QKR_R250 = 0x200000,
+  QKR_MRG32K3A = 0x300000,
+  QKR_MCG59 = 0x400000,
+  QKR_SOBOL = 0x600000,
+  QKR_NIEDERREITER = 0x700000,
+  QKR_MT19937 = 0x800000,
+  QKR_ABSTRACT_INTEGERS = 0xa00000,
+  QKR_ABSTRACT_DOUBLES = 0xb00000,
+  QKR_ABSTRACT_SINGLES = 0xc00000
+};
+#define QKR_WH(k) (0x500000 + (k))     /**< member k of WH, 0 to 272 */
+#define QKR_MT2203(k) (0x900000 + (k)) /**< member k of MT2203, 0 to 1023 */
+
 /** What the functions of random streams and distributions return. */
 enum {
   VXS_STATUS_OK = 0,
@@ -82,9 +98,12 @@ typedef struct StreamState {
 
 /** What InitStream is asked to do. */
 enum {
-  VXS_INIT_SEED = 0,      /**< start from n seed words at params, an array of uint32_t */
-  VXS_INIT_LEAPFROG = 1,  /**< keep one number of n, beginning with number k, an int32_t at params */
-  VXS_INIT_SKIP_AHEAD = 2 /**< pass over n numbers; params is not read */
+  VXS_INIT_SEED = 0,       /**< start from n seed words at params, an array of uint32_t */
+  VXS_INIT_LEAPFROG = 1,   /**< keep one number of n, beginning with number k, an int32_t at params */
+  VXS_INIT_SKIP_AHEAD = 2, /**< pass over n numbers; params is not read */
+  /** pass over any number of numbers, a uint64_t at params; n is 0. qkr_skip_ahead() asks it of registered
+   * generators only, for counts from 2^31 on; those of the library answer VXS_STATUS_BAD_METHOD */
+  QKR_INIT_SKIP_AHEAD_64 = 64
 };
 
 /** A row of the registry: what the library has to know of a basic generator. All four entry points return a
@@ -131,6 +150,7 @@ QKR_API int32_t __vxsGetNumRegBrngs(void);
 
 /** Enters a generator of your own, copying the record. It has one member, and the table holds 512 rows: the
  * caller counts. Nothing else may use the registry meanwhile.
+ * streams/generators/philox.cpp registers one of the library's in this way, and is the example.
  * @return the new id, 0xd00000 for the first, or a status: VXS_STATUS_BAD_STATE_SIZE,
  * VXS_STATUS_BAD_WORD_SIZE, VXS_STATUS_BAD_SEED_WORDS, VXS_STATUS_BAD_BITS, VXS_STATUS_NULL_POINTER,
  * whichever applies first */

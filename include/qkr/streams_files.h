@@ -63,19 +63,32 @@ QKR_API int32_t __vxsCopyStream(StreamState **out, const StreamState *source);
 QKR_API int32_t __vxsCopyStreamState(StreamState *destination, const StreamState *source);
 /** @} */
 
+enum {
+  QKR_ONE_DIMENSION = 0x7fffffff /**< of __vxsLeapfrogStream(): one dimension of a quasi-random sequence */
+};
+
 /** @name Partition
  * Which generators can do it stands in the table of qkr/streams.h. The arguments are not checked.
  * @{ */
 
 /** Of `nstreams` streams that divide one sequence, makes this the one with number k, counted from 0: it
  * yields the numbers k, k + nstreams, k + 2 nstreams, ... of what it would have yielded. For quasi-random
- * generators, with nstreams = 0x7fffffff: the stream yields component k of each point.
+ * generators, with nstreams = QKR_ONE_DIMENSION: the stream yields component k of each point.
  * @return VXS_STATUS_OK or VXS_STATUS_NO_LEAPFROG */
 QKR_API int32_t __vxsLeapfrogStream(StreamState *stream, int32_t k, int32_t nstreams);
 
-/** Passes over nskip numbers, which must be below 2^31: only the low 32 bits count.
+/** Passes over nskip numbers, which must be below 2^31: only the low 32 bits count. qkr_skip_ahead() passes
+ * over any number.
  * @return VXS_STATUS_OK or VXS_STATUS_NO_SKIP_AHEAD */
 QKR_API int32_t __vxsSkipAheadStream(StreamState *stream, int64_t nskip);
+
+/** Passes over `count` numbers, any count that 64 bits hold, in a time that grows with its logarithm: for MCG31M1,
+ * MRG32K3A, MCG59, WH, Sobol and Niederr (which repeat after 2^32 points), and registered generators that serve
+ * QKR_INIT_SKIP_AHEAD_64, as Philox does; others of these up to 2^31 - 1. What counts are the numbers that the
+ * stream would have yielded: after leapfrog its own, of a quasi-random stream components, or, of one dimension,
+ * points. Two skips are one of the sum of their counts; a count of 0 changes nothing.
+ * @return VXS_STATUS_OK, or VXS_STATUS_NO_SKIP_AHEAD, when nothing has changed */
+QKR_API int32_t qkr_skip_ahead(StreamState *stream, uint64_t count);
 /** @} */
 
 /** The first 16 bytes of a stream file. */

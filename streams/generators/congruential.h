@@ -76,19 +76,18 @@ QKR_INLINE void draw_congruential(typename Modulus::Word &state, typename Modulu
 }
 
 #if QKR_BASELINE
-// base^exponent under the product `times`, from the lowest bit of the exponent on. The exponent counts as
-// unsigned, so that the loop ends for any.
+// base^exponent under the product `times`, from the lowest bit of the exponent on.
 template <class Word, class Times>
-Word power_of(Word base, int32_t exponent, Times times) {
+Word power_of(Word base, uint64_t exponent, Times times) {
   Word result = 1;
-  for (uint32_t rest = (uint32_t)exponent; rest != 0; rest >>= 1, base = times(base, base)) {
-    if (rest & 1) result = times(result, base);
+  for (; exponent != 0; exponent >>= 1, base = times(base, base)) {
+    if (exponent & 1) result = times(result, base);
   }
   return result;
 }
 
 template <class Modulus>
-typename Modulus::Word power_of(typename Modulus::Word base, int32_t exponent) {
+typename Modulus::Word power_of(typename Modulus::Word base, uint64_t exponent) {
   using Word = typename Modulus::Word;
   return Modulus::reduced(power_of(base, exponent, [](Word x, Word y) { return Modulus::times(x, y); }));
 }
@@ -108,10 +107,11 @@ struct CongruentialMethods {
   static int32_t leapfrog(StreamState *stream, int32_t stride, const int32_t *index) {
     skip_ahead(stream, *index);
     Payload &state = payload_of<Payload>(stream);
-    state.a = power_of<Modulus>(state.a, stride);
+    state.a = power_of<Modulus>(state.a, (uint32_t)stride);
     return VXS_STATUS_OK;
   }
-  static int32_t skip_ahead(StreamState *stream, int32_t count) {
+  static int32_t skip_ahead(StreamState *stream, int32_t count) { return skip(stream, (uint32_t)count); }
+  static int32_t skip(StreamState *stream, uint64_t count) {
     Payload &state = payload_of<Payload>(stream);
     state.x = Modulus::reduced(Modulus::times(state.x, power_of<Modulus>(state.a, count)));
     return VXS_STATUS_OK;

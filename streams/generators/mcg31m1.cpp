@@ -1,6 +1,7 @@
 // MCG31M1: x' = 1132489760 x mod 2^31 - 1. P. L'Ecuyer, Tables of linear congruential generators of different
 // sizes and good lattice structure, Mathematics of Computation 68 (1999) 249.
 #include "streams/generators/congruential.h"
+#include "streams/generators/skips.h"
 #include "streams/generators/soundness.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
@@ -61,6 +62,10 @@ bool qkr::is_sound_mcg31m1(const StreamState *stream) {
   const auto is_residue = [](uint32_t x) { return x > 0 && x < sse2::modulus; };
   return is_residue(state.x) && is_residue(state.a);
 }
+
+int32_t qkr::skip_mcg31m1(StreamState *stream, uint64_t count) {
+  return sse2::CongruentialMethods<sse2::Mersenne31>::skip(stream, count);
+}
 #endif
 
 QKR_INIT_STREAM(__vxsBRngMCG31M1InitStream, CongruentialMethods<Mersenne31>)
@@ -71,6 +76,6 @@ QKR_REAL_ENTRY(__vxssBRngMCG31M1, float,
 
 #if QKR_BASELINE
 extern "C" uint32_t __vxsiPowMod2P31M1(uint32_t base, int32_t exponent) {
-  return qkr::sse2::power_of<qkr::sse2::Mersenne31>(base, exponent);
+  return qkr::sse2::power_of<qkr::sse2::Mersenne31>(base, (uint32_t)exponent);
 }
 #endif

@@ -1,5 +1,6 @@
 // MCG59: x' = 13^13 x mod 2^59 (NAG Library Manual, Mark 7, 1979: its basic generator).
 #include "streams/generators/congruential.h"
+#include "streams/generators/skips.h"
 #include "streams/generators/soundness.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
@@ -71,6 +72,10 @@ bool qkr::is_sound_mcg59(const StreamState *stream) {
   const auto &state = payload_of<sse2::CongruentialState<uint64_t>>(stream);
   return state.x <= sse2::mask && state.a <= sse2::mask;
 }
+
+int32_t qkr::skip_mcg59(StreamState *stream, uint64_t count) {
+  return sse2::CongruentialMethods<sse2::Power59>::skip(stream, count);
+}
 #endif
 
 QKR_INIT_STREAM(__vxsBRngMCG59InitStream, CongruentialMethods<Power59>)
@@ -80,6 +85,6 @@ QKR_REAL_ENTRY(__vxssBRngMCG59, float, fill(stream, n, out, singles(((double)b -
 
 #if QKR_BASELINE
 extern "C" uint64_t __vxsiPowMod2P59(uint64_t base, int32_t exponent) {
-  return qkr::sse2::power_of<qkr::sse2::Power59>(base, exponent);
+  return qkr::sse2::power_of<qkr::sse2::Power59>(base, (uint32_t)exponent);
 }
 #endif

@@ -2,6 +2,8 @@
 #include <qkr/streams_generators.h>
 #include <string.h>
 
+#include "streams/generators/skips.h"
+
 namespace {
 
 constexpr int order = 3;
@@ -16,7 +18,24 @@ uint64_t inner_product(const uint32_t *a, const uint32_t *b, int stride, uint32_
   return sum;
 }
 
+void power(uint32_t *matrix, uint32_t *result, uint32_t modulus, uint64_t exponent) {
+  constexpr uint32_t identity[order * order] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
+  memcpy(result, identity, sizeof identity);
+  for (; exponent != 0; exponent >>= 1) {
+    if (exponent & 1) __vxsiMatr3x3MulMod(matrix, result, result, modulus);
+    __vxsiMatr3x3MulMod(matrix, matrix, matrix, modulus);
+  }
+}
+
 }  // namespace
+
+void qkr::advance_recurrence(uint32_t *vector, const uint32_t *coefficients, uint32_t modulus,
+                             uint64_t steps) {
+  uint32_t companion[order * order] = {0, 1, 0, 0, 0, 1, coefficients[2], coefficients[1], coefficients[0]};
+  uint32_t advanced[order * order];
+  power(companion, advanced, modulus, steps);
+  __vxsiMatr3x3VectMulMod(advanced, vector, vector, modulus);
+}
 
 extern "C" {
 
@@ -38,19 +57,11 @@ void __vxsiMatr3x3VectMulMod(const uint32_t *matrix, const uint32_t *vector, uin
 }
 
 void __vxsiMatr3x3PowMod(uint32_t *matrix, uint32_t *result, uint32_t modulus, uint32_t exponent) {
-  constexpr uint32_t identity[order * order] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
-  memcpy(result, identity, sizeof identity);
-  for (; exponent != 0; exponent >>= 1) {
-    if (exponent & 1) __vxsiMatr3x3MulMod(matrix, result, result, modulus);
-    __vxsiMatr3x3MulMod(matrix, matrix, matrix, modulus);
-  }
+  power(matrix, result, modulus, exponent);
 }
 
 void __vxsiVect3PowMod(uint32_t *vector, const uint32_t *coefficients, uint32_t modulus, uint32_t exponent) {
-  uint32_t companion[order * order] = {0, 1, 0, 0, 0, 1, coefficients[2], coefficients[1], coefficients[0]};
-  uint32_t power[order * order];
-  __vxsiMatr3x3PowMod(companion, power, modulus, exponent);
-  __vxsiMatr3x3VectMulMod(power, vector, vector, modulus);
+  qkr::advance_recurrence(vector, coefficients, modulus, exponent);
 }
 
 }  // extern "C"

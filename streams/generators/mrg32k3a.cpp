@@ -6,6 +6,7 @@
 // ones, and with residues held between -m/2 and m/2 every sum is a whole number below 2^51: exact in double
 // precision, in any order, with fused operations or without.
 #include "streams/generators/generator.h"
+#include "streams/generators/skips.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -210,17 +211,18 @@ struct Methods : NotPartitioned {
     reduce_seeds(stream);
     return VXS_STATUS_OK;
   }
-  static int32_t skip_ahead(StreamState *stream, int32_t count) {
+  static int32_t skip_ahead(StreamState *stream, int32_t count) { return skip(stream, (uint32_t)count); }
+  static int32_t skip(StreamState *stream, uint64_t count) {
     Mrg32k3a &state = payload_of<Mrg32k3a>(stream);
-    const auto skip = [count](uint32_t *z, const Component &component) {
+    const auto advance = [count](uint32_t *z, const Component &component) {
       const int64_t m = component.modulus;
       const auto residue = [m](int64_t c) { return (uint32_t)(c < 0 ? c + m : c); };
       const uint32_t coefficients[3] = {residue(component.by1), residue(component.by2),
                                         residue(component.by3)};
-      __vxsiVect3PowMod(z, coefficients, (uint32_t)m, (uint32_t)count);
+      advance_recurrence(z, coefficients, (uint32_t)m, count);
     };
-    skip(state.x, first);
-    skip(state.y, second);
+    advance(state.x, first);
+    advance(state.y, second);
     return VXS_STATUS_OK;
   }
 };
@@ -228,6 +230,10 @@ struct Methods : NotPartitioned {
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
+
+#if QKR_BASELINE
+int32_t qkr::skip_mrg32k3a(StreamState *stream, uint64_t count) { return sse2::Methods::skip(stream, count); }
+#endif
 
 QKR_INIT_STREAM(__vxsBRngMRG32K3AInitStream, Methods)
 QKR_WORD_ENTRY(__vxsiBRngMRG32K3A, fill(stream, n, out, Words{}))

@@ -3,6 +3,7 @@
 // Applied Statistics 38 (1989) 351). The residues are doubles here: products stay below 2^48, so they are
 // exact.
 #include "streams/generators/congruential.h"
+#include "streams/generators/skips.h"
 #include "streams/generators/soundness.h"
 #include "streams/tables/tables.h"
 
@@ -124,6 +125,11 @@ QKR_INLINE void fill_words(StreamState *stream, int32_t n, uint32_t *out) {
 }
 
 #if QKR_BASELINE
+uint32_t power_modulo(uint32_t base, uint64_t exponent, uint32_t modulus) {
+  const auto times = [modulus](uint32_t x, uint32_t y) { return (uint32_t)((uint64_t)x * y % modulus); };
+  return power_of(base, exponent, times);
+}
+
 struct Methods {
   static int32_t seed(StreamState *stream, int32_t n, const uint32_t *seeds) {
     WichmannHill &state = payload_of<WichmannHill>(stream);
@@ -140,14 +146,15 @@ struct Methods {
     skip_ahead(stream, *index);
     WichmannHill &state = payload_of<WichmannHill>(stream);
     const uint32_t *m = wichmann_hill::moduli[family_member(stream)];
-    for (int j = 0; j < components; ++j) state.a[j] = __vxsiPowMod(state.a[j], stride, m[j]);
+    for (int j = 0; j < components; ++j) state.a[j] = power_modulo(state.a[j], (uint32_t)stride, m[j]);
     return VXS_STATUS_OK;
   }
-  static int32_t skip_ahead(StreamState *stream, int32_t count) {
+  static int32_t skip_ahead(StreamState *stream, int32_t count) { return skip(stream, (uint32_t)count); }
+  static int32_t skip(StreamState *stream, uint64_t count) {
     WichmannHill &state = payload_of<WichmannHill>(stream);
     const uint32_t *m = wichmann_hill::moduli[family_member(stream)];
     for (int j = 0; j < components; ++j) {
-      state.x[j] = (uint32_t)((uint64_t)state.x[j] * __vxsiPowMod(state.a[j], count, m[j]) % m[j]);
+      state.x[j] = (uint32_t)((uint64_t)state.x[j] * power_modulo(state.a[j], count, m[j]) % m[j]);
     }
     return VXS_STATUS_OK;
   }
@@ -166,6 +173,10 @@ bool qkr::is_sound_wichmann_hill(const StreamState *stream) {
   }
   return true;
 }
+
+int32_t qkr::skip_wichmann_hill(StreamState *stream, uint64_t count) {
+  return sse2::Methods::skip(stream, count);
+}
 #endif
 
 QKR_INIT_STREAM(__vxsBRngWHInitStream, Methods)
@@ -175,7 +186,6 @@ QKR_REAL_ENTRY(__vxssBRngWH, float, fill(stream, n, out, singles((double)b - a, 
 
 #if QKR_BASELINE
 extern "C" uint32_t __vxsiPowMod(uint32_t base, int32_t exponent, uint32_t modulus) {
-  return qkr::sse2::power_of(
-      base, exponent, [modulus](uint32_t x, uint32_t y) { return (uint32_t)((uint64_t)x * y % modulus); });
+  return qkr::sse2::power_modulo(base, (uint32_t)exponent, modulus);
 }
 #endif

@@ -15,6 +15,14 @@ uint32_t change(const uint32_t *row, uint32_t bits) {
   return sum;
 }
 
+// Leads dimensions first to end - 1 to the point `points` further on. The sequence repeats after 2^32.
+void pass_points(const Sequence &s, int32_t first, int32_t end, uint32_t points) {
+  uint32_t &seq = s.position->seq;
+  const uint32_t difference = gray_code(seq) ^ gray_code(seq + points);
+  for (int32_t j = first; j < end; ++j) s.x[j] ^= change(s.row(j), difference);
+  seq += points;
+}
+
 }  // namespace
 
 int32_t add_chunk_for(StreamState *stream, uint32_t chunk_id, int32_t dim) {
@@ -60,19 +68,29 @@ void leapfrog(const Sequence &s, int32_t k) {
   at.only_dim = k;
 }
 
-void skip_ahead(const Sequence &s, int32_t count) {
+void skip_ahead(const Sequence &s, uint64_t count) {
   SequencePosition &at = *s.position;
-  if (at.pending > count) {
-    at.pending -= count;
+  const auto pending = static_cast<uint64_t>(at.pending), dim = static_cast<uint64_t>(at.dim);
+  if (pending > count) {
+    at.pending -= static_cast<int32_t>(count);
     return;
   }
-  count -= at.pending;
-  const uint32_t points = static_cast<uint32_t>(count / at.dim + (at.pending > 0));
-  const int32_t given_out = count % at.dim;
-  const uint32_t difference = gray_code(at.seq) ^ gray_code(at.seq + points);
-  for (int32_t j = 0; j < at.dim; ++j) s.x[j] ^= change(s.row(j), difference);
-  at.seq += points;
+  count -= pending;
+  const auto points = static_cast<uint32_t>(count / dim + (pending > 0));
+  const auto given_out = static_cast<int32_t>(count % dim);
+  pass_points(s, 0, at.dim, points);
   at.pending = given_out ? at.dim - given_out : 0;
+}
+
+int32_t skip(const Sequence &s, uint64_t count) {
+  if (!s.exists()) return VXS_STATUS_NO_SKIP_AHEAD;
+  const int32_t only = s.position->only_dim;
+  if (only >= 0) {  // a number is a point
+    pass_points(s, only, only + 1, static_cast<uint32_t>(count));
+  } else {
+    skip_ahead(s, count);
+  }
+  return VXS_STATUS_OK;
 }
 
 }  // namespace qkr

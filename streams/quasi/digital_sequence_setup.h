@@ -38,8 +38,16 @@ void start(const Sequence &s);
 // Restricts the stream to component k, from the first one not given out yet.
 void leapfrog(const Sequence &s, int32_t k);
 
-// Leaves out the next `count` > 0 components.
-void skip_ahead(const Sequence &s, int32_t count);
+// Leaves out the next `count` components.
+void skip_ahead(const Sequence &s, uint64_t count);
+
+// Leaves out the next `count` numbers that the stream would give out, be they of one dimension. Returns a
+// status.
+int32_t skip(const Sequence &s, uint64_t count);
+template <class G>
+int32_t skip_sequence(StreamState *stream, uint64_t count) {
+  return skip(sequence_of<G>(stream), count);
+}
 
 template <class G>
 struct SequenceMethods {
@@ -77,7 +85,7 @@ struct SequenceMethods {
   static int32_t skip_ahead(StreamState *stream, int32_t count) {
     const Sequence s = sequence_of<G>(stream);
     if (count <= 0 || !s.exists()) return VXS_STATUS_NO_SKIP_AHEAD;
-    qkr::skip_ahead(s, count);
+    qkr::skip_ahead(s, static_cast<uint64_t>(count));
     return VXS_STATUS_OK;
   }
 };

@@ -1,11 +1,13 @@
 // All distributions: values of the continuous ones beside their definitions (what the whole numbers are,
 // draws_digest.txt records), the split of a request, failures.
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <qkr/vecmath_control.h>
 
 #include "tests/distributions/references.h"
 #include "tests/support/allocations.h"
+#include "tests/support/levels.h"
 
 namespace {
 
@@ -141,6 +143,43 @@ TEST(GaussianMV, ReportsWhatFails) {
       expect_failures_passed_on("GaussianMV", draw);
       EXPECT_EQ(allocations_of(draw), 1 + 2 * method + (storage < 2));
     }
+}
+
+// Two words make one number, as in genrand_res53; other generators by their reals.
+TEST(Uniform53, JoinsTwoNumbers) {
+  for (const uint32_t id : std::initializer_list<uint32_t>{QKR_MT19937, QKR_MT2203(7), QKR_MRG32K3A,
+                                                           QKR_MCG59, QKR_WH(3), QKR_MCG31M1}) {
+    const Stream words = new_stream(id, {777, 5}), whole = copy_of(words);
+    const std::vector<double> u = draw_doubles(words, 2 * 3000);
+    std::vector<double> expected(3000), numbers(3000);
+    for (size_t i = 0; i < 3000; ++i)
+      expected[i] =
+          (std::floor(u[2 * i] * 0x1p27) * 0x1p26 + std::floor(u[2 * i + 1] * 0x1p26)) * 0x1p-53 * 3 - 1;
+    for_each_level([&](const char *level) {
+      const Stream stream = copy_of(whole);
+      int32_t first = 0;
+      for (const int32_t n : {1, 0, 2, 511, 512, 513, -5, 1461}) {
+        ASSERT_EQ(qkr_uniform_53(stream.get(), n, &numbers[first], -1, 2), VXS_STATUS_OK);
+        first += std::max(n, 0);
+      }
+      EXPECT_EQ(numbers, expected) << std::hex << id << ' ' << level;
+      EXPECT_EQ(payload(stream), payload(words));
+    });
+  }
+  const Stream stream = new_stream(QKR_MT19937, {1}), words = copy_of(stream);
+  double number;
+  qkr_uniform_53(stream.get(), 1, &number, 0, 1);
+  const Words pair = draw_words(words, 2);
+  EXPECT_EQ(number, ((pair[0] >> 5) * 67108864.0 + (pair[1] >> 6)) / 9007199254740992.0);
+}
+
+TEST(Uniform53, StaysBelowTheEndAndReportsWhatFails) {
+  std::vector<double> numbers(5000);
+  ASSERT_EQ(qkr_uniform_53(recorded_stream().get(), 5000, numbers.data(), 0, 1), VXS_STATUS_OK);
+  EXPECT_GE(*std::min_element(numbers.begin(), numbers.end()), 0);
+  EXPECT_LT(*std::max_element(numbers.begin(), numbers.end()), 1);
+  expect_failures_passed_on("Uniform53",
+                            [&](StreamState *s) { return qkr_uniform_53(s, 5000, numbers.data(), 0, 1); });
 }
 
 }  // namespace

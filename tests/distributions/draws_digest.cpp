@@ -25,7 +25,7 @@ void digest_of_generators(int32_t count) {
   for (const Generator &generator : all_generators()) {
     const auto print = [&](const char *form, auto draw) {
       print_digest(std::string(generator.name) + form, [&] {
-        const Stream stream = new_stream(generator.id, generator.seeds);
+        const Stream stream = generator.start();
         return hash_of_requests(count, [&](int32_t n) { return draw(stream, n); });
       });
     };

@@ -13,6 +13,7 @@ STANDS_ON = {
     "distributions": {"simd", "vecmath", "streams"},
     "dft": {"simd", "service", "sigfft"},
     "convcorr": {"simd", "sigfft", "dft"},
+    "library": {"simd", "vecmath", "streams", "sigfft", "dft", "convcorr"},
 }
 
 

@@ -29,6 +29,10 @@ commands = {
     "cpp": [cxx_compiler, "-std=c++20", "-Wall", "-Wextra", "-Werror"],
     "python": None,
 }
+headers = {
+    "c": "#include <qkr/qkr.h>\n",
+    "cpp": "#include <cstdio>\n#include <qkr/qkr.hpp>\n#include <vector>\n",
+}
 # What a program prints follows it, after at most a few words, in a block of text.
 programs = re.findall(r"```(c|cpp|python)\n(.*?)```(?:[^`]*?```text\n(.*?)```)?", pathlib.Path(page).read_text(), re.S)
 if sorted({language for language, *_ in programs}) != languages:
@@ -39,7 +43,7 @@ with tempfile.TemporaryDirectory() as folder:
         source = pathlib.Path(folder, f"program.{language}")
         if compiler := commands[language]:
             whole = "main(" in text
-            source.write_text(text if whole else f"#include <qkr/qkr.h>\nint main(void) {{\n{text}}}\n")
+            source.write_text(text if whole else f"{headers[language]}int main(void) {{\n{text}}}\n")
             program = str(source.with_suffix(".out"))
             output(*compiler, *([] if whole else ["-Wno-unused"]), str(source), "-o", program, *flags)
             printed = output(program)

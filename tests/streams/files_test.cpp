@@ -64,7 +64,7 @@ TEST_F(StreamFiles, EveryGeneratorGoesOnWhereItWasSaved) {
     draw_words(stream, 1234);
     save(stream, file);
     const Stream second = loaded(file);
-    EXPECT_EQ(second->brng, generator.id);
+    EXPECT_EQ(second->brng, generator.registered_id());
     EXPECT_EQ(payload(second), payload(stream));
     EXPECT_EQ(draw_words(second, 2000), draw_words(stream, 2000));
     // Memory that held something else before shows in no file.

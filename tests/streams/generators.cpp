@@ -1,6 +1,7 @@
 #include "tests/streams/generators.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <deque>
 #include <random>
@@ -118,11 +119,31 @@ Steps digital_sequence(const Generator &, const Stream &stream) {
   };
 }
 
+Steps philox4x32(const Generator &generator, const Stream &) {
+  Seeds seeds = generator.seeds;
+  seeds.resize(6);
+  return [seeds, x = std::array<uint32_t, 4>{}, used = 4u](uint32_t *words) mutable {
+    if (used == 4) {
+      uint32_t key[2] = {seeds[0], seeds[1]};
+      std::copy_n(&seeds[2], 4, x.begin());
+      for (int round = 0; round < 10; ++round, key[0] += 0x9e3779b9, key[1] += 0xbb67ae85) {
+        const uint64_t p = uint64_t{0xd2511f53} * x[0], q = uint64_t{0xcd9e8d57} * x[2];
+        x = {static_cast<uint32_t>(q >> 32) ^ x[1] ^ key[0], static_cast<uint32_t>(q),
+             static_cast<uint32_t>(p >> 32) ^ x[3] ^ key[1], static_cast<uint32_t>(p)};
+      }
+      for (size_t j = 2; j < 6 && ++seeds[j] == 0; ++j) {
+      }
+      used = 0;
+    }
+    *words = x[used++];
+  };
+}
+
 using enum Partition;
 constexpr Family mcg31m1_family = {all, true, mcg31m1}, mcg59_family = {all, true, mcg59},
                  wh_family = {all, true, wichmann_hill}, r250_family = {none, false, r250},
                  mrg32k3a_family = {none, true, mrg32k3a}, mt19937_family = {none, false, mt19937},
-                 mt2203_family = {none, false, mt2203};
+                 mt2203_family = {none, false, mt2203}, philox_family = {none, true, philox4x32};
 
 }  // namespace
 
@@ -150,6 +171,8 @@ const std::vector<Generator> &all_generators() {
       {"MT19937", 0x800000, {0x123, 0x234, 0x345, 0x456}, mt19937_family},
       {"MT2203 0", 0x900000, {1}, mt2203_family},
       {"MT2203 1023, many seeds", 0x9003ff, user_directions(3), mt2203_family},
+      {"Philox", philox, {777, 5}, philox_family},
+      {"Philox, counter before its halves wrap", philox, {1, 2, 0u - 99, ~0u, ~0u, 7}, philox_family},
       {"Sobol 1", 0x600000, {1}, digital_sequences},
       {"Sobol 3", 0x600000, {3}, digital_sequences},
       {"Sobol 40", 0x600000, {40}, digital_sequences},

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <qkr/streams_generators.h>
 
 #include "tests/streams/stream.h"
 
@@ -20,13 +21,16 @@ struct Family {
   Steps (*definition)(const Generator &generator, const Stream &stream);
 };
 
+constexpr uint32_t philox = ~0u;  // in place of its id, which it gets when it is first used
+
 struct Generator {
   const char *name;
   uint32_t id;
   Seeds seeds;
   Family family;
 
-  Stream start() const { return new_stream(id, seeds); }
+  uint32_t registered_id() const { return id == philox ? static_cast<uint32_t>(qkr_philox()) : id; }
+  Stream start() const { return new_stream(registered_id(), seeds); }
   bool is_quasi_random() const { return family.leapfrog == Partition::one_dimension; }
 };
 

@@ -128,6 +128,33 @@ TEST_P(EveryGenerator, LongSkipsAddUp) {
   EXPECT_EQ(payload(at_once), before);
 }
 
+TEST_P(EveryGenerator, SkipsAnyCount) {
+  constexpr uint64_t whole = 0x7fffffff;
+  const Stream at_once = generator.start(), in_parts = generator.start();
+  draw_words(at_once, 3);
+  draw_words(in_parts, 3);
+  if (!generator.family.skips_ahead) {
+    const std::string unmoved = payload(at_once);
+    for (const uint64_t count : {uint64_t{0}, uint64_t{7}, uint64_t{1} << 40})
+      EXPECT_EQ(qkr_skip_ahead(at_once.get(), count), VXS_STATUS_NO_SKIP_AHEAD);
+    EXPECT_EQ(payload(at_once), unmoved);
+    return;
+  }
+  EXPECT_EQ(qkr_skip_ahead(at_once.get(), 0), VXS_STATUS_OK);
+  EXPECT_EQ(payload(at_once), payload(in_parts));
+  EXPECT_EQ(qkr_skip_ahead(at_once.get(), 7 * whole + 12345), VXS_STATUS_OK);
+  for (int i = 0; i < 7; ++i) __vxsSkipAheadStream(in_parts.get(), whole);
+  __vxsSkipAheadStream(in_parts.get(), 12345);
+  EXPECT_EQ(payload(at_once), payload(in_parts));
+  // Counts of 64 bits, as sums of some that are tried above.
+  uint64_t sum = 0;
+  for (uint64_t part = 5 * whole; sum + part > sum; sum += part, part *= 3)
+    EXPECT_EQ(qkr_skip_ahead(in_parts.get(), part), VXS_STATUS_OK);
+  EXPECT_GT(sum, uint64_t{1} << 62);
+  EXPECT_EQ(qkr_skip_ahead(at_once.get(), sum), VXS_STATUS_OK);
+  EXPECT_EQ(payload(at_once), payload(in_parts));
+}
+
 TEST_P(EveryGenerator, Leapfrogs) {
   constexpr int32_t n = 1000, one_dimension = 0x7fffffff;
   const bool is_quasi_random = generator.is_quasi_random();
@@ -166,6 +193,32 @@ TEST_P(EveryGenerator, RefusesOtherMethods) {
 }
 
 INSTANTIATE_TEST_SUITE_P(, EveryGenerator, testing::ValuesIn(all_generators()), test_name);
+
+// What is known of the sequences as a whole.
+TEST(Skips, OfWholePeriods) {
+  const struct {
+    const char *name;
+    uint32_t id;
+    uint64_t period;
+  } rows[] = {{"MCG31M1", QKR_MCG31M1, 0x7ffffffe}, {"MCG59", QKR_MCG59, uint64_t{1} << 57}};
+  for (const auto &row : rows) {
+    const Stream stream = new_stream(row.id, {777});
+    const std::string start = payload(stream);
+    EXPECT_EQ(qkr_skip_ahead(stream.get(), row.period / 2), VXS_STATUS_OK);
+    EXPECT_NE(payload(stream), start) << row.name;
+    EXPECT_EQ(qkr_skip_ahead(stream.get(), row.period + row.period / 2), VXS_STATUS_OK);
+    EXPECT_EQ(payload(stream), start) << row.name;
+  }
+  // One dimension of points: a number is a point, and a skip follows the numbers.
+  const Stream skipped = new_stream(QKR_SOBOL, {5}), drawn = new_stream(QKR_SOBOL, {5});
+  for (const Stream *stream : {&skipped, &drawn}) __vxsLeapfrogStream(stream->get(), 3, QKR_ONE_DIMENSION);
+  EXPECT_EQ(qkr_skip_ahead(skipped.get(), 1003), VXS_STATUS_OK);
+  draw_words(drawn, 1003);
+  EXPECT_EQ(draw_words(skipped, 50), draw_words(drawn, 50));
+  EXPECT_EQ(qkr_skip_ahead(skipped.get(), (uint64_t{7} << 32) + 1), VXS_STATUS_OK);
+  draw_words(drawn, 1);
+  EXPECT_EQ(draw_words(skipped, 50), draw_words(drawn, 50));
+}
 
 // Further numbers of dimensions, and places in the sequence: inside a point, in one dimension only, and
 // before the index wraps.

@@ -70,6 +70,20 @@ TEST(SeedWords, AreThoseOfSplitMix64) {
   __vxsSeedWords(1, 2, -1, nullptr);
 }
 
+// The answers that the authors' Random123 lists for philox4x32 with ten rounds, as key and counter.
+TEST(WordGenerators, PhiloxGivesThePublishedNumbers) {
+  constexpr uint32_t all = 0xffffffff;
+  const auto id = static_cast<uint32_t>(qkr_philox());
+  ASSERT_EQ(qkr_philox(), static_cast<int32_t>(id));
+  const struct {
+    Words seeds, expected;
+  } rows[] = {{{}, {0x6627e8d5, 0xe169c58d, 0xbc57ac4c, 0x9b00dbd8}},
+              {{all, all, all, all, all, all}, {0x408f276d, 0x41c83b0e, 0xa20bc7c6, 0x6d5451fd}},
+              {{0xa4093822, 0x299f31d0, 0x243f6a88, 0x85a308d3, 0x13198a2e, 0x03707344},
+               {0xd16cfe09, 0x94fdcceb, 0x5001e420, 0x24126ea1}}};
+  for (const auto &row : rows) EXPECT_EQ(draw_words(new_stream(id, row.seeds), 4), row.expected);
+}
+
 TEST(Generators, SeedsThatMeanTheSame) {
   constexpr uint32_t top = 0xffffffff;
   const struct {
