@@ -2,8 +2,8 @@
 //
 //   bench_cxx [--quick] [--filter REGEX] [--benchmark_out=FILE.json ...]
 //
-// A benchmark is named FUNCTION/LEVEL/SIZE/CONTENDER, for instance exp_double/avx512/10/C; `qkr` is the C++ form, and
-// C is what it is to equal.
+// A benchmark is named FUNCTION/LEVEL/SIZE/CONTENDER, for instance exp_double/avx512/10/C; `qkr` is the C++
+// form, and C is what it is to equal.
 #include <functional>
 #include <memory>
 #include <qkr/qkr.hpp>

@@ -1,5 +1,5 @@
-// Uniform doubles with all 53 bits, from two numbers of the stream each: the leading 27 bits of one and 26 of the
-// next, as M. Matsumoto and T. Nishimura join words in their genrand_res53.
+// Uniform doubles with all 53 bits, from two numbers of the stream each: the leading 27 bits of one and 26
+// of the next, as M. Matsumoto and T. Nishimura join words in their genrand_res53.
 #include "distributions/internal.h"
 
 namespace qkr::QKR_SIMD_LEVEL {

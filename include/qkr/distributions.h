@@ -59,8 +59,9 @@ QKR_API int32_t _vxssRngUniform(int32_t method, StreamState *stream, int32_t n, 
  *
  *     u = (floor(2^27 u1) 2^26 + floor(2^26 u2)) 2^-53
  *
- * it is u (b - a) + a, which may round to b. From generators of 32 bits that is genrand_res53 of M. Matsumoto and T.
- * Nishimura. Of quasi-random streams it takes two components for one number, which spoils them.
+ * it is u (b - a) + a, which may round to b. From generators of 32 bits that is genrand_res53 of M.
+ * Matsumoto and T. Nishimura. Of quasi-random streams it takes two components for one number, which spoils
+ * them.
  * VXS_STATUS_OTHER_TYPE for abstract streams of integers and floats. */
 QKR_API int32_t qkr_uniform_53(StreamState *stream, int32_t n, double *out, double a, double b);
 

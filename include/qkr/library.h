@@ -28,9 +28,9 @@ enum {
 };
 
 /** @name Level
- * The vector width of the kernels in use. The first call into the library chooses the widest that processor and
- * operating system support, or what the environment variable QKR_LEVEL allows at the most. Results have the
- * same bits at every level: a lower one serves comparisons and measurements.
+ * The vector width of the kernels in use. The first call into the library chooses the widest that processor
+ * and operating system support, or what the environment variable QKR_LEVEL allows at the most. Results have
+ * the same bits at every level: a lower one serves comparisons and measurements.
  * @{ */
 
 /** @return QKR_LEVEL_SSE2, QKR_LEVEL_AVX2 or QKR_LEVEL_AVX512 */

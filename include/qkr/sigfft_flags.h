@@ -1,6 +1,6 @@
 /** @file
- * Names for the flags of plans and the modes of conversions. qkr.h includes this; the functions take the numbers,
- * with or without it. */
+ * Names for the flags of plans and the modes of conversions. qkr.h includes this; the functions take the
+ * numbers, with or without it. */
 #ifndef QKR_SIGFFT_FLAGS_H
 #define QKR_SIGFFT_FLAGS_H
 

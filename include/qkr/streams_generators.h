@@ -91,23 +91,23 @@ QKR_GENERATOR(sAbstract)
 /** @} */
 
 /** @name Philox
- * Philox 4x32-10 (J. K. Salmon, M. A. Moraes, R. O. Dror and D. E. Shaw, Parallel random numbers: as easy as 1, 2,
- * 3, SC11 (2011)), for work that is spread over many machines: its numbers are a function of a key of 64 bits and
- * a counter of 128 bits, so that any stream, and any place in it, is as near as any other. Four words of 32 bits
- * come from each count; reals are x (b - a) / 2^32 + a.
+ * Philox 4x32-10 (J. K. Salmon, M. A. Moraes, R. O. Dror and D. E. Shaw, Parallel random numbers: as easy
+ * as 1, 2, 3, SC11 (2011)), for work that is spread over many machines: its numbers are a function of a key
+ * of 64 bits and a counter of 128 bits, so that any stream, and any place in it, is as near as any other.
+ * Four words of 32 bits come from each count; reals are x (b - a) / 2^32 + a.
  *
  * | seed word | meaning                                                              |
  * |-----------|----------------------------------------------------------------------|
  * | 0, 1      | the key                                                              |
  * | 2 to 5    | where the counter begins, the lowest word first; those missing are 0 |
  *
- * Streams with different keys have nothing in common, however alike the keys: {seed, member} serves 2^32 members,
- * and {seed, member, 0, 0, step} gives each step of each member 2^66 numbers of its own. A skip of any count takes
- * as long as one number; it does not leapfrog.
+ * Streams with different keys have nothing in common, however alike the keys: {seed, member} serves 2^32
+ * members, and {seed, member, 0, 0, step} gives each step of each member 2^66 numbers of its own. A skip of
+ * any count takes as long as one number; it does not leapfrog.
  *
- * It is no row of the table, but registers itself by __vxsRegisterBrng() at the first of these calls; from then
- * on it is a generator like the others, in files too: a program that loads a stream calls this first, and
- * registers what it has of its own in the same order as the one that saved it.
+ * It is no row of the table, but registers itself by __vxsRegisterBrng() at the first of these calls; from
+ * then on it is a generator like the others, in files too: a program that loads a stream calls this first,
+ * and registers what it has of its own in the same order as the one that saved it.
  *
  *     uint32_t seed[2] = {777, member};
  *     status = __vxsNewStreamEx(&stream, (uint32_t)qkr_philox(), 2, seed);

@@ -53,8 +53,8 @@ QKR_INLINE void advance(Philox &state, uint64_t numbers) {
            (uint32_t)(used % block)};
 }
 
-// A group is two vectors of blocks. Their words come out by lanes of 128 bits, the first block of each and then
-// the second, and so the counters are dealt out.
+// A group is two vectors of blocks. Their words come out by lanes of 128 bits, the first block of each and
+// then the second, and so the counters are dealt out.
 constexpr int across = sizeof(u64) / sizeof(uint64_t), group = 2 * block * across;
 struct Places {
   alignas(64) uint64_t of_lane[across];

@@ -1,5 +1,5 @@
-// Streams and distributions of qkr.hpp: the numbers of the C functions, what is refused, life, and use as a standard
-// generator.
+// Streams and distributions of qkr.hpp: the numbers of the C functions, what is refused, life, and use as a
+// standard generator.
 #include <algorithm>
 #include <cstring>
 #include <functional>

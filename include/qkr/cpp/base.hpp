@@ -1,8 +1,9 @@
 /** @file
  * C++: statuses, the exception, and what the library is. Included by qkr/qkr.hpp.
  *
- * Every operation comes twice. `qkr::exp(x, y)` and `s.normal(out)` throw a qkr::error; `qkr::try_exp(x, y)` and
- * `s.try_normal(out)` are noexcept and return a qkr::status. What a constructor does, `try_reset` does for an
+ * Every operation comes twice. `qkr::exp(x, y)` and `s.normal(out)` throw a qkr::error; `qkr::try_exp(x,
+ * y)` and `s.try_normal(out)` are noexcept and return a qkr::status. What a constructor does, `try_reset`
+ * does for an
  * object that exists already. */
 #ifndef QKR_CPP_BASE_HPP
 #define QKR_CPP_BASE_HPP
@@ -138,8 +139,8 @@ namespace detail {
 inline constexpr std::size_t longest_piece = QKR_LONGEST_PIECE;
 static_assert(longest_piece >= 64 && longest_piece <= 0x40000000 && longest_piece % 64 == 0);
 
-// call(count, first) for the pieces of n elements in turn; one call, of 0 elements, if there are none. A call returns
-// a status of the C interface, and the first that is negative ends all.
+// call(count, first) for the pieces of n elements in turn; one call, of 0 elements, if there are none. A
+// call returns a status of the C interface, and the first that is negative ends all.
 template <class Call>
 inline std::int32_t in_pieces(std::size_t n, Call call) noexcept {
   if (n <= longest_piece) [[likely]]

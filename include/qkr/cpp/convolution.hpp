@@ -7,7 +7,8 @@
  *     blur.start({2, 2});
  *     blur.run(picture, kernel, result);
  *
- * Spans of other sizes than the lengths ask for are answered with zprStsSizeErr, of tasks VXS_CC_ERROR_XSHAPE and its
+ * Spans of other sizes than the lengths ask for are answered with zprStsSizeErr, of tasks
+ * VXS_CC_ERROR_XSHAPE and its
  * companions, with nothing written. */
 #ifndef QKR_CPP_CONVOLUTION_HPP
 #define QKR_CPP_CONVOLUTION_HPP
@@ -76,10 +77,11 @@ QKR_CPP_SIGNALS(convolve_cyclic,
 /**@}*/
 
 /** @name Products of packed spectra
- * Of real signals, as qkr::fft makes them, in the layout that the name says: zprsMulPack_64f(), zprsMulPack_32f(),
- * zprsMulPack_16s_Sfs(), zprsMulPerm_64f(), zprsMulPerm_32f(), zprsMulPerm_16s_Sfs(); `out` may be an operand
- * (zprsMulPack_64f_I(), zprsMulPack_32f_I(), zprsMulPack_16s_ISfs(), zprsMulPerm_64f_I(), zprsMulPerm_32f_I(),
- * zprsMulPerm_16s_ISfs() are the same). The last one multiplies by the conjugate of what `out` holds:
+ * Of real signals, as qkr::fft makes them, in the layout that the name says: zprsMulPack_64f(),
+ * zprsMulPack_32f(), zprsMulPack_16s_Sfs(), zprsMulPerm_64f(), zprsMulPerm_32f(), zprsMulPerm_16s_Sfs();
+ * `out` may be an operand (zprsMulPack_64f_I(), zprsMulPack_32f_I(), zprsMulPack_16s_ISfs(),
+ * zprsMulPerm_64f_I(), zprsMulPerm_32f_I(), zprsMulPerm_16s_ISfs() are the same). The last one multiplies
+ * by the conjugate of what `out` holds:
  * zprsMulPackConj_64f_I(), zprsMulPackConj_32f_I(). */
 /**@{*/
 #define QKR_CPP_PRODUCT(name, T, f)                                                                  \

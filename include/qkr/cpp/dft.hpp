@@ -9,9 +9,10 @@
  *     qkr::dft<double> signal{1000};
  *     signal.forward(x, X);  // 1000 real numbers, 501 complex ones
  *
- * The argument of the template is the type of a signal's elements, real or complex; the first length is that of
- * neighbouring elements. The descriptor is committed when the object is made. Compute calls are const: so many threads
- * at a time as options.thread_limit says may share an object. Statuses are the codes of qkr/dft.h; a span too small
+ * The argument of the template is the type of a signal's elements, real or complex; the first length is
+ * that of neighbouring elements. The descriptor is committed when the object is made. Compute calls are
+ * const: so many threads at a time as options.thread_limit says may share an object. Statuses are the codes
+ * of qkr/dft.h; a span too small
  * for what the lengths, strides and distances reach is answered with DFTX_INVALID_ARGUMENT. */
 #ifndef QKR_CPP_DFT_HPP
 #define QKR_CPP_DFT_HPP
@@ -127,7 +128,8 @@ class dft {
 
   /** Creates, sets and commits: qkr_dft_def_create_descriptor_highd() (qkr_dft_def_create_descriptor_1d() is the same),
    * qkr_dft_def_set_value_intval(), qkr_dft_def_set_value_dblval(), qkr_dft_set_strides(),
-   * qkr_dft_def_commit_descriptor_external(). Where signals and spectra lie differently, backward has a descriptor of
+   * qkr_dft_def_commit_descriptor_external(). Where signals and spectra lie differently, backward has a
+   * descriptor of
    * its own. Unless it fails, it replaces what was there. */
   status try_reset(const shape &lengths, const dft_options &options = {}) noexcept {
     if (!lengths.valid()) return answer(DFTX_INVALID_ARGUMENT);
@@ -145,7 +147,8 @@ class dft {
   std::size_t spectrum_size() const noexcept { return spectrum_.reach; }
 
   /** @name Complex signals
-   * In place: qkr_dft_def_compute_forward_z(), qkr_dft_def_compute_forward_c(), qkr_dft_def_compute_backward_z(),
+   * In place: qkr_dft_def_compute_forward_z(), qkr_dft_def_compute_forward_c(),
+   * qkr_dft_def_compute_backward_z(),
    * qkr_dft_def_compute_backward_c(). */
   /**@{*/
   status try_forward(std::span<C> data) const noexcept requires(!is_real) {
@@ -159,8 +162,9 @@ class dft {
   /**@}*/
 
   /** @name Real signals
-   * From signal x to spectrum X: qkr_dft_def_compute_forward_dz_out(), qkr_dft_def_compute_forward_sc_out(); back:
-   * qkr_dft_def_compute_backward_zd_out(), qkr_dft_def_compute_backward_cs_out(). The spectrum is complex for
+   * From signal x to spectrum X: qkr_dft_def_compute_forward_dz_out(),
+   * qkr_dft_def_compute_forward_sc_out(); back: qkr_dft_def_compute_backward_zd_out(),
+   * qkr_dft_def_compute_backward_cs_out(). The spectrum is complex for
    * spectrum::half, and real numbers for the packed formats; a span of the other type is refused. */
   /**@{*/
   status try_forward(std::span<const T> x, std::span<C> X) const noexcept requires is_real {

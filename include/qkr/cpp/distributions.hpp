@@ -1,9 +1,10 @@
 /** @file
  * C++: what a qkr::stream draws. Included by qkr/cpp/stream.hpp.
  *
- * Each fills a span, of doubles or floats, or of 32-bit integers, with the numbers of the C function named beside
- * it, whose words in qkr/distributions.h hold; how a draw is split changes nothing. Parameters have the defaults of
- * the standard law, in the order of the C functions: shapes, place, scale. Those outside a law's range are answered
+ * Each fills a span, of doubles or floats, or of 32-bit integers, with the numbers of the C function named
+ * beside it, whose words in qkr/distributions.h hold; how a draw is split changes nothing. Parameters have
+ * the defaults of the standard law, in the order of the C functions: shapes, place, scale. Those outside a
+ * law's range are answered
  * with VXS_STATUS_BAD_ARGUMENT, with nothing drawn; so is a NaN among those that are checked. */
 #ifndef QKR_CPP_DISTRIBUTIONS_HPP
 #define QKR_CPP_DISTRIBUTIONS_HPP
@@ -24,8 +25,8 @@ enum class storage : std::int32_t {
 template <class Stream>
 class draws {
  public:
-// A row: name, element, C function, condition of its parameters, parameters, and what the C function gets behind the
-// array.
+// A row: name, element, C function, condition of its parameters, parameters, and what the C function gets
+// behind the array.
 #define QKR_CPP_DRAW(name, T, f, method, condition, parameters, arguments)           \
   status try_##name(std::span<T> out, QKR_CPP_LISTED parameters) noexcept {          \
     return draw(out, condition, [=](StreamState *stream, std::int32_t n, T *first) { \
@@ -108,7 +109,8 @@ class draws {
   }
   void uniform_53(std::span<double> out, double a = 0, double b = 1) { check(try_uniform_53(out, a, b)); }
   /** Normal vectors mean + T z, one behind the other, of as many elements as `mean`: _vxsdRngGaussianMV(),
-   * _vxssRngGaussianMV(). VXS_STATUS_BAD_ARGUMENT if `out` is no whole number of vectors, or `t` has another size
+   * _vxssRngGaussianMV(). VXS_STATUS_BAD_ARGUMENT if `out` is no whole number of vectors, or `t` has
+   * another size
    * than its storage asks for. */
   template <class Out, class T = typename decltype(std::span(std::declval<Out &>()))::element_type>
   requires real_number<T> status try_normal_vectors(Out &&out, std::type_identity_t<std::span<const T>> mean,

@@ -6,19 +6,20 @@
  *     f.forward(x, X);  // 1000 real numbers, 501 complex ones
  *     f.inverse(X, x);
  *
- * The argument of the template is the type of a signal's elements:
+ * The argument of the template is the type of a signal's elements; all of them are there of float, too:
  *
- * | class                                     | signal                       | spectrum                             |
- * |-------------------------------------------|------------------------------|--------------------------------------|
- * | `fft<double>`, `fft<float>`               | N real numbers               | N / 2 + 1 complex numbers, or packed |
- * | `fft<std::complex<double>>`, of float too | N complex numbers            | N complex numbers                    |
- * | `fft<split<double>>`, of float too        | N real and N imaginary parts | the same                             |
- * | `fft<unordered<double>>`, of float too    | N complex numbers            | N, in an order of the library's own  |
+ * | class                        | signal                       | spectrum                             |
+ * |------------------------------|------------------------------|--------------------------------------|
+ * | `fft<double>`                | N real numbers               | N / 2 + 1 complex numbers, or packed |
+ * | `fft<std::complex<double>>`  | N complex numbers            | N complex numbers                    |
+ * | `fft<split<double>>`         | N real and N imaginary parts | the same                             |
+ * | `fft<unordered<double>>`     | N complex numbers            | N, in an order of the library's own  |
  *
- * An object holds a plan, which transforms do not change, and work memory of its own: so one object serves one thread
- * at a time, and any number of threads by the overloads that take the work memory, which are const. Spans of other
- * sizes are answered with zprStsSizeErr, with nothing written. Results may lie where the input was; other overlap is
- * not supported. Methods, accuracy and which lengths are fast: qkr/sigfft_dft.h. (Of power-of-two lengths these are
+ * An object holds a plan, which transforms do not change, and work memory of its own: so one object serves
+ * one thread at a time, and any number of threads by the overloads that take the work memory, which are
+ * const. Spans of other sizes are answered with zprStsSizeErr, with nothing written. Results may lie where
+ * the input was; other overlap is not supported. Methods, accuracy and which lengths are fast:
+ * qkr/sigfft_dft.h. (Of power-of-two lengths these are
  * the transforms of qkr/sigfft_transforms.h, w6_zprsFFTFwd_CToC_64fc() and its kin.) */
 #ifndef QKR_CPP_FFT_HPP
 #define QKR_CPP_FFT_HPP

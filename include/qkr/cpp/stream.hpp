@@ -70,7 +70,8 @@ inline BrngRecord properties(generator of) {
 }
 
 /** Seed for one of many streams that are to be independent: one number for all of them, and the stream's own index.
- * Its words come from __vxsSeedWords(). Similar seeds of one word, or one seed for all members of a family, give
+ * Its words come from __vxsSeedWords(). Similar seeds of one word, or one seed for all members of a family,
+ * give
  * streams that begin alike; these do not. */
 struct spread_seed {
   std::uint64_t seed, index;
@@ -84,7 +85,8 @@ class stream : public draws<stream> {
   stream() noexcept = default;
 
   /** A stream of a generator: __vxsNewStreamEx().
-   * @param seed one seed word, or two, the lower first, of a number above 2^32 - 1; of quasi-random generators the
+   * @param seed one seed word, or two, the lower first, of a number above 2^32 - 1; of quasi-random
+   * generators the
    * dimension */
   template <std::integral Seed>
   stream(generator of, Seed seed) {
@@ -120,7 +122,8 @@ class stream : public draws<stream> {
   }
   status try_reset(generator of, std::span<const std::uint32_t> words) noexcept {
     if (!detail::fits_int32(words.size())) return answer(VXS_STATUS_BAD_ARGUMENT);
-    if (!detail::fits_int32(of.id)) return answer(VXS_STATUS_BAD_GENERATOR);  // the library takes it for negative
+    if (!detail::fits_int32(of.id))
+      return answer(VXS_STATUS_BAD_GENERATOR);  // the library takes it for negative
     StreamState *made = nullptr;
     const std::int32_t code =
         __vxsNewStreamEx(&made, of.id, static_cast<std::int32_t>(words.size()), words.data());
@@ -225,8 +228,9 @@ class stream : public draws<stream> {
   /**@}*/
 
   /** @name Standard uniform random bit generator
-   * The leading 32 bits of a uniform number (_vxsdRngUniform()), or the leading 16 of each of two where a number of the
-   * generator has fewer than 32. They are drawn 64 at a time: what else draws from the stream goes on behind
+   * The leading 32 bits of a uniform number (_vxsdRngUniform()), or the leading 16 of each of two where a
+   * number of the generator has fewer than 32. They are drawn 64 at a time: what else draws from the stream
+   * goes on behind
    * them. Not for quasi-random streams, nor abstract ones of integers or floats. */
   /**@{*/
   using result_type = std::uint32_t;

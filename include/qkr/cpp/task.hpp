@@ -1,5 +1,6 @@
 /** @file
- * C++: convolution and correlation tasks, of one to seven dimensions. Included by qkr/qkr.hpp; the opening comment of
+ * C++: convolution and correlation tasks, of one to seven dimensions. Included by qkr/qkr.hpp; the opening
+ * comment of
  * qkr/cpp/convolution.hpp has an example, and qkr/convcorr.h says what is computed. */
 #ifndef QKR_CPP_TASK_HPP
 #define QKR_CPP_TASK_HPP
@@ -90,8 +91,9 @@ class convolution_task {
 
   /** @name Execution
    * z from x and y, dense, or with strides of either sign for each, {} standing for dense: __vxsExec(), and
-   * __vxsExecX() with the x that was given before. (__vxsCommitTask() is not needed. What is executed is one of
-   * _vxsConvDDDirect1D_dec(), _vxsConvDDDirectAll_dec(), _vxsConvDDFft1D_dec(), _vxsConvDDFftAll_dec() and their kin
+   * __vxsExecX() with the x that was given before. (__vxsCommitTask() is not needed. What is executed is
+   * one of _vxsConvDDDirect1D_dec(), _vxsConvDDDirectAll_dec(), _vxsConvDDFft1D_dec(),
+   * _vxsConvDDFftAll_dec() and their kin
    * for Corr and for SD and SS.) */
   /**@{*/
   status try_run(std::span<const T> x, std::span<const T> y, std::span<T> z) noexcept {
@@ -131,7 +133,8 @@ class convolution_task {
  private:
   static constexpr status answer(std::int32_t code) noexcept { return {room::convcorr, code}; }
 
-  // Whether `size` elements hold an operand: logical element j of n stands at j stride, or (n - 1 - j) |stride|.
+  // Whether `size` elements hold an operand: logical element j of n stands at j stride, or (n - 1 - j)
+  // |stride|.
   static bool reaches(std::size_t size, const shape &lengths, const shape &strides) noexcept {
     if (!lengths.valid() || !strides.valid() || (strides.size() && strides.size() != lengths.size()))
       return false;

@@ -4,12 +4,13 @@
  *     std::vector<double> x(1000), y(1000);
  *     qkr::exp(x, y);
  *
- * Inputs come first, then results; all spans have the same size, or the answer is VXM_STATUS_BADSIZE, with nothing
- * done. A result may be an input; other overlap is not supported. What the C functions named beside each say of
- * values, accuracy and bad elements holds. Arrays longer than QKR_LONGEST_PIECE go in pieces, from which error
- * callbacks count.
+ * Inputs come first, then results; all spans have the same size, or the answer is VXM_STATUS_BADSIZE, with
+ * nothing done. A result may be an input; other overlap is not supported. What the C functions named beside
+ * each say of values, accuracy and bad elements holds. Arrays longer than QKR_LONGEST_PIECE go in pieces,
+ * from which error callbacks count.
  *
- * A bad element, say the logarithm of -1, is no failure of the call: the element gets its IEEE result, and goes the
+ * A bad element, say the logarithm of -1, is no failure of the call: the element gets its IEEE result, and
+ * goes the
  * way that the thread's mode, status word and callback say (element_policy, element_status). */
 #ifndef QKR_CPP_VECMATH_HPP
 #define QKR_CPP_VECMATH_HPP
@@ -46,7 +47,8 @@ inline status over_elements(std::size_t n, bool sizes_agree, Call call) noexcept
 
 }  // namespace detail
 
-// Rows of the tables below: a function of one array, of two, of an array and a number, and one with two results.
+// Rows of the tables below: a function of one array, of two, of an array and a number, and one with two
+// results.
 #define QKR_CPP_OF_ONE(name, T, f)                                                                    \
   inline status try_##name(std::span<const T> a, std::span<T> r) noexcept {                           \
     return detail::over_elements(r.size(), a.size() == r.size(), [=](std::int32_t n, std::size_t i) { \
@@ -249,7 +251,8 @@ inline std::int32_t set_element_status(std::int32_t code) noexcept { return _vxm
 inline std::int32_t clear_element_status() noexcept { return _vxmClearErrStatus(); }
 
 /** Runs work(), and returns the status of the last bad element that it met, or VXM_STATUS_OK; the thread's status word
- * is then what it was before. `qkr::check(qkr::elements_of([&] { qkr::log(x, y); }));` throws for bad elements. */
+ * is then what it was before. `qkr::check(qkr::elements_of([&] { qkr::log(x, y); }));` throws for bad
+ * elements. */
 template <class Work>
 inline status elements_of(Work &&work) {
   struct Restore {
@@ -261,7 +264,8 @@ inline status elements_of(Work &&work) {
 }
 
 /** Mode and callback of the thread, until the end of the scope, when those before are back: _vxmSetMode() and
- * _vxmSetErrorCallBack() (_vxmGetMode(), _vxmGetErrorCallBack() and _vxmClearErrorCallBack() read and remove them). A
+ * _vxmSetErrorCallBack() (_vxmGetMode(), _vxmGetErrorCallBack() and _vxmClearErrorCallBack() read and
+ * remove them). A
  * callback must not throw. */
 class element_policy {
  public:
