@@ -64,7 +64,7 @@ static double point_time() {
   constexpr int points = 500, rounds = 2000;
   StreamState *stream = nullptr;
   const uint32_t seed = 1;
-  check(__vxsNewStreamEx(&stream, 0x900000, 1, &seed), "new stream");
+  check(__vxsNewStreamEx(&stream, QKR_MT2203(0), 1, &seed), "new stream");
   std::vector<double> numbers(6 * points);
   const double time = time_of(MPI_COMM_SELF, 3, [&] {
     for (int i = 0; i < rounds; ++i) {

@@ -40,29 +40,24 @@ static Stream new_stream(uint32_t generator, int n, const uint32_t *words) {
 }
 
 static Stream member(int block, int64_t) {
-  constexpr uint32_t mt2203 = 0x900000;
   uint32_t words[4];  // of the block's own, because members with the same seed begin alike
   __vxsSeedWords(seed, block, 4, words);
-  return new_stream(mt2203 + block, 4, words);
+  return new_stream(QKR_MT2203(block), 4, words);
 }
 
 static Stream skip(int block, int64_t numbers) {
-  constexpr uint32_t mrg32k3a = 0x300000;
   uint32_t words[6];
   __vxsSeedWords(seed, 0, 6, words);
-  Stream stream = new_stream(mrg32k3a, 6, words);
-  constexpr int64_t longest = INT32_MAX;
-  for (int64_t left = block * numbers; left > 0; left -= longest)
-    check(__vxsSkipAheadStream(stream.get(), std::min(left, longest)), "skip");
+  Stream stream = new_stream(QKR_MRG32K3A, 6, words);
+  check(qkr_skip_ahead(stream.get(), block * numbers), "skip");
   return stream;
 }
 
 static Stream leapfrog(int block, int64_t) {
-  constexpr uint32_t mcg59 = 0x400000;
   uint32_t words[2];
   __vxsSeedWords(seed, 0, 2, words);
   words[0] |= 1;  // from an odd number its period is the longest
-  Stream stream = new_stream(mcg59, 2, words);
+  Stream stream = new_stream(QKR_MCG59, 2, words);
   check(__vxsLeapfrogStream(stream.get(), block, blocks), "leapfrog");
   return stream;
 }
