@@ -264,9 +264,8 @@ inline status elements_of(Work &&work) {
 }
 
 /** Mode and callback of the thread, until the end of the scope, when those before are back: _vxmSetMode() and
- * _vxmSetErrorCallBack() (_vxmGetMode(), _vxmGetErrorCallBack() and _vxmClearErrorCallBack() read and
- * remove them). A
- * callback must not throw. */
+ * _vxmSetErrorCallBack() (_vxmGetMode(), _vxmGetErrorCallBack() and _vxmClearErrorCallBack() read and remove them,
+ * qkr_vxm_exchange_policy() exchanges all at once). A callback must not throw. */
 class element_policy {
  public:
   /** @param mode VXM_MODE_IGNORE, or VXM_MODE_ERRNO and its companions
