@@ -6,7 +6,7 @@
  *     f.forward(x, X);  // 1000 real numbers, 501 complex ones
  *     f.inverse(X, x);
  *
- * The argument of the template is the type of a signal's elements; all of them are there of float, too:
+ * The argument of the template is the type of a signal's elements:
  *
  * | class                        | signal                       | spectrum                             |
  * |------------------------------|------------------------------|--------------------------------------|
