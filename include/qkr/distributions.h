@@ -54,15 +54,14 @@ QKR_API int32_t _vxsdRngUniform(int32_t method, StreamState *stream, int32_t n, 
 QKR_API int32_t _vxssRngUniform(int32_t method, StreamState *stream, int32_t n, float *out, float a, float b);
 /**@}*/
 
-/** Uniform over [a, b) with all 53 bits of a double, where Uniform has those of one number of the generator, 32 as a
- * rule. Two numbers u1, u2 of the stream, uniform over [0, 1), make one: with
+/** Uniform over [a, b) with all 53 bits of a double, where Uniform has those of one number of the generator,
+ * 32 as a rule. Two numbers u1, u2 of the stream, uniform over [0, 1), make one: with
  *
  *     u = (floor(2^27 u1) 2^26 + floor(2^26 u2)) 2^-53
  *
  * it is u (b - a) + a, which may round to b. From generators of 32 bits that is genrand_res53 of M.
  * Matsumoto and T. Nishimura. Of quasi-random streams it takes two components for one number, which spoils
- * them.
- * VXS_STATUS_OTHER_TYPE for abstract streams of integers and floats. */
+ * them. VXS_STATUS_OTHER_TYPE for abstract streams of integers and floats. */
 QKR_API int32_t qkr_uniform_53(StreamState *stream, int32_t n, double *out, double a, double b);
 
 /** @name Exponential
@@ -260,8 +259,8 @@ QKR_API int32_t _vxsiRngBinomial(int32_t method, StreamState *stream, int32_t n,
 QKR_API int32_t _vxsiRngHypergeometric(int32_t method, StreamState *stream, int32_t n, int32_t *out,
                                        int32_t l, int32_t s, int32_t m);
 
-/** The number of failures before success number `a`, in trials of probability p; by the formula of its law also
- * for a that is no whole number: a >= 0, 0 < p <= 1. With a = 0 or p = 1 all numbers are 0.
+/** The number of failures before success number `a`, in trials of probability p; by the formula of its law
+ * also for a that is no whole number: a >= 0, 0 < p <= 1. With a = 0 or p = 1 all numbers are 0.
  *
  * Inversion of a table where (a - 1) (1 - p) / p < 100; where its tail is long (p < 0.01), numbers beyond
  * it are Poisson numbers of gamma means, with the errors of PoissonV. Else rejection under a plateau with
@@ -284,9 +283,10 @@ QKR_API int32_t _vxsiRngNegbinomial(int32_t method, StreamState *stream, int32_t
 QKR_API int32_t _vxsiRngPoisson(int32_t method, StreamState *stream, int32_t n, int32_t *out, double lambda);
 /**@}*/
 
-/** Poisson of mean lambda[i] for number i, with no set-up: a polynomial in a normal number (method 1 of Gaussian in
- * single precision), the coefficients chosen by the power of two below the mean. Below 1/16 the series of the
- * distribution function. The array of means must not overlap `out`. A mean that is negative or NaN gives 0.
+/** Poisson of mean lambda[i] for number i, with no set-up: a polynomial in a normal number (method 1 of
+ * Gaussian in single precision), the coefficients chosen by the power of two below the mean. Below 1/16 the
+ * series of the distribution function. The array of means must not overlap `out`. A mean that is negative
+ * or NaN gives 0.
  *
  * The laws are approximate. Their distance from Poisson's (half the sum of the absolute differences of all
  * probabilities) is at most

@@ -82,11 +82,12 @@ QKR_API int32_t __vxsLeapfrogStream(StreamState *stream, int32_t k, int32_t nstr
  * @return VXS_STATUS_OK or VXS_STATUS_NO_SKIP_AHEAD */
 QKR_API int32_t __vxsSkipAheadStream(StreamState *stream, int64_t nskip);
 
-/** Passes over `count` numbers, any count that 64 bits hold, in a time that grows with its logarithm: for MCG31M1,
- * MRG32K3A, MCG59, WH, Sobol and Niederr (which repeat after 2^32 points), and registered generators that
- * serve QKR_INIT_SKIP_AHEAD_64, as Philox does; others of these up to 2^31 - 1. What counts are the numbers
- * that the stream would have yielded: after leapfrog its own, of a quasi-random stream components, or, of
- * one dimension, points. Two skips are one of the sum of their counts; a count of 0 changes nothing.
+/** Passes over `count` numbers, any count that 64 bits hold, in a time that grows with its logarithm: for
+ * MCG31M1, MRG32K3A, MCG59, WH, Sobol and Niederr (which repeat after 2^32 points), and registered
+ * generators that serve QKR_INIT_SKIP_AHEAD_64, as Philox does; others of these up to 2^31 - 1. What counts
+ * are the numbers that the stream would have yielded: after leapfrog its own, of a quasi-random stream
+ * components, or, of one dimension, points. Two skips are one of the sum of their counts; a count of 0
+ * changes nothing.
  * @return VXS_STATUS_OK, or VXS_STATUS_NO_SKIP_AHEAD, when nothing has changed */
 QKR_API int32_t qkr_skip_ahead(StreamState *stream, uint64_t count);
 /** @} */

@@ -2,8 +2,7 @@
  * C++: aligned arrays; copies, conversions and moves of elements. Included by qkr/qkr.hpp.
  *
  * All spans of a call have the same size, but where something else is said; otherwise the answer is
- * zprStsSizeErr, of
- * pack and unpack VXM_STATUS_BADSIZE, with nothing written. */
+ * zprStsSizeErr, of pack and unpack VXM_STATUS_BADSIZE, with nothing written. */
 #ifndef QKR_CPP_ARRAYS_HPP
 #define QKR_CPP_ARRAYS_HPP
 
@@ -12,10 +11,9 @@
 namespace qkr {
 inline namespace cpp {
 
-/** An array of numbers at an address that is a multiple of 64, where transforms are fastest; not initialised; move
- * only. Memory of w6_zprsMalloc_8u(), given back by w6_zprsFree() (zprsMalloc_8u() and zprsFree() are the
- * same); C++
- * needs no function for each type of elements. */
+/** An array of numbers at an address that is a multiple of 64, where transforms are fastest; not
+ * initialised; move only. Memory of w6_zprsMalloc_8u(), given back by w6_zprsFree() (zprsMalloc_8u() and
+ * zprsFree() are the same); C++ needs no function for each type of elements. */
 template <class T>
 requires std::is_trivially_copyable_v<T>
 class aligned_array {
@@ -87,8 +85,7 @@ enum class rounding : std::uint32_t { truncate = QKR_TRUNCATE, nearest = QKR_ROU
  * 16-bit words. zprsConvert_8s32f(), zprsConvert_8u32f(), zprsConvert_16s32f(), zprsConvert_16u32f(),
  * zprsConvert_32s32f(), zprsConvert_32s64f(); zprsConvert_32f8s_Sfs(), zprsConvert_32f8u_Sfs(),
  * zprsConvert_32f16s_Sfs(), zprsConvert_32f16u_Sfs(), zprsConvert_32f32s_Sfs(), zprsConvert_64f32s_Sfs();
- * zprsConvert_16f32f(),
- * zprsConvert_32f16f(), zprsConvert_16s16f(), zprsConvert_16f16s_Sfs(). */
+ * zprsConvert_16f32f(), zprsConvert_32f16f(), zprsConvert_16s16f(), zprsConvert_16f16s_Sfs(). */
 /**@{*/
 QKR_CPP_CONVERSION(convert, std::int8_t, float, (), (), zprsConvert_8s32f(x, y, n))
 QKR_CPP_CONVERSION(convert, std::uint8_t, float, (), (), zprsConvert_8u32f(x, y, n))

@@ -3,8 +3,7 @@
  *
  * Every operation comes twice. `qkr::exp(x, y)` and `s.normal(out)` throw a qkr::error; `qkr::try_exp(x,
  * y)` and `s.try_normal(out)` are noexcept and return a qkr::status. What a constructor does, `try_reset`
- * does for an
- * object that exists already. */
+ * does for an object that exists already. */
 #ifndef QKR_CPP_BASE_HPP
 #define QKR_CPP_BASE_HPP
 
@@ -20,8 +19,8 @@
 #include <type_traits>
 #include <utility>
 
-/** Elements that one call of a C function gets at the most: longer arrays go in pieces of so many. A power of two of
- * at least 64; the same in all files of a program. */
+/** Elements that one call of a C function gets at the most: longer arrays go in pieces of so many. A power
+ * of two of at least 64; the same in all files of a program. */
 #ifndef QKR_LONGEST_PIECE
 #define QKR_LONGEST_PIECE 0x40000000
 #endif
@@ -38,8 +37,8 @@ enum class room : std::int32_t {
   convcorr = QKR_ROOM_CONVCORR
 };
 
-/** What an operation of a room answered: the number that the C function returns, or one of the same list for what
- * is found wrong before the call. */
+/** What an operation of a room answered: the number that the C function returns, or one of the same list for
+ * what is found wrong before the call. */
 class [[nodiscard]] status {
  public:
   constexpr status(qkr::room from, std::int32_t code) noexcept : room_(from), code_(code) {}
@@ -102,8 +101,9 @@ concept real_number = std::same_as<T, float> || std::same_as<T, double>;
 template <class T>
 concept complex_number = std::same_as<T, std::complex<float>> || std::same_as<T, std::complex<double>>;
 
-/** Lengths, strides or the like, one for each dimension, the dimension of neighbouring elements first: written
- * `{640, 480}`, or made of a range of whole numbers. Seven at the most, which 32 bits hold; valid() tells. */
+/** Lengths, strides or the like, one for each dimension, the dimension of neighbouring elements first:
+ * written `{640, 480}`, or made of a range of whole numbers. Seven at the most, which 32 bits hold; valid()
+ * tells. */
 class shape {
  public:
   shape() noexcept = default;

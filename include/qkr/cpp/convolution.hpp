@@ -8,8 +8,7 @@
  *     blur.run(picture, kernel, result);
  *
  * Spans of other sizes than the lengths ask for are answered with zprStsSizeErr, of tasks
- * VXS_CC_ERROR_XSHAPE and its
- * companions, with nothing written. */
+ * VXS_CC_ERROR_XSHAPE and its companions, with nothing written. */
 #ifndef QKR_CPP_CONVOLUTION_HPP
 #define QKR_CPP_CONVOLUTION_HPP
 
@@ -81,8 +80,7 @@ QKR_CPP_SIGNALS(convolve_cyclic,
  * zprsMulPack_32f(), zprsMulPack_16s_Sfs(), zprsMulPerm_64f(), zprsMulPerm_32f(), zprsMulPerm_16s_Sfs();
  * `out` may be an operand (zprsMulPack_64f_I(), zprsMulPack_32f_I(), zprsMulPack_16s_ISfs(),
  * zprsMulPerm_64f_I(), zprsMulPerm_32f_I(), zprsMulPerm_16s_ISfs() are the same). The last one multiplies
- * by the conjugate of what `out` holds:
- * zprsMulPackConj_64f_I(), zprsMulPackConj_32f_I(). */
+ * by the conjugate of what `out` holds: zprsMulPackConj_64f_I(), zprsMulPackConj_32f_I(). */
 /**@{*/
 #define QKR_CPP_PRODUCT(name, T, f)                                                                  \
   QKR_CPP_SIGNALS(name, (std::span<const T> a, std::span<const T> b, std::span<T> out), (a, b, out), \

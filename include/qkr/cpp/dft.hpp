@@ -12,8 +12,8 @@
  * The argument of the template is the type of a signal's elements, real or complex; the first length is
  * that of neighbouring elements. The descriptor is committed when the object is made. Compute calls are
  * const: so many threads at a time as options.thread_limit says may share an object. Statuses are the codes
- * of qkr/dft.h; a span too small
- * for what the lengths, strides and distances reach is answered with DFTX_INVALID_ARGUMENT. */
+ * of qkr/dft.h; a span too small for what the lengths, strides and distances reach is answered with
+ * DFTX_INVALID_ARGUMENT. */
 #ifndef QKR_CPP_DFT_HPP
 #define QKR_CPP_DFT_HPP
 
@@ -22,7 +22,8 @@
 namespace qkr {
 inline namespace cpp {
 
-/** How the spectrum of real signals is stored: complex numbers, or a packed format of one or two dimensions. */
+/** How the spectrum of real signals is stored: complex numbers, or a packed format of at most two
+ * dimensions. */
 enum class spectrum : std::int32_t {
   half = DFTX_CCE_FORMAT,
   ccs = DFTX_CCS_FORMAT,
@@ -126,11 +127,10 @@ class dft {
     if (backward_) qkr_dft_def_free_descriptor_external(&backward_);
   }
 
-  /** Creates, sets and commits: qkr_dft_def_create_descriptor_highd() (qkr_dft_def_create_descriptor_1d() is the same),
-   * qkr_dft_def_set_value_intval(), qkr_dft_def_set_value_dblval(), qkr_dft_set_strides(),
+  /** Creates, sets and commits: qkr_dft_def_create_descriptor_highd() (qkr_dft_def_create_descriptor_1d() is
+   * the same), qkr_dft_def_set_value_intval(), qkr_dft_def_set_value_dblval(), qkr_dft_set_strides(),
    * qkr_dft_def_commit_descriptor_external(). Where signals and spectra lie differently, backward has a
-   * descriptor of
-   * its own. Unless it fails, it replaces what was there. */
+   * descriptor of its own. Unless it fails, it replaces what was there. */
   status try_reset(const shape &lengths, const dft_options &options = {}) noexcept {
     if (!lengths.valid()) return answer(DFTX_INVALID_ARGUMENT);
     dft made;
@@ -142,14 +142,14 @@ class dft {
     return answer(code);
   }
 
-  /** Numbers that a signal and, where it is real, its spectrum reach over, all transforms of a call included. */
+  /** Numbers that a signal and, where it is real, its spectrum reach over, all transforms of a call
+   * included. */
   std::size_t signal_size() const noexcept { return signal_.reach; }
   std::size_t spectrum_size() const noexcept { return spectrum_.reach; }
 
   /** @name Complex signals
    * In place: qkr_dft_def_compute_forward_z(), qkr_dft_def_compute_forward_c(),
-   * qkr_dft_def_compute_backward_z(),
-   * qkr_dft_def_compute_backward_c(). */
+   * qkr_dft_def_compute_backward_z(), qkr_dft_def_compute_backward_c(). */
   /**@{*/
   status try_forward(std::span<C> data) const noexcept requires(!is_real) {
     return compute(calls::forward, data);
@@ -164,8 +164,8 @@ class dft {
   /** @name Real signals
    * From signal x to spectrum X: qkr_dft_def_compute_forward_dz_out(),
    * qkr_dft_def_compute_forward_sc_out(); back: qkr_dft_def_compute_backward_zd_out(),
-   * qkr_dft_def_compute_backward_cs_out(). The spectrum is complex for
-   * spectrum::half, and real numbers for the packed formats; a span of the other type is refused. */
+   * qkr_dft_def_compute_backward_cs_out(). The spectrum is complex for spectrum::half, and real numbers for
+   * the packed formats; a span of the other type is refused. */
   /**@{*/
   status try_forward(std::span<const T> x, std::span<C> X) const noexcept requires is_real {
     return compute(calls::to_spectrum, forward_, x, X,
@@ -189,7 +189,8 @@ class dft {
   void backward(std::span<const T> X, std::span<T> x) const requires is_real { check(try_backward(X, x)); }
   /**@}*/
 
-  /** The descriptors, for the C interface's functions; they stay this object's. A change there is not seen here. */
+  /** The descriptors, for the C interface's functions; they stay this object's. A change there is not seen
+   * here. */
   DftDescriptor *forward_handle() const noexcept { return forward_; }
   DftDescriptor *backward_handle() const noexcept { return backward_ ? backward_ : forward_; }
   explicit operator bool() const noexcept { return forward_ != nullptr; }

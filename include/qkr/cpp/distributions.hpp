@@ -4,8 +4,8 @@
  * Each fills a span, of doubles or floats, or of 32-bit integers, with the numbers of the C function named
  * beside it, whose words in qkr/distributions.h hold; how a draw is split changes nothing. Parameters have
  * the defaults of the standard law, in the order of the C functions: shapes, place, scale. Those outside a
- * law's range are answered
- * with VXS_STATUS_BAD_ARGUMENT, with nothing drawn; so is a NaN among those that are checked. */
+ * law's range are answered with VXS_STATUS_BAD_ARGUMENT, with nothing drawn; so is a NaN among those that
+ * are checked. */
 #ifndef QKR_CPP_DISTRIBUTIONS_HPP
 #define QKR_CPP_DISTRIBUTIONS_HPP
 
@@ -48,8 +48,8 @@ class draws {
                (double a = 0, double b = 1, std::int32_t method = 0), (a, b))
   QKR_CPP_DRAW(uniform, float, _vxssRngUniform, method, a < b,
                (float a = 0, float b = 1, std::int32_t method = 0), (a, b))
-  /** Normal; sd is the deviation, 0 or more, method QKR_GAUSSIAN_PAIRS or QKR_GAUSSIAN_SINE: _vxsdRngGaussian(),
-   * _vxssRngGaussian(). */
+  /** Normal; sd is the deviation, 0 or more, method QKR_GAUSSIAN_PAIRS or QKR_GAUSSIAN_SINE:
+   * _vxsdRngGaussian(), _vxssRngGaussian(). */
   QKR_CPP_DRAW(normal, double, _vxsdRngGaussian, method, sd >= 0,
                (double mean = 0, double sd = 1, std::int32_t method = QKR_GAUSSIAN_PAIRS), (mean, sd))
   QKR_CPP_DRAW(normal, float, _vxssRngGaussian, method, sd >= 0,
@@ -110,8 +110,7 @@ class draws {
   void uniform_53(std::span<double> out, double a = 0, double b = 1) { check(try_uniform_53(out, a, b)); }
   /** Normal vectors mean + T z, one behind the other, of as many elements as `mean`: _vxsdRngGaussianMV(),
    * _vxssRngGaussianMV(). VXS_STATUS_BAD_ARGUMENT if `out` is no whole number of vectors, or `t` has
-   * another size
-   * than its storage asks for. */
+   * another size than its storage asks for. */
   template <class Out, class T = typename decltype(std::span(std::declval<Out &>()))::element_type>
   requires real_number<T> status try_normal_vectors(Out &&out, std::type_identity_t<std::span<const T>> mean,
                                                     std::type_identity_t<std::span<const T>> t,
@@ -168,8 +167,8 @@ class draws {
                 });
   }
   void poisson(std::span<std::int32_t> out, std::span<const double> means) { check(try_poisson(out, means)); }
-  /** The generator's own integers: one word each, but two from MCG59 and four from WH, of which there must be a whole
-   * number: _vxsiRngUniformBits(). */
+  /** The generator's own integers: one word each, but two from MCG59 and four from WH, of which there must
+   * be a whole number: _vxsiRngUniformBits(). */
   status try_bits(std::span<std::uint32_t> out) noexcept {
     BrngRecord record{};
     StreamState *const stream = self().handle();

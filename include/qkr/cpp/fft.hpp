@@ -6,7 +6,7 @@
  *     f.forward(x, X);  // 1000 real numbers, 501 complex ones
  *     f.inverse(X, x);
  *
- * The argument of the template is the type of a signal's elements; all of them are there of float, too:
+ * The argument of the template is the type of a signal's elements:
  *
  * | class                        | signal                       | spectrum                             |
  * |------------------------------|------------------------------|--------------------------------------|
@@ -19,8 +19,8 @@
  * one thread at a time, and any number of threads by the overloads that take the work memory, which are
  * const. Spans of other sizes are answered with zprStsSizeErr, with nothing written. Results may lie where
  * the input was; other overlap is not supported. Methods, accuracy and which lengths are fast:
- * qkr/sigfft_dft.h. (Of power-of-two lengths these are
- * the transforms of qkr/sigfft_transforms.h, w6_zprsFFTFwd_CToC_64fc() and its kin.) */
+ * qkr/sigfft_dft.h. (Of power-of-two lengths these are the transforms of qkr/sigfft_transforms.h,
+ * w6_zprsFFTFwd_CToC_64fc() and its kin.) */
 #ifndef QKR_CPP_FFT_HPP
 #define QKR_CPP_FFT_HPP
 
@@ -92,8 +92,8 @@ QKR_CPP_TRANSFORMS(float, w6_zprsDFTFwd_RToPerm_32f, w6_zprsDFTFwd_RToPack_32f, 
 template <class Kind>
 class fft;
 
-/** Complex signals, and those whose spectra come in an order that all objects of one length share: for products
- * point by point. */
+/** Complex signals, and those whose spectra come in an order that all objects of one length share: for
+ * products point by point. */
 template <class Kind>
 requires complex_number<Kind> || detail::is_unordered<Kind>
 class fft<Kind> : public fft_plan<Kind> {

@@ -17,7 +17,7 @@ enum class divide : std::int32_t {
   none = QKR_DIVIDE_NONE
 };
 
-/** Layouts of a real signal's spectrum in real numbers, drawn in qkr/sigfft_dft.h. ccs is the half spectrum. */
+/** Layouts of a real signal's spectrum in real numbers, drawn in qkr/sigfft_dft.h; ccs is the half one. */
 enum class packing { perm, pack, ccs };
 
 /** Kinds of fft: complex numbers in two arrays, and spectra out of order. */
@@ -80,8 +80,8 @@ class fft_plan {
     w6_zprsFree(work_);
   }
 
-  /** Makes the plan for another length: w6_zprsDFTInitAlloc_R_64f() and its kin. Unless it fails, it replaces the
-   * one before. */
+  /** Makes the plan for another length: w6_zprsDFTInitAlloc_R_64f() and its kin. Unless it fails, it
+   * replaces the one before. */
   status try_reset(std::size_t length, divide which = divide::inverse) noexcept {
     if (!detail::fits_int32(length)) return answer(zprStsSizeErr);
     fft_plan made;

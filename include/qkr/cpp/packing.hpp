@@ -39,8 +39,7 @@ inline std::size_t selected(const std::int32_t *mask, std::size_t n) noexcept {
 /** @name Gathering
  * y[i] = a[i * step], of a step of at least 0: _vxmdPackI(), _vxmsPackI(); y[i] = a[index[i]], whose
  * indices are not checked: _vxmdPackV(), _vxmsPackV(). pack_where: those a[i] in turn for which mask[i] is
- * not 0, for which `dense`
- * has room: _vxmdPackM(), _vxmsPackM(). */
+ * not 0, for which `dense` has room: _vxmdPackM(), _vxmsPackM(). */
 /**@{*/
 // The forms of one precision; `fI`, `fM`, `fV` are the C functions.
 #define QKR_CPP_PACK(T, fI, fM, fV)                                                                          \
@@ -82,8 +81,7 @@ QKR_CPP_PACK(float, _vxmsPackI, _vxmsPackM, _vxmsPackV)
 /** @name Spreading
  * y[i * step] = a[i]: _vxmdUnpackI(), _vxmsUnpackI(); y[index[i]] = a[i], whose indices are not checked:
  * _vxmdUnpackV(), _vxmsUnpackV(). unpack_where: the next element of `dense` to each y[i] for which mask[i]
- * is not 0:
- * _vxmdUnpackM(), _vxmsUnpackM(). */
+ * is not 0: _vxmdUnpackM(), _vxmsUnpackM(). */
 /**@{*/
 #define QKR_CPP_UNPACK(T, fI, fM, fV)                                                                        \
   inline status try_unpack(std::span<const T> a, std::span<T> y, std::int32_t step) noexcept {               \

@@ -57,8 +57,8 @@ inline generator register_generator(const BrngRecord &record) {
   return made;
 }
 
-/** The row of a generator in the registry: __vxsGetBrngProperties() (__vxsGetBrngBaseOffset() finds where it stands,
- * __vxsIsBrngValid() whether it exists). */
+/** The row of a generator in the registry: __vxsGetBrngProperties() (__vxsGetBrngBaseOffset() finds where it
+ * stands, __vxsIsBrngValid() whether it exists). */
 inline status try_properties(generator of, BrngRecord &out) noexcept {
   if (!detail::fits_int32(of.id)) return {room::streams, VXS_STATUS_BAD_GENERATOR};
   return {room::streams, __vxsGetBrngProperties(static_cast<std::int32_t>(of.id), &out)};
@@ -69,10 +69,9 @@ inline BrngRecord properties(generator of) {
   return record;
 }
 
-/** Seed for one of many streams that are to be independent: one number for all of them, and the stream's own index.
- * Its words come from __vxsSeedWords(). Similar seeds of one word, or one seed for all members of a family,
- * give
- * streams that begin alike; these do not. */
+/** Seed for one of many streams that are to be independent: one number for all of them, and the stream's own
+ * index. Its words come from __vxsSeedWords(). Similar seeds of one word, or one seed for all members of a
+ * family, give streams that begin alike; these do not. */
 struct spread_seed {
   std::uint64_t seed, index;
 };
@@ -86,8 +85,7 @@ class stream : public draws<stream> {
 
   /** A stream of a generator: __vxsNewStreamEx().
    * @param seed one seed word, or two, the lower first, of a number above 2^32 - 1; of quasi-random
-   * generators the
-   * dimension */
+   * generators the dimension */
   template <std::integral Seed>
   stream(generator of, Seed seed) {
     check(try_reset(of, seed));
@@ -141,9 +139,9 @@ class stream : public draws<stream> {
     const std::int32_t code = __vxsLoadStreamF(&made, path);
     return adopt(made, code);
   }
-  /** An abstract stream: numbers of your own from `buffer`, which stays yours and valid, refilled by `update`; those
-   * of doubles and floats lie in [lower, upper). __vxsiNewAbstractStream(), __vxsdNewAbstractStream(),
-   * __vxssNewAbstractStream(). */
+  /** An abstract stream: numbers of your own from `buffer`, which stays yours and valid, refilled by
+   * `update`; those of doubles and floats lie in [lower, upper). __vxsiNewAbstractStream(),
+   * __vxsdNewAbstractStream(), __vxssNewAbstractStream(). */
   status try_reset_abstract(std::span<std::uint32_t> buffer, AbstractUpdateI update) noexcept {
     return abstract(buffer, [&](StreamState **out, std::int32_t n) {
       return __vxsiNewAbstractStream(out, n, buffer.data(), update);
@@ -230,8 +228,7 @@ class stream : public draws<stream> {
   /** @name Standard uniform random bit generator
    * The leading 32 bits of a uniform number (_vxsdRngUniform()), or the leading 16 of each of two where a
    * number of the generator has fewer than 32. They are drawn 64 at a time: what else draws from the stream
-   * goes on behind
-   * them. Not for quasi-random streams, nor abstract ones of integers or floats. */
+   * goes on behind them. Not for quasi-random streams, nor abstract ones of integers or floats. */
   /**@{*/
   using result_type = std::uint32_t;
   static constexpr result_type min() noexcept { return 0; }

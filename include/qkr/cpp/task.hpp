@@ -1,7 +1,6 @@
 /** @file
  * C++: convolution and correlation tasks, of one to seven dimensions. Included by qkr/qkr.hpp; the opening
- * comment of
- * qkr/cpp/convolution.hpp has an example, and qkr/convcorr.h says what is computed. */
+ * comment of qkr/cpp/convolution.hpp has an example, and qkr/convcorr.h says what is computed. */
 #ifndef QKR_CPP_TASK_HPP
 #define QKR_CPP_TASK_HPP
 
@@ -13,8 +12,8 @@ inline namespace cpp {
 enum class operation : std::int32_t { convolution = VXS_CC_CONVOLUTION, correlation = VXS_CC_CORRELATION };
 enum class method : std::int32_t { direct = VXS_CC_DIRECT, transform = VXS_CC_FFT };
 
-/** A task; move only, clone() copies. An empty one answers VXS_CC_ERROR_NULL. Unlike the C interface's, it is not
- * blocked by a failure: every operation begins with a clear status. One thread at a time. */
+/** A task; move only, clone() copies. An empty one answers VXS_CC_ERROR_NULL. Unlike the C interface's, it
+ * is not blocked by a failure: every operation begins with a clear status. One thread at a time. */
 template <real_number T>
 class convolution_task {
  public:
@@ -93,8 +92,7 @@ class convolution_task {
    * z from x and y, dense, or with strides of either sign for each, {} standing for dense: __vxsExec(), and
    * __vxsExecX() with the x that was given before. (__vxsCommitTask() is not needed. What is executed is
    * one of _vxsConvDDDirect1D_dec(), _vxsConvDDDirectAll_dec(), _vxsConvDDFft1D_dec(),
-   * _vxsConvDDFftAll_dec() and their kin
-   * for Corr and for SD and SS.) */
+   * _vxsConvDDFftAll_dec() and their kin for Corr and for SD and SS.) */
   /**@{*/
   status try_run(std::span<const T> x, std::span<const T> y, std::span<T> z) noexcept {
     return try_run(x, {}, y, {}, z, {});
@@ -126,7 +124,8 @@ class convolution_task {
   }
   /**@}*/
 
-  /** The task, for the C interface's functions (__vxsccGetStatus(), __vxsccSetStatus()); it stays this object's. */
+  /** The task, for the C interface's functions (__vxsccGetStatus(), __vxsccSetStatus()); it stays this
+   * object's. */
   ConvCorrTask *handle() const noexcept { return task_; }
   explicit operator bool() const noexcept { return task_ != nullptr; }
 

@@ -10,8 +10,7 @@
  * from which error callbacks count.
  *
  * A bad element, say the logarithm of -1, is no failure of the call: the element gets its IEEE result, and
- * goes the
- * way that the thread's mode, status word and callback say (element_policy, element_status). */
+ * goes the way that the thread's mode, status word and callback say (element_policy, element_status). */
 #ifndef QKR_CPP_VECMATH_HPP
 #define QKR_CPP_VECMATH_HPP
 
@@ -250,9 +249,9 @@ inline std::int32_t set_element_status(std::int32_t code) noexcept { return _vxm
 /** Sets it to VXM_STATUS_OK, and returns what it was: _vxmClearErrStatus(). */
 inline std::int32_t clear_element_status() noexcept { return _vxmClearErrStatus(); }
 
-/** Runs work(), and returns the status of the last bad element that it met, or VXM_STATUS_OK; the thread's status word
- * is then what it was before. `qkr::check(qkr::elements_of([&] { qkr::log(x, y); }));` throws for bad
- * elements. */
+/** Runs work(), and returns the status of the last bad element that it met, or VXM_STATUS_OK; the thread's
+ * status word is then what it was before. `qkr::check(qkr::elements_of([&] { qkr::log(x, y); }));` throws
+ * for bad elements. */
 template <class Work>
 inline status elements_of(Work &&work) {
   struct Restore {
@@ -265,8 +264,7 @@ inline status elements_of(Work &&work) {
 
 /** Mode and callback of the thread, until the end of the scope, when those before are back: _vxmSetMode() and
  * _vxmSetErrorCallBack() (_vxmGetMode(), _vxmGetErrorCallBack() and _vxmClearErrorCallBack() read and
- * remove them). A
- * callback must not throw. */
+ * remove them, qkr_vxm_exchange_policy() exchanges all at once). A callback must not throw. */
 class element_policy {
  public:
   /** @param mode VXM_MODE_IGNORE, or VXM_MODE_ERRNO and its companions
