@@ -114,7 +114,7 @@ def measure(case):
         f(*arguments)
         number[who] = max(1, math.ceil(SECONDS / (time.perf_counter() - start)))
         best[who] = math.inf
-    for _ in range(ROUNDS if case.size < 10**6 else 2):
+    for _ in range(ROUNDS if case.size < 10**7 else 2):
         for who, (f, arguments) in case.contenders.items():
             calls = range(number[who])
             start = time.perf_counter()
