@@ -7,6 +7,8 @@ _Size = int | tuple[int, ...] | None
 # A number if neither size nor out is given, else an array.
 _Numbers = Any
 
+philox: int
+
 @final
 class Lock:
     def acquire(self, *args: object, **kwargs: object) -> bool: ...
@@ -29,6 +31,7 @@ class Stream:
     def save(self, path: str | bytes | PathLike[str], /) -> None: ...
     def random(self, size: _Size = None, dtype: DTypeLike = ...,
                out: NDArray[Any] | None = None) -> _Numbers: ...
+    def random_53(self, size: _Size = None, dtype: DTypeLike = ..., out: NDArray[Any] | None = None) -> _Numbers: ...
     def uniform(self, low: float = ..., high: float = ..., size: _Size = None, dtype: DTypeLike = ...,
                 out: NDArray[Any] | None = None) -> _Numbers: ...
     def standard_normal(self, size: _Size = None, dtype: DTypeLike = ...,

@@ -39,6 +39,8 @@ __all__ = [
 ]
 
 _run = _fft.run
+_quick = _fft.quick  # of a dense array along its last axis: a call costs less than half
+_FFT, _IFFT, _RFFT, _IRFFT = range(4)
 _as_floats = {c: c for c in "fdFD"} | {"e": "f"} | {c: "d" for c in "?bBhHiIlLqQO"}
 _to_complex = {"f": "F", "d": "D", "F": "F", "D": "D"}
 _to_real = {"F": "f", "D": "d"}
@@ -232,6 +234,10 @@ def fft(x, n=None, axis=-1, norm=None, overwrite_x=False, workers=None, *, plan=
     ndarray
         complex64 for single precision, else complex128.
     """
+    if axis == -1 and norm is None and workers is None and plan is None and not overwrite_x:
+        result = _quick(x, n, _FFT)
+        if result is not None:
+            return result
     _check(plan)
     x = _floats(x)
     axis = _axis(x, axis)
@@ -240,6 +246,10 @@ def fft(x, n=None, axis=-1, norm=None, overwrite_x=False, workers=None, *, plan=
 
 def ifft(x, n=None, axis=-1, norm=None, overwrite_x=False, workers=None, *, plan=None):
     """The inverse of `fft`, with the same arguments."""
+    if axis == -1 and norm is None and workers is None and plan is None and not overwrite_x:
+        result = _quick(x, n, _IFFT)
+        if result is not None:
+            return result
     _check(plan)
     x = _floats(x)
     axis = _axis(x, axis)
@@ -248,6 +258,10 @@ def ifft(x, n=None, axis=-1, norm=None, overwrite_x=False, workers=None, *, plan
 
 def rfft(x, n=None, axis=-1, norm=None, overwrite_x=False, workers=None, *, plan=None):
     """The first half of the spectrum of a real signal, n // 2 + 1 numbers; arguments of `fft`."""
+    if axis == -1 and norm is None and workers is None and plan is None and not overwrite_x:
+        result = _quick(x, n, _RFFT)
+        if result is not None:
+            return result
     _check(plan)
     x = _floats(x)
     axis = _axis(x, axis)
@@ -256,6 +270,10 @@ def rfft(x, n=None, axis=-1, norm=None, overwrite_x=False, workers=None, *, plan
 
 def irfft(x, n=None, axis=-1, norm=None, overwrite_x=False, workers=None, *, plan=None):
     """The inverse of `rfft`: a real signal of length n, unless given 2 (m - 1) for m numbers of `x`."""
+    if axis == -1 and norm is None and workers is None and plan is None and not overwrite_x:
+        result = _quick(x, n, _IRFFT)
+        if result is not None:
+            return result
     _check(plan)
     x = _floats(x)
     axis = _axis(x, axis)

@@ -23,7 +23,7 @@ import numpy as _np
 from . import _random
 
 __all__ = [
-    "MCG31M1", "MCG59", "MRG32K3A", "MT19937", "MT2203", "Niederreiter", "R250", "Sobol", "Stream", "WH", "load",
+    "MCG31M1", "MCG59", "MRG32K3A", "MT19937", "MT2203", "Niederreiter", "Philox", "R250", "Sobol", "Stream", "WH", "load",
 ]
 
 
@@ -223,6 +223,12 @@ class MT2203(Stream):
     _id, _seed_words, _members = 0x900000, 4, 1024
 
 
+class Philox(Stream):
+    """Philox 4x32-10, whose numbers are a function of key and counter, for work on many machines; skips ahead."""
+
+    _id, _seed_words = _random.philox, 2
+
+
 class _QuasiRandom(Stream):
     def __init__(self, dimension=1):
         if not 1 <= dimension <= self._dimensions:
@@ -280,7 +286,7 @@ class Niederreiter(_QuasiRandom):
     _id, _dimensions = 0x700000, 318
 
 
-_generators = {cls._id >> 20: cls for cls in (MCG31M1, R250, MRG32K3A, MCG59, WH, MT19937, MT2203)}
+_generators = {cls._id >> 20: cls for cls in (MCG31M1, R250, MRG32K3A, MCG59, WH, MT19937, MT2203, Philox)}
 
 
 def load(path):

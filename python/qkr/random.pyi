@@ -7,7 +7,7 @@ from numpy.typing import ArrayLike, DTypeLike, NDArray
 from ._random import Stream as _Stream
 
 __all__ = [
-    "MCG31M1", "MCG59", "MRG32K3A", "MT19937", "MT2203", "Niederreiter", "R250", "Sobol", "Stream", "WH", "load",
+    "MCG31M1", "MCG59", "MRG32K3A", "MT19937", "MT2203", "Niederreiter", "Philox", "R250", "Sobol", "Stream", "WH", "load",
 ]
 
 _S = TypeVar("_S", bound="Stream")
@@ -45,6 +45,7 @@ class MCG59(Stream): ...
 class WH(Stream): ...
 class MT19937(Stream): ...
 class MT2203(Stream): ...
+class Philox(Stream): ...
 
 class _QuasiRandom(Stream):
     dimension: int

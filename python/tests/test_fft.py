@@ -83,6 +83,22 @@ def test_lengths(n, char):
             assert_same(qkr.fft.irfft(half, m), scipy.fft.irfft(half, m))
 
 
+@pytest.mark.parametrize("char", "fdFD")
+@pytest.mark.parametrize("shape", [(1,), (2,), (9,), (100,), (3, 64), (2, 3, 45)])
+def test_the_quick_way_has_the_same_bits(shape, char):
+    x = random_array(np.random.default_rng(3), shape, char)
+    names = ["fft", "ifft"] + (["rfft"] if char in "fd" else [])
+    for name in names:
+        f = getattr(qkr.fft, name)
+        assert np.array_equal(f(x), f(x, norm="backward"))
+        assert np.array_equal(f(x, shape[-1]), f(x))
+        assert np.array_equal(f(x[..., ::-1]), f(x[..., ::-1].copy()))
+    half = qkr.fft.rfft(x.real)
+    for n in (shape[-1], shape[-1] ^ 1, np.int64(shape[-1])):
+        if n > 0:
+            assert np.array_equal(qkr.fft.irfft(half, n), qkr.fft.irfft(half, n, norm="backward"))
+
+
 @pytest.mark.parametrize("x", [[1, 2, 3, 4], np.array([True, False]), np.arange(5, dtype=np.int8),
                                np.arange(6, dtype=np.float16), np.array([1, 2.5], dtype=object), 1j * np.arange(3)])
 def test_other_types(x):

@@ -13,8 +13,8 @@ from scipy import stats
 
 import qkr.random as qr
 
-PSEUDO = [qr.MCG31M1, qr.R250, qr.MRG32K3A, qr.MCG59, qr.WH, qr.MT19937, qr.MT2203]
-FULL_WORDS = [qr.R250, qr.MRG32K3A, qr.MT19937, qr.MT2203]
+PSEUDO = [qr.MCG31M1, qr.R250, qr.MRG32K3A, qr.MCG59, qr.WH, qr.MT19937, qr.MT2203, qr.Philox]
+FULL_WORDS = [qr.R250, qr.MRG32K3A, qr.MT19937, qr.MT2203, qr.Philox]
 
 # Arguments of each distribution, and its law.
 REAL = {
@@ -272,12 +272,22 @@ def test_leapfrog_and_skip_divide_a_sequence(cls):
     assert np.array_equal(skipped.random(35), expected[25:])
 
 
-def test_long_skips_add_up():
-    a, b = qr.MCG59(14), qr.MCG59(14)
-    a.skip(5 * 2**31 + 12345)
-    for n in [2**31 - 1] * 5 + [12345 + 5]:
+@pytest.mark.parametrize("cls", [qr.MCG59, qr.MRG32K3A, qr.Philox])
+def test_long_skips_add_up(cls):
+    a, b = cls(14), cls(14)
+    a.skip(2**64 - 1)
+    for n in (2**63, 2**62, 2**62 - 2**31, 2**31 - 1):
         b.skip(n)
     assert np.array_equal(a.random(10), b.random(10))
+    with pytest.raises(ValueError):
+        a.skip(2**64)
+
+
+def test_53_bits_are_those_of_numpys_generator():
+    for cls in (qr.R250, qr.MT19937, qr.MT2203, qr.Philox):
+        assert np.array_equal(cls(18).random_53(1000), np.random.Generator(cls(18)).random(1000))
+    with pytest.raises(TypeError):
+        qr.MT19937(1).random_53(3, np.float32)
 
 
 @settings(max_examples=20)

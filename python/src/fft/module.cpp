@@ -1,6 +1,7 @@
 // The module _fft: transforms of arrays that qkr/fft.py has made ready.
 #define QKR_IMPORTS_NUMPY
 #include <algorithm>
+#include <cstring>
 
 #include "fft/plans.h"
 #include "fft/transform.h"
@@ -77,6 +78,65 @@ PyObject *run(PyObject *, PyObject *const *arguments, Py_ssize_t) {
   Py_RETURN_NONE;
 }
 
+// The quick way of qkr.fft.fft(x), ifft(x), rfft(x) and irfft(x, n) along the last axis of a dense array, with
+// nothing else asked for: quick(x, n, kind) returns the result, or None where qkr/fft.py has more to do.
+enum QuickKind { quick_fft, quick_ifft, quick_rfft, quick_irfft };
+
+PyObject *quick(PyObject *, PyObject *const *arguments, Py_ssize_t) {
+  auto *x = reinterpret_cast<PyArrayObject *>(arguments[0]);
+  const long kind = PyLong_AsLong(arguments[2]);
+  if (!PyArray_CheckExact(arguments[0]) || !PyArray_ISCARRAY_RO(x) || PyArray_NDIM(x) == 0 ||
+      PyArray_SIZE(x) == 0) {
+    Py_RETURN_NONE;
+  }
+  const int type = PyArray_TYPE(x), last = PyArray_NDIM(x) - 1;
+  const bool real = type == NPY_DOUBLE || type == NPY_FLOAT,
+             complex = type == NPY_CDOUBLE || type == NPY_CFLOAT;
+  const bool serves = kind == quick_fft ? real || complex : kind == quick_rfft ? real : complex;
+  const npy_intp length = PyArray_DIM(x, last);
+  const npy_intp usual = kind == quick_irfft ? 2 * (length - 1) : length;
+  const npy_intp points = arguments[1] == Py_None           ? usual
+                          : PyLong_CheckExact(arguments[1]) ? PyLong_AsSsize_t(arguments[1])
+                                                            : 0;
+  PyErr_Clear();  // of a number beyond all lengths
+  const bool fits = kind == quick_irfft ? points > 0 && points / 2 + 1 == length : points == length;
+  if (!serves || !fits) Py_RETURN_NONE;
+
+  const bool doubles = is_double(x);
+  npy_intp shape[NPY_MAXDIMS];
+  std::copy_n(PyArray_DIMS(x), last + 1, shape);
+  shape[last] = kind == quick_rfft ? points / 2 + 1 : points;
+  const int result_type = kind == quick_irfft ? (doubles ? NPY_DOUBLE : NPY_FLOAT)
+                          : doubles           ? NPY_CDOUBLE
+                                              : NPY_CFLOAT;
+  auto *out = reinterpret_cast<PyArrayObject *>(PyArray_SimpleNew(last + 1, shape, result_type));
+  if (!out) return nullptr;
+
+  Request request = {};
+  request.kind = real ? Kind::real_forward : kind == quick_irfft ? Kind::real_backward : Kind::complex;
+  request.forward = kind == quick_fft || kind == quick_rfft;
+  request.is_double = doubles;
+  request.forward_scale = 1;
+  request.backward_scale = 1.0 / static_cast<double>(points);
+  request.workers = 1;
+  request.dimensions = last + 1;
+  request.input_shape = PyArray_DIMS(x);
+  request.output_shape = PyArray_DIMS(out);
+  request.axis_count = 1;
+  request.axes = &last;
+  request.input = PyArray_BYTES(x);
+  request.output = PyArray_BYTES(out);
+  PyThreadState *thread = PyArray_SIZE(x) >= many ? PyEval_SaveThread() : nullptr;
+  if (request.kind == Kind::complex)
+    memcpy(request.output, request.input, static_cast<size_t>(PyArray_NBYTES(x)));
+  const int32_t code = transform(request);
+  if (real && kind == quick_fft && !code) complete(doubles, last + 1, shape, 1, &last, request.output);
+  if (thread) PyEval_RestoreThread(thread);
+  if (!code) return reinterpret_cast<PyObject *>(out);
+  Py_DECREF(out);
+  return set_error(code);
+}
+
 // complete(spectrum, axes): the second half of a spectrum of real numbers, from its first.
 PyObject *complete_spectrum(PyObject *, PyObject *const *arguments, Py_ssize_t) {
   auto *spectrum = reinterpret_cast<PyArrayObject *>(arguments[0]);
@@ -106,6 +166,7 @@ PyCFunction fast(PyObject *(*function)(PyObject *, PyObject *const *, Py_ssize_t
 }
 
 PyMethodDef methods[] = {
+    {"quick", fast(quick), METH_FASTCALL, nullptr},
     {"run", fast(run), METH_FASTCALL, nullptr},
     {"complete", fast(complete_spectrum), METH_FASTCALL, nullptr},
     {"cache_state", get_cache_state, METH_NOARGS, nullptr},

@@ -70,7 +70,8 @@ constexpr auto of(D in_doubles, S in_floats) {
 template <class F>
 constexpr Distribution real(const char *name, std::initializer_list<Parameter> parameters, Check check,
                             F fill) {
-  Distribution row = {name, 0, {}, check, fill, fill, nullptr, 0};
+  Distribution row = {name, 0, {}, check, fill, nullptr, nullptr, 0};
+  if constexpr (std::is_convertible_v<F, Fill<float>>) row.floats = fill;
   for (const Parameter &parameter : parameters) row.parameters[row.count++] = parameter;
   return row;
 }
@@ -90,6 +91,10 @@ const Distribution rows[] = {
     real(
         "random", {}, anything,
         REAL { return (void)p, of<T>(_vxsdRngUniform, _vxssRngUniform)(0, s, n, out, 0, 1); }),
+    real("random_53", {}, anything,
+         [](StreamState *s, int32_t n, double *out, const double *) {
+           return qkr_uniform_53(s, n, out, 0, 1);
+         }),
     real(
         "uniform", {{"low", 0}, {"high", 1}}, ordered,
         REAL { return of<T>(_vxsdRngUniform, _vxssRngUniform)(VXS_METHOD_ACCURATE, s, n, out, p[0], p[1]); }),
@@ -176,6 +181,9 @@ constexpr const char *docstrings[] = {
     "random($self, " TAIL
     "Uniform over [0, 1), of as many bits as the generator's words; in float32 1.0 can come "
     "out." NOTES "_vxsdRngUniform, _vxssRngUniform.",
+    "random_53($self, " TAIL
+    "Uniform over [0, 1), of all 53 bits of a float64; each takes two of the generator's "
+    "numbers." NOTES "qkr_uniform_53.",
     "uniform($self, low=0.0, high=1.0, " TAIL "Uniform from `low` to `high`." NOTES
     "_vxsdRngUniform, _vxssRngUniform with VXS_METHOD_ACCURATE.",
     "standard_normal($self, " TAIL "Normal of mean 0 and deviation 1." NOTES

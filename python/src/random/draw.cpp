@@ -61,8 +61,12 @@ int read_type(const Distribution &d, PyObject *dtype) {
   if (!PyArray_DescrConverter(dtype, &descriptor)) return -1;
   const int type = PyArray_ISNBO(descriptor->byteorder) ? descriptor->type_num : -1;
   Py_DECREF(descriptor);
-  if (real ? type == NPY_DOUBLE || type == NPY_FLOAT : type == NPY_INT64 || type == NPY_INT32) return type;
-  PyErr_Format(PyExc_TypeError, "%s: dtype is %s", d.name, real ? "float64 or float32" : "int64 or int32");
+  if (real ? type == NPY_DOUBLE || (type == NPY_FLOAT && d.floats) : type == NPY_INT64 || type == NPY_INT32)
+    return type;
+  PyErr_Format(PyExc_TypeError, "%s: dtype is %s", d.name,
+               !real      ? "int64 or int32"
+               : d.floats ? "float64 or float32"
+                          : "float64");
   return -1;
 }
 

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <qkr/streams.h>
 #include <qkr/streams_files.h>
+#include <qkr/streams_generators.h>
 
 #include "random/stream.h"
 
@@ -129,20 +130,14 @@ PyObject *copy_from(PyObject *object, PyObject *source) {
 PyObject *skip(PyObject *object, PyObject *argument) {
   Stream *self = ready(object);
   if (!self) return nullptr;
-  const long long count = PyLong_AsLongLong(argument);
-  if (count == -1 && PyErr_Occurred()) return nullptr;
-  if (count < 0) {
-    PyErr_SetString(PyExc_ValueError, "a stream skips forward only");
+  const unsigned long long count = PyLong_AsUnsignedLongLong(argument);
+  if (count == static_cast<unsigned long long>(-1) && PyErr_Occurred()) {
+    if (!PyErr_ExceptionMatches(PyExc_OverflowError)) return nullptr;
+    PyErr_SetString(PyExc_ValueError, "a stream skips from 0 to 2**64 - 1 numbers");
     return nullptr;
   }
-  constexpr long long longest = 0x7fffffff;  // of one step
   const Guard guard(self);
-  int32_t status = VXS_STATUS_OK;
-  Py_BEGIN_ALLOW_THREADS;
-  for (long long left = count; left > 0 && status == VXS_STATUS_OK; left -= longest) {
-    status = __vxsSkipAheadStream(self->state, left < longest ? left : longest);
-  }
-  Py_END_ALLOW_THREADS;
+  const int32_t status = qkr_skip_ahead(self->state, count);
   if (status) return set_error(status);
   Py_RETURN_NONE;
 }
@@ -172,7 +167,7 @@ PyObject *get_lock(PyObject *object, void *) {
 
 const PyMethodDef methods[] = {
     {"skip", skip, METH_O,
-     "skip($self, n, /)\n--\n\nPasses over `n` numbers.\n\nNotes\n-----\nThe C function: __vxsSkipAheadStream."},
+     "skip($self, n, /)\n--\n\nPasses over `n` numbers, below 2**64.\n\nNotes\n-----\nThe C function: qkr_skip_ahead."},
     {"leapfrog", leapfrog, METH_VARARGS,
      "leapfrog($self, k, n, /)\n--\n\nKeeps numbers k, k + n, k + 2 n, ... of the sequence: one of `n` streams that "
      "divide it.\n\nNotes\n-----\nThe C function: __vxsLeapfrogStream."},
@@ -221,11 +216,19 @@ PyType_Spec stream_spec = {"qkr._random.Stream", sizeof(Stream), 0, Py_TPFLAGS_D
 
 PyModuleDef definition = {PyModuleDef_HEAD_INIT, "_random", "Random streams.", -1};
 
+// Registers Philox, which has no fixed number.
+int add_philox(PyObject *module) {
+  const int32_t generator = qkr_philox();
+  if (generator > 0) return PyModule_AddIntConstant(module, "philox", generator);
+  set_error(generator);
+  return -1;
+}
+
 int execute(PyObject *module) {
   lock_type = reinterpret_cast<PyTypeObject *>(PyType_FromSpec(&lock_spec));
   stream_type = reinterpret_cast<PyTypeObject *>(PyType_FromSpec(&stream_spec));
   return !lock_type || !stream_type || PyModule_AddType(module, lock_type) ||
-         PyModule_AddType(module, stream_type);
+         PyModule_AddType(module, stream_type) || add_philox(module);
 }
 
 }  // namespace
