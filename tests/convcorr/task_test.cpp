@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "tasks.h"
+#include "tests/support/allocations.h"
 
 namespace qkr::tests {
 namespace {
@@ -181,6 +182,7 @@ ConvCorrTask *task_with_extension() {
 }
 
 TEST(Extension, IsCopiedAndReleasedByItsHooks) {
+  const long live = allocations.live;
   ConvCorrTask *task = task_with_extension(), *copy = nullptr;
   ASSERT_EQ(__vxsCopyTask(&copy, task), VXS_CC_OK);
   EXPECT_NE(copy->extension, task->extension);
@@ -199,6 +201,7 @@ TEST(Extension, IsCopiedAndReleasedByItsHooks) {
     EXPECT_EQ(task, nullptr);
     EXPECT_EQ(Hooks::deletions, missing ? 0 : 1);
   }
+  EXPECT_EQ(allocations.live, live);
 }
 
 }  // namespace
