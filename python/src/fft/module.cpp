@@ -79,8 +79,7 @@ PyObject *run(PyObject *, PyObject *const *arguments, Py_ssize_t) {
 }
 
 // The quick way of qkr.fft.fft(x), ifft(x), rfft(x) and irfft(x, n) along the last axis of a dense array,
-// with nothing else asked for: quick(x, n, kind) returns the result, or None where qkr/fft.py has more to
-// do.
+// with nothing else asked for: quick(x, n, kind) returns the result, or None where qkr/fft.py has more to do.
 enum QuickKind { quick_fft, quick_ifft, quick_rfft, quick_irfft };
 
 PyObject *quick(PyObject *, PyObject *const *arguments, Py_ssize_t) {
