@@ -268,7 +268,7 @@ class Demo(unittest.TestCase):
             for path in re.findall(r"^(/.*\.png)$", self.report, re.M):
                 self.assertEqual(Path(path).read_bytes()[:8], b"\x89PNG\r\n\x1a\n")
                 self.assertGreater(Path(path).stat().st_size, 20000)
-            self.assertEqual(len(re.findall(r"\.png$", self.report, re.M)), 13)
+            self.assertEqual(len(re.findall(r"\.png$", self.report, re.M)), 14)
         blocked = out / "blocked"
         blocked.mkdir()
         (blocked / "matplotlib.py").write_text("raise ImportError('No module named matplotlib')\n")
