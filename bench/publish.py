@@ -110,7 +110,8 @@ def readme_table(match):
         if not any((row.function, row.size) == (function, int(size)) for row in rows):
             sys.exit(f"README.md: {room} has no {function} {size}")
     lines = [(label, function, int(size)) for function, size, label in wanted]
-    return (f"<!-- speed {room}\n{match[2].strip()}\n-->\n{table(lines, rows)}\n\nAll that was measured there: {tally(rows)}.\n<!-- end of speed -->")
+    return (f"<!-- speed {room}\n{match[2].strip()}\n-->\n{table(lines, rows)}\n\n"
+            f"Of all that was measured: {tally(rows)}.\n<!-- end of speed -->")
 
 
 def main():
