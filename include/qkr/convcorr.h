@@ -134,14 +134,11 @@ typedef struct ConvCorrTask {
 /** Makes a task.
  * @param[out] task the task; not written unless the status is 0
  * @param kind VXS_CC_CONVOLUTION or VXS_CC_CORRELATION
- * @param task_word kept for the caller
- * @param data_word kept for the caller
+ * @param task_word kept for the caller, as is `data_word`
  * @param mode VXS_CC_DIRECT or VXS_CC_FFT
  * @param precision of data and arithmetic: VXS_CC_SINGLE or VXS_CC_DOUBLE
  * @param dims 1 to 7, which execution checks
- * @param xshape `dims` lengths, copied here and checked by execution
- * @param yshape likewise, of y
- * @param zshape likewise, of z
+ * @param xshape `dims` lengths, as have `yshape` and `zshape`: copied here and checked by execution
  * @return VXS_CC_OK, VXS_CC_ERROR_NULL for a null `task`, VXS_CC_ERROR_MEM */
 QKR_API int32_t __vxsNewTask(ConvCorrTask **task, int32_t kind, int32_t task_word, int32_t mode,
                              int32_t data_word, int32_t precision, int32_t dims, const int32_t *xshape,

@@ -4,42 +4,16 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
-#include <qkr/sigfft.h>
 #include <random>
 #include <vector>
 
 #include "dft/codelets/lines.h"
+#include "tests/dft/engine.h"
 #include "tests/support/guarded.h"
 #include "tests/support/levels.h"
 
 namespace qkr::tests {
 namespace {
-
-template <class T>
-struct Engine;
-#define QKR_TEST_ENGINE(T, C, R)                                                                           \
-  template <>                                                                                              \
-  struct Engine<T> {                                                                                       \
-    static void complex(bool forward, int order, T *line) {                                                \
-      zprsFFTSpec_C_##C *plan = nullptr;                                                                   \
-      ASSERT_EQ(w6_zprsFFTInitAlloc_C_##C(&plan, order, 8, 0), zprStsNoErr);                               \
-      const auto x = reinterpret_cast<zpr##C *>(line);                                                     \
-      (forward ? w6_zprsFFTFwd_CToC_##C : w6_zprsFFTInv_CToC_##C)(x, x, plan, nullptr);                    \
-      w6_zprsFFTFree_C_##C(plan);                                                                          \
-    }                                                                                                      \
-    static void real(bool forward, int order, int32_t format, T *line) {                                   \
-      static constexpr zprStatus (*entries[][2])(const T *, T *, const zprsFFTSpec_R_##R *, uint8_t *) = { \
-          {w6_zprsFFTInv_CCSToR_##R, w6_zprsFFTFwd_RToCCS_##R},                                            \
-          {w6_zprsFFTInv_PackToR_##R, w6_zprsFFTFwd_RToPack_##R},                                          \
-          {w6_zprsFFTInv_PermToR_##R, w6_zprsFFTFwd_RToPerm_##R}};                                         \
-      zprsFFTSpec_R_##R *plan = nullptr;                                                                   \
-      ASSERT_EQ(w6_zprsFFTInitAlloc_R_##R(&plan, order, 8, 0), zprStsNoErr);                               \
-      entries[format - DFTX_CCS_FORMAT][forward](line, line, plan, nullptr);                               \
-      w6_zprsFFTFree_R_##R(plan);                                                                          \
-    }                                                                                                      \
-  };
-QKR_TEST_ENGINE(float, 32fc, 32f)
-QKR_TEST_ENGINE(double, 64fc, 64f)
 
 // Ordinary numbers, and now and then a zero of either sign, an infinity, a tiny one.
 template <class T>

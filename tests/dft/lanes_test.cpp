@@ -4,12 +4,12 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
-#include <qkr/sigfft.h>
 #include <random>
 #include <vector>
 
 #include "dft/codelets/columns.h"
 #include "dft/codelets/real_rows.h"
+#include "tests/dft/engine.h"
 #include "tests/support/guarded.h"
 #include "tests/support/levels.h"
 
@@ -19,35 +19,19 @@ namespace {
 using Columns = void (*)(int, const void *, ptrdiff_t, void *, ptrdiff_t, int64_t, double);
 using Rows = int64_t (*)(int, const void *, ptrdiff_t, void *, ptrdiff_t, int64_t, double);
 
-template <class T>
-struct Engine;
 using RealRows = int64_t (*)(int, const void *, ptrdiff_t, void *, ptrdiff_t, int64_t, bool, double);
-#define QKR_TEST_ENGINE(T, C, R)                                                                     \
+
+template <class T>
+struct Lanes;
+#define QKR_LANES(T, C, R)                                                                           \
   template <>                                                                                        \
-  struct Engine<T> {                                                                                 \
+  struct Lanes<T> {                                                                                  \
     static constexpr Columns columns[] = {dft_columns_backward_##C, dft_columns_forward_##C};        \
     static constexpr Rows rows[] = {dft_rows_backward_##C, dft_rows_forward_##C};                    \
     static constexpr RealRows real_rows[] = {dft_real_rows_backward_##R, dft_real_rows_forward_##R}; \
-    /* In place, in CCS format or in Perm format. */                                                 \
-    static void real_line(bool forward, int order, bool has_last, T *line) {                         \
-      zprsFFTSpec_R_##R *plan = nullptr;                                                             \
-      ASSERT_EQ(w6_zprsFFTInitAlloc_R_##R(&plan, order, 8, 0), zprStsNoErr);                         \
-      const auto entry = has_last  ? forward ? w6_zprsFFTFwd_RToCCS_##R : w6_zprsFFTInv_CCSToR_##R   \
-                         : forward ? w6_zprsFFTFwd_RToPerm_##R                                       \
-                                   : w6_zprsFFTInv_PermToR_##R;                                      \
-      entry(line, line, plan, nullptr);                                                              \
-      w6_zprsFFTFree_R_##R(plan);                                                                    \
-    }                                                                                                \
-    static void line(bool forward, int order, T *line) {                                             \
-      zprsFFTSpec_C_##C *plan = nullptr;                                                             \
-      ASSERT_EQ(w6_zprsFFTInitAlloc_C_##C(&plan, order, 8, 0), zprStsNoErr);                         \
-      const auto x = reinterpret_cast<zpr##C *>(line);                                               \
-      (forward ? w6_zprsFFTFwd_CToC_##C : w6_zprsFFTInv_CToC_##C)(x, x, plan, nullptr);              \
-      w6_zprsFFTFree_C_##C(plan);                                                                    \
-    }                                                                                                \
   };
-QKR_TEST_ENGINE(float, 32fc, 32f)
-QKR_TEST_ENGINE(double, 64fc, 64f)
+QKR_LANES(float, 32fc, 32f)
+QKR_LANES(double, 64fc, 64f)
 
 struct Case {
   int order, count;
@@ -68,7 +52,7 @@ std::vector<T> by_engine(const Case &c, std::vector<T> x, int lines) {
   std::vector<T> line(2 * length);
   for (int i = 0; i < lines; ++i) {
     for (int j = 0; j < length; ++j) std::memcpy(&line[2 * j], &x[place(c, i, j)], 2 * sizeof(T));
-    Engine<T>::line(c.forward, c.order, line.data());
+    Engine<T>::complex(c.forward, c.order, line.data());
     for (T &number : line)
       if (c.scale != 1) number *= static_cast<T>(c.scale);
     for (int j = 0; j < length; ++j) std::memcpy(&x[place(c, i, j)], &line[2 * j], 2 * sizeof(T));
@@ -114,8 +98,8 @@ void expect_lines(const Case &c) {
         T *const y = in_place ? source.data() : target.data();
         int64_t done = c.count;
         if (c.in_columns)
-          Engine<T>::columns[c.forward](c.order, source.data(), c.step, y, c.step, c.count, c.scale);
-        else done = Engine<T>::rows[c.forward](c.order, source.data(), c.step, y, c.step, c.count, c.scale);
+          Lanes<T>::columns[c.forward](c.order, source.data(), c.step, y, c.step, c.count, c.scale);
+        else done = Lanes<T>::rows[c.forward](c.order, source.data(), c.step, y, c.step, c.count, c.scale);
         // As many as fill registers.
         ASSERT_TRUE(done <= c.count && c.count - done < static_cast<int64_t>(64 / (2 * sizeof(T))));
         expect_same(y, by_engine(c, x, static_cast<int>(done)));
@@ -143,12 +127,12 @@ void expect_real_lines(int order, int count, int gap, bool forward, bool has_las
         std::memcpy(target.data(), x.data(), size * sizeof(T));
         T *const y = in_place ? source.data() : target.data();
         const int64_t done =
-            Engine<T>::real_rows[forward](order, source.data(), step, y, step, count, has_last, scale);
+            Lanes<T>::real_rows[forward](order, source.data(), step, y, step, count, has_last, scale);
         ASSERT_TRUE(done <= count && count - done < static_cast<int64_t>(64 / (2 * sizeof(T))));
         std::vector<T> expected = x, line(spectrum);
         for (int64_t i = 0; i < done; ++i) {
           std::copy_n(x.data() + i * step, read, line.data());
-          Engine<T>::real_line(forward, order, has_last, line.data());
+          Engine<T>::real(forward, order, has_last ? DFTX_CCS_FORMAT : DFTX_PERM_FORMAT, line.data());
           for (int j = 0; j < n + (forward && has_last); ++j)
             if (scale != 1) line[j] *= static_cast<T>(scale);
           std::copy_n(line.data(), written, expected.data() + i * step);

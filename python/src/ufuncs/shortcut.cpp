@@ -35,9 +35,7 @@ bool overlaps(PyArrayObject *a, PyArrayObject *b) {
 
 const Variant *variant_of(PyUFuncObject *ufunc, int type) {
   for (int i = 0; i < ufunc->ntypes; ++i) {
-    if (ufunc->types[i * ufunc->nargs] != type) continue;
-    const auto *variant = static_cast<const Variant *>(ufunc->data[i]);
-    return variant;
+    if (ufunc->types[i * ufunc->nargs] == type) return static_cast<const Variant *>(ufunc->data[i]);
   }
   return nullptr;
 }

@@ -9,15 +9,15 @@ namespace {
 
 using sigfft::AnyLengthPlan, sigfft::Stage, sigfft::small_circle, sigfft::long_stage;
 
-// Every column of one block.
-template <bool forward, int points, class In, class Out, class T>
-QKR_NOINLINE void combine_block(Factor<points> factor, In in, Out out, const Stage<T> &stage) {
+// Every column of one block. The factor is a Factor or any other.
+template <bool forward, class F, class In, class Out, class T>
+QKR_NOINLINE void combine_block(F factor, In in, Out out, const Stage<T> &stage) {
   const size_t rest = (size_t)stage.rest;
-  const auto circle = small_circle<T>(stage.circle, points);
+  const auto circle = small_circle<T>(stage.circle, factor.value);
   const T *const table = stage.twiddles;
   each_column<T>(0, rest, [=](auto width, size_t k) QKR_LAMBDA {
     constexpr int bytes = decltype(width)::value;
-    const ColumnTwiddles<T> twiddles(table, points, k);
+    const ColumnTwiddles<T> twiddles(table, (size_t)factor.value, k);
     const auto get = [&](int m) QKR_LAMBDA {
       const auto x = columns<bytes>(in, k + m * rest);
       return m ? times<forward>(x, twiddles.template turns_of<bytes>(m)) : x;
@@ -83,22 +83,6 @@ QKR_NOINLINE void combine_halves(Factor<points> factor, In in, Out out, const St
   });
 }
 
-template <bool forward, class In, class Out, class T>
-QKR_NOINLINE void combine_block(AnyFactor factor, In in, Out out, const Stage<T> &stage) {
-  const size_t rest = (size_t)stage.rest, points = (size_t)factor.value;
-  const auto circle = small_circle<T>(stage.circle, factor.value);
-  const T *const table = stage.twiddles;
-  each_column<T>(0, rest, [=](auto width, size_t k) QKR_LAMBDA {
-    constexpr int bytes = decltype(width)::value;
-    const ColumnTwiddles<T> twiddles(table, points, k);
-    const auto get = [&](int m) QKR_LAMBDA {
-      const auto x = columns<bytes>(in, k + m * rest);
-      return m ? times<forward>(x, twiddles.template turns_of<bytes>(m)) : x;
-    };
-    transform_points<forward>(
-        factor, get, [&](int q, auto x) QKR_LAMBDA { set_columns<bytes>(out, k + q * rest, x); }, circle);
-  });
-}
 template <bool forward, class T>
 QKR_INLINE void combine_blocks(AnyFactor factor, Interleaved<T> area, const Stage<T> &stage, size_t blocks) {
   for (size_t b = 0; b < blocks; ++b) {
