@@ -204,10 +204,9 @@ def oaconvolve(in1, in2, mode="full", axes=None):
     _check(in1, in2, mode)
     if axes is not None and _np.size(axes) == 0:
         raise ValueError("when provided, axes cannot be empty")
-    axes, _ = _fft._axes_and_lengths(in1, None, axes)
-    axes = [k for k in axes if in1.shape[k] != 1 != in2.shape[k]]  # along the others, a product with repetition does
-    if not axes:
-        axes = [in1.ndim - 1]
+    given, _ = _fft._axes_and_lengths(in1, None, axes)
+    # Along an axis where one operand has length 1 a product with repetition does; the task wants one axis at least.
+    axes = [k for k in given if in1.shape[k] != 1 != in2.shape[k]] or list(given[:1])
     others = [k for k in range(in1.ndim) if k not in axes]
     if any(in1.shape[k] != in2.shape[k] and 1 not in (in1.shape[k], in2.shape[k]) for k in others):
         raise ValueError(f"incompatible shapes for in1 and in2: {in1.shape} and {in2.shape}")

@@ -111,6 +111,13 @@ def test_oaconvolve_along_axes(data):
     assert_close(ours, theirs, x, y)
 
 
+def test_a_product_along_an_axis_of_length_one():
+    x, y = np.array([[1.0, 2.0]]), np.array([[3.0, 4.0], [5.0, 6.0]])
+    for mode in ("full", "same", "valid"):
+        theirs, ours = both_ways("oaconvolve", x, y, mode, [0])
+        assert np.array_equal(ours, theirs)
+
+
 def test_long_signals():
     rng = np.random.default_rng(3)
     for char in FLOATS:
