@@ -97,53 +97,109 @@ QKR_INLINE void copy_few(const T *src, T *dst, size_t count) {
   for (size_t i = 0; i < count - lanes; i += lanes) copy(i);
   copy(count - lanes);
 }
+// Looks at the last vector to its end.
+template <class T>
+QKR_INLINE bool all_finite(const T *sums, size_t count) {
+  Native<T> zero = {};
+  for (size_t i = 0; i < count; i += lanes_of<T>) {
+    Native<T> v;
+    load(sums + i, v);
+    zero = zero + v * T(0);
+  }
+  return !any(beyond(zero, T(1)), T());
+}
 template <class T>
 QKR_INLINE void clear_few(T *dst, size_t count) {  // and up to the end of the last vector
   for (size_t i = 0; i < count; i += lanes_of<T>) store(dst + i, Native<T>{});
 }
 
-constexpr size_t few = 1024, taps_together = 32;
+// Sums of `blocks` vectors of x with `open` vectors of h, added to what `sums` holds if they go on. x moves
+// past the registers by one sample a step: the vector at x[block * lanes - t] meets h[t] in the newest
+// vector of sums, h[lanes + t] in the one before it, and so on. After a block the oldest vector has all its
+// terms and a new one begins.
+template <int open, class T>
+QKR_NOINLINE void rotating_sums(const T *x, size_t blocks, const T *h, bool go_on, T *sums) {
+  constexpr size_t lanes = lanes_of<T>;
+  Native<T> sum[open + 1] = {};
+  if (go_on)
+#pragma GCC unroll 8
+    for (int v = 0; v < open; ++v) load(sums + (blocks + v) * lanes, sum[v]);
+  for (size_t block = blocks; block-- > 0;) {
+#pragma GCC unroll 8
+    for (int v = open; v > 0; --v) sum[v] = sum[v - 1];
+    sum[0] = Native<T>{};
+    if (go_on) load(sums + block * lanes, sum[0]);
+    for (size_t t = 0; t < lanes; ++t) {
+      Native<T> samples;
+      load(x + block * lanes - t, samples);
+#pragma GCC unroll 8
+      for (int v = 0; v < open; ++v) sum[v] = sum[v] + samples * h[v * lanes + t];
+    }
+    store(sums + (block + open - 1) * lanes, sum[open - 1]);
+  }
+#pragma GCC unroll 8
+  for (int v = 0; v < open - 1; ++v) store(sums + v * lanes, sum[v]);
+}
+template <int most, class T>
+QKR_INLINE void rotating_sums_of(size_t open, const T *x, size_t blocks, const T *h, bool go_on, T *sums) {
+  if constexpr (most > 1)
+    if (open < most) return rotating_sums_of<most - 1>(open, x, blocks, h, go_on, sums);
+  rotating_sums<most>(x, blocks, h, go_on, sums);
+}
 
-// Sums number `first` to first + results - 1 of up to `few` samples, the foremost of which go on from `start`
-// unless that is null. 32 samples of h at a time leave few of the sums that are computed without any term.
-// Zeros in front of the samples and behind them stand for those that are missing. They change no sum, since
-// none that starts from +0 is ever -0; but where h holds an infinity or a NaN they do. If a sum comes out not
-// finite, all are taken once more without the zeros.
+constexpr size_t most_open = 8, few = 1024;
+// Up to here whole windows of samples are the faster: too few sums would be open to hide their latency.
+template <class T>
+constexpr size_t short_filter = lanes_of<T> < 8 ? 4 * lanes_of<T> : 32;
+
+// Sums number `first` to first + results - 1 of few samples, the foremost of which go on from `start` unless
+// that is null. Zeros before the samples and behind them, and behind h, stand for those that are missing.
+// They change no sum, since none that starts from +0 is ever -0; only where they meet an infinity or a NaN.
+// If a sum comes out not finite, all are taken once more without the zeros.
 template <class T>
 QKR_NOINLINE void sums_of_few(const T *x, size_t count, const T *h, size_t taps, const T *start, size_t first,
                               size_t results, T *dst) {
-  constexpr size_t lanes = lanes_of<T>, margin = taps_together, behind = taps_together + lanes;
-  T window[margin + few + behind + lanes], sums[few + longest_direct_filter + 3 * lanes];
-  clear_few(window, margin);
+  constexpr size_t lanes = lanes_of<T>, margin = (longest_direct_filter / 16 + 1) * 16,
+                   behind = margin + lanes;
+  alignas(64) T window[margin + few + behind + lanes], sums[few + 2 * margin + 3 * lanes];
+  const size_t reach = taps <= short_filter<T> ? short_filter<T> : lanes;
+  clear_few(window + margin - reach, reach);
   copy_few(x, window + margin, count);
-  clear_few(window + margin + count, behind);
-
-  // sum(padded, part, now, to) goes on with the sums in `to`, by `now` samples of h.
-  const auto take_sums = [&](auto sum) QKR_LAMBDA {
-    clear_few(sums, count + taps - 1 + lanes);
+  clear_few(window + margin + count, reach + lanes);
+  const size_t all = count + taps - 1, padded = (all + lanes - 1) / lanes * lanes;
+  const auto begin = [&](size_t end) QKR_LAMBDA {
+    clear_few(sums, end);
     if (start) copy_few(start, sums, taps - 1);
-    bool finite = true;
-    for (size_t j = 0; j < taps; j += taps_together) {
-      const size_t now = taps - j < taps_together ? taps - j : taps_together;
-      const size_t padded = (count + now + lanes - 2) / lanes * lanes;
-      finite &= sum(padded, h + j, now, sums + j);
+  };
+
+  bool finite;
+  if (taps <= short_filter<T>) {
+    if (!start && results >= lanes) {
+      // The simplest case needs no sums between.
+      if (sums_of_products(window + margin + first, results, h, taps, start, dst)) [[likely]]
+        return;
+      finite = false;
+    } else {
+      begin(padded);
+      finite = sums_of_products(window + margin, padded, h, taps, (const T *)sums, sums);
     }
-    return finite;
-  };
-  const auto by_zeros = [&](size_t padded, const T *part, size_t now, T *to) QKR_LAMBDA {
-    return sums_of_products(window + margin, padded, part, now, (const T *)to, to);
-  };
-  // The simplest case needs no sums between.
-  const bool at_once = !start && taps <= taps_together && results >= lanes;
-  if (at_once && sums_of_products(window + margin + first, results, h, taps, start, dst)) [[likely]]
-    return;
-  const bool finite = !at_once && take_sums(by_zeros);
+  } else {
+    T filter[margin + most_open * lanes];
+    const size_t vectors = (taps + lanes - 1) / lanes, rounds = (vectors + most_open - 1) / most_open;
+    const size_t open = (vectors + rounds - 1) / rounds, blocks = (count + 2 * lanes - 2) / lanes;
+    const bool go_on = start || rounds > 1;
+    copy_few(h, filter, taps);
+    clear_few(filter + taps, rounds * open * lanes - taps);
+    if (go_on) begin((blocks + rounds * open) * lanes);
+    for (size_t done = 0; done < rounds * open * lanes; done += open * lanes)
+      rotating_sums_of<most_open>(open, window + margin, blocks, filter + done, go_on, sums + done);
+    finite = all_finite(sums, all);
+  }
   if (!finite) [[unlikely]] {
     decltype(bits(T())) inside[sizeof window / sizeof(T)] = {};
     memset(inside + margin, -1, count * sizeof(T));
-    take_sums([&](size_t padded, const T *part, size_t now, T *to) QKR_LAMBDA {
-      return sums_of_products_inside(window + margin, inside + margin, padded, part, now, to, to);
-    });
+    begin(padded);
+    sums_of_products_inside(window + margin, inside + margin, padded, h, taps, (const T *)sums, sums);
   }
   copy_few(sums + first, dst, results);
 }
@@ -153,7 +209,8 @@ template <class T>
 QKR_INLINE void direct_sum(const T *x, size_t count, const T *h, size_t taps, bool continued, T *dst) {
   const size_t overlap = taps - 1;
   const T *const start = continued ? dst : nullptr;
-  if (count <= few) return sums_of_few(x, count, h, taps, start, 0, count + overlap, dst);
+  if (count <= (taps <= short_filter<T> ? few : 2 * longest_direct_filter))
+    return sums_of_few(x, count, h, taps, start, 0, count + overlap, dst);
   sums_of_products(x + overlap, count - overlap, h, taps, (const T *)nullptr, dst + overlap);
   if (!overlap) return;
   sums_of_few(x, overlap, h, taps, start, 0, overlap, dst);
