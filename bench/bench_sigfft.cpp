@@ -29,15 +29,9 @@ constexpr const char *level_names[] = {"sse2", "avx2", "avx512"};
 // As much memory as may be needed, at once: plans of FFTW belong to their arrays.
 template <class T>
 Arrays<T> arrays(const Form &form, int order) {
-  constexpr size_t alignment = 64;
-  static std::vector<T> memory[2] = {std::vector<T>((size_t{2} << largest_order) + 2 + alignment),
-                                     std::vector<T>((size_t{2} << largest_order) + 2 + alignment)};
-  T *start[2];
-  for (int i = 0; i < 2; ++i) {
-    start[i] = (T *)(((size_t)memory[i].data() + alignment - 1) & ~(alignment - 1));
-    std::fill_n(start[i], (size_t{2} << order) + 2, T());
-  }
-  return {start[0], start[form.in_place ? 0 : 1]};
+  auto a = two_arrays<T, (size_t{2} << largest_order) + 2>((size_t{2} << order) + 2);
+  if (form.in_place) a.dst = a.src;
+  return a;
 }
 
 // Made at the first repetition and kept, since FFTW takes long to measure; but not plans that fill the

@@ -89,15 +89,7 @@ double aim(Class kind, Level level) {
 
 template <class T>
 Arrays<T> arrays(int32_t n) {
-  constexpr size_t alignment = 64;
-  static std::vector<T> memory[2] = {std::vector<T>(2 * largest + 2 + alignment),
-                                     std::vector<T>(2 * largest + 2 + alignment)};
-  T *start[2];
-  for (int i = 0; i < 2; ++i) {
-    start[i] = (T *)(((size_t)memory[i].data() + alignment - 1) & ~(alignment - 1));
-    std::fill_n(start[i], 2 * (size_t)n + 2, T());
-  }
-  return {start[0], start[1]};
+  return two_arrays<T, 2 * largest + 2>(2 * (size_t)n + 2);
 }
 
 // Unnormalised, with a work buffer of its own; real ones to CCS format, which is FFTW's.

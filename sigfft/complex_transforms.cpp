@@ -16,8 +16,8 @@ zprStatus run(int32_t id, const void *opaque, uint8_t *work, Arrays... arrays) {
   if ((!arrays || ...)) return zprStsNullPtrErr;
   const bool norm = forward ? plan->forward_norm : plan->inverse_norm;
   if (plan->order <= largest_fixed_order) {
-    if constexpr (split) fixed_code<T>.split[norm][plan->order](arrays..., plan->norm_factor);
-    else fixed_code<T>.complex[forward][norm][plan->order](arrays..., plan->norm_factor);
+    if constexpr (split) fixed_split(plan->order, norm, arrays..., plan->norm_factor);
+    else fixed_complex<forward>(plan->order, norm, arrays..., plan->norm_factor);
     return zprStsNoErr;
   }
   const WorkBuffer<T> buffer(plan->work_bytes, work);

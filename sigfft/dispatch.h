@@ -45,7 +45,7 @@ template <EntrySet set, bool forward, class T>
 void transform(const Plan<T> *plan, const T *src, T *dst, int order, bool norm, T *work) {
   constexpr const Kernels<T> &k = kernels<forward, T>;
   if (order == largest_fixed_order) {
-    fixed_code<T>.complex[forward][false][order](src, dst, 0);
+    fixed_complex<forward>(order, false, src, dst, T(0));
   } else if (set == EntrySet::plain) {
     return k.plain(plan, src, dst, order, norm, work);
   } else if (order > largest_staged_order<set, T>) {

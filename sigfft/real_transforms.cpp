@@ -71,7 +71,7 @@ template <EntrySet set, Format format, class T>
 void forward_transform(const Plan<T> *plan, const T *src, T *dst, T *work) {
   const size_t n = size_t{1} << plan->order;
   if (plan->order <= largest_fixed_order) {
-    fixed_code<T>.real[true][plan->forward_norm][plan->order](src, dst, plan->norm_factor);
+    fixed_real<true>(plan->order, plan->forward_norm, src, dst, plan->norm_factor);
   } else {
     transform<set, true>(plan, src, dst, plan->order - 1, plan->forward_norm, work);
     butterfly(dst[0], dst[1], dst);
@@ -89,7 +89,7 @@ void inverse_transform(const Plan<T> *plan, const T *src, T *dst, T *work) {
     src = dst;
   }
   if (fixed) {
-    return fixed_code<T>.real[false][plan->inverse_norm][plan->order](src, dst, plan->norm_factor);
+    return fixed_real<false>(plan->order, plan->inverse_norm, src, dst, plan->norm_factor);
   }
   butterfly(src[0], src[format == Format::CCS ? n : 1], dst);
   real_kernels<set, T>.recombine_inverse(src, dst, (int32_t)(n / 2), plan->inverse_real);

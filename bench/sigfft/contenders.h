@@ -30,6 +30,20 @@ struct Arrays {
   T *src, *dst;  // the same for transforms in place
 };
 
+// Room for `largest` numbers each, of which `used` are cleared, at multiples of 64 bytes; but not at one
+// place of their pages, where a load that follows a store to the other array waits for it.
+template <class T, size_t largest>
+Arrays<T> two_arrays(size_t used) {
+  constexpr size_t line = 64 / sizeof(T), apart = 33 * line;
+  static std::vector<T> memory[2] = {std::vector<T>(largest + line), std::vector<T>(largest + line + apart)};
+  T *start[2];
+  for (int i = 0; i < 2; ++i) {
+    start[i] = (T *)(((size_t)memory[i].data() + 63) & ~size_t{63}) + i * apart;
+    std::fill_n(start[i], used, T());
+  }
+  return {start[0], start[1]};
+}
+
 // Unnormalised, with a work buffer of its own; real ones to CCS format, which is FFTW's.
 template <class T>
 Transform ours(const Form &form, int order, Arrays<T> a) {

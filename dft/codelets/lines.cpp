@@ -78,16 +78,15 @@ int32_t shortest_real_codelet(const void *input, void *output, const DftDescript
   using Place = Layout<format, n>;
   const T *x = (const T *)input;
   T *y = (T *)output, perm[n];
-  constexpr auto transform = &sigfft::fixed_code<T>.real[forward][false][order];
   if constexpr (forward) {
-    (*transform)(x, perm, 1);
+    sigfft::fixed_real<forward>(order, false, x, perm, T(1));
     y[0] = perm[0], y[Place::last] = perm[1];
     for (int i = 2; i < n; ++i) y[i - Place::moved] = perm[i];
     if (format == DFTX_CCS_FORMAT) y[1] = y[n + 1] = 0;
   } else {
     perm[0] = x[0], perm[1] = x[Place::last];
     for (int i = 2; i < n; ++i) perm[i] = x[i - Place::moved];
-    (*transform)(perm, y, 1);
+    sigfft::fixed_real<forward>(order, false, perm, y, T(1));
     if (format == DFTX_CCS_FORMAT && record->leaves_zero && input == output) y[n] = 0;
   }
   return DFTX_NO_ERROR;

@@ -20,30 +20,10 @@ void transform(int order, Source x, Target y, Scale scale) {
   y.set(1, scale(x0 - x1));
 }
 
-template <int order, bool forward, class T, class Scale>
-void complex_fixed(const T *src, T *dst, T factor) {
-  transform<forward>(order, Interleaved<const T>{src}, Interleaved<T>{dst}, Scale{factor});
-}
-template <int order, bool forward, class T, class Scale>
-void split_fixed(const T *src_re, const T *src_im, T *dst_re, T *dst_im, T factor) {
-  transform<forward>(order, Split<const T>{src_re, src_im}, Split<T>{dst_re, dst_im}, Scale{factor});
-}
-
-template <class T>
-struct Unscaled {
-  T factor;
-  T operator()(T x) const { return x; }
-  template <class C>
-  C operator()(C x) const {
-    return x;
-  }
-};
-
 // X[1] = E + O and X[3] = conj(E - O), where E and O are the second points of the 4-point transforms of the
 // even and, turned by 45 degrees, the odd inputs.
-template <int order, class T, class Scale>
-void real_forward(const T *x, T *p, T factor) {
-  const Scale scale = {factor};
+template <class T, class Scale>
+void real_forward(int order, const T *x, T *p, Scale scale) {
   if (order == 0) {
     p[0] = scale(x[0]);
   } else if (order == 1) {
@@ -75,10 +55,9 @@ void real_inverse4(T sum, T difference, T twice_re, T twice_im, Put put) {
 
 // Eight points as four and four: the even ones of X[k] + X[k+4], the odd ones of X[k] - X[k+4] turned by 45 k
 // degrees.
-template <int order, class T, class Scale>
-void real_inverse(const T *p, T *x, T factor) {
-  const Scale scale = {factor};
-  if (order < 2) return real_forward<order, T, Scale>(p, x, factor);
+template <class T, class Scale>
+void real_inverse(int order, const T *p, T *x, Scale scale) {
+  if (order < 2) return real_forward(order, p, x, scale);
   if (order == 2) {
     const T a = scale(p[0] + p[1]), b = scale(p[0] - p[1]);
     real_inverse4(a, b, scale(2 * p[2]), scale(2 * p[3]), [&](int k, T value) { x[k] = value; });
@@ -95,10 +74,10 @@ void real_inverse(const T *p, T *x, T factor) {
   }
 }
 
-template <int order, bool forward, class T, class Scale>
-void real_fixed(const T *src, T *dst, T factor) {
-  if constexpr (forward) real_forward<order, T, Scale>(src, dst, factor);
-  else real_inverse<order, T, Scale>(src, dst, factor);
+template <class T, class Run>
+void scaled_or_not(bool scaled, T factor, Run run) {
+  if (scaled) run(Multiplied<T>{factor});
+  else run(AsTheyAre());
 }
 
 }  // namespace
@@ -108,18 +87,33 @@ namespace qkr::sigfft {
 
 using namespace qkr::sse2;
 
-#define QKR_ORDERS(f, forward, T, Scale)                                                \
-  {                                                                                     \
-    f<0, forward, T, Scale<T>>, f<1, forward, T, Scale<T>>, f<2, forward, T, Scale<T>>, \
-        f<3, forward, T, Scale<T>>                                                      \
-  }
-#define QKR_DIRECTION(f, forward, T) \
-  { QKR_ORDERS(f, forward, T, Unscaled), QKR_ORDERS(f, forward, T, Multiplied) }
-#define QKR_FIXED(f, T) \
-  { QKR_DIRECTION(f, false, T), QKR_DIRECTION(f, true, T) }
-const FixedCode<double> fixed_code_64f = {QKR_FIXED(complex_fixed, double), QKR_FIXED(real_fixed, double),
-                                          QKR_DIRECTION(split_fixed, true, double)};
-const FixedCode<float> fixed_code_32f = {QKR_FIXED(complex_fixed, float), QKR_FIXED(real_fixed, float),
-                                         QKR_DIRECTION(split_fixed, true, float)};
+template <bool forward, class T>
+void fixed_complex(int order, bool scaled, const T *src, T *dst, T factor) {
+  scaled_or_not(scaled, factor, [=](auto scale) {
+    transform<forward>(order, Interleaved<const T>{src}, Interleaved<T>{dst}, scale);
+  });
+}
+template <bool forward, class T>
+void fixed_real(int order, bool scaled, const T *src, T *dst, T factor) {
+  scaled_or_not(scaled, factor, [=](auto scale) {
+    if constexpr (forward) real_forward(order, src, dst, scale);
+    else real_inverse(order, src, dst, scale);
+  });
+}
+template <class T>
+void fixed_split(int order, bool scaled, const T *src_re, const T *src_im, T *dst_re, T *dst_im, T factor) {
+  scaled_or_not(scaled, factor, [=](auto scale) {
+    transform<true>(order, Split<const T>{src_re, src_im}, Split<T>{dst_re, dst_im}, scale);
+  });
+}
+
+#define QKR_INSTANTIATE(T)                                          \
+  template void fixed_complex<true>(int, bool, const T *, T *, T);  \
+  template void fixed_complex<false>(int, bool, const T *, T *, T); \
+  template void fixed_real<true>(int, bool, const T *, T *, T);     \
+  template void fixed_real<false>(int, bool, const T *, T *, T);    \
+  template void fixed_split(int, bool, const T *, const T *, T *, T *, T);
+QKR_INSTANTIATE(double)
+QKR_INSTANTIATE(float)
 
 }  // namespace qkr::sigfft

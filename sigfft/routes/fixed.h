@@ -6,20 +6,14 @@
 
 namespace qkr::sigfft {
 
-// By direction (0 inverse, 1 forward), whether a factor multiplies, and order. Real ones write, and read, the
-// Perm format.
+// Of 1 << order points. Real ones write, and read, the Perm format. Orders are told apart by branches: a call
+// through a table would cost as much as the transform.
+template <bool forward, class T>
+void fixed_complex(int order, bool scaled, const T *src, T *dst, T factor);
+template <bool forward, class T>
+void fixed_real(int order, bool scaled, const T *src, T *dst, T factor);
+// Forward: the inverse has real and imaginary parts exchanged.
 template <class T>
-struct FixedCode {
-  using Interleaved = void (*)(const T *src, T *dst, T factor);
-  using Split = void (*)(const T *src_re, const T *src_im, T *dst_re, T *dst_im, T factor);
-  Interleaved complex[2][2][4], real[2][2][4];
-  Split split[2][4];  // forward: the inverse has real and imaginary parts exchanged
-};
-extern const FixedCode<double> fixed_code_64f;
-extern const FixedCode<float> fixed_code_32f;
-template <class T>
-constexpr const FixedCode<double> &fixed_code = fixed_code_64f;
-template <>
-inline constexpr const FixedCode<float> &fixed_code<float> = fixed_code_32f;
+void fixed_split(int order, bool scaled, const T *src_re, const T *src_im, T *dst_re, T *dst_im, T factor);
 
 }  // namespace qkr::sigfft

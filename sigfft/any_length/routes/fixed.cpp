@@ -51,7 +51,7 @@ void fixed_transform(const AnyLengthPlan<T> *plan, const T *src, T *dst) {
     return scaled_or_not<forward>(plan, [=](auto scale) {
       three_points<forward>(Interleaved<const T>{src}, Interleaved<T>{dst}, scale);
     });
-  fixed_code<T>.complex[forward][is_scaled(plan, forward)][fixed_order(plan)](src, dst, plan->norm_factor);
+  fixed_complex<forward>(fixed_order(plan), is_scaled(plan, forward), src, dst, plan->norm_factor);
 }
 template <bool forward, class T>
 void fixed_transform(const AnyLengthPlan<T> *plan, const T *src_re, const T *src_im, T *dst_re, T *dst_im) {
@@ -59,9 +59,10 @@ void fixed_transform(const AnyLengthPlan<T> *plan, const T *src_re, const T *src
     return scaled_or_not<forward>(plan, [=](auto scale) {
       three_points<forward>(Split<const T>{src_re, src_im}, Split<T>{dst_re, dst_im}, scale);
     });
-  const auto code = fixed_code<T>.split[is_scaled(plan, forward)][fixed_order(plan)];
-  if (forward) code(src_re, src_im, dst_re, dst_im, plan->norm_factor);
-  else code(src_im, src_re, dst_im, dst_re, plan->norm_factor);
+  const int order = fixed_order(plan);
+  const bool scaled = is_scaled(plan, forward);
+  if (forward) fixed_split(order, scaled, src_re, src_im, dst_re, dst_im, plan->norm_factor);
+  else fixed_split(order, scaled, src_im, src_re, dst_im, dst_re, plan->norm_factor);
 }
 template <bool forward, class T>
 void fixed_real_transform(const AnyLengthPlan<T> *plan, const T *src, T *dst) {
@@ -69,7 +70,7 @@ void fixed_real_transform(const AnyLengthPlan<T> *plan, const T *src, T *dst) {
     return scaled_or_not<forward>(plan, [=](auto scale) {
       forward ? three_reals(src, dst, scale) : three_reals_back(src, dst, scale);
     });
-  fixed_code<T>.real[forward][is_scaled(plan, forward)][fixed_order(plan)](src, dst, plan->norm_factor);
+  fixed_real<forward>(fixed_order(plan), is_scaled(plan, forward), src, dst, plan->norm_factor);
 }
 
 #define QKR_INSTANTIATE(forward, T)                                                                 \
