@@ -1,7 +1,8 @@
 // Gamma numbers by rejection, the method chosen by the shape alpha; sources stand at each.
 #include "distributions/chunks.h"
-#include "distributions/radii.h"
+#include "distributions/normals.h"
 #include "distributions/rejection.h"
+#include "streams/few_numbers.h"
 
 namespace qkr {
 constexpr double third = 1.0 / 3.0;
@@ -127,6 +128,48 @@ int32_t marsaglia_tsang(StreamState *stream, int32_t n, T *out, T alpha) {
   return status;
 }
 
+#if QKR_BASELINE
+// Whether a candidate is accepted, and as which number.
+template <class T>
+bool accepts(T u, T x, T c, T d, T *product) {
+  const T v = c * x + T(1), s = x * x, cube = v * v * v;
+  *product = d * cube;
+  if (!(v > T(0))) return false;
+  if (u < T(1) - T(squeeze) * s * s) return true;
+  return finite_ln(u) < T(0.5) * s + d * (finite_ln(cube) + (T(1) - cube));
+}
+
+// The same for one number, as long as candidates lie ready in the stream; false where there is none any
+// more. Those that were looked at are gone then, as they are for the way of many.
+template <class T>
+bool one_marsaglia_tsang(StreamState *stream, T *out, T alpha) {
+  auto *pending = find_record<PendingCandidate>(stream, pending_candidate);
+  if (!pending || !environment_is_default()) return false;
+  const T d = alpha - T(third), c = square_root(T(1) / (T(9) * alpha - T(3)));
+  for (;;) {
+    T words[4], normal[2];
+    if (pending->u >= 0.0) {
+      words[1] = T(pending->u);
+      normal[0] = T(pending->x);
+      pending->u = none;
+    } else {
+      if (!draw_ready(stream, 4, words, 0, 1)) return false;
+      const T pair[2] = {words[0], words[2]};
+      one_pair(pair, normal);
+      *pending = {words[3], normal[1]};
+    }
+    if (accepts(words[1], normal[0], c, d, out)) return true;
+  }
+}
+
+template <class T>
+bool one_gamma(StreamState *stream, T *out, T alpha, T a, T beta) {
+  if (!(alpha > T(1)) || !one_marsaglia_tsang(stream, out, alpha)) return false;
+  *out = at_least(*out * beta + a, a);
+  return true;
+}
+#endif
+
 // 0.6 <= alpha < 1: by rejection from a Weibull number (I. Vaduva, Mathematische Operationsforschung und
 // Statistik 8 (1977) 545).
 template <class T>
@@ -185,9 +228,11 @@ int32_t gamma(StreamState *stream, int32_t n, T *out, T alpha, T a, T beta) {
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_DISTRIBUTION(_vxsdRngGamma, double, (double alpha, double a, double beta), (alpha, a, beta)) {
+QKR_DISTRIBUTION_UNLESS(n == 1 && one_gamma(stream, out, alpha, a, beta), _vxsdRngGamma, double,
+                        (double alpha, double a, double beta), (alpha, a, beta)) {
   return gamma(stream, n, out, alpha, a, beta);
 }
-QKR_DISTRIBUTION(_vxssRngGamma, float, (float alpha, float a, float beta), (alpha, a, beta)) {
+QKR_DISTRIBUTION_UNLESS(n == 1 && one_gamma(stream, out, alpha, a, beta), _vxssRngGamma, float,
+                        (float alpha, float a, float beta), (alpha, a, beta)) {
   return gamma(stream, n, out, alpha, a, beta);
 }

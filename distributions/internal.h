@@ -95,13 +95,16 @@ inline void in_blocks(ptrdiff_t n, Work work) {
     work(static_cast<int32_t>(n - first < longest ? n - first : longest), first);
 }
 
+// Whether the numbers come from a generator or a buffer of a user, which may fail.
+inline bool is_users(const StreamState *stream) { return stream->brng >= abstract_integers; }
+
 // The same after `draw(m, first)`, which returns a status and ends all if that is negative. Generators of the
 // library do not fail, nor do they mind how draws are split: their numbers are drawn a block at a time and
 // worked on while they are in the cache. Those of users are asked for all numbers at once, and nothing is
 // worked on if they fail. The first block is shorter by `lead`.
 template <class Draw, class Work>
 inline int32_t draw_in_blocks(const StreamState *stream, int32_t n, Draw draw, Work work, int32_t lead = 0) {
-  const bool at_once = stream->brng >= abstract_integers;
+  const bool at_once = is_users(stream);
   int32_t status;
   ptrdiff_t first = 0;
   do {
@@ -188,10 +191,16 @@ inline void bound(int32_t n, T *x, T lower, T upper) {
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-// The entry of a distribution in one form, for all levels; its body follows.
-#define QKR_DISTRIBUTION(name, T, parameters, arguments)                                                  \
-  QKR_ENTRY_OF(                                                                                           \
-      int32_t, name,                                                                                      \
+// The entry of a distribution in one form, for all levels; its body follows. QKR_DISTRIBUTION_UNLESS: only
+// if the baseline's expression `served`, which may serve a short call, is false (see QKR_ENTRY_AFTER).
+#define QKR_DISTRIBUTION(name, T, parameters, arguments) \
+  QKR_DISTRIBUTION_AFTER(, name, T, parameters, arguments)
+#define QKR_DISTRIBUTION_UNLESS(served, name, T, parameters, arguments) \
+  QKR_DISTRIBUTION_AFTER(using namespace qkr::sse2;                     \
+                         if (served) return VXS_STATUS_OK, name, T, parameters, arguments)
+#define QKR_DISTRIBUTION_AFTER(first, name, T, parameters, arguments)                                     \
+  QKR_ENTRY_AFTER(                                                                                        \
+      first, int32_t, name,                                                                               \
       ([[maybe_unused]] int32_t method, StreamState * stream, int32_t n, T * out, QKR_LISTED parameters), \
       (method, stream, n, out, QKR_LISTED arguments))
 #define QKR_LISTED(...) __VA_ARGS__

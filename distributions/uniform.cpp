@@ -1,5 +1,6 @@
 // Uniform numbers: the stream's own, over an interval. All other distributions draw through here.
 #include "distributions/internal.h"
+#include "streams/few_numbers.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -16,13 +17,23 @@ int32_t bounded_if_accurate(int32_t method, int32_t status, int32_t n, T *out, T
   return status;
 }
 
+#if QKR_BASELINE
+constexpr int32_t few = 4;  // from where on the way to the generator does not matter
+template <class T>
+bool few_uniforms(int32_t method, StreamState *stream, int32_t n, T *out, T a, T b) {
+  return n > 0 && n <= few && !(method & VXS_METHOD_ACCURATE) && draw_ready(stream, n, out, a, b);
+}
+#endif
+
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_DISTRIBUTION(_vxsdRngUniform, double, (double a, double b), (a, b)) {
+QKR_DISTRIBUTION_UNLESS(few_uniforms(method, stream, n, out, a, b), _vxsdRngUniform, double,
+                        (double a, double b), (a, b)) {
   return bounded_if_accurate(method, generator_of(stream).dBrng(stream, n, out, a, b), n, out, a, b);
 }
-QKR_DISTRIBUTION(_vxssRngUniform, float, (float a, float b), (a, b)) {
+QKR_DISTRIBUTION_UNLESS(few_uniforms(method, stream, n, out, a, b), _vxssRngUniform, float,
+                        (float a, float b), (a, b)) {
   return bounded_if_accurate(method, generator_of(stream).sBrng(stream, n, out, a, b), n, out, a, b);
 }
 

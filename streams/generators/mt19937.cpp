@@ -1,17 +1,10 @@
 // MT19937: the Mersenne twister with a state of 624 words.
+#include "streams/generators/mt19937.h"
+
 #include "streams/generators/soundness.h"
-#include "streams/generators/twister.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
-
-struct Mt19937 {
-  static constexpr int words = 624, middle = 397;
-  uint32_t mt[words];
-  int32_t index;  // of the next word to be used
-};
-
-constexpr Tempering<11> tempering = {0x9d2c5680, 0xefc60000};
 
 // All words anew, in place and a vector at a time: each needs the words from itself to one further on, and
 // those 397 further on, or 227 back. Only two vectors read across the end of the state, which is copied for

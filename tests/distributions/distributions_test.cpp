@@ -2,6 +2,7 @@
 // draws_digest.txt records), the split of a request, failures.
 #include <algorithm>
 #include <cmath>
+#include <immintrin.h>
 #include <limits>
 #include <qkr/vecmath_control.h>
 
@@ -60,6 +61,43 @@ TYPED_TEST(Distributions, SplitAsTheyLike) {
     }
     ASSERT_EQ(out, &*split.end());
     EXPECT_EQ(whole, split) << name_of<T>(a_case);
+  }
+}
+
+// A stream whose words are in part 0, which has no logarithm; the first block of them is about to be given out.
+Stream stream_with_zeros() {
+  Stream stream = new_stream(0x800000, {7});
+  draw_words(stream, 1);
+  auto *words = reinterpret_cast<uint32_t *>(stream.get() + 1);
+  for (int i = 0; i < 624; i += 5) words[i] = 0;
+  for (int i = 20; i < 60; ++i) words[i] = 0;
+  words[624] = 0;  // the index
+  return stream;
+}
+
+// Numbers that lie ready are given out on a shorter way.
+TYPED_TEST(Distributions, AreTheSameOneByOne) {
+  using T = TypeParam;
+  constexpr int32_t count = 3000;
+  make_cells_of_thread();
+  for (const unsigned direction : {_MM_ROUND_NEAREST, _MM_ROUND_UP}) {
+    const unsigned usual = _mm_getcsr();
+    _mm_setcsr(usual | direction);
+    for_each_level([&](const char *level) {
+      for (const Case &a_case : cases<T>()) {
+        std::vector<T> whole(count), alone(count);
+        const Stream one = stream_with_zeros(), other = stream_with_zeros();
+        EXPECT_EQ(draw(a_case, one.get(), count, whole.data()), VXS_STATUS_OK);
+        for (int32_t i = 0, n = 1; i < count; i += n) {
+          n = i % 100 == 99 ? 2 : 1;  // not always from an even place
+          if (i + n > count) n = 1;
+          EXPECT_EQ(draw(a_case, other.get(), n, alone.data() + i), VXS_STATUS_OK);
+        }
+        EXPECT_EQ(whole, alone) << name_of<T>(a_case) << ' ' << level;
+        EXPECT_EQ(payload(one), payload(other)) << name_of<T>(a_case) << ' ' << level;
+      }
+    });
+    _mm_setcsr(usual);
   }
 }
 
