@@ -1,8 +1,7 @@
 // Natural logarithm in single precision, over the formulas of logarithm/natural_single.h.
-#include "vecmath/real/logarithm/natural_single.h"
-
 #include "vecmath/frame/function.h"
 #include "vecmath/frame/numbers.h"
+#include "vecmath/real/logarithm/natural_single.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
