@@ -1,5 +1,5 @@
-// Integer vectors: products, order of words, and conversion between words and real numbers: exact ones to doubles,
-// to singles with one rounding.
+// Integer vectors: products, order of words, and conversion between words and real numbers: exact ones to
+// doubles, to singles with one rounding.
 #pragma once
 
 #include "simd/simd.h"
@@ -18,8 +18,9 @@ QKR_INLINE u32 even_words(u64 a, u64 b) { return (u32)_mm512_shuffle_ps((__m512)
 QKR_INLINE u32 odd_words(u64 a, u64 b) { return (u32)_mm512_shuffle_ps((__m512)a, (__m512)b, 0xDD); }
 QKR_INLINE u32 smaller(u32 a, u32 b) { return (u32)_mm512_min_epu32((__m512i)a, (__m512i)b); }
 
-// below_words: all words in order, a word of `high`, which are alike, above each. multiples_of(unit, w), where unit
-// is a power of two, is unit * w. Words and doubles in order. words_of: of whole numbers from 0 to 2^32 - 1.
+// below_words: all words in order, a word of `high`, which are alike, above each. multiples_of(unit, w),
+// where unit is a power of two, is unit * w. Words and doubles in order. words_of: of whole numbers from 0 to
+// 2^32 - 1.
 QKR_INLINE Two<f64> doubles_of(u32 w) {
   return {(f64)_mm512_cvtepu32_pd(_mm512_castsi512_si256((__m512i)w)),
           (f64)_mm512_cvtepu32_pd(_mm512_extracti64x4_epi64((__m512i)w, 1))};

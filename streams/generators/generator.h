@@ -92,9 +92,9 @@ struct RealsInSingle {
   QKR_INLINE void put_one(float *out, uint32_t word) const { *out = (float)(int32_t)word * scale + shift; }
 };
 
-// word * unit, a power of two, of words of 32 bits: for the intervals from 0 to such a number, of which [0, 1) is the
-// one that everybody draws from. The product is exact in double precision, so a single is rounded once, and both
-// are what Reals gives.
+// word * unit, a power of two, of words of 32 bits: for the intervals from 0 to such a number, of which [0,
+// 1) is the one that everybody draws from. The product is exact in double precision, so a single is rounded
+// once, and both are what Reals gives.
 template <class Real>
 struct Multiples {
   using Element = Real;
@@ -131,8 +131,8 @@ struct Unchanged {
 };
 
 // transform(words[0..n-1]) to the output. `transform` serves a vector V as well as one word, and must give
-// the same for both. Two vectors go side by side, as each is a chain of operations. The last one overlaps the one
-// before, writing the same values again.
+// the same for both. Two vectors go side by side, as each is a chain of operations. The last one overlaps the
+// one before, writing the same values again.
 template <class V = u32, class Word, class Output, class Transform = Unchanged>
 QKR_INLINE void emit(const Word *words, int n, typename Output::Element *out, const Output &output,
                      Transform transform = {}) {
