@@ -89,10 +89,10 @@ QKR_INLINE Two<f64> multiples_of(double unit, u32 w) {
 
 #if QKR_SIMD_BYTES < 64
 QKR_INLINE Two<f64> doubles_of(u32 w) { return multiples_of(1.0, w); }
-// Both halves are exact, and their sum rounds once.
+// Each half as the lower bits of a number whose exponent fits; only the last sum rounds.
 QKR_INLINE f32 multiples_of(float unit, u32 w) {
-  return __builtin_convertvector((i32)(w >> 16), f32) * (0x1p16f * unit) +
-         __builtin_convertvector((i32)(w & 0xFFFFu), f32) * unit;
+  const float low = 0x1p23f * unit, high = 0x1p39f * unit;
+  return (real(w >> 16 | bits(high)) - (high + low)) + real((w & 0xFFFFu) | bits(low));
 }
 // The upper half as a multiple of 2^32 above 2^84, the lower above 2^52; only the last sum rounds.
 QKR_INLINE f64 doubles_of(u64 x) {
