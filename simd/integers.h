@@ -96,7 +96,12 @@ QKR_INLINE f32 multiples_of(float unit, u32 w) {
 }
 // The upper half as a multiple of 2^32 above 2^84, the lower above 2^52; only the last sum rounds.
 QKR_INLINE f64 doubles_of(u64 x) {
-  const f64 high = real((x >> 32) | 0x4530000000000000u), low = real((x & 0xFFFFFFFFu) | 0x4330000000000000u);
+  const f64 high = real((x >> 32) | 0x4530000000000000u);
+#if QKR_BASELINE
+  const f64 low = real((x & 0xFFFFFFFFu) | 0x4330000000000000u);
+#else
+  const f64 low = (f64)_mm256_blend_epi32((__m256i)x, _mm256_set1_epi64x(0x4330000000000000), 0xAA);
+#endif
   return (high - (0x1p84 + 0x1p52)) + low;
 }
 #endif

@@ -10,7 +10,7 @@
 //   QKR_REAL_ENTRY(__vxsdBRngG, double, fill(stream, n, out, doubles(...)))  // ... of the ends a and b
 //   QKR_REAL_ENTRY(__vxssBRngG, float, fill(stream, n, out, singles(...)))
 //
-// where words have 32 bits, with_reals(scale, shift, ...) finds an output that is faster for [0, 1).
+// where scale is a power of two for [0, 1), with_reals(scale, shift, ...) finds an output that is faster there.
 //
 // mcg31m1.cpp is the shortest example. A generator must give the same words and leave the same state bytes
 // however the draws are split into blocks.
@@ -92,22 +92,30 @@ struct RealsInSingle {
   QKR_INLINE void put_one(float *out, uint32_t word) const { *out = (float)(int32_t)word * scale + shift; }
 };
 
-// word * unit, a power of two, of words of 32 bits: for the intervals from 0 to such a number, of which [0,
-// 1) is the one that everybody draws from. The product is exact in double precision, so a single is rounded
-// once, and both are what Reals gives.
+// word * unit, a power of two: for the intervals from 0 to such a number, of which [0, 1) is the one that everybody
+// draws from. The product is exact, so the results are those of Reals; singles of 32-bit words need no doubles.
 template <class Real>
 struct Multiples {
   using Element = Real;
   Real unit;
   QKR_INLINE void put(Real *out, u32 words) const { store(out, multiples_of(unit, words)); }
-  QKR_INLINE void put_one(Real *out, uint32_t word) const { *out = (Real)((double)word * unit); }
+  template <class V>
+  requires(numbers_in<V> == lanes) QKR_INLINE void put(Real *out, V words) const {
+    const Two<f64> r = doubles_of(words) * (double)unit;
+    if constexpr (sizeof(Real) == sizeof(double)) store(out, r);
+    else store(out, narrow(r));
+  }
+  template <class Word>
+  QKR_INLINE void put_one(Real *out, Word word) const {
+    *out = (Real)((double)word * unit);
+  }
 };
 QKR_INLINE bool is_unit(double scale, double shift) {
   const bool power_of_two = (bits(scale) & 0x000FFFFFFFFFFFFF) == 0;
   return power_of_two && bits(shift) == 0 && scale >= 0x1p-64 && scale <= 0x1p64;
 }
 
-// draw(output) with the output that makes word * scale + shift, of words of 32 bits.
+// draw(output) with the output that makes word * scale + shift, of whole words.
 template <class Real, class Draw>
 QKR_INLINE auto with_reals(double scale, double shift, Draw draw) {
   return is_unit(scale, shift) ? draw(Multiples<Real>{(Real)scale}) : draw(Reals<Real>{scale, shift});
