@@ -154,8 +154,7 @@ QKR_NOINLINE void points_in_strips(const Sequence &s, int32_t dim, int32_t point
 template <class Output>
 QKR_INLINE void draw_points(const Sequence &s, int32_t dim, int32_t points, Element<Output> *out,
                             Output output) {
-  constexpr int32_t few_dimensions = lanes / 2,
-                    most_vectors = (40 + lanes - 1) / lanes;
+  constexpr int32_t few_dimensions = lanes / 2, most_vectors = (40 + lanes - 1) / lanes;
   if (points < 8 || points * dim < 32) {  // preparation would cost more than it saves
     single_points(s, dim, points, out, output);
   } else if (dim <= few_dimensions) {
