@@ -122,7 +122,7 @@ void add_form(const Generator &generator, const char *form, const std::vector<in
             measure(prefix + peer->name, n, {}, level, [=] { peer->draw(n, out.data()); });
       };
       const Peers &peers = *peers_of_level[level];
-      if constexpr (std::is_same_v<T, uint32_t>) add_peers(peers.words);
+      if constexpr (std::is_same_v<T, uint32_t>) add_peers(peers.words), add_peers(peers.more_words);
       if constexpr (std::is_same_v<T, float>) add_peers(peers.singles);
       if constexpr (std::is_same_v<T, double>) add_peers(peers.doubles), add_peers(peers.more_doubles);
     }

@@ -1,4 +1,5 @@
-// Integer vectors: products, order of words, and exact conversion between words and doubles.
+// Integer vectors: products, order of words, and conversion between words and real numbers: exact ones to
+// doubles, to singles with one rounding.
 #pragma once
 
 #include "simd/simd.h"
@@ -17,7 +18,9 @@ QKR_INLINE u32 even_words(u64 a, u64 b) { return (u32)_mm512_shuffle_ps((__m512)
 QKR_INLINE u32 odd_words(u64 a, u64 b) { return (u32)_mm512_shuffle_ps((__m512)a, (__m512)b, 0xDD); }
 QKR_INLINE u32 smaller(u32 a, u32 b) { return (u32)_mm512_min_epu32((__m512i)a, (__m512i)b); }
 
-// Words and doubles in order. words_of: of whole numbers from 0 to 2^32 - 1.
+// below_words: all words in order, a word of `high`, which are alike, above each. multiples_of(unit, w),
+// where unit is a power of two, is unit * w. Words and doubles in order. words_of: of whole numbers from 0 to
+// 2^32 - 1.
 QKR_INLINE Two<f64> doubles_of(u32 w) {
   return {(f64)_mm512_cvtepu32_pd(_mm512_castsi512_si256((__m512i)w)),
           (f64)_mm512_cvtepu32_pd(_mm512_extracti64x4_epi64((__m512i)w, 1))};
@@ -28,6 +31,12 @@ QKR_INLINE u32 words_of(Two<f64> x) {
 }
 // Of numbers below 2^63, with one rounding.
 QKR_INLINE f64 doubles_of(u64 x) { return (f64)_mm512_cvtepi64_pd((__m512i)x); }
+QKR_INLINE Two<u64> below_words(u32 w, u32 high) {
+  return {
+      (u64)__builtin_shufflevector(w, high, 0, 16, 1, 16, 2, 16, 3, 16, 4, 16, 5, 16, 6, 16, 7, 16),
+      (u64)__builtin_shufflevector(w, high, 8, 16, 9, 16, 10, 16, 11, 16, 12, 16, 13, 16, 14, 16, 15, 16)};
+}
+QKR_INLINE f32 multiples_of(float unit, u32 w) { return (f32)_mm512_cvtepu32_ps((__m512i)w) * unit; }
 // Of doubles from 0 to below 2^31.
 QKR_INLINE f64 whole_part(f64 x) { return round_by_hardware<_MM_FROUND_TO_ZERO>(x); }
 #elif QKR_SIMD_BYTES == 32
@@ -38,12 +47,9 @@ QKR_INLINE u32 even_words(u64 a, u64 b) { return (u32)_mm256_shuffle_ps((__m256)
 QKR_INLINE u32 odd_words(u64 a, u64 b) { return (u32)_mm256_shuffle_ps((__m256)a, (__m256)b, 0xDD); }
 QKR_INLINE u32 smaller(u32 a, u32 b) { return (u32)_mm256_min_epu32((__m256i)a, (__m256i)b); }
 
-QKR_INLINE Two<f64> doubles_of(u32 w) {
-  const __m128i low = _mm256_castsi256_si128((__m256i)w), high = _mm256_extracti128_si256((__m256i)w, 1);
-  const auto converted = [](__m128i half) {
-    return real((u64)_mm256_cvtepu32_epi64(half) | 0x4330000000000000u) - 0x1p52;
-  };
-  return {converted(low), converted(high)};
+QKR_INLINE Two<u64> below_words(u32 w, u32 high) {
+  const u32 mixed = (u32)_mm256_permute4x64_epi64((__m256i)w, 0xD8);
+  return {(u64)unpack_low(mixed, high), (u64)unpack_high(mixed, high)};
 }
 QKR_INLINE u32 words_of(Two<f64> x) {
   const u32 mixed = even_words(bits(x.a + 0x1p52), bits(x.b + 0x1p52));
@@ -57,10 +63,8 @@ QKR_INLINE u32 unpack_high(u32 a, u32 b) { return (u32)_mm_unpackhi_epi32((__m12
 QKR_INLINE u32 even_words(u64 a, u64 b) { return (u32)_mm_shuffle_ps((__m128)a, (__m128)b, 0x88); }
 QKR_INLINE u32 odd_words(u64 a, u64 b) { return (u32)_mm_shuffle_ps((__m128)a, (__m128)b, 0xDD); }
 
-QKR_INLINE Two<f64> doubles_of(u32 w) {
-  u32 high_word;
-  broadcast(0x43300000u, high_word);
-  return {real((u64)unpack_low(w, high_word)) - 0x1p52, real((u64)unpack_high(w, high_word)) - 0x1p52};
+QKR_INLINE Two<u64> below_words(u32 w, u32 high) {
+  return {(u64)unpack_low(w, high), (u64)unpack_high(w, high)};
 }
 QKR_INLINE u32 words_of(Two<f64> x) { return even_words(bits(x.a + 0x1p52), bits(x.b + 0x1p52)); }
 QKR_INLINE f64 whole_part(f64 x) { return (f64)_mm_cvtepi32_pd(_mm_cvttpd_epi32((__m128d)x)); }
@@ -74,10 +78,30 @@ QKR_INLINE Two<f64> doubles_of(Two<Two<uint64_t> > x) {
 }
 #endif
 
+// As the lower halves of numbers whose upper halves stand for 2^52 units.
+QKR_INLINE Two<f64> multiples_of(double unit, u32 w) {
+  const double base = 0x1p52 * unit;
+  u32 high;
+  broadcast((uint32_t)(bits(base) >> 32), high);
+  const Two<u64> patterns = below_words(w, high);
+  return real(patterns) - base;
+}
+
 #if QKR_SIMD_BYTES < 64
+QKR_INLINE Two<f64> doubles_of(u32 w) { return multiples_of(1.0, w); }
+// Each half as the lower bits of a number whose exponent fits; only the last sum rounds.
+QKR_INLINE f32 multiples_of(float unit, u32 w) {
+  const float low = 0x1p23f * unit, high = 0x1p39f * unit;
+  return (real(w >> 16 | bits(high)) - (high + low)) + real((w & 0xFFFFu) | bits(low));
+}
 // The upper half as a multiple of 2^32 above 2^84, the lower above 2^52; only the last sum rounds.
 QKR_INLINE f64 doubles_of(u64 x) {
-  const f64 high = real((x >> 32) | 0x4530000000000000u), low = real((x & 0xFFFFFFFFu) | 0x4330000000000000u);
+  const f64 high = real((x >> 32) | 0x4530000000000000u);
+#if QKR_BASELINE
+  const f64 low = real((x & 0xFFFFFFFFu) | 0x4330000000000000u);
+#else
+  const f64 low = (f64)_mm256_blend_epi32((__m256i)x, _mm256_set1_epi64x(0x4330000000000000), 0xAA);
+#endif
   return (high - (0x1p84 + 0x1p52)) + low;
 }
 #endif

@@ -8,6 +8,7 @@
 #include <random>
 #include <type_traits>
 
+#include "streams/blocks.h"
 #include "streams/steps.h"
 
 namespace qkr::bench::QKR_SIMD_LEVEL {
@@ -92,11 +93,14 @@ constexpr Peer<T> peers_of_type[] = {{"MCG31M1", "step", draw<T, Mcg31Step>},
                                      {"MT19937", "gsl", draw_gsl<T, &gsl_rng_mt19937>},
                                      {"MT19937", "philox", draw<T, Philox>},
                                      {"MT19937", "ranlxs", draw_gsl<T, &gsl_rng_ranlxs0>},
+                                     {"MT19937", "xoshiro", draw_xoshiro<T>},
                                      {"MT2203", "step", draw<T, Mt2203Step>},
                                      {"Philox", "random123", draw<T, Philox>},
                                      {nullptr, nullptr, nullptr}};
 
+constexpr Peer<uint32_t> only_words[] = {{"MT19937", "sfmt", draw_blocks<Sfmt>}, {nullptr, nullptr, nullptr}};
 constexpr Peer<double> only_in_double[] = {{"MT19937", "std64", draw<double, std::mt19937_64>},
+                                           {"MT19937", "dsfmt", draw_blocks<Dsfmt>},
                                            {"Sobol1", "gsl", draw_gsl_points<&gsl_qrng_sobol, 1>},
                                            {"Sobol3", "gsl", draw_gsl_points<&gsl_qrng_sobol, 3>},
                                            {"Sobol10", "gsl", draw_gsl_points<&gsl_qrng_sobol, 10>},
@@ -105,6 +109,7 @@ constexpr Peer<double> only_in_double[] = {{"MT19937", "std64", draw<double, std
 
 }  // namespace
 
-const Peers peers = {peers_of_type<uint32_t>, peers_of_type<double>, peers_of_type<float>, only_in_double};
+const Peers peers = {peers_of_type<uint32_t>, peers_of_type<double>, peers_of_type<float>, only_words,
+                     only_in_double};
 
 }  // namespace qkr::bench::QKR_SIMD_LEVEL

@@ -18,6 +18,7 @@ struct Peers {
   const Peer<uint32_t> *words;  // up to one without a name
   const Peer<double> *doubles;
   const Peer<float> *singles;
+  const Peer<uint32_t> *more_words;
   const Peer<double> *more_doubles;
 };
 

@@ -10,6 +10,8 @@
 //   QKR_REAL_ENTRY(__vxsdBRngG, double, fill(stream, n, out, doubles(...)))  // ... of the ends a and b
 //   QKR_REAL_ENTRY(__vxssBRngG, float, fill(stream, n, out, singles(...)))
 //
+// where scale is a power of two for [0, 1), with_reals(scale, shift, ...) finds an output that is faster there.
+//
 // mcg31m1.cpp is the shortest example. A generator must give the same words and leave the same state bytes
 // however the draws are split into blocks.
 #pragma once
@@ -90,6 +92,35 @@ struct RealsInSingle {
   QKR_INLINE void put_one(float *out, uint32_t word) const { *out = (float)(int32_t)word * scale + shift; }
 };
 
+// word * unit, a power of two: for the intervals from 0 to such a number, of which [0, 1) is the one that everybody
+// draws from. The product is exact, so the results are those of Reals; singles of 32-bit words need no doubles.
+template <class Real>
+struct Multiples {
+  using Element = Real;
+  Real unit;
+  QKR_INLINE void put(Real *out, u32 words) const { store(out, multiples_of(unit, words)); }
+  template <class V>
+  requires(numbers_in<V> == lanes) QKR_INLINE void put(Real *out, V words) const {
+    const Two<f64> r = doubles_of(words) * (double)unit;
+    if constexpr (sizeof(Real) == sizeof(double)) store(out, r);
+    else store(out, narrow(r));
+  }
+  template <class Word>
+  QKR_INLINE void put_one(Real *out, Word word) const {
+    *out = (Real)((double)word * unit);
+  }
+};
+QKR_INLINE bool is_unit(double scale, double shift) {
+  const bool power_of_two = (bits(scale) & 0x000FFFFFFFFFFFFF) == 0;
+  return power_of_two && bits(shift) == 0 && scale >= 0x1p-64 && scale <= 0x1p64;
+}
+
+// draw(output) with the output that makes word * scale + shift, of whole words.
+template <class Real, class Draw>
+QKR_INLINE auto with_reals(double scale, double shift, Draw draw) {
+  return is_unit(scale, shift) ? draw(Multiples<Real>{(Real)scale}) : draw(Reals<Real>{scale, shift});
+}
+
 template <class Output, class V>
 QKR_INLINE void put(const Output &output, typename Output::Element *out, V words) {
   if constexpr (requires { output.put(out, words); }) {
@@ -108,20 +139,21 @@ struct Unchanged {
 };
 
 // transform(words[0..n-1]) to the output. `transform` serves a vector V as well as one word, and must give
-// the same for both. The last vector overlaps the one before, writing the same values again.
+// the same for both. Two vectors go side by side, as each is a chain of operations. The last one overlaps the
+// one before, writing the same values again.
 template <class V = u32, class Word, class Output, class Transform = Unchanged>
 QKR_INLINE void emit(const Word *words, int n, typename Output::Element *out, const Output &output,
                      Transform transform = {}) {
   constexpr int step = numbers_in<V>;
-  const auto put_vector = [&](int i) {
-    V v;
+  const auto put_vector = [&](int i, auto v) QKR_LAMBDA {
     load(words + i, v);
     put(output, out + i, transform(v));
   };
   int i = 0;
-  for (; i + step <= n; i += step) put_vector(i);
+  for (; i + 2 * step <= n; i += 2 * step) put_vector(i, Two<V>{});
+  for (; i + step <= n; i += step) put_vector(i, V{});
   if (i < n && n >= step) {
-    put_vector(n - step);
+    put_vector(n - step, V{});
   } else {
     for (; i < n; ++i) output.put_one(out + i, transform(words[i]));
   }

@@ -21,21 +21,28 @@ QKR_NOINLINE void refill(uint32_t *mt) {
   };
   u32 matrix;
   broadcast(0x9908b0dfu, matrix);
-  const auto make = [&](int k, const uint32_t *from, const uint32_t *far) {
-    u32 word, next, added;
+  const auto make = [&](auto word, int k, const uint32_t *from, const uint32_t *far) QKR_LAMBDA {
+    auto next = word, added = word;
     load(from, word);
     load(from + 1, next);
     load(far, added);
     store(mt + k, added ^ twisted(word, next, 0x80000000u, matrix));
   };
-
   int k = 0;
-  for (; k < crossing; k += lanes) make(k, mt + k, mt + k + middle);
+  const auto make_until = [&](int end, int distance) QKR_LAMBDA {
+    using Group = SideBySide<u32, QKR_SIMD_BYTES == 64 ? 2 : 1>::type;
+    constexpr int group = numbers_in<Group>;
+    for (; k + group <= end; k += group) make(Group(), k, mt + k, mt + k + distance);
+    for (; k < end; k += lanes) make(u32(), k, mt + k, mt + k + distance);
+  };
+
+  make_until(crossing, middle);
   copy_end();
-  make(k, mt + k, around_end + k + middle - tail);
-  for (k += lanes; k < words - lanes; k += lanes) make(k, mt + k, mt + k - back);
+  make(u32(), k, mt + k, around_end + k + middle - tail);
+  k += lanes;
+  make_until(words - lanes, -back);
   copy_end();
-  make(k, around_end + k - tail, mt + k - back);
+  make(u32(), k, around_end + k - tail, mt + k - back);
 }
 
 template <class Output>
@@ -75,5 +82,9 @@ bool qkr::is_sound_mt19937(const StreamState *stream) {
 
 QKR_INIT_STREAM(__vxsBRngMT19937InitStream, Methods)
 QKR_WORD_ENTRY(__vxsiBRngMT19937, fill(stream, n, out, Words{}))
-QKR_REAL_ENTRY(__vxsdBRngMT19937, double, fill(stream, n, out, doubles((b - a) * 0x1p-32, a)))
-QKR_REAL_ENTRY(__vxssBRngMT19937, float, fill(stream, n, out, singles(((double)b - a) * 0x1p-32, a)))
+QKR_REAL_ENTRY(__vxsdBRngMT19937, double,
+               with_reals<double>((b - a) * 0x1p-32, a,
+                                  [&](auto output) QKR_LAMBDA { fill(stream, n, out, output); }))
+QKR_REAL_ENTRY(__vxssBRngMT19937, float,
+               with_reals<float>(((double)b - a) * 0x1p-32, a,
+                                 [&](auto output) QKR_LAMBDA { fill(stream, n, out, output); }))

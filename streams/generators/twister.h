@@ -9,7 +9,8 @@ namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
 // The recurrence is mt[k + N] = mt[k + M] ^ twisted(mt[k], mt[k + 1]).
-QKR_INLINE u32 twisted(u32 word, u32 next, uint32_t upper_mask, u32 matrix) {
+template <class V>
+QKR_INLINE V twisted(V word, V next, uint32_t upper_mask, u32 matrix) {
   return ((word & upper_mask) | (next & ~upper_mask)) >> 1 ^ zero_unless((next & 1) != 0, matrix);
 }
 

@@ -197,6 +197,11 @@ QKR_NOINLINE int32_t draw(const Sequence &s, int32_t n, Element<Output> *out, Ou
   return VXS_STATUS_OK;
 }
 
+template <class Real>
+QKR_INLINE int32_t draw_reals(const Sequence &s, int32_t n, Real *out, double scale, double shift) {
+  return with_reals<Real>(scale, shift, [&](auto output) QKR_LAMBDA { return draw(s, n, out, output); });
+}
+
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
@@ -207,11 +212,11 @@ QKR_NOINLINE int32_t draw(const Sequence &s, int32_t n, Element<Output> *out, Ou
   }                                                                                                       \
   QKR_ENTRY_OF(int32_t, reals, (StreamState * stream, int32_t n, double *out, double a, double b),        \
                (stream, n, out, a, b)) {                                                                  \
-    return draw(sequence_of<G>(stream), n, out, doubles((b - a) * 0x1p-32, a));                           \
+    return draw_reals(sequence_of<G>(stream), n, out, (b - a) * 0x1p-32, a);                              \
   }                                                                                                       \
   QKR_ENTRY_OF(int32_t, reals_in_single, (StreamState * stream, int32_t n, float *out, float a, float b), \
                (stream, n, out, a, b)) {                                                                  \
-    return draw(sequence_of<G>(stream), n, out, singles((double)(b - a) * 0x1p-32, a));                   \
+    return draw_reals(sequence_of<G>(stream), n, out, (double)(b - a) * 0x1p-32, a);                      \
   }
 
 QKR_SEQUENCE_ENTRIES(Sobol, __vxsiBRngSobol, __vxsdBRngSobol, __vxssBRngSobol)
