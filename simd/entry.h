@@ -2,27 +2,33 @@
 //
 //   QKR_ENTRY(name, (int32_t n, const double *a, double *r), (n, a, r)) { ... }
 //
-// QKR_ENTRY_OF takes the type of a result first. The body becomes a function of the level's namespace. The
-// baseline compilation also gets the C function `name`, which calls the body of the processor's level: one
-// indirect call. Where that costs more than the work, QKR_ENTRY_AFTER takes a statement that stands before
-// it and may return; only the baseline compiles it.
+// QKR_ENTRY_OF takes the type of a result first. The body becomes a function of the level's namespace. The C
+// function `name`, of the baseline compilation, branches to the body of the processor's level; an indirect
+// jump takes 10 ns where the kernel has them unpredicted. QKR_ENTRY_AFTER takes a statement that stands before
+// and may return, in the baseline alone.
 #pragma once
 
 #include "simd/level.h"
 #include "simd/vectors.h"
 
 #ifdef QKR_ONE_LEVEL  // a build for sanitizers has the baseline alone
-#define QKR_BODIES(name) qkr::sse2::name##_body
+#define QKR_WIDE_BODIES(name, arguments)
 #else
-#define QKR_BODIES(name) qkr::sse2::name##_body, qkr::avx2::name##_body, qkr::avx512::name##_body
+#define QKR_WIDE_BODIES(name, arguments)                                                        \
+  const qkr::Level level = qkr::level();                                                        \
+  if (__builtin_expect(level > qkr::Level::avx2, 1)) return qkr::avx512::name##_body arguments; \
+  if (level > qkr::Level::sse2) return qkr::avx2::name##_body arguments;
 #endif
 
 #if QKR_BASELINE
-#define QKR_DISPATCHER(first, result, name, parameters, arguments)            \
-  extern "C" result name parameters {                                         \
-    first;                                                                    \
-    static constexpr result(*const bodies[]) parameters = {QKR_BODIES(name)}; \
-    return bodies[static_cast<unsigned>(qkr::level())] arguments;             \
+#define QKR_DISPATCHER(first, result, name, parameters, arguments) \
+  namespace qkr::sse2 {                                            \
+  QKR_NOINLINE result name##_body parameters;                      \
+  }                                                                \
+  extern "C" result name parameters {                              \
+    first;                                                         \
+    QKR_WIDE_BODIES(name, arguments)                               \
+    return qkr::sse2::name##_body arguments;                       \
   }
 #else
 #define QKR_DISPATCHER(first, result, name, parameters, arguments)

@@ -110,10 +110,6 @@ std::vector<Contender<T>> contenders(const Function &function, Level level) {
     add_libmvec(all, function, level);
   }
   if (const Loop<T> run = plain_loop<T>(function, level)) all.push_back({"loop", run});
-  if (!function.approximates) {
-    const Loops<T> &loops = loops_of<T>(level);
-    all.push_back({"copy", function.shape == Shape::two_results ? loops.copy_twice : loops.copy});
-  }
   return all;
 }
 

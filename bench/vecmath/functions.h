@@ -13,9 +13,10 @@ namespace qkr::bench {
 // Where inputs are drawn from.
 struct Range {
   double low = 0, high = 0;
-  bool logarithmic = false;
+  bool logarithmic = false, whole = false;
 };
 constexpr Range uniform(double low, double high) { return {low, high, false}; }
+constexpr Range whole_numbers(double low, double high) { return {low, high, false, true}; }
 constexpr Range log_uniform(double low, double high) { return {low, high, true}; }
 
 enum class Integers { none, mask, index };
@@ -83,6 +84,9 @@ constexpr Function row(const char *name, const char *c_name, bool approximates, 
 }
 #define APPROXIMATE(name, c_name, ...) \
   row<_vxmd##name##_HA, _vxms##name##_HA>(#name, c_name, true, {__VA_ARGS__})
+// Other inputs to the same function, of which `what` tells.
+#define APPROXIMATE_OF(what, name, c_name, ...) \
+  row<_vxmd##name##_HA, _vxms##name##_HA>(#name what, c_name, true, {__VA_ARGS__})
 #define EXACT(name, c_name, ...) row<_vxmd##name, _vxms##name>(#name, c_name, false, {__VA_ARGS__})
 
 // Of any magnitude, a little way from the ends of the range.
@@ -127,6 +131,14 @@ const Function functions[] = {
     APPROXIMATE(Atanh, "atanh", .a = uniform(-1, 1)),
     APPROXIMATE(Div, "quotient", .a = ordinary, .b = ordinary, .exact = quotient),
     APPROXIMATE(Inv, "reciprocal", .a = magnitudes, .a_single = magnitudes_single, .exact = reciprocal),
+    APPROXIMATE_OF("Negative", Pow, "pow", .a = uniform(-20, -0.01), .b = whole_numbers(-5, 5)),
+    APPROXIMATE_OF("Large", Sin, "sin", .a = uniform(1e5, 1e6)),
+    APPROXIMATE_OF("Large", Cos, "cos", .a = uniform(1e5, 1e6)),
+    APPROXIMATE_OF("Large", Tan, "tan", .a = uniform(1e5, 1e6)),
+    APPROXIMATE_OF("Zeros", Cbrt, "cbrt", .a = uniform(0, 0)),
+    APPROXIMATE_OF("Zeros", Hypot, "hypot", .a = uniform(0, 0), .b = uniform(0, 0)),
+    APPROXIMATE_OF("Zeros", Atan2, "atan2", .a = uniform(0, 0), .b = uniform(0, 0)),
+    APPROXIMATE_OF("Zeros", Ln, "log", .a = uniform(0, 0)),
     EXACT(Ceil, "ceil", .a = uniform(-1e4, 1e4)),
     EXACT(Floor, "floor", .a = uniform(-1e4, 1e4)),
     EXACT(Round, "round", .a = uniform(-1e4, 1e4)),
@@ -143,9 +155,10 @@ const Function functions[] = {
 };
 
 #undef APPROXIMATE
+#undef APPROXIMATE_OF
 #undef EXACT
 
-// Those that are also measured at every n from 1 to 32.
-constexpr const char *at_small_n[] = {"dExp", "sLn"};
+// Those that are also measured at every n from 1 to 8.
+constexpr const char *at_small_n[] = {"dExp", "sExp", "dLn", "sLn", "dSin", "sSin", "dSqrt", "sSqrt"};
 
 }  // namespace qkr::bench

@@ -27,6 +27,7 @@ std::vector<T> draw(Range range, uint64_t seed) {
     const double u = unit(engine);
     v = (T)(range.logarithmic ? std::exp(std::lerp(std::log(range.low), std::log(range.high), u))
                               : std::lerp(range.low, range.high, u));
+    if (range.whole) v = std::round(v);
   }
   return x;
 }

@@ -126,8 +126,6 @@ void unpack_index(const Task<T> &t) {
   }
 
 template <class T>
-constexpr auto same = [](T x, auto...) { return x; };
-template <class T>
 constexpr auto root = QKR_C_FUNCTION(sqrt);
 template <class T>
 constexpr auto truncated = QKR_C_FUNCTION(trunc);
@@ -157,14 +155,7 @@ constexpr PlainLoop<T> plain_loops[] = {
 };
 
 template <class T>
-constexpr Loops<T> loops = {length<T>,
-                            unary<T>,
-                            binary<T>,
-                            two_results<T>,
-                            f_then_g<T>,
-                            plain<T, same<T>>,
-                            plain<T, same<T>, same<T>>,
-                            plain_loops<T>};
+constexpr Loops<T> loops = {length<T>, unary<T>, binary<T>, two_results<T>, f_then_g<T>, plain_loops<T>};
 
 }  // namespace
 

@@ -32,7 +32,6 @@ struct Loops {
   int width;                      // elements of a vector
   Loop<T> unary, binary;          // f takes vectors and returns one
   Loop<T> two_results, f_then_g;  // f returns two vectors; f and g return one result each
-  Loop<T> copy, copy_twice;       // the least that a function of one or two results has to do
   const PlainLoop<T> *plain;      // by the C name of the function; ends with a null name
 };
 

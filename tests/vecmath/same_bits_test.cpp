@@ -2,10 +2,12 @@
 // vector width, the place in a vector, the entry, or the caller's control words; it keeps to its arrays; and
 // ordinary input raises no event but inexact.
 #include <algorithm>
+#include <cmath>
 #include <fenv.h>
 #include <functional>
 #include <gtest/gtest.h>
 #include <immintrin.h>
+#include <qkr/vecmath.h>
 #include <qkr/vecmath_control.h>
 #include <string.h>
 #include <string>
@@ -124,6 +126,67 @@ TYPED_TEST(SameBits, AtAllLevelsLengthsAndPlaces) {
       EXPECT_TRUE(same(c, expected, low)) << "by the lower-accuracy name";
     });
   }
+}
+
+// Inputs that a kernel serves otherwise than most, such as large angles, powers of negative numbers and zeros,
+// come in runs, so that whole stretches of a vector are of them, with others between.
+template <class T>
+void come_in_runs(Case<T> &c) {
+  Random random{5};
+  const auto fill = [&](std::vector<T> &x) {
+    int kind = 0;
+    T of_run = 0;
+    for (size_t i = 0, end = 0; i < x.size(); ++i) {
+      if (i == end) {
+        end += 1 + random.below(200), kind = static_cast<int>(random.below(6));
+        of_run = static_cast<T>(std::exp2(40 * random.unit() - 5));
+      }
+      const T sign = random.below(2) ? T(1) : T(-1), whole = static_cast<T>(random.below(12));
+      const T kinds[] = {x[i],         sign * of_run, sign * of_run * T(1 + random.unit()),
+                         sign * whole, -whole,        sign * 0};
+      x[i] = kinds[random.below(30) ? kind : 0];
+    }
+  };
+  fill(c.a), fill(c.b);
+}
+
+TYPED_TEST(SameBits, OfRareInputsInRuns) {
+  if constexpr (!is_complex<TypeParam>) {
+    for (auto c : cases<TypeParam>(10'007)) {
+      come_in_runs(c);
+      const auto expected = c.in_pieces(1);
+      for_each_level([&](const char *level) {
+        SCOPED_TRACE(level);
+        EXPECT_TRUE(same(c, expected, c.at_once()));
+        EXPECT_TRUE(same(c, expected, c.in_pieces(150))) << "in pieces";
+      });
+    }
+  }
+}
+
+template <class T>
+void expect_mirrored_powers(void (*power)(int32_t, const T *, const T *, T *)) {
+  constexpr int count = 2000;
+  std::vector<T> x(count), minus_x(count), y(count), of_x(count), of_minus_x(count);
+  Random random{9};
+  for (int i = 0; i < count; ++i) {
+    x[i] = static_cast<T>(std::exp2(60 * random.unit() - 30));
+    minus_x[i] = -x[i];
+    y[i] = static_cast<T>(static_cast<int>(random.below(61)) - 30);
+  }
+  for_each_level([&](const char *level) {
+    power(count, x.data(), y.data(), of_x.data());
+    power(count, minus_x.data(), y.data(), of_minus_x.data());
+    for (int i = 0; i < count; ++i) {
+      const bool odd = std::fmod(y[i], T(2)) != 0;
+      EXPECT_EQ(of_minus_x[i], odd ? -of_x[i] : of_x[i]) << level << ' ' << x[i] << " to the " << y[i];
+    }
+  });
+}
+
+TEST(SameBitsOfPowers, OfANegativeBaseAndOfItsMagnitude) {
+  expect_mirrored_powers<double>(_vxmdPow_HA);
+  expect_mirrored_powers<float>(_vxmsPow_HA);
 }
 
 TYPED_TEST(SameBits, WhenAResultReplacesAnInput) {

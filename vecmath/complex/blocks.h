@@ -164,8 +164,8 @@ QKR_INLINE void fill_group(Block &block, int count) {
 template <class K, class Turn, bool b_is_number = false, class T>
 QKR_INLINE void run_complex(int32_t n, const T *a, const T *b, T *r) {
   if (n <= 0) return;
-  const WithSse<X87Extended> environment;
-  unsigned events = environment.events();
+  const Wanted<WithSse<X87Extended> > environment;
+  unsigned events = _mm_getcsr();
   Block block;
   if constexpr (b_is_number) {
     for (int i = 0; i < Block::capacity; ++i) block.u[i] = b->re, block.v[i] = b->im;

@@ -25,7 +25,11 @@ void dispatch(int32_t status, int32_t index, const Real *a, const Real *b, Real 
               const char *name) {
   *thread_status() = status;
   if (collected_statuses) *collected_statuses |= 1u << (status & 31);
-  if ((*thread_mode() & VXM_MODE_ERRORS) == VXM_MODE_IGNORE) return;
+  const VxmMode mode = *thread_mode();
+  if ((mode & VXM_MODE_ERRORS) == VXM_MODE_IGNORE) return;
+  // Without anybody to look at the record it need not be filled.
+  if (!(mode & VXM_MODE_STDERR) && !((mode & 0xF000) && *thread_callback()))
+    return handle_unseen(status, mode);
 
   VxmErrorContext record = {};
   record.iCode = status;

@@ -58,10 +58,15 @@ constexpr uint32_t event_operands[8] = {0x00100000, 0x00000001, 0x7FEFFFFF, 0xFF
 
 }  // namespace
 
-void qkr::set_errno(VxmErrorContext *record) {
-  const Status *status = find_status(record->iCode);
-  errno = status ? status->error : EFAULT;
+// A thread's errno stays where it is.
+__attribute__((tls_model("initial-exec"))) static QKR_THREAD_LOCAL int *errno_found = nullptr;
+
+static void set_errno(int32_t code) {
+  const Status *status = find_status(code);
+  if (!errno_found) errno_found = &errno;
+  *errno_found = status ? status->error : EFAULT;
 }
+void qkr::set_errno(VxmErrorContext *record) { ::set_errno(record->iCode); }
 
 void qkr::print_error(VxmErrorContext *record) {
   if (record->iCode == VXM_STATUS_OK) return;
@@ -79,7 +84,7 @@ void qkr::print_error(VxmErrorContext *record) {
   print_values(*record);
 }
 
-void qkr::raise_event(VxmErrorContext *record) {
+static void raise_event(int32_t code) {
   const auto element = [](int i) {
     double value;
     memcpy(&value, event_operands + 2 * i, sizeof value);
@@ -87,7 +92,7 @@ void qkr::raise_event(VxmErrorContext *record) {
     return double{at_run_time};
   };
   [[maybe_unused]] volatile double event;
-  switch (record->iCode) {
+  switch (code) {
     case VXM_STATUS_ERRDOM:
       event = element(2) / element(2);
       break;
@@ -101,6 +106,13 @@ void qkr::raise_event(VxmErrorContext *record) {
       event = element(0) * element(0);
       break;
   }
+}
+
+void qkr::raise_event(VxmErrorContext *record) { ::raise_event(record->iCode); }
+
+void qkr::handle_unseen(int32_t code, VxmMode mode) {
+  if (mode & VXM_MODE_ERRNO) ::set_errno(code);
+  if (mode & VXM_MODE_EXCEPT) ::raise_event(code);
 }
 
 void qkr::handle_error(VxmErrorContext *record) {

@@ -27,21 +27,18 @@ T *find_or_make_cell(pthread_key_t key, size_t bytes, T initial) {
 
 }  // namespace
 
-// accessor() finds the cell of the calling thread. The bytes are those of a small block. The key owns the
-// cell; the thread remembers where it is, as short vector calls would notice two calls of the C library for
-// each look.
+// The cell of the calling thread, which the key owns. The bytes are those of a small block.
 #define THREAD_CELL(accessor, Type, bytes, initial)                                              \
+  QKR_THREAD_LOCAL Type *qkr::accessor##_found = nullptr;                                        \
   namespace {                                                                                    \
   pthread_key_t accessor##_key = no_key;                                                         \
   pthread_once_t accessor##_once = PTHREAD_ONCE_INIT;                                            \
-  __attribute__((tls_model("initial-exec"))) QKR_THREAD_LOCAL Type *accessor##_found = nullptr;  \
   void accessor##_end(void *cell) {                                                              \
     accessor##_found = nullptr;                                                                  \
     free(cell);                                                                                  \
   }                                                                                              \
   }                                                                                              \
-  Type *qkr::accessor() {                                                                        \
-    if (accessor##_found) return accessor##_found;                                               \
+  Type *qkr::accessor##_at_first() {                                                             \
     pthread_once(&accessor##_once, [] { pthread_key_create(&accessor##_key, accessor##_end); }); \
     return accessor##_found = find_or_make_cell<Type>(accessor##_key, bytes, initial);           \
   }

@@ -5,38 +5,43 @@ namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
 template <class T, bool by_hardware>
-struct Modf : UnaryKernel<T, 1> {
+struct Modf : UnaryKernel<T, 2> {
   using Environment = CallersEnvironment;
   static constexpr int results = 2;
 
   template <class V>
   QKR_INLINE static Pair<V> core(V x) {
-    using B = Bits<T>;
-    using I = typename B::Signed;
-    const auto pattern = bits(x), magnitude = pattern & ~B::sign, sign = pattern & B::sign;
+    if constexpr (is_two<V>) {
+      const auto a = core(x.a), b = core(x.b);
+      return {{a.first, b.first}, {a.second, b.second}};
+    } else {
+      return parts(x);
+    }
+  }
+
+  // The subtraction leaves out infinities, which it would make NaNs, and with `small` what lies below 1: there x
+  // is the fraction, and with denormals-are-zero a difference need not be x.
+  using B = Bits<T>;
+  using U = typename B::Unsigned;
+  template <class V>
+  QKR_INLINE static Pair<V> parts(V x) {
+    const U pattern = bits(x);
 #if QKR_SIMD_BYTES > 16
     if constexpr (by_hardware) {
-      const auto infinite = (typename B::Unsigned)((I)magnitude == (I)(decltype(magnitude){} + B::infinity));
       const V integer = round_by_hardware<_MM_FROUND_TO_ZERO>(x);
-      auto minuend = pattern & ~infinite, subtrahend = bits(integer) & ~infinite;
-      asm("" : "+x"(minuend), "+x"(subtrahend));  // else clang 19 subtracts first, in all lanes
-      const V fraction = real(minuend) - real(subtrahend);
-      return {integer, real((bits(fraction) & ~B::sign) | sign)};
+      return {integer, fraction(pattern, bits(integer), U{})};
     }
 #endif
-    // A subtraction takes part only where there is a fraction of a number above 1, and where x is NaN.
-    const Parts<T> parts(x);
-    const auto nan = (typename B::Unsigned)((I)magnitude > (I)(decltype(magnitude){} + B::infinity));
-    const auto integer = parts.template rounded<Rounding::to_zero>();
-    const auto takes_part = ~(parts.below_one | parts.no_fraction);
-    auto minuend = pattern & takes_part, subtrahend = integer & takes_part;
-    asm("" : "+x"(minuend), "+x"(subtrahend));
-    const V fraction = real(minuend) - real(subtrahend);
-    const V twice = real(pattern & nan) + real(pattern & nan);
-    const auto quiet = bits(twice) & nan;
-    return {real((integer & ~nan) | quiet),
-            real((parts.below_one & pattern) | quiet |
-                 (~(parts.below_one | nan) & ((bits(fraction) & ~B::sign) | sign)))};
+    const Parts<T> x_has(x);
+    const U integer = x_has.template rounded<Rounding::to_zero>();
+    return {times_one(real(integer)), fraction(pattern, integer, x_has.below_one())};
+  }
+  QKR_INLINE static Native<T> fraction(U pattern, U integer, U small) {
+    const U left_out = small | (U)((pattern & ~B::sign) == B::infinity);
+    U minuend = pattern & ~left_out, subtrahend = integer & ~left_out;
+    asm("" : "+x"(minuend), "+x"(subtrahend));  // else clang 19 subtracts first, in all lanes
+    const U difference = bits(real(minuend) - real(subtrahend));
+    return real((difference & ~B::sign) | (pattern & (small | B::sign)));
   }
 };
 

@@ -3,38 +3,42 @@
 // are.
 #include "vecmath/exact/rounding.h"
 
+#include "vecmath/frame/sign.h"
+
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
-template <class T>
-struct ExactKernel : UnaryKernel<T, 1> {
-  using Environment = CallersEnvironment;
-};
-
 template <class T, Rounding rounding>
-struct RoundPatterns : ExactKernel<T> {
+struct RoundPatterns : UnaryKernel<T, 2> {
+  using Environment = CallersEnvironment;
   template <class V>
   QKR_INLINE static V core(V x) {
-    const Parts<T> parts(x);
-    const V result = real(parts.template rounded<rounding>());
-    if constexpr (sizeof(T) == 4) return result;
-    else {  // only large numbers and NaNs take part in the multiplication
-      const V large = times_one(real(bits(x) & parts.no_fraction));
-      return real((bits(result) & ~parts.no_fraction) | (bits(large) & parts.no_fraction));
+    if constexpr (is_two<V>) {
+      return {core(x.a), core(x.b)};
+    } else {
+      const V result = real(Parts<T>(x).template rounded<rounding>());
+      if constexpr (sizeof(T) == 4) return result;
+      else return times_one(result);
     }
   }
 };
 
 #if QKR_SIMD_BYTES > 16
+// r, but x itself where it is a NaN, signalling ones too. The question raises no event that r has not.
+QKR_INLINE f64 nan_or(f64, f64 r) { return r; }
+#if QKR_SIMD_BYTES == 64
+QKR_INLINE f32 nan_or(f32 x, f32 r) { return (f32)_mm512_mask_mov_ps((__m512)r, is_nan(x), (__m512)x); }
+#else
+QKR_INLINE f32 nan_or(f32 x, f32 r) { return x != x ? x : r; }
+#endif
+
 template <class T, Rounding rounding>
-struct RoundByHardware : ExactKernel<T> {
+struct RoundByHardware : UnaryKernel<T, 4> {
+  using Environment = CallersEnvironment;
   template <class V>
   QKR_INLINE static V core(V x) {
-    if constexpr (sizeof(T) == 8) return rounded(x);
-    else {
-      const u32 as_it_is = (u32)((i32)(bits(x) & ~Bits<T>::sign) >= (i32)(u32{} + Bits<T>::all_integers));
-      return real((bits(rounded(x)) & ~as_it_is) | (bits(x) & as_it_is));
-    }
+    if constexpr (is_two<V>) return {core(x.a), core(x.b)};
+    else return nan_or(x, rounded(x));
   }
 
   template <class V>

@@ -35,54 +35,84 @@ struct Bits<float> {
   static constexpr float integers_from = 0x1p23f;
 };
 
-// One vector taken apart for rounding; masks are all ones or zero in a lane.
+template <class V>
+constexpr bool is_two = false;
+template <class V>
+constexpr bool is_two<Two<V>> = true;
+
+// Lanes of ones where the sign bit is set, else of zeros. SSE2 has no such shift of 64 bits.
+#if QKR_BASELINE
+QKR_INLINE u64 sign_mask(u64 v) {
+  return (u64)_mm_shuffle_epi32(_mm_srai_epi32((__m128i)v, 31), _MM_SHUFFLE(3, 3, 1, 1));
+}
+#else
+QKR_INLINE u64 sign_mask(u64 v) { return (u64)((i64)v >> 63); }
+#endif
+QKR_INLINE u32 sign_mask(u32 v) { return (u32)((i32)v >> 31); }
+
+// v, but at least `low` and at most `high`: all three patterns of powers of two, whose upper 16 bits tell.
+template <class U>
+QKR_INLINE U between(U v, U low, U high) {
+#if QKR_SIMD_BYTES == 64
+  return (U)_mm512_min_epi16(_mm512_max_epi16((__m512i)v, (__m512i)low), (__m512i)high);
+#elif QKR_SIMD_BYTES == 32
+  return (U)_mm256_min_epi16(_mm256_max_epi16((__m256i)v, (__m256i)low), (__m256i)high);
+#else
+  return (U)_mm_min_epi16(_mm_max_epi16((__m128i)v, (__m128i)low), (__m128i)high);
+#endif
+}
+
+// One vector taken apart for rounding. Comparisons are signs of differences: none of doubles as integers is
+// known to SSE2.
 template <class T>
 struct Parts {
   using B = Bits<T>;
   using U = typename B::Unsigned;
-  using I = typename B::Signed;
-  U pattern, magnitude, sign, below_one, no_fraction, behind_point;
+  U pattern, magnitude, sign, behind_point;
 
   QKR_INLINE explicit Parts(typename B::Float x) {
     pattern = bits(x);
     magnitude = pattern & ~B::sign;
     sign = pattern & B::sign;
-    below_one = (U)((I)magnitude < (I)(U{} + B::one));
-    no_fraction = (U)((I)magnitude >= (I)(U{} + B::all_integers));
-    // The 2^s - 1 with s bits behind the point: 2^s is in reach of exponent arithmetic, and the low bits of
-    // 2^52 + (2^s - 1) spell the difference. Exact.
-    U exponent =
-        (magnitude & ~B::fraction & ~(below_one | no_fraction)) | (B::one & (below_one | no_fraction));
-    asm("" : "+x"(exponent));  // else clang 19 does the sums on all lanes first, and some are inexact
+    // The 2^s - 1 with s bits behind the point, all of the fraction field below one and none from 2^52 on: 2^s
+    // is in reach of exponent arithmetic, and the low bits of 2^52 + (2^s - 1) spell the difference. Exact.
+    const U exponent = between(pattern & B::infinity, U{} + B::one, U{} + B::all_integers);
     const auto power = real((B::one + B::all_integers) - exponent);
-    behind_point = bits(B::integers_from + (power - (T)1)) & B::fraction;
+    behind_point = bits(power + (B::integers_from - 1)) & B::fraction;
   }
 
-  // `inside` for 1 <= |x| < 2^52, `small` below one, x itself elsewhere.
-  QKR_INLINE U choose(U small, U inside) const {
-    return (below_one & small) | (no_fraction & pattern) | (~(below_one | no_fraction) & inside);
+  QKR_INLINE U below_one() const {
+#if QKR_BASELINE  // the upper halves tell
+    if constexpr (sizeof(T) == 8)
+      return (U)_mm_cmplt_epi32(_mm_shuffle_epi32((__m128i)magnitude, _MM_SHUFFLE(3, 3, 1, 1)),
+                                _mm_set1_epi32((int)(B::one >> 32)));
+#endif
+    return sign_mask(magnitude - B::one);
   }
 
-  // 1.0 with the sign of x where the mask says so, else a zero with the sign of x.
-  QKR_INLINE U signed_one(U where) const { return sign | (where & B::one); }
+  // `inside` from 1 on, else 1.0 where the mask `away` says so and else 0, with the sign of x.
+  QKR_INLINE U choose(U away, U inside) const {
+    const U below = below_one();
+    return (below & (sign | (away & B::one))) | (~below & inside);
+  }
 
   template <Rounding rounding>
   QKR_INLINE U rounded() const {
-    const U truncated = pattern & ~behind_point, unit = behind_point + 1u;
     if constexpr (rounding == Rounding::to_zero) {
-      return choose(sign, truncated);
+      return pattern & ~(behind_point | (below_one() & ~B::sign));
     } else if constexpr (rounding == Rounding::up || rounding == Rounding::down) {
+      // Away from zero on one side, where zero does not lie.
       const U away =
-          (U)((I)pattern < 0) ^ (rounding == Rounding::up ? ~U{} : U{});  // the side that moves outward
-      const U not_zero = (U)(magnitude != 0u), fractional = (U)((pattern & behind_point) != 0u);
-      return choose(signed_one(away & not_zero), truncated + (unit & away & fractional));
+          sign_mask(rounding == Rounding::up ? ~pattern & (0u - pattern) : pattern & (pattern - 1u));
+      return choose(away, (pattern + (behind_point & away)) & ~behind_point);
     } else if constexpr (rounding == Rounding::half_away) {
-      return choose(signed_one((U)((I)magnitude >= (I)(U{} + B::half))),
-                    (pattern + (unit >> 1)) & ~behind_point);
+      return choose(sign_mask((B::half - 1u) - magnitude),
+                    (pattern + ((behind_point + 1u) >> 1)) & ~behind_point);
     } else {
-      const U odd = (U)((pattern & unit) != 0u) & 1u;
-      return choose(signed_one((U)((I)magnitude > (I)(U{} + B::half))),
-                    (pattern + ((behind_point >> 1) + odd)) & ~behind_point);
+      // Half a unit, less the last bit where the integer is even; nothing where there are only integers.
+      const U unit = behind_point + 1u, even = ((pattern & unit) - 1u) >> (8 * sizeof(T) - 1);
+      const U half = ((unit >> 1) - even) & behind_point;
+      return choose(sign_mask(B::half - magnitude), (pattern + half) & ~behind_point);
     }
   }
 };

@@ -1,4 +1,5 @@
-// The floating-point environment of a kernel: set on entry, the caller's restored at the end.
+// The floating-point environment of a kernel: looked at on entry; where it differs from what the kernel wants,
+// changed, and the caller's restored at the end.
 #pragma once
 
 #include "simd/vectors.h"
@@ -6,19 +7,18 @@
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
-// Approximating kernels: round to nearest, subnormal numbers as they are. Where nothing had to be changed the
+// Approximating kernels: round to nearest, subnormal numbers as they are. Where nothing has to be changed the
 // status flags that the kernel raises stay; restoring the saved word loses them.
 struct SseEnvironment {
   static constexpr unsigned controls = 0xE040;  // flush-to-zero, rounding control, denormals-are-zero
   const unsigned saved = _mm_getcsr();
-  QKR_INLINE SseEnvironment() {
-    if (__builtin_expect(saved & controls, 0)) _mm_setcsr(saved & ~controls);
+  QKR_INLINE bool differs() const { return saved & controls; }
+  QKR_INLINE void change() const {
+    if (differs()) _mm_setcsr(saved & ~controls);
   }
-  QKR_INLINE ~SseEnvironment() {
-    if (__builtin_expect(saved & controls, 0)) _mm_setcsr(saved);
+  QKR_INLINE void restore() const {
+    if (differs()) _mm_setcsr(saved);
   }
-  // The status flags that the caller had raised.
-  QKR_INLINE unsigned events() const { return saved; }
 };
 
 // Kernels that run under a known x87 precision and rounding control; MXCSR stays the caller's.
@@ -26,14 +26,14 @@ template <uint16_t wanted>
 struct X87Environment {
   static constexpr uint16_t controls = 0xF00;  // precision and rounding control
   uint16_t saved;
-  QKR_INLINE X87Environment() {
-    asm volatile("fnstcw %0" : "=m"(saved));
-    if (__builtin_expect((saved & controls) != wanted, 0)) load((saved & ~controls) | wanted);
+  QKR_INLINE X87Environment() { asm volatile("fnstcw %0" : "=m"(saved)); }
+  QKR_INLINE bool differs() const { return (saved & controls) != wanted; }
+  QKR_INLINE void change() const {
+    if (differs()) load((saved & ~controls) | wanted);
   }
-  QKR_INLINE ~X87Environment() {
-    if (__builtin_expect((saved & controls) != wanted, 0)) load(saved);
+  QKR_INLINE void restore() const {
+    if (differs()) load(saved);
   }
-  QKR_INLINE unsigned events() const { return 0; }  // its kernels do not ask
 
  private:
   QKR_INLINE static void load(uint16_t word) { asm volatile("fldcw %0" : : "m"(word)); }
@@ -47,13 +47,23 @@ template <class X87>
 struct WithSse {
   SseEnvironment sse;
   X87 x87;
-  QKR_INLINE unsigned events() const { return sse.events(); }
+  QKR_INLINE bool differs() const { return sse.differs() || x87.differs(); }
+  QKR_INLINE void change() const { sse.change(), x87.change(); }
+  QKR_INLINE void restore() const { sse.restore(), x87.restore(); }
 };
 
 // Exact families work under whatever the caller has set.
 struct CallersEnvironment {
-  QKR_INLINE CallersEnvironment() {}
-  QKR_INLINE unsigned events() const { return 0; }
+  QKR_INLINE static bool differs() { return false; }
+  QKR_INLINE static void change() {}
+  QKR_INLINE static void restore() {}
+};
+
+// As the kernel wants it, to the end of a scope.
+template <class Environment>
+struct Wanted : Environment {
+  QKR_INLINE Wanted() { this->change(); }
+  QKR_INLINE ~Wanted() { this->restore(); }
 };
 
 }  // namespace

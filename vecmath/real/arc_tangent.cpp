@@ -94,6 +94,15 @@ Outcome<T> angle_of_special(T y, T x) {
   return {Kernel::core(y, x)};
 }
 
+// x, but 1 with its sign where both coordinates are zeros.
+template <class T, class V>
+QKR_INLINE V off_origin(V y, V x) {
+  using U = decltype(bits(V()));
+  V one;
+  broadcast((T)1, one);
+  return real(bits(x) | (bits(one) & (U)(((bits(x) | bits(y)) & ~sign_bit<T>) == 0u)));
+}
+
 struct Atan2Double : BinaryKernel<double, 4> {
   // With the larger coordinate in this range no product below overflows, and tails that matter are exact.
   static constexpr double smallest = 0x1p-900, limit = 0x1p1000;
@@ -117,6 +126,12 @@ struct Atan2Double : BinaryKernel<double, 4> {
     return flip_sign(add_arctangent(t, z, d.hi, lo), signed_y);
   }
 
+  template <class V>
+  QKR_INLINE static V wider_core(V y, V x, Flags &special) {
+    const V point = off_origin<double>(y, x);
+    special = Atan2Double::special(y, point);
+    return core(y, point);
+  }
   static Outcome<double> scalar(double y, double x) { return angle_of_special<Atan2Double>(y, x); }
 };
 
@@ -129,6 +144,12 @@ struct Atan2Single : BinaryKernel<float, 4> {
   QKR_INLINE static V core(V signed_y, V x) {
     const auto y = widen(signed_y);
     return narrow(flip_sign(single_angle(absolute<double>(y), widen(x)), y));
+  }
+  template <class V>
+  QKR_INLINE static V wider_core(V y, V x, Flags &special) {
+    const V point = off_origin<float>(y, x);
+    special = Atan2Single::special(y, point);
+    return core(y, point);
   }
   static Outcome<float> scalar(float y, float x) { return angle_of_special<Atan2Single>(y, x); }
 };

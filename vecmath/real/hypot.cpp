@@ -39,6 +39,16 @@ struct HypotDouble : BinaryKernel<double, QKR_BASELINE ? 1 : 2> {
   QKR_INLINE static V core(V x, V y) {
     return hypotenuse(x, y);
   }
+  // The origin.
+  template <class V>
+  QKR_INLINE static V wider_core(V x, V y, Flags &flags) {
+    V one;
+    broadcast(1.0, one);
+    const auto zeros = (u64)(((bits(x) | bits(y)) & ~sign_bit<double>) == 0u);
+    const V filled = real(bits(x) | (bits(one) & zeros));
+    flags = special(filled, y);
+    return real(bits(core(filled, y)) & ~zeros);
+  }
   static Outcome<double> scalar(double x, double y) {
     x = __builtin_fabs(x), y = __builtin_fabs(y);
     if (x == infinity<double> || y == infinity<double>) return {infinity<double>};

@@ -21,7 +21,7 @@ struct CommonDouble : DoubleFormat {
   static constexpr uint64_t head_mask = 0x7FFFFFFF80000000;
   static constexpr double log2_hi = 0.30102999566395283, log2_lo = 2.8363394551044964e-14;
   static constexpr double C = 0.43359375;
-  static constexpr double subnormal_scale = 0x1p52, subnormal_log = 15.653559774527022;
+  static constexpr double subnormal_scale = 0x1p-970, subnormal_log = 15.653559774527022;
   // log10(1 + z/C) - z for |z/C| <= 2^-10, within 2^-56 of the logarithm.
   static constexpr double P0 = 0.0016161024074997105, P1 = -1.1550167667400704, P2 = 1.7758816353479039;
   static constexpr double P3 = -3.0717977023883023, P4 = 5.667606256268926;
@@ -36,7 +36,7 @@ struct CommonSingle : SingleFormat {
   static constexpr uint32_t head_mask = 0xFFFF8000;
   static constexpr float log2_hi = 0.3125f, log2_lo = -0.011470003984868526f;
   static constexpr float C = 0.43359375f;
-  static constexpr float subnormal_scale = 0x1p23f, subnormal_log = 6.923689842224121f;
+  static constexpr float subnormal_scale = 0x1p-103f, subnormal_log = 6.923689842224121f;
   // log10(1 + z/C) - z for |z/C| <= 2^-8, within 2^-34 of the logarithm.
   static constexpr float P0 = 0.00161610241048038f, P1 = -1.1550167798995972f;
   static constexpr float P2 = 1.7758978605270386f, P3 = -3.0718326568603516f;
@@ -69,7 +69,8 @@ struct Logarithm : UnaryKernel<typename Log::Element, Log::group_width> {
     if (x == 0) return {-infinity<T>, VXM_STATUS_SING};
     if (x < 0) return {indefinite<T>(), VXM_STATUS_ERRDOM};
     if (x == infinity<T>) return {x};
-    const auto log = logarithm_sum<Log>(x * Log::subnormal_scale);
+    // Its fraction as a number below 1, times 2^52 (float 2^23) again: operations on a subnormal number are slow.
+    const auto log = logarithm_sum<Log>((real(bits(x) | Log::one) - T(1)) * Log::subnormal_scale);
     return {(log.second - Log::subnormal_log) + log.first};
   }
 };

@@ -1,6 +1,7 @@
 // x^y = e^(y ln x), ln x by the table of Ln as a sum of two doubles with more than 64 good bits, the product
 // exact. In single precision 2^(y log2 x) in double, by tables so small that registers can hold them.
 #include "vecmath/frame/numbers.h"
+#include "vecmath/frame/sign.h"
 #include "vecmath/real/exponential.h"
 #include "vecmath/real/logarithm.h"
 #include "vecmath/real/polynomial.h"
@@ -39,6 +40,20 @@ QKR_INLINE Pair<V> power_exponent(V x, V y, double shift) {
 template <class T>
 Outcome<T> any_power(T x, T y);
 
+// The power of a negative base is that of its magnitude, with the sign of the base where y is odd; K refuses
+// what has no such power, as y is made a NaN there, and large even numbers with it.
+template <class K, class V>
+QKR_INLINE V power_of_signed(V x, V y, Flags &special) {
+  using T = typename K::Element;
+  using U = decltype(bits(V()));
+  constexpr T integers_from = sizeof(T) == 8 ? (T)0x1p52 : (T)0x1p23;
+  const V magnitude = absolute<T>(y), t = magnitude + integers_from;
+  const U is_integer = (U)(t - integers_from == magnitude) & (U)(magnitude < integers_from);
+  const U negative = bits(x) & sign_bit<T>, refused = (U)(negative != 0u) & ~is_integer;
+  const V power = K::core(absolute<T>(x), real(bits(y) | refused), special);
+  return real(bits(power) | (negative & (bits(t) << (8 * sizeof(T) - 1))));
+}
+
 struct PowDouble : BinaryKernel<double, 2> {
   // Exponents within these limits keep the exact product in range, and those below them give 1.
   template <class V>
@@ -46,6 +61,10 @@ struct PowDouble : BinaryKernel<double, 2> {
     const Pair<V> p = power_exponent(x, y, 0.0);
     special = not_positive_normal(x) | beyond(y, 0x1p500) | beyond(p.first, 708.0);
     return ExpSteps::scaled(ExpSteps::reduce(p.first, p.second));
+  }
+  template <class V>
+  QKR_INLINE static V wider_core(V x, V y, Flags &special) {
+    return power_of_signed<PowDouble>(x, y, special);
   }
   static Outcome<double> scalar(double x, double y) { return any_power(x, y); }
 };
@@ -82,6 +101,10 @@ struct PowSingle : BinaryKernel<float, 1> {
     const auto p = single_exponent(x, y);
     special = not_positive_normal(x) | beyond(narrow(p), 126.0f);
     return narrow(power_of_two(p));
+  }
+  template <class V>
+  QKR_INLINE static V wider_core(V x, V y, Flags &special) {
+    return power_of_signed<PowSingle>(x, y, special);
   }
   static Outcome<float> scalar(float x, float y) { return any_power(x, y); }
 };

@@ -59,6 +59,7 @@ struct CubeResidual {
 };
 
 struct CbrtValue {
+  static constexpr bool keeps_zeros = true;
   static constexpr double subnormal_scale = 0x1p-18;
   template <class T>
   static T of_special(T x) {
@@ -78,6 +79,7 @@ struct CbrtValue {
   }
 };
 struct InvCbrtValue {
+  static constexpr bool keeps_zeros = false;
   static constexpr double subnormal_scale = 0x1p18;
   template <class T>
   static T of_special(T x) {
@@ -110,6 +112,17 @@ struct CubeRoot : UnaryKernel<T, 2> {
     const V magnitude = real(bits(x) & ~sign);
     if constexpr (sizeof(T) == 8) return real(bits(Value::of_double(magnitude)) | (bits(x) & sign));
     else return real(bits(narrow(Value::of_single(widen(magnitude)))) | (bits(x) & sign));
+  }
+  // Zeros, which the cube root leaves as they are.
+  template <class V>
+  QKR_INLINE static V wider_core(V x, Flags &flags) requires(Value::keeps_zeros) {
+    using U = decltype(bits(V()));
+    V one;
+    broadcast((T)1, one);
+    const U zeros = (U)((bits(x) & ~sign) == 0u);
+    const V filled = real(bits(x) | (bits(one) & zeros));
+    flags = special(filled);
+    return real((bits(core(filled)) & ~zeros) | (bits(x) & zeros));
   }
   static Outcome<T> scalar(T x) {
     if (x != x) return {x + x};

@@ -1,9 +1,10 @@
 // Reduction of an argument modulo pi/2, for any double, to a sum of two doubles (M. H. Payne and R. N. Hanek,
-// ACM SIGNUM Newsletter 18 (1983) 19, in floating-point chunks). The unit is pi/4: x = (2 n + f) pi/4, f in
-// [-1, 1].
+// ACM SIGNUM Newsletter 18 (1983) 19, in floating-point chunks) from 2^30 on, by quarter_turns.h below. The unit
+// is pi/4: x = (2 n + f) pi/4, f in [-1, 1].
 #include "simd/vectors.h"
 #include "vecmath/frame/numbers.h"
 #include "vecmath/real/circular/cores.h"
+#include "vecmath/real/circular/quarter_turns.h"
 #include "vecmath/tables/tables.h"
 
 using namespace qkr;
@@ -11,33 +12,9 @@ using sse2::bits, sse2::real;
 
 namespace {
 
-// An unevaluated sum; what additions to hi lose is gathered in lo.
-struct Sum {
-  double hi, lo;
-  void add(double term) {
-    const double sum = hi + term, old = sum - term;
-    lo += (hi - old) + (term - (sum - old));
-    hi = sum;
-  }
-};
+using Sum = sse2::GatheredSum<double>;
 
 double clear_low_bits(double x, int count) { return real(bits(x) & ~(uint64_t)0 << count); }
-
-constexpr double four_over_pi = 0x1.45f306dc9c883p0;
-
-// Up to 2^30 the count of quarter turns times each part of pi/4 is exact: parts of 27, 28, 27 bits for counts
-// of up to 24 bits, of 20, 21, 20, 20 bits beyond.
-constexpr double few_parts[] = {0.7853981629014015, 4.960467904491228e-10, -6.088525906594782e-19,
-                                1.7607799325916e-27};
-constexpr double many_parts[] = {0.7853975296020508, 6.337954800983425e-07, -8.256991011063031e-14,
-                                 -6.675151087907452e-20, 8.223128468162129e-27};
-
-template <int count>
-Sum subtract(double x, double quarters, const double (&parts)[count]) {
-  Sum rest = {x, 0};
-  for (double part : parts) rest.add(-(quarters * part));
-  return rest;
-}
 
 // The fraction f of x * 4/pi for x >= 2^30, and n in *count. Of the product only what lies below whole turns
 // is formed: chunk k of 4/pi reaches from 2^(24 - 25 k) down, and those before chunk i only give multiples
@@ -78,17 +55,13 @@ extern "C" int32_t _vxmreduce_pio2d(double x, double *out) {
     out[0] = out[1] = x - x;
     return 0;
   }
-  int32_t n;
-  Sum rest;
-  if (magnitude < 0x1p30) {
-    const int32_t floor = (int32_t)(magnitude * four_over_pi);
-    const double quarters = floor + (floor & 1);
-    n = (floor + 1) >> 1;
-    rest = magnitude < 0x1p23 ? subtract(magnitude, quarters, few_parts)
-                              : subtract(magnitude, quarters, many_parts);
-  } else {
-    rest = times_quarter_pi(fraction_of_quarters(magnitude, &n));
+  if (magnitude < sse2::quarter_turns_limit) {
+    const auto turns = sse2::quarter_turns(x);
+    out[0] = turns.hi, out[1] = turns.lo;
+    return turns.count & 3;
   }
+  int32_t n;
+  const Sum rest = times_quarter_pi(fraction_of_quarters(magnitude, &n));
   const double hi = sign * rest.hi, lo = sign * rest.lo;
   out[0] = hi + lo;
   out[1] = (hi - out[0]) + lo;

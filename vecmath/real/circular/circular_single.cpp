@@ -1,10 +1,12 @@
 // Sine, cosine and tangent in single precision, in double precision inside and rounded once; the formulas of
-// the first two stand in circular_single.h. Arguments beyond 10000 go through the scalar cores in double.
+// the first two stand in circular_single.h. Arguments beyond 10000 go through the cores in double, those
+// from 2^30 on one by one.
 #include "vecmath/real/circular/circular_single.h"
 
 #include "vecmath/frame/function.h"
 #include "vecmath/frame/numbers.h"
-#include "vecmath/real/circular/cores.h"
+#include "vecmath/real/circular/sine_double.h"
+#include "vecmath/real/circular/tangent.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -17,12 +19,27 @@ struct SingleKernel : UnaryKernel<float, group_width> {
   QKR_INLINE static Flags special(V x) {
     return beyond(x, fast_limit);
   }
+  // One of two results, and what is left to single elements.
+  template <class V>
+  QKR_INLINE static V far_or_near(V x, V far, V near) {
+    const auto is_near = absolute<float>(x) < fast_limit;
+    return real(select(is_near, bits(near), bits(far)));
+  }
+  template <class V>
+  QKR_INLINE static Flags beyond_wide(V x) {
+    return beyond(x, (float)quarter_turns_limit);
+  }
 };
 
 struct SinSingle : SingleKernel<QKR_BASELINE ? 1 : 2> {
   template <class V>
   QKR_INLINE static V core(V x) {
     return sine_of_single(x, x, 0.0);
+  }
+  template <class V>
+  QKR_INLINE static V wider_core(V x, Flags &special) {
+    special = beyond_wide(x);
+    return far_or_near(x, narrow(sine_at(reduce_wider(widen(x), no_reduction, 0))), core(x));
   }
   static void treat(ptrdiff_t i, Arrays<float> v) { _vxmsSin_SC_HA(i, v.a, v.r); }
 };
@@ -33,6 +50,11 @@ struct CosSingle : SingleKernel<QKR_BASELINE ? 1 : 2> {
   QKR_INLINE static V core(V x) {
     return sine_of_single(x, x + half_pi, 0.5);
   }
+  template <class V>
+  QKR_INLINE static V wider_core(V x, Flags &special) {
+    special = beyond_wide(x);
+    return far_or_near(x, narrow(sine_at(reduce_wider(widen(x), no_reduction, 16))), core(x));
+  }
   static void treat(ptrdiff_t i, Arrays<float> v) { _vxmsCos_SC_HA(i, v.a, v.r); }
 };
 
@@ -41,6 +63,13 @@ struct SinCosSingle : SingleKernel<QKR_BASELINE ? 1 : 2> {
   template <class V>
   QKR_INLINE static Pair<V> core(V x) {
     return sine_and_cosine_of_single(x);
+  }
+  template <class V>
+  QKR_INLINE static Pair<V> wider_core(V x, Flags &special) {
+    special = beyond_wide(x);
+    const auto far = sine_and_cosine_at(reduce_wider(widen(x), no_reduction, 0));
+    const Pair<V> near = core(x);
+    return {far_or_near(x, narrow(far.first), near.first), far_or_near(x, narrow(far.second), near.second)};
   }
   static void treat(ptrdiff_t i, Arrays<float> v) { _vxmsSinCos_SC_HA(i, v.a, v.r, v.q); }
 };
@@ -60,6 +89,11 @@ struct TanSingle : SingleKernel<1> {
     const auto odd = 0ul - (bits(N + rounder) & 1ul), swap = (p ^ q) & odd;
     const auto quotient = real(p ^ swap) / real(q ^ swap);
     return narrow(real(bits(quotient) ^ (odd << 63)));
+  }
+  template <class V>
+  QKR_INLINE static V wider_core(V x, Flags &special) {
+    special = beyond_wide(x);
+    return far_or_near(x, narrow(tangent(reduce_wider(widen(x), tangent_limit, 0))), core(x));
   }
   static void treat(ptrdiff_t i, Arrays<float> v) { _vxmsTan_SC_HA(i, v.a, v.r); }
 };

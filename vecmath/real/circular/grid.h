@@ -3,6 +3,7 @@
 
 #include "simd/simd.h"
 #include "vecmath/real/circular/cores.h"
+#include "vecmath/real/circular/quarter_turns.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
@@ -26,6 +27,17 @@ QKR_INLINE Reduced<V> reduce(V x, double offset) {
   const V t = x * Grid::steps_per_radian + shifter, N = t - shifter;
   const V u = exact_mad(N, -Grid::P1, x), r = exact_mad(N, -Grid::P2, u);
   return {t, r, exact_mad(N, Grid::P2, r - u) + N * Grid::P3};
+}
+
+// The same up to 2^30, from `limit` on by way of a reduction modulo pi/2, whose count goes into t.
+template <class V>
+QKR_INLINE Reduced<V> reduce_wider(V x, double limit, double offset) {
+  const auto turns = quarter_turns(x);
+  const auto large = absolute<double>(x) >= limit;
+  Reduced<V> s = reduce<Grid64>(select(large, turns.hi, x), offset);
+  s.t = real(bits(s.t) + bits(zero_unless(large, real(turns.count << 4))));
+  s.excess = s.excess - zero_unless(large, turns.lo);
+  return s;
 }
 
 #if QKR_BASELINE

@@ -1,5 +1,5 @@
-// Sine and cosine in double, over the formulas of sine_double.h. Large arguments go through
-// argument_reduction.cpp one by one.
+// Sine and cosine in double, over the formulas of sine_double.h. Arguments from 90112 on take a reduction modulo
+// pi/2 first, those from 2^30 on one by one.
 #include "vecmath/real/circular/sine_double.h"
 
 #include "vecmath/frame/function.h"
@@ -22,6 +22,11 @@ struct Circular : UnaryKernel<double, QKR_BASELINE ? 2 : 4> {
   QKR_INLINE static V core(V x) {
     return sine_or_cosine<quarter>(x);
   }
+  template <class V>
+  QKR_INLINE static V wider_core(V x, Flags &special) {
+    special = beyond(x, quarter_turns_limit);
+    return sine_at(reduce_wider(x, no_reduction, quarter * 16));
+  }
   static void treat(ptrdiff_t i, Arrays<double> v) { per_element(i, v.a, v.r); }
 };
 using SinDouble = Circular<0, _vxmdSin_SC_HA>;
@@ -37,6 +42,13 @@ struct SinCosDouble : UnaryKernel<double, 2> {
   QKR_INLINE static Pair<V> core(V x) {
     return sine_and_cosine(x);
   }
+  template <class V>
+  QKR_INLINE static Pair<V> wider_core(V x, Flags &special) {
+    special = beyond(x, quarter_turns_limit);
+    const Pair<V> near = core(x), far = sine_and_cosine_at(reduce_wider(x, no_reduction, 0));
+    const auto large = absolute<double>(x) >= fast_limit;
+    return {select(large, far.first, near.first), select(large, far.second, near.second)};
+  }
   static void treat(ptrdiff_t i, Arrays<double> v) { _vxmdSinCos_SC_HA(i, v.a, v.r, v.q); }
 };
 
@@ -46,8 +58,6 @@ struct SinCosDouble : UnaryKernel<double, 2> {
 #if QKR_BASELINE
 using namespace qkr;
 
-static constexpr double no_reduction = 0x1p17;
-
 static double sine_of(const sse2::Reduced<double> &s, unsigned rows_on) {
   return sse2::sine_by_row<sse2::OneResult>(sse2::bits(s.t) + rows_on, s);
 }
@@ -55,13 +65,13 @@ static double sine_of(const sse2::Reduced<double> &s, unsigned rows_on) {
 double qkr::sine_of_any(double x) {
   if (__builtin_fabs(x) == infinity<double>) return x * 0.0;
   if (x != x) return x * x;
-  return sse2::tiny(x) ? sse2::itself_if_tiny(x) : sine_of(sse2::reduce_any(x, no_reduction), 0);
+  return sse2::tiny(x) ? sse2::itself_if_tiny(x) : sine_of(sse2::reduce_any(x, sse2::no_reduction), 0);
 }
 
 double qkr::cosine_of_any(double x) {
   if (__builtin_fabs(x) == infinity<double>) return x * 0.0;
   if (x != x) return x * x;
-  return sse2::tiny(x) ? 1.0 - __builtin_fabs(x) : sine_of(sse2::reduce_any(x, no_reduction), 16);
+  return sse2::tiny(x) ? 1.0 - __builtin_fabs(x) : sine_of(sse2::reduce_any(x, sse2::no_reduction), 16);
 }
 
 void qkr::sine_and_cosine_of_any(double x, double *sine, double *cosine) {
@@ -70,7 +80,7 @@ void qkr::sine_and_cosine_of_any(double x, double *sine, double *cosine) {
     *sine = sine_of_any(x), *cosine = c;
     return;
   }
-  const sse2::Reduced<double> s = sse2::reduce_any(x, no_reduction);
+  const sse2::Reduced<double> s = sse2::reduce_any(x, sse2::no_reduction);
   *sine = sine_of(s, 0);
   *cosine = sine_of(s, 16);
 }

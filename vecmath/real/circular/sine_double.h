@@ -9,6 +9,9 @@
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
+// Up to here reduce() needs no reduction before it, where the bits of single elements count.
+constexpr double no_reduction = 0x1p17;
+
 // Taylor's series: four terms for |r| <= pi/64, within 2^-65; three for |r| <= pi/128, within 2^-58.
 constexpr double S1 = -0.16666666666666666, S2 = 0.008333333333333333;
 constexpr double S3 = -0.0001984126984126984, S4 = 2.7557319223985893e-06;
@@ -82,11 +85,9 @@ QKR_INLINE V turn_sign(V v, Index j, int bit) {
 }
 #endif
 
-// The sine (quarter 0) or the cosine (quarter 1), which is the sine a quarter turn on. |x| < 90112, where the
-// count of grid steps times each of the first two parts of a step is exact.
-template <int quarter, class V>
-QKR_INLINE V sine_or_cosine(V x) {
-  const Reduced<V> s = reduce<OneResult>(x, quarter * 16);
+// The sine by the grid of 64 steps; at the widest level by a table of half a turn.
+template <class V>
+QKR_INLINE V sine_at(Reduced<V> s) {
   const auto j = bits(s.t);
 #if QKR_SIMD_BYTES == 64
   if constexpr (sizeof(V) > sizeof(double)) {
@@ -94,6 +95,19 @@ QKR_INLINE V sine_or_cosine(V x) {
   } else
 #endif
     return sine_by_row<OneResult>(j, s);
+}
+template <class V>
+QKR_INLINE Pair<V> sine_and_cosine_at(Reduced<V> s) {
+  const V sine = sine_at(s);
+  s.t = real(bits(s.t) + 16u);
+  return {sine, sine_at(s)};
+}
+
+// The sine (quarter 0) or the cosine (quarter 1), which is the sine a quarter turn on. |x| < 90112, where the
+// count of grid steps times each of the first two parts of a step is exact.
+template <int quarter, class V>
+QKR_INLINE V sine_or_cosine(V x) {
+  return sine_at(reduce<OneResult>(x, quarter * 16));
 }
 
 // Both, in the same range.

@@ -27,7 +27,7 @@ struct NaturalDouble : DoubleFormat {
   static constexpr uint64_t head_mask = 0x7FFFFFFF00000000;
   static constexpr double log2_hi = 0x1.62e42fefa3800p-1, log2_lo = 5.497923018708371e-14;
   static constexpr double C = 1.0;
-  static constexpr double subnormal_scale = 0x1p52, subnormal_log = 36.04365338911715;
+  static constexpr double subnormal_scale = 0x1p-970, subnormal_log = 36.04365338911715;
   // ln(1 + z) - z for |z| <= 2^-10, within 2^-56 of the logarithm.
   static constexpr double P1 = -0.49999999999995254, P2 = 0.3333333333332741;
   static constexpr double P3 = -0.2500001988694339, P4 = 0.2000001934420511;
