@@ -10,7 +10,9 @@
 //   QKR_REAL_ENTRY(__vxsdBRngG, double, fill(stream, n, out, doubles(...)))  // ... of the ends a and b
 //   QKR_REAL_ENTRY(__vxssBRngG, float, fill(stream, n, out, singles(...)))
 //
-// where scale is a power of two for [0, 1), with_reals(scale, shift, ...) finds an output that is faster there.
+// or, where words are scaled by a power of two for [0, 1), which has a faster output,
+//
+//   QKR_SCALED_ENTRY(__vxsdBRngG, double, (b - a) * 0x1p-32)
 //
 // mcg31m1.cpp is the shortest example. A generator must give the same words and leave the same state bytes
 // however the draws are split into blocks.
@@ -210,3 +212,8 @@ int32_t init_stream(int32_t method, StreamState *stream, int32_t n, const void *
     drawing;                                                                                   \
     return VXS_STATUS_OK;                                                                      \
   }
+
+// The numbers of fill(), whole words, times scale, plus a.
+#define QKR_SCALED_ENTRY(name, Real, scale) \
+  QKR_REAL_ENTRY(name, Real,                \
+                 with_reals<Real>(scale, a, [&](auto output) QKR_LAMBDA { fill(stream, n, out, output); }))
