@@ -21,18 +21,6 @@ const double _vxsdGAMMATab[8] = {0.0, qkr::third,        qkr::squeeze,          
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
-// Two normal numbers of each of `count` pairs, at most 256: a uniform number and an angle, both overwritten.
-template <class T>
-void normals_of_pairs(int32_t count, T *u, T *angle, T *__restrict out) {
-  T sine[most_candidates / 2];
-  Precision<T>::sin_cos(count, angle, sine, angle);
-  radii(count, u);
-  for (int32_t i = 0; i < count; ++i) {
-    out[2 * i] = u[i] * sine[i];
-    out[2 * i + 1] = u[i] * angle[i];
-  }
-}
-
 // A candidate not yet looked at: its acceptance uniform and its normal number.
 struct PendingCandidate {
   double u, x;
@@ -48,12 +36,11 @@ struct Candidates {
   // m of them, an even number, from place `first` on. The words of the stream go two and two: part of a pair
   // for Box and Muller, acceptance uniform.
   int32_t draw(StreamState *stream, int32_t m, int32_t first) {
-    T words[2 * most_candidates], halves[most_candidates], u1[most_candidates / 2], u2[most_candidates / 2];
+    T words[2 * most_candidates], pairs[most_candidates];
     const int32_t status = uniforms(stream, 2 * m, words);
     if (status < 0) return status;
-    part_pairs(m, words, halves, u + first);
-    part_pairs(m / 2, halves, u1, u2, T(whole_turn));
-    normals_of_pairs(m / 2, u1, u2, x + first);
+    part_pairs(m, words, pairs, u + first);
+    normals<T, Takes::both>(m / 2, pairs, x + first, T(1), T(-0.0));
     return status;
   }
 

@@ -50,3 +50,7 @@
 #define QKR_ENTRY_OF(result, name, parameters, arguments) \
   QKR_ENTRY_AFTER(, result, name, parameters, arguments)
 #define QKR_ENTRY(name, parameters, arguments) QKR_ENTRY_OF(void, name, parameters, arguments)
+
+// A statement for QKR_ENTRY_AFTER: a short call stays with the baseline, where all levels do the same for it.
+#define QKR_STAY_IF(is_short, name, arguments) \
+  if (is_short) return qkr::sse2::name##_body arguments

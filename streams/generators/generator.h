@@ -10,7 +10,9 @@
 //   QKR_REAL_ENTRY(__vxsdBRngG, double, fill(stream, n, out, doubles(...)))  // ... of the ends a and b
 //   QKR_REAL_ENTRY(__vxssBRngG, float, fill(stream, n, out, singles(...)))
 //
-// where scale is a power of two for [0, 1), with_reals(scale, shift, ...) finds an output that is faster there.
+// or, where words are scaled by a power of two for [0, 1), which has a faster output,
+//
+//   QKR_SCALED_ENTRY(__vxsdBRngG, double, (b - a) * 0x1p-32)
 //
 // mcg31m1.cpp is the shortest example. A generator must give the same words and leave the same state bytes
 // however the draws are split into blocks.
@@ -92,8 +94,9 @@ struct RealsInSingle {
   QKR_INLINE void put_one(float *out, uint32_t word) const { *out = (float)(int32_t)word * scale + shift; }
 };
 
-// word * unit, a power of two: for the intervals from 0 to such a number, of which [0, 1) is the one that everybody
-// draws from. The product is exact, so the results are those of Reals; singles of 32-bit words need no doubles.
+// word * unit, a power of two: for the intervals from 0 to such a number, of which [0, 1) is the one that
+// everybody draws from. The product is exact, so the results are those of Reals; singles of 32-bit words need
+// no doubles.
 template <class Real>
 struct Multiples {
   using Element = Real;
@@ -197,16 +200,32 @@ int32_t init_stream(int32_t method, StreamState *stream, int32_t n, const void *
 #define QKR_INIT_STREAM(name, Methods)
 #endif
 
-#define QKR_WORD_ENTRY(name, drawing)                                                                \
-  QKR_ENTRY_OF(int32_t, name, (StreamState * stream, int32_t n, uint32_t * out), (stream, n, out)) { \
-    drawing;                                                                                         \
-    return VXS_STATUS_OK;                                                                            \
-  }
+#define QKR_WORD_ENTRY(name, drawing) QKR_WORD_ENTRY_AFTER(, name, drawing)
+#define QKR_REAL_ENTRY(name, Real, drawing) QKR_REAL_ENTRY_AFTER(, name, Real, drawing)
+#define QKR_SCALED_ENTRY(name, Real, scale) QKR_REAL_ENTRY(name, Real, QKR_SCALED(Real, scale))
 
-#define QKR_REAL_ENTRY(name, Real, drawing)                                                    \
-  QKR_ENTRY_OF(int32_t, name,                                                                  \
-               (StreamState * stream, int32_t n, Real * out, Real a, [[maybe_unused]] Real b), \
-               (stream, n, out, a, b)) {                                                       \
-    drawing;                                                                                   \
-    return VXS_STATUS_OK;                                                                      \
+// The same for generators that make a few numbers alike at every level: short draws stay with the baseline.
+#define QKR_STAY_IF_FEW(name, arguments) QKR_STAY_IF(n <= 32, name, arguments)
+#define QKR_WORD_ENTRY_OR_FEW(name, drawing) \
+  QKR_WORD_ENTRY_AFTER(QKR_STAY_IF_FEW(name, (stream, n, out)), name, drawing)
+#define QKR_REAL_ENTRY_OR_FEW(name, Real, drawing) \
+  QKR_REAL_ENTRY_AFTER(QKR_STAY_IF_FEW(name, (stream, n, out, a, b)), name, Real, drawing)
+#define QKR_SCALED_ENTRY_OR_FEW(name, Real, scale) QKR_REAL_ENTRY_OR_FEW(name, Real, QKR_SCALED(Real, scale))
+
+// The numbers of fill(), whole words, times scale, plus a.
+#define QKR_SCALED(Real, scale) \
+  with_reals<Real>(scale, a, [&](auto output) QKR_LAMBDA { fill(stream, n, out, output); })
+
+#define QKR_WORD_ENTRY_AFTER(first, name, drawing)                                         \
+  QKR_ENTRY_AFTER(first, int32_t, name, (StreamState * stream, int32_t n, uint32_t * out), \
+                  (stream, n, out)) {                                                      \
+    drawing;                                                                               \
+    return VXS_STATUS_OK;                                                                  \
+  }
+#define QKR_REAL_ENTRY_AFTER(first, name, Real, drawing)                                          \
+  QKR_ENTRY_AFTER(first, int32_t, name,                                                           \
+                  (StreamState * stream, int32_t n, Real * out, Real a, [[maybe_unused]] Real b), \
+                  (stream, n, out, a, b)) {                                                       \
+    drawing;                                                                                      \
+    return VXS_STATUS_OK;                                                                         \
   }

@@ -69,10 +69,10 @@ int32_t qkr::skip_mcg31m1(StreamState *stream, uint64_t count) {
 #endif
 
 QKR_INIT_STREAM(__vxsBRngMCG31M1InitStream, CongruentialMethods<Mersenne31>)
-QKR_WORD_ENTRY(__vxsiBRngMCG31M1, fill(stream, n, out, Words{}))
-QKR_REAL_ENTRY(__vxsdBRngMCG31M1, double, fill(stream, n, out, doubles((b - a) / 2147483647.0, a)))
-QKR_REAL_ENTRY(__vxssBRngMCG31M1, float,
-               fill(stream, n, out, RealsInSingle{(float)((b - a) / 2147483647.0), a}))
+QKR_WORD_ENTRY_OR_FEW(__vxsiBRngMCG31M1, fill(stream, n, out, Words{}))
+QKR_REAL_ENTRY_OR_FEW(__vxsdBRngMCG31M1, double, fill(stream, n, out, doubles((b - a) / 2147483647.0, a)))
+QKR_REAL_ENTRY_OR_FEW(__vxssBRngMCG31M1, float,
+                      fill(stream, n, out, RealsInSingle{(float)((b - a) / 2147483647.0), a}))
 
 #if QKR_BASELINE
 extern "C" uint32_t __vxsiPowMod2P31M1(uint32_t base, int32_t exponent) {

@@ -79,13 +79,9 @@ int32_t qkr::skip_mcg59(StreamState *stream, uint64_t count) {
 #endif
 
 QKR_INIT_STREAM(__vxsBRngMCG59InitStream, CongruentialMethods<Power59>)
-QKR_WORD_ENTRY(__vxsiBRngMCG59, fill(stream, n, reinterpret_cast<uint64_t *>(out), LongWords{}))
-QKR_REAL_ENTRY(__vxsdBRngMCG59, double, with_reals<double>((b - a) * 0x1p-59, a, [&](auto output) QKR_LAMBDA {
-                 fill(stream, n, out, output);
-               }))
-QKR_REAL_ENTRY(__vxssBRngMCG59, float,
-               with_reals<float>(((double)b - a) * 0x1p-59, a,
-                                 [&](auto output) QKR_LAMBDA { fill(stream, n, out, output); }))
+QKR_WORD_ENTRY_OR_FEW(__vxsiBRngMCG59, fill(stream, n, reinterpret_cast<uint64_t *>(out), LongWords{}))
+QKR_SCALED_ENTRY_OR_FEW(__vxsdBRngMCG59, double, (b - a) * 0x1p-59)
+QKR_SCALED_ENTRY_OR_FEW(__vxssBRngMCG59, float, ((double)b - a) * 0x1p-59)
 
 #if QKR_BASELINE
 extern "C" uint64_t __vxsiPowMod2P59(uint64_t base, int32_t exponent) {

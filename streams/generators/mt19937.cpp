@@ -82,9 +82,5 @@ bool qkr::is_sound_mt19937(const StreamState *stream) {
 
 QKR_INIT_STREAM(__vxsBRngMT19937InitStream, Methods)
 QKR_WORD_ENTRY(__vxsiBRngMT19937, fill(stream, n, out, Words{}))
-QKR_REAL_ENTRY(__vxsdBRngMT19937, double,
-               with_reals<double>((b - a) * 0x1p-32, a,
-                                  [&](auto output) QKR_LAMBDA { fill(stream, n, out, output); }))
-QKR_REAL_ENTRY(__vxssBRngMT19937, float,
-               with_reals<float>(((double)b - a) * 0x1p-32, a,
-                                 [&](auto output) QKR_LAMBDA { fill(stream, n, out, output); }))
+QKR_SCALED_ENTRY(__vxsdBRngMT19937, double, (b - a) * 0x1p-32)
+QKR_SCALED_ENTRY(__vxssBRngMT19937, float, ((double)b - a) * 0x1p-32)

@@ -118,9 +118,5 @@ bool qkr::is_sound_mt2203(const StreamState *stream) {
 QKR_INIT_STREAM(__vxsBRngMT2203InitStream, Methods)
 QKR_WORD_ENTRY(__vxsiBRngMT2203, fill(stream, n, out, Words{}))
 // In single precision the difference of the ends is taken before it is widened.
-QKR_REAL_ENTRY(__vxsdBRngMT2203, double,
-               with_reals<double>((b - a) * 0x1p-32, a,
-                                  [&](auto output) QKR_LAMBDA { fill(stream, n, out, output); }))
-QKR_REAL_ENTRY(__vxssBRngMT2203, float,
-               with_reals<float>((double)(b - a) * 0x1p-32, a,
-                                 [&](auto output) QKR_LAMBDA { fill(stream, n, out, output); }))
+QKR_SCALED_ENTRY(__vxsdBRngMT2203, double, (b - a) * 0x1p-32)
+QKR_SCALED_ENTRY(__vxssBRngMT2203, float, (double)(b - a) * 0x1p-32)

@@ -135,12 +135,8 @@ struct Methods : NotPartitioned {
 }  // namespace qkr::QKR_SIMD_LEVEL
 
 QKR_WORD_ENTRY(qkr_philox_words, fill(stream, n, out, Words{}))
-QKR_REAL_ENTRY(qkr_philox_doubles, double,
-               with_reals<double>((b - a) * 0x1p-32, a,
-                                  [&](auto output) QKR_LAMBDA { fill(stream, n, out, output); }))
-QKR_REAL_ENTRY(qkr_philox_singles, float,
-               with_reals<float>(((double)b - a) * 0x1p-32, a,
-                                 [&](auto output) QKR_LAMBDA { fill(stream, n, out, output); }))
+QKR_SCALED_ENTRY(qkr_philox_doubles, double, (b - a) * 0x1p-32)
+QKR_SCALED_ENTRY(qkr_philox_singles, float, ((double)b - a) * 0x1p-32)
 
 #if QKR_BASELINE
 namespace {

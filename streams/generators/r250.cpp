@@ -90,9 +90,5 @@ bool qkr::is_sound_r250(const StreamState *stream) {
 
 QKR_INIT_STREAM(__vxsBRngR250InitStream, Methods)
 QKR_WORD_ENTRY(__vxsiBRngR250, fill(stream, n, out, Words{}))
-QKR_REAL_ENTRY(__vxsdBRngR250, double, with_reals<double>((b - a) * 0x1p-32, a, [&](auto output) QKR_LAMBDA {
-                 fill(stream, n, out, output);
-               }))
-QKR_REAL_ENTRY(__vxssBRngR250, float,
-               with_reals<float>(((double)b - a) * 0x1p-32, a,
-                                 [&](auto output) QKR_LAMBDA { fill(stream, n, out, output); }))
+QKR_SCALED_ENTRY(__vxsdBRngR250, double, (b - a) * 0x1p-32)
+QKR_SCALED_ENTRY(__vxssBRngR250, float, ((double)b - a) * 0x1p-32)

@@ -188,7 +188,8 @@ QKR_NOINLINE int32_t draw(const Sequence &s, int32_t n, Element<Output> *out, Ou
     if (at.pending > 0) return VXS_STATUS_OK;
     for_each_change(s, at.dim, [](uint32_t &x, uint32_t change) { x ^= change; });
   }
-  const int32_t points = n / at.dim, rest = n % at.dim;
+  // A division would take longer than a number.
+  const int32_t points = n < at.dim ? 0 : at.dim == 1 ? n : n / at.dim, rest = n - points * at.dim;
   draw_points(s, at.dim, points, out, output);
   if (rest > 0) {
     emit_words(s.x, rest, out + (n - rest), output);
@@ -206,17 +207,19 @@ QKR_INLINE int32_t draw_reals(const Sequence &s, int32_t n, Real *out, double sc
 }  // namespace qkr::QKR_SIMD_LEVEL
 
 // In single precision the difference of the ends is taken before it is widened.
-#define QKR_SEQUENCE_ENTRIES(G, words, reals, reals_in_single)                                            \
-  QKR_ENTRY_OF(int32_t, words, (StreamState * stream, int32_t n, uint32_t * out), (stream, n, out)) {     \
-    return draw(sequence_of<G>(stream), n, out, Words{});                                                 \
-  }                                                                                                       \
-  QKR_ENTRY_OF(int32_t, reals, (StreamState * stream, int32_t n, double *out, double a, double b),        \
-               (stream, n, out, a, b)) {                                                                  \
-    return draw_reals(sequence_of<G>(stream), n, out, (b - a) * 0x1p-32, a);                              \
-  }                                                                                                       \
-  QKR_ENTRY_OF(int32_t, reals_in_single, (StreamState * stream, int32_t n, float *out, float a, float b), \
-               (stream, n, out, a, b)) {                                                                  \
-    return draw_reals(sequence_of<G>(stream), n, out, (double)(b - a) * 0x1p-32, a);                      \
+#define QKR_SEQUENCE_ENTRIES(G, words, reals, reals_in_single)                                               \
+  QKR_ENTRY_AFTER(QKR_STAY_IF_FEW(words, (stream, n, out)), int32_t, words,                                  \
+                  (StreamState * stream, int32_t n, uint32_t * out), (stream, n, out)) {                     \
+    return draw(sequence_of<G>(stream), n, out, Words{});                                                    \
+  }                                                                                                          \
+  QKR_ENTRY_AFTER(QKR_STAY_IF_FEW(reals, (stream, n, out, a, b)), int32_t, reals,                            \
+                  (StreamState * stream, int32_t n, double *out, double a, double b),                        \
+                  (stream, n, out, a, b)) {                                                                  \
+    return draw_reals(sequence_of<G>(stream), n, out, (b - a) * 0x1p-32, a);                                 \
+  }                                                                                                          \
+  QKR_ENTRY_AFTER(QKR_STAY_IF_FEW(reals_in_single, (stream, n, out, a, b)), int32_t, reals_in_single,        \
+                  (StreamState * stream, int32_t n, float *out, float a, float b), (stream, n, out, a, b)) { \
+    return draw_reals(sequence_of<G>(stream), n, out, (double)(b - a) * 0x1p-32, a);                         \
   }
 
 QKR_SEQUENCE_ENTRIES(Sobol, __vxsiBRngSobol, __vxsdBRngSobol, __vxssBRngSobol)
