@@ -215,11 +215,11 @@ int32_t gamma(StreamState *stream, int32_t n, T *out, T alpha, T a, T beta) {
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_DISTRIBUTION_UNLESS(n == 1 && one_gamma(stream, out, alpha, a, beta), _vxsdRngGamma, double,
-                        (double alpha, double a, double beta), (alpha, a, beta)) {
+QKR_DISTRIBUTION_UNLESS(_vxsdRngGamma, double, (double alpha, double a, double beta), (alpha, a, beta),
+                        n == 1 && one_gamma(stream, out, alpha, a, beta)) {
   return gamma(stream, n, out, alpha, a, beta);
 }
-QKR_DISTRIBUTION_UNLESS(n == 1 && one_gamma(stream, out, alpha, a, beta), _vxssRngGamma, float,
-                        (float alpha, float a, float beta), (alpha, a, beta)) {
+QKR_DISTRIBUTION_UNLESS(_vxssRngGamma, float, (float alpha, float a, float beta), (alpha, a, beta),
+                        n == 1 && one_gamma(stream, out, alpha, a, beta)) {
   return gamma(stream, n, out, alpha, a, beta);
 }

@@ -156,12 +156,12 @@ int32_t lognormal(StreamState *stream, int32_t n, T *out, T a, T sigma, T b, T b
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_DISTRIBUTION_UNLESS(n == 1 && one_gaussian(method, stream, out, a, sigma), _vxsdRngGaussian, double,
-                        (double a, double sigma), (a, sigma)) {
+QKR_DISTRIBUTION_UNLESS(_vxsdRngGaussian, double, (double a, double sigma), (a, sigma),
+                        n == 1 && one_gaussian(method, stream, out, a, sigma)) {
   return gaussian(method, stream, n, out, a, sigma);
 }
-QKR_DISTRIBUTION_UNLESS(n == 1 && one_gaussian(method, stream, out, a, sigma), _vxssRngGaussian, float,
-                        (float a, float sigma), (a, sigma)) {
+QKR_DISTRIBUTION_UNLESS(_vxssRngGaussian, float, (float a, float sigma), (a, sigma),
+                        n == 1 && one_gaussian(method, stream, out, a, sigma)) {
   return gaussian(method, stream, n, out, a, sigma);
 }
 QKR_DISTRIBUTION(_vxsdRngLognormal, double, (double a, double sigma, double b, double beta),

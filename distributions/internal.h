@@ -195,7 +195,7 @@ inline void bound(int32_t n, T *x, T lower, T upper) {
 // if the baseline's expression `served`, which may serve a short call, is false (see QKR_ENTRY_AFTER).
 #define QKR_DISTRIBUTION(name, T, parameters, arguments) \
   QKR_DISTRIBUTION_AFTER(, name, T, parameters, arguments)
-#define QKR_DISTRIBUTION_UNLESS(served, name, T, parameters, arguments) \
+#define QKR_DISTRIBUTION_UNLESS(name, T, parameters, arguments, served) \
   QKR_DISTRIBUTION_AFTER(using namespace qkr::sse2;                     \
                          if (served) return VXS_STATUS_OK, name, T, parameters, arguments)
 #define QKR_DISTRIBUTION_AFTER(first, name, T, parameters, arguments)                                     \

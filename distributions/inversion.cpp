@@ -114,10 +114,10 @@ int32_t cauchy(StreamState *stream, int32_t n, T *out, T a, T beta) {
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-#define BY_INVERSION(name, T, Law)                                                                          \
-  QKR_DISTRIBUTION_UNLESS(n == 1 && one_by_inversion(Law<T>{a, beta}, stream, out), name, T, (T a, T beta), \
-                          (a, beta)) {                                                                      \
-    return by_inversion(Law<T>{a, beta}, stream, n, out);                                                   \
+#define BY_INVERSION(name, T, Law)                                                    \
+  QKR_DISTRIBUTION_UNLESS(name, T, (T a, T beta), (a, beta),                          \
+                          n == 1 && one_by_inversion(Law<T>{a, beta}, stream, out)) { \
+    return by_inversion(Law<T>{a, beta}, stream, n, out);                             \
   }
 BY_INVERSION(_vxsdRngExponential, double, ExponentialLaw)
 BY_INVERSION(_vxssRngExponential, float, ExponentialLaw)

@@ -28,12 +28,12 @@ bool few_uniforms(int32_t method, StreamState *stream, int32_t n, T *out, T a, T
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_DISTRIBUTION_UNLESS(few_uniforms(method, stream, n, out, a, b), _vxsdRngUniform, double,
-                        (double a, double b), (a, b)) {
+QKR_DISTRIBUTION_UNLESS(_vxsdRngUniform, double, (double a, double b), (a, b),
+                        few_uniforms(method, stream, n, out, a, b)) {
   return bounded_if_accurate(method, generator_of(stream).dBrng(stream, n, out, a, b), n, out, a, b);
 }
-QKR_DISTRIBUTION_UNLESS(few_uniforms(method, stream, n, out, a, b), _vxssRngUniform, float,
-                        (float a, float b), (a, b)) {
+QKR_DISTRIBUTION_UNLESS(_vxssRngUniform, float, (float a, float b), (a, b),
+                        few_uniforms(method, stream, n, out, a, b)) {
   return bounded_if_accurate(method, generator_of(stream).sBrng(stream, n, out, a, b), n, out, a, b);
 }
 

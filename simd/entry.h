@@ -4,8 +4,8 @@
 //
 // QKR_ENTRY_OF takes the type of a result first. The body becomes a function of the level's namespace. The C
 // function `name`, of the baseline compilation, branches to the body of the processor's level; an indirect
-// jump takes 10 ns where the kernel has them unpredicted. QKR_ENTRY_AFTER takes a statement that stands before
-// and may return, in the baseline alone.
+// jump takes 10 ns where the kernel has them unpredicted. QKR_ENTRY_AFTER takes a statement that stands
+// before and may return, in the baseline alone.
 #pragma once
 
 #include "simd/level.h"

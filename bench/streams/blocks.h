@@ -1,9 +1,11 @@
 // Generators whose blocks a compiler turns into vectors: the fastest that are known for each form of number.
 //
-//   SFMT      M. Saito and M. Matsumoto, SIMD-oriented fast Mersenne twister, MCQMC 2006 (2008) 607: 128 bits a step
-//   dSFMT     the same, A PRNG specialized in double precision floating point numbers using an affine transition,
+// SFMT      M. Saito and M. Matsumoto, SIMD-oriented fast Mersenne twister, MCQMC 2006 (2008) 607: 128 bits
+// a step dSFMT     the same, A PRNG specialized in double precision floating point numbers using an affine
+// transition,
 //             MCQMC 2008 (2009) 589
-//   Xoshiro   D. Blackman and S. Vigna, Scrambled linear pseudorandom number generators, ACM TOMS 47 (2021) 36: up to
+// Xoshiro   D. Blackman and S. Vigna, Scrambled linear pseudorandom number generators, ACM TOMS 47 (2021)
+// 36: up to
 //             eight generators side by side
 #pragma once
 
@@ -16,8 +18,8 @@
 namespace qkr::bench::QKR_SIMD_LEVEL {
 namespace {
 
-// Both twisters hold a block of numbers that are given out before the next is made. The values of the state do not
-// matter for the time.
+// Both twisters hold a block of numbers that are given out before the next is made. The values of the state
+// do not matter for the time.
 struct Sfmt {
   using Element = uint32_t;
   static constexpr int steps = 156, middle = 122, numbers = 4 * steps;

@@ -64,7 +64,8 @@ TYPED_TEST(Distributions, SplitAsTheyLike) {
   }
 }
 
-// A stream whose words are in part 0, which has no logarithm; the first block of them is about to be given out.
+// A stream whose words are in part 0, which has no logarithm; the first block of them is about to be given
+// out.
 Stream stream_with_zeros() {
   Stream stream = new_stream(0x800000, {7});
   draw_words(stream, 1);

@@ -128,8 +128,8 @@ TYPED_TEST(SameBits, AtAllLevelsLengthsAndPlaces) {
   }
 }
 
-// Inputs that a kernel serves otherwise than most, such as large angles, powers of negative numbers and zeros,
-// come in runs, so that whole stretches of a vector are of them, with others between.
+// Inputs that a kernel serves otherwise than most, such as large angles, powers of negative numbers and
+// zeros, come in runs, so that whole stretches of a vector are of them, with others between.
 template <class T>
 void come_in_runs(Case<T> &c) {
   Random random{5};

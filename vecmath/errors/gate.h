@@ -13,8 +13,9 @@ __attribute__((cold)) void report_error(int32_t status, int32_t index, const dou
 __attribute__((cold)) void report_error(int32_t status, int32_t index, const float *a, const float *b,
                                         float *r1, float *r2, const char *name);
 
-// The cells of the calling thread, made at first use; null if there is no memory, which no caller tests. Where
-// they are is remembered, as short vector calls and reports would notice two calls of the C library a look.
+// The cells of the calling thread, made at first use; null if there is no memory, which no caller tests.
+// Where they are is remembered, as short vector calls and reports would notice two calls of the C library a
+// look.
 #define QKR_THREAD_CELL(accessor, Type)                                   \
   extern __attribute__((tls_model("initial-exec"), visibility("hidden"))) \
   QKR_THREAD_LOCAL Type *accessor##_found;                                \

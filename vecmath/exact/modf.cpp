@@ -19,8 +19,8 @@ struct Modf : UnaryKernel<T, 2> {
     }
   }
 
-  // The subtraction leaves out infinities, which it would make NaNs, and with `small` what lies below 1: there x
-  // is the fraction, and with denormals-are-zero a difference need not be x.
+  // The subtraction leaves out infinities, which it would make NaNs, and with `small` what lies below 1:
+  // there x is the fraction, and with denormals-are-zero a difference need not be x.
   using B = Bits<T>;
   using U = typename B::Unsigned;
   template <class V>

@@ -74,8 +74,9 @@ struct Parts {
     pattern = bits(x);
     magnitude = pattern & ~B::sign;
     sign = pattern & B::sign;
-    // The 2^s - 1 with s bits behind the point, all of the fraction field below one and none from 2^52 on: 2^s
-    // is in reach of exponent arithmetic, and the low bits of 2^52 + (2^s - 1) spell the difference. Exact.
+    // The 2^s - 1 with s bits behind the point, all of the fraction field below one and none from 2^52 on:
+    // 2^s is in reach of exponent arithmetic, and the low bits of 2^52 + (2^s - 1) spell the difference.
+    // Exact.
     const U exponent = between(pattern & B::infinity, U{} + B::one, U{} + B::all_integers);
     const auto power = real((B::one + B::all_integers) - exponent);
     behind_point = bits(power + (B::integers_from - 1)) & B::fraction;

@@ -1,5 +1,5 @@
-// The floating-point environment of a kernel: looked at on entry; where it differs from what the kernel wants,
-// changed, and the caller's restored at the end.
+// The floating-point environment of a kernel: looked at on entry; where it differs from what the kernel
+// wants, changed, and the caller's restored at the end.
 #pragma once
 
 #include "simd/vectors.h"

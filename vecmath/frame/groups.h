@@ -10,11 +10,11 @@
 //   core(x) or core(x, y)       the formulas, for any vector; with two results a Pair
 //   scalar(x) or scalar(x, y)   a special element by itself: its Outcome
 // Where core finds the special lanes on its way it takes Flags & last and sets them, in place of special. In
-// place of scalar there may be treat(i, arrays), which stores and reports by itself. Ordinary inputs that core
-// leaves out for its speed may be served, at more cost, by wider_core(x, flags) or (x, y, flags), which gives
-// the bits of core where that serves and those of scalar elsewhere. An exact function may
-// leave all of these out; where core serves every lane and scalar only tells the status, events_are_right
-// stands in K.
+// place of scalar there may be treat(i, arrays), which stores and reports by itself. Ordinary inputs that
+// core leaves out for its speed may be served, at more cost, by wider_core(x, flags) or (x, y, flags),
+// which gives the bits of core where that serves and those of scalar elsewhere. An exact function may leave
+// all of these out; where core serves every lane and scalar only tells the status, events_are_right stands
+// in K.
 #pragma once
 
 #include <qkr/vecmath_control.h>
@@ -285,8 +285,8 @@ QKR_NOINLINE void in_changed_environment(ptrdiff_t n, const T *a, const T *b, T 
   vectors<K, alone>(n, a, b, r, q);
 }
 
-// The same in the environment that the kernel wants. Every way out is a jump, as in a call for few elements each
-// call and return counts.
+// The same in the environment that the kernel wants. Every way out is a jump, as in a call for few elements
+// each call and return counts.
 template <class K, auto alone = nullptr>
 QKR_INLINE void run(ptrdiff_t n, Arrays<typename K::Element> v) {
   constexpr ptrdiff_t length = sizeof(Native<typename K::Element>) / sizeof(typename K::Element);

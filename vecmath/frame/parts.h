@@ -1,5 +1,5 @@
-// The first lanes of a vector into memory, by single stores: a loop over them becomes a call of the C library, and
-// what a masked store has written cannot be loaded again at once.
+// The first lanes of a vector into memory, by single stores: a loop over them becomes a call of the C
+// library, and what a masked store has written cannot be loaded again at once.
 #pragma once
 
 #include "simd/simd.h"

@@ -69,7 +69,8 @@ struct Logarithm : UnaryKernel<typename Log::Element, Log::group_width> {
     if (x == 0) return {-infinity<T>, VXM_STATUS_SING};
     if (x < 0) return {indefinite<T>(), VXM_STATUS_ERRDOM};
     if (x == infinity<T>) return {x};
-    // Its fraction as a number below 1, times 2^52 (float 2^23) again: operations on a subnormal number are slow.
+    // Its fraction as a number below 1, times 2^52 (float 2^23) again: operations on a subnormal number are
+    // slow.
     const auto log = logarithm_sum<Log>((real(bits(x) | Log::one) - T(1)) * Log::subnormal_scale);
     return {(log.second - Log::subnormal_log) + log.first};
   }

@@ -1,6 +1,6 @@
 // Reduction of an argument modulo pi/2, for any double, to a sum of two doubles (M. H. Payne and R. N. Hanek,
-// ACM SIGNUM Newsletter 18 (1983) 19, in floating-point chunks) from 2^30 on, by quarter_turns.h below. The unit
-// is pi/4: x = (2 n + f) pi/4, f in [-1, 1].
+// ACM SIGNUM Newsletter 18 (1983) 19, in floating-point chunks) from 2^30 on, by quarter_turns.h below. The
+// unit is pi/4: x = (2 n + f) pi/4, f in [-1, 1].
 #include "simd/vectors.h"
 #include "vecmath/frame/numbers.h"
 #include "vecmath/real/circular/cores.h"

@@ -1,5 +1,5 @@
-// Reduction modulo pi/2 below 2^30, of a number or of a vector: x less whole quarter turns, pi/4 being taken in
-// parts (W. J. Cody and W. Waite, Software Manual for the Elementary Functions, 1980).
+// Reduction modulo pi/2 below 2^30, of a number or of a vector: x less whole quarter turns, pi/4 being
+// taken in parts (W. J. Cody and W. Waite, Software Manual for the Elementary Functions, 1980).
 #pragma once
 
 #include "simd/simd.h"
@@ -38,8 +38,8 @@ struct QuarterTurns {
 template <class V>
 QKR_INLINE QuarterTurns<V> quarter_turns(V x) {
   constexpr double two_over_pi = 0x1.45f306dc9c883p-1;
-  // Up to 2^30 the count of eighths times each part of pi/4 is exact: parts of 27, 28, 27 bits for counts of up
-  // to 24 bits, of 20, 21, 20, 20 bits beyond.
+  // Up to 2^30 the count of eighths times each part of pi/4 is exact: parts of 27, 28, 27 bits for counts
+  // of up to 24 bits, of 20, 21, 20, 20 bits beyond.
   constexpr double few_parts[] = {0.7853981629014015, 4.960467904491228e-10, -6.088525906594782e-19,
                                   1.7607799325916e-27, 0};
   constexpr double many_parts[] = {0.7853975296020508, 6.337954800983425e-07, -8.256991011063031e-14,

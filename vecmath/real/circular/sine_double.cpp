@@ -1,5 +1,5 @@
-// Sine and cosine in double, over the formulas of sine_double.h. Arguments from 90112 on take a reduction modulo
-// pi/2 first, those from 2^30 on one by one.
+// Sine and cosine in double, over the formulas of sine_double.h. Arguments from 90112 on take a reduction
+// modulo pi/2 first, those from 2^30 on one by one.
 #include "vecmath/real/circular/sine_double.h"
 
 #include "vecmath/frame/function.h"

@@ -1,6 +1,6 @@
-// The tangent by a table of short polynomials, at the nodes of a regular grid, for the tangent less its pole, and
-// the pole's term -1/s in two parts, s being the distance from it. (Tables on a regular grid: P. T. P. Tang,
-// Proc. 10th IEEE Symposium on Computer Arithmetic (1991) 232.)
+// The tangent by a table of short polynomials, at the nodes of a regular grid, for the tangent less its
+// pole, and the pole's term -1/s in two parts, s being the distance from it. (Tables on a regular grid: P.
+// T. P. Tang, Proc. 10th IEEE Symposium on Computer Arithmetic (1991) 232.)
 #pragma once
 
 #include "vecmath/real/circular/grid.h"

@@ -1,4 +1,5 @@
-// The tangent in double. Arguments from 12800 on take a reduction modulo pi/2 first, those from 2^30 on one by one.
+// The tangent in double. Arguments from 12800 on take a reduction modulo pi/2 first, those from 2^30 on one
+// by one.
 #include "vecmath/frame/function.h"
 #include "vecmath/frame/numbers.h"
 #include "vecmath/real/circular/tangent.h"
