@@ -237,44 +237,33 @@ TEST(Factors, AreThoseOfTheStages) {
 // The route of a length shows in the size of its work buffer. In units that are 16 bytes in double and 8 in
 // single precision, and so many bytes more.
 TYPED_TEST(Plans, TakeTheRouteOfTheirLength) {
-  const struct {
-    Kind kind;
+  struct Row {
     size_t length;
     double units;
     int32_t bytes;
-  } rows[] = {
-      {interleaved, 1, 0, 0},
-      {interleaved, 4, 0, 0},
-      {interleaved, 8, 0, 0},
-      {interleaved, 16, 16, 16},
-      {interleaved, 5, 5, 16},
-      {interleaved, 149, 149, 16},
-      {split, 149, 149, 16},
-      {interleaved, 6, 6, 16},
-      {interleaved, 14, 14 + 14, 16},
-      {interleaved, 21, 21 + 7, 16},
-      {interleaved, 22500, 22500, 16},
-      {interleaved, 151, 512 + 512, 32},
-      {interleaved, 257, 1024 + 1024, 32},
-      {split, 302, 1024 + 1024, 32},
-      {real, 15, 15, 16},
-      {real, 30, 15, 16},
-      {real, 179, 89.5, 16},
-      {real, 181, 512 + 512, 32},
-      {real, 302, 512 + 512, 32},
-      {real, 35, 35 + 7, 16},
-      {out_of_order, 5000, 5000, 16},
-      {out_of_order, 5005, 13, 16},
-      {out_of_order, 6000, 0, 0},
-      {out_of_order, 5004, 139, 16},
-      {out_of_order, 5003, 16384 + 16384, 32},
   };
+  const std::vector<Row> rows[kinds] = {
+      {{1, 0, 0},
+       {4, 0, 0},
+       {8, 0, 0},
+       {16, 16, 16},
+       {5, 5, 16},
+       {149, 149, 16},
+       {6, 6, 16},
+       {14, 28, 16},
+       {21, 28, 16},
+       {22500, 22500, 16},
+       {151, 1024, 32},
+       {257, 2048, 32}},
+      {{149, 149, 16}, {302, 2048, 32}},
+      {{15, 15, 16}, {30, 15, 16}, {179, 89.5, 16}, {181, 1024, 32}, {302, 1024, 32}, {35, 42, 16}},
+      {{5000, 5000, 16}, {5005, 13, 16}, {6000, 0, 0}, {5004, 139, 16}, {5003, 32768, 32}}};
   constexpr int unit = 2 * sizeof(TypeParam);
-  for (const auto &row : rows) {
-    const Plan<TypeParam> plan(functions<TypeParam>[any_length], row.kind, row.length);
-    EXPECT_EQ(plan.work_bytes(), (int32_t)(row.units * unit) + row.bytes)
-        << kind_names[row.kind] << ' ' << row.length;
-  }
+  for (const Kind kind : {interleaved, split, real, out_of_order})
+    for (const auto &[length, units, bytes] : rows[kind]) {
+      const Plan<TypeParam> plan(functions<TypeParam>[any_length], kind, length);
+      EXPECT_EQ(plan.work_bytes(), (int32_t)(units * unit) + bytes) << kind_names[kind] << ' ' << length;
+    }
 }
 
 TEST(Memory, IsAlignedAndGoesBackThroughEitherSet) {
