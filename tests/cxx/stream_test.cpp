@@ -103,29 +103,30 @@ TEST(CxxDistributions, RefuseParametersOutOfRange) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   std::vector<double> x(4, 7);
   std::vector<int32_t> k(4, 7);
-  const qkr::status answers[] = {s.try_normal(x, 0, -1),
-                                 s.try_normal(x, 0, nan),
-                                 s.try_uniform(x, 1, 1),
-                                 s.try_uniform(x, 0, nan),
-                                 s.try_exponential(x, 0, 0),
-                                 s.try_laplace(x, 0, -2),
-                                 s.try_weibull(x, 0),
-                                 s.try_cauchy(x, 0, -1),
-                                 s.try_rayleigh(x, 0, 0),
-                                 s.try_lognormal(x, 0, -1),
-                                 s.try_gumbel(x, 0, 0),
-                                 s.try_gamma(x, -1),
-                                 s.try_beta(x, 1, 0),
-                                 s.try_uniform(k, 3, 3),
-                                 s.try_bernoulli(k, 1.5),
-                                 s.try_geometric(k, 0),
-                                 s.try_binomial(k, -1, 0.5),
-                                 s.try_poisson(k, -1.0),
-                                 s.try_poisson(k, std::span(x).first(3)),
-                                 s.try_hypergeometric(k, 5, 6, 1),
-                                 s.try_negative_binomial(k, -1, 0.5),
-                                 s.try_uniform_53(x, 2, 1)};
-  for (const qkr::status &answer : answers) EXPECT_EQ(answer, bad) << &answer - answers;
+  int row = 0;
+  for (const qkr::status answer : {s.try_normal(x, 0, -1),
+                                   s.try_normal(x, 0, nan),
+                                   s.try_uniform(x, 1, 1),
+                                   s.try_uniform(x, 0, nan),
+                                   s.try_exponential(x, 0, 0),
+                                   s.try_laplace(x, 0, -2),
+                                   s.try_weibull(x, 0),
+                                   s.try_cauchy(x, 0, -1),
+                                   s.try_rayleigh(x, 0, 0),
+                                   s.try_lognormal(x, 0, -1),
+                                   s.try_gumbel(x, 0, 0),
+                                   s.try_gamma(x, -1),
+                                   s.try_beta(x, 1, 0),
+                                   s.try_uniform(k, 3, 3),
+                                   s.try_bernoulli(k, 1.5),
+                                   s.try_geometric(k, 0),
+                                   s.try_binomial(k, -1, 0.5),
+                                   s.try_poisson(k, -1.0),
+                                   s.try_poisson(k, std::span(x).first(3)),
+                                   s.try_hypergeometric(k, 5, 6, 1),
+                                   s.try_negative_binomial(k, -1, 0.5),
+                                   s.try_uniform_53(x, 2, 1)})
+    EXPECT_EQ(answer, bad) << row++;
   EXPECT_EQ(s.try_normal(x, 0, 1, 9).code(), VXS_STATUS_BAD_METHOD);
   EXPECT_EQ(x, std::vector<double>(4, 7));
   EXPECT_EQ(k, std::vector<int32_t>(4, 7));

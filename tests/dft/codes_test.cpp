@@ -51,14 +51,12 @@ TEST_F(Codes, OfABlockThatIsNoDescriptor) {
   char text[4096] = "no descriptor";
   DftDescriptor *wrong = reinterpret_cast<DftDescriptor *>(text);
   const int32_t strides[] = {1};
-  const int32_t answers[] = {set(&wrong, DFTX_PLACEMENT, DFTX_INPLACE),
-                             set_scale(&wrong, DFTX_FORWARD_SCALE, 1),
-                             qkr_dft_set_strides(&wrong, strides, strides),
-                             qkr_dft_def_commit_descriptor_external(&wrong),
-                             qkr_dft_def_free_descriptor_external(&wrong),
-                             qkr_dft_def_compute_forward_z(&wrong, data),
-                             qkr_dft_def_compute_backward_zd_out(&wrong, data, other)};
-  for (const int32_t answer : answers) EXPECT_EQ(answer, DFTX_BAD_DESCRIPTOR);
+  for (const int32_t answer :
+       {set(&wrong, DFTX_PLACEMENT, DFTX_INPLACE), set_scale(&wrong, DFTX_FORWARD_SCALE, 1),
+        qkr_dft_set_strides(&wrong, strides, strides), qkr_dft_def_commit_descriptor_external(&wrong),
+        qkr_dft_def_free_descriptor_external(&wrong), qkr_dft_def_compute_forward_z(&wrong, data),
+        qkr_dft_def_compute_backward_zd_out(&wrong, data, other)})
+    EXPECT_EQ(answer, DFTX_BAD_DESCRIPTOR);
   EXPECT_STREQ(text, "no descriptor");
 }
 
