@@ -135,60 +135,62 @@ void for_lengths(std::initializer_list<int> orders, std::initializer_list<size_t
 }
 
 // The three formats hold the same spectrum, CCS zeros where it says so, which the inverse does not read.
+template <class T>
+void expect_same_spectrum(const Functions<T> &f, size_t n) {
+  SCOPED_TRACE(testing::Message() << f.name << ' ' << n);
+  const auto x = signal<T>(n, (unsigned)n);
+  const Plan<T> plan(f, real, n);
+  std::vector<T> of_ccs(spectrum_size(ccs, n), T(9)), back(n), back_of_ccs(n);
+  f.real[true][ccs](x.data(), of_ccs.data(), plan, nullptr);
+  EXPECT_TRUE(of_ccs[1] == 0 && (n % 2 || of_ccs[n + 1] == 0));
+  const LongNumbers numbers(of_ccs.begin(), of_ccs.end());
+  of_ccs[1] = T(5);
+  if (n % 2 == 0) of_ccs[n + 1] = T(5);
+  f.real[false][ccs](of_ccs.data(), back_of_ccs.data(), plan, nullptr);
+  for (const Format format : {perm, pack}) {
+    std::vector<T> y(n + 1, T(-7));
+    f.real[true][format](x.data(), y.data(), plan, nullptr);
+    EXPECT_EQ(y.back(), T(-7)) << "written beyond the spectrum";
+    y.pop_back();
+    EXPECT_EQ(y, in_format<T>(numbers, format, n)) << format;
+    f.real[false][format](y.data(), back.data(), plan, nullptr);
+    EXPECT_EQ(back, back_of_ccs) << format;
+  }
+}
 TYPED_TEST(Transforms, FormatsHoldTheSameSpectrum) {
-  using T = TypeParam;
-  for_lengths<T>({0, 1, 2, 3, 4, 7, 12}, {1, 2, 3, 4, 5, 6, 7, 15, 16, 30, 181, 302},
-                 [](const Functions<T> &f, size_t n) {
-                   const auto x = signal<T>(n, (unsigned)n);
-                   const Plan<T> plan(f, real, n);
-                   std::vector<T> of_ccs(spectrum_size(ccs, n), T(9)), back(n), back_of_ccs(n);
-                   f.real[true][ccs](x.data(), of_ccs.data(), plan, nullptr);
-                   EXPECT_EQ(of_ccs[1], T(0)) << f.name << ' ' << n;
-                   EXPECT_TRUE(n % 2 || of_ccs[n + 1] == 0) << f.name << ' ' << n;
-                   const LongNumbers numbers(of_ccs.begin(), of_ccs.end());
-                   of_ccs[1] = T(5);
-                   if (n % 2 == 0) of_ccs[n + 1] = T(5);
-                   f.real[false][ccs](of_ccs.data(), back_of_ccs.data(), plan, nullptr);
-                   for (const Format format : {perm, pack}) {
-                     std::vector<T> y(n + 1, T(-7));
-                     f.real[true][format](x.data(), y.data(), plan, nullptr);
-                     EXPECT_EQ(y.back(), T(-7)) << "written beyond the spectrum";
-                     y.pop_back();
-                     EXPECT_EQ(y, in_format<T>(numbers, format, n)) << f.name << ' ' << n << ' ' << format;
-                     f.real[false][format](y.data(), back.data(), plan, nullptr);
-                     EXPECT_EQ(back, back_of_ccs) << f.name << ' ' << n << ' ' << format;
-                   }
-                 });
+  for_lengths<TypeParam>({0, 1, 2, 3, 4, 7, 12}, {1, 2, 3, 4, 5, 6, 7, 15, 16, 30, 181, 302},
+                         expect_same_spectrum<TypeParam>);
 }
 
 // A plan with a flag divides what one without gives by a power of the length.
-TYPED_TEST(Transforms, NormalisationIsThatOfTheFlag) {
-  using T = TypeParam;
+template <class T>
+void expect_normalised(const Functions<T> &f, size_t n) {
   const struct {
     int flag;
     double exponents[2];  // inverse, forward
   } rows[] = {{1, {0, 1}}, {2, {1, 0}}, {4, {0.5, 0.5}}};
   const double tolerance = sizeof(T) == 8 ? 0x1p-47 : 0x1p-18;
-  for_lengths<T>({0, 1, 2, 3, 4, 5, 9, 10, 11, 12, 15, 17, 18},
-                 {1, 2, 3, 4, 5, 8, 15, 30, 151, 181, 302, 5005}, [&](const Functions<T> &f, size_t n) {
-                   for (const Form form : f.forms())
-                     for (const bool forward : {false, true}) {
-                       auto x = signal<T>(2 * n + 2, (unsigned)n);
-                       const auto transformed = [&](int flag) {
-                         std::vector<T> y(2 * n + 2);
-                         run(f, form, forward, {x.data(), x.data() + n}, {y.data(), y.data() + n},
-                             Plan<T>(f, form.kind, n, flag));
-                         return y;
-                       };
-                       const auto unscaled = transformed(8);
-                       for (const auto &[flag, exponents] : rows) {
-                         LongNumbers expected(unscaled.begin(), unscaled.end());
-                         for (auto &value : expected) value /= std::pow(n, exponents[forward]);
-                         EXPECT_LE(relative_error(transformed(flag), expected), tolerance)
-                             << told(f, n, form, forward) << ", flag " << flag;
-                       }
-                     }
-                 });
+  auto x = signal<T>(2 * n + 2, (unsigned)n);
+  for (const Form form : f.forms())
+    for (const bool forward : {false, true}) {
+      const auto transformed = [&](int flag) {
+        std::vector<T> y(2 * n + 2);
+        run(f, form, forward, {x.data(), x.data() + n}, {y.data(), y.data() + n},
+            Plan<T>(f, form.kind, n, flag));
+        return y;
+      };
+      const auto unscaled = transformed(8);
+      for (const auto &[flag, exponents] : rows) {
+        LongNumbers expected(unscaled.begin(), unscaled.end());
+        for (auto &value : expected) value /= std::pow(n, exponents[forward]);
+        EXPECT_LE(relative_error(transformed(flag), expected), tolerance)
+            << told(f, n, form, forward) << ", flag " << flag;
+      }
+    }
+}
+TYPED_TEST(Transforms, NormalisationIsThatOfTheFlag) {
+  for_lengths<TypeParam>({0, 1, 2, 3, 4, 5, 9, 10, 11, 12, 15, 17, 18},
+                         {1, 2, 3, 4, 5, 8, 15, 30, 151, 181, 302, 5005}, expect_normalised<TypeParam>);
 }
 
 // Levels agree in which results are NaNs, and in all others, where the input has NaNs and infinities.
