@@ -33,7 +33,7 @@ class Codes : public testing::Test {
   }
 };
 
-// What the sequences of model_test.cpp do not come to: sizes beyond memory, and numbers that no array has room for.
+// What the sequences of model_test.cpp do not come to: sizes beyond memory, numbers beyond all arrays.
 TEST_F(Codes, OfLargeNumbers) {
   for (const std::vector<int32_t> &lengths : {std::vector{65536, 65536}, {INT32_MAX, INT32_MAX, INT32_MAX}})
     EXPECT_EQ(create(&descriptor, DFTX_SINGLE, DFTX_COMPLEX, static_cast<int32_t>(lengths.size()), lengths),

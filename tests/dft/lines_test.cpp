@@ -1,5 +1,5 @@
-// Codelets, and lines one a lane, get the bits of one line after the other through the engine, in place and from
-// one array to another, whatever their number, and touch nothing beyond their numbers.
+// Codelets, and lines one a lane, get the bits of one line after the other through the engine, in place and
+// from one array to another, whatever their number, and touch nothing beyond their numbers.
 #include "dft/codelets/lines.h"
 
 #include <algorithm>

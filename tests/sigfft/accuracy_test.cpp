@@ -21,8 +21,8 @@ TYPED_TEST_SUITE(LongAccuracy, Precisions);
 template <class T>
 constexpr double epsilon = sizeof(T) == 8 ? 0x1p-53 : 0x1p-24;
 
-// Errors over as many signals as make up 2^12 points, since those of one short transform are a matter of luck.
-// Forward and inverse share one exact transform: the inverse is the forward one read backward.
+// Errors over as many signals as make up 2^12 points, since those of one short transform are a matter of
+// luck. Forward and inverse share one exact transform: the inverse is the forward one read backward.
 template <class T>
 void expect_accurate(const Functions<T> &f, size_t n) {
   const Plan<T> plan(f, interleaved, n), real_plan(f, real, n);

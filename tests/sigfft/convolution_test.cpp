@@ -1,5 +1,5 @@
-// Linear convolution at all borders between methods and parts: each method to the last bit as it is told, that of
-// integers against exact sums.
+// Linear convolution at all borders between methods and parts: each method to the last bit as it is told,
+// those of integers against exact sums.
 #include <algorithm>
 
 #include "convolution_functions.h"

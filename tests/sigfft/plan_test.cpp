@@ -1,5 +1,5 @@
-// Plans of powers of two and of any length: sizes, factors and routes, the order of checks, memory of their own
-// and of the caller, failing allocations.
+// Plans of powers of two and of any length: sizes, factors and routes, the order of checks, memory of their
+// own and of the caller, failing allocations.
 #include <cstring>
 #include <gtest/gtest.h>
 

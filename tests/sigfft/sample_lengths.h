@@ -1,5 +1,5 @@
-// Lengths of all routes and borders between them: fixed code, direct sums, each factor alone and beside others,
-// odd and even, one stage and several, long stages, chirps just below and above a power of two.
+// Lengths of all routes and borders between them: fixed code, direct sums, each factor alone and beside
+// others, odd and even, one stage and several, long stages, chirps just below and above a power of two.
 #pragma once
 
 #include <cstddef>
