@@ -139,15 +139,16 @@ const std::vector<Border> borders = [] {
 
 TYPED_TEST(Convolution, FollowsItsMethodToTheLastBit) {
   using T = TypeParam;
-  for (const auto &[a, b, method] : borders) {
+  for (const Border &border : borders) {
+    const size_t a = border.longer, b = border.shorter;
     SCOPED_TRACE(testing::Message() << a << " and " << b);
     const auto x = random_vector<T>(a, 1), h = random_vector<T>(b, 2);
     for_each_level([&, a = a, b = b, method = method](const char *level) {
       SCOPED_TRACE(level);
-      const auto expected = as_told(x, h, method);
+      const auto expected = as_told(x, h, border.method);
       EXPECT_TRUE(same_bits(convolved(x, h), expected));
       // Of sequences of one length the first is x; but products commute.
-      EXPECT_TRUE(same_bits(convolved(h, x), a == b ? as_told(h, x, method) : expected));
+      EXPECT_TRUE(same_bits(convolved(h, x), a == b ? as_told(h, x, border.method) : expected));
     });
   }
 }
@@ -184,8 +185,9 @@ TYPED_TEST(Convolution, DirectSumsHaveTheBitsOfThePlainLoop) {
 
 TYPED_TEST(Convolution, TouchesOnlyItsArrays) {
   using T = TypeParam;
-  for (const auto &[a, b, method] : borders)
+  for (const Border &border : borders)
     for (const Edge edge : {Edge::end, Edge::start}) {
+      const size_t a = border.longer, b = border.shorter;
       Guarded<T> x(a, edge), h(b, edge), dst(a + b - 1, edge);
       x.data()[0] = h.data()[0] = 1;
       for_each_level([&, a = a, b = b](const char *level) {
@@ -260,7 +262,8 @@ Numbers<int16_t> convolved(const Numbers<int16_t> &x, const Numbers<int16_t> &h,
 
 // Sums that single precision holds exactly, or as near as a transform comes, rounded to nearest even.
 TEST(IntegerConvolution, RoundsAndSaturatesTheSums) {
-  for (const auto &[a, b, method] : borders) {
+  for (const Border &border : borders) {
+    const size_t a = border.longer, b = border.shorter;
     auto x = random_vector<int16_t>(a, 1), h = random_vector<int16_t>(b, 2);
     for (auto &v : x) v = (int16_t)(v % 64);
     for (auto &v : h) v = (int16_t)(v % 8);
@@ -268,7 +271,7 @@ TEST(IntegerConvolution, RoundsAndSaturatesTheSums) {
     for (size_t i = 0; i < a; ++i)
       for (size_t j = 0; j < b; ++j) sums[i + j] += x[i] * h[j];
     for (const int scale : {0, 1, 3, -3, -6, 40, -40}) {
-      if ((scale > 0 || scale < -6) && method != direct) continue;  // the transform has an error
+      if ((scale > 0 || scale < -6) && border.method != direct) continue;  // the transform has an error
       Numbers<int16_t> expected;
       for (const int64_t sum : sums) {
         const double value = std::nearbyint(std::ldexp((double)sum, -scale));

@@ -156,9 +156,10 @@ TEST(IntegerProducts, AtAllCornersOfTheirNumbers) {
         for (const int16_t bi : corners) a.insert(a.end(), {ar, ai}), b.insert(b.end(), {br, bi});
   std::vector<int32_t> scales = {INT32_MIN, INT32_MIN + 1, INT32_MAX, -64, 64};
   for (int32_t scale = -34; scale <= 34; ++scale) scales.push_back(scale);
-  for (const auto &[layout, multiply] : {std::pair(perm, &zprsMulPerm_16s_Sfs), {pack, &zprsMulPack_16s_Sfs}})
+  for (const Layout layout : {perm, pack})
     for (const int32_t scale : scales)
       for_each_level([&](const char *level) {
+        const auto multiply = layout == perm ? zprsMulPerm_16s_Sfs : zprsMulPack_16s_Sfs;
         std::vector<int16_t> dst(a.size());
         EXPECT_EQ(multiply(a.data(), b.data(), dst.data(), (int)a.size(), scale), zprStsNoErr);
         EXPECT_EQ(dst, exact_products(layout, a, b, scale)) << level << ", scale " << scale;
