@@ -97,7 +97,7 @@ void add_plan(const Form &form, int order, const std::regex &filter) {
   const std::string size = '/' + std::to_string(size_t{1} << order) + '/';
   add(name + level_names[(int)supported_level()] + size + "qkr", order, filter, [=](benchmark::State &state) {
     force_level(supported_level());
-    for (auto _ : state) tests::Plan<T>(functions<T>[0], form.kind, order);
+    for (auto _ : state) tests::Plan<T>(functions<T>[0], form.kind, size_t{1} << order);
     state.counters["aim"] = 2;
   });
   add(name + "any" + size + "fftw_estimate", order, filter, [=, &form](benchmark::State &state) {

@@ -12,23 +12,23 @@
 #include "run.h"
 #include "sigfft/contenders.h"
 #include "simd/level.h"
-#include "tests/sigfft/any_length_engines.h"
+#include "tests/sigfft/engines.h"
 
 namespace qkr::bench {
 namespace {
 
-using tests::AnyKind;
+using tests::Kind;
 
 struct AnyForm {
   const char *name;
-  AnyKind kind;
+  Kind kind;
   Form peer;
 };
 constexpr AnyForm forms[] = {
-    {"AnyComplex", tests::any_interleaved, {"", tests::interleaved, false}},
-    {"AnySplit", tests::any_split, {"", tests::split, false}},
-    {"AnyReal", tests::any_real, {"", tests::real, false}},
-    {"AnyOutOfOrder", tests::any_out_of_order, {"", tests::interleaved, false}},
+    {"AnyComplex", tests::interleaved, {"", tests::interleaved, false}},
+    {"AnySplit", tests::split, {"", tests::split, false}},
+    {"AnyReal", tests::real, {"", tests::real, false}},
+    {"AnyOutOfOrder", tests::out_of_order, {"", tests::interleaved, false}},
 };
 
 // What the aims differ by.
@@ -94,16 +94,16 @@ Arrays<T> arrays(int32_t n) {
 
 // Unnormalised, with a work buffer of its own; real ones to CCS format, which is FFTW's.
 template <class T>
-Transform ours(AnyKind kind, int32_t n, Arrays<T> a) {
-  const auto &f = tests::any_length<T>;
-  const auto plan = std::make_shared<tests::AnyPlan<T>>(kind, n);
+Transform ours(Kind kind, int32_t n, Arrays<T> a) {
+  const auto &f = functions<T>[tests::any_length];
+  const auto plan = std::make_shared<tests::Plan<T>>(f, kind, (size_t)n);
   const std::shared_ptr<uint8_t> work(w6_zprsMalloc_8u(plan->work_bytes() + 64), w6_zprsFree);
   const auto with = [=](auto call) -> Transform { return [=] { call((const void *)*plan, work.get()); }; };
-  if (kind == tests::any_split)
+  if (kind == tests::split)
     return with([=, run = f.split[1]](auto p, auto w) { run(a.src, a.src + n, a.dst, a.dst + n, p, w); });
-  const auto run = kind == tests::any_real           ? f.real[1][tests::ccs]
-                   : kind == tests::any_out_of_order ? f.out_of_order[1]
-                                                     : f.complex[1];
+  const auto run = kind == tests::real           ? f.real[1][tests::ccs]
+                   : kind == tests::out_of_order ? f.out_of_order[1]
+                                                 : f.complex[1];
   return with([=](auto p, auto w) { run(a.src, a.dst, p, w); });
 }
 
@@ -159,7 +159,7 @@ void add_plan(const AnyForm &form, const Length &length, const std::regex &filte
   const std::string size = '/' + std::to_string(n) + '/';
   add(name + level_names[(int)supported_level()] + size + "qkr", n, filter, [=](benchmark::State &state) {
     force_level(supported_level());
-    for (auto _ : state) tests::AnyPlan<T>(form.kind, n);
+    for (auto _ : state) tests::Plan<T>(functions<T>[tests::any_length], form.kind, (size_t)n);
     state.counters["aim"] = 1;
   });
   add(name + "any" + size + "fftw_estimate", n, filter, [=, &form](benchmark::State &state) {

@@ -48,11 +48,10 @@ Arrays<T> two_arrays(size_t used) {
 template <class T>
 Transform ours(const Form &form, int order, Arrays<T> a) {
   const auto &f = functions<T>[form.set];
-  const auto plan = std::make_shared<tests::Plan<T>>(f, form.kind, order);
-  int32_t size = 0;
-  if (f.plan[form.kind].get_buffer_size(*plan, &size) != zprStsNoErr) return nullptr;
-  const std::shared_ptr<uint8_t> work(w6_zprsMalloc_8u(size + 64), w6_zprsFree);
   const size_t n = size_t{1} << order;
+  const auto plan = std::make_shared<tests::Plan<T>>(f, form.kind, n);
+  if (!(const void *)*plan) return nullptr;
+  const std::shared_ptr<uint8_t> work(w6_zprsMalloc_8u(plan->work_bytes() + 64), w6_zprsFree);
   const auto with = [=](auto call) -> Transform { return [=] { call((const void *)*plan, work.get()); }; };
   switch (form.kind) {
     case tests::interleaved:

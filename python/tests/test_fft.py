@@ -1,7 +1,5 @@
 """Transforms beside SciPy's, through the module and through SciPy's own functions."""
 
-import threading
-
 import numpy as np
 import pytest
 import scipy.fft
@@ -216,19 +214,8 @@ def test_cache_keeps_its_bounds_and_what_was_used_last():
         qkr.fft.cache_limit(limits.most_transforms, limits.most_points)
 
 
-def test_threads_share_the_cache():
+def test_threads_share_the_cache(in_threads):
     x = [random_array(np.random.default_rng(n), (20, n), "D") for n in (64, 100, 64, 1000)]
     expected = [qkr.fft.fft(y) for y in x]
-    wrong = []
-
-    def work(k):
-        for _ in range(50):
-            if not np.array_equal(qkr.fft.fft(x[k], workers=2), expected[k]):
-                wrong.append(k)
-
-    threads = [threading.Thread(target=work, args=(k,)) for k in range(4)]
-    for thread in threads:
-        thread.start()
-    for thread in threads:
-        thread.join()
-    assert not wrong
+    same = in_threads(lambda k: [np.array_equal(qkr.fft.fft(x[k], workers=2), expected[k]) for _ in range(50)])
+    assert np.all(same)

@@ -345,18 +345,8 @@ def test_a_draw_waits_for_the_lock_without_the_gil():
         stream.lock.release()
 
 
-def test_threads_share_a_stream_without_losing_numbers():
-    stream = qr.MT19937(17)
-    generator = np.random.Generator(stream)
+def test_threads_share_a_stream_without_losing_numbers(in_threads):
+    generator = np.random.Generator(qr.MT19937(17))
     expected = np.sort(np.random.Generator(qr.MT19937(17)).random(4 * 20000))
-    parts = [None] * 4
-
-    def draw(k):
-        parts[k] = np.concatenate([generator.random(1000) for _ in range(20)])
-
-    threads = [threading.Thread(target=draw, args=(k,)) for k in range(4)]
-    for thread in threads:
-        thread.start()
-    for thread in threads:
-        thread.join()
+    parts = in_threads(lambda k: np.concatenate([generator.random(1000) for _ in range(20)]))
     assert np.array_equal(np.sort(np.concatenate(parts)), expected)

@@ -161,20 +161,6 @@ TEST(Dispatch, FollowsTheFields) {
           }
 }
 
-// Default starts: the first element of the whole result only where the kind is that of a correlation.
-TEST(Dispatch, ChoosesTheStart) {
-  const double x[] = {2, 3}, y[] = {5, 7};
-  const int32_t two = 2, one = 1;
-  for (const auto &[kind, expected] : {std::pair{1, 10.}, {2, 15.}, {0, 31.}, {9, 31.}}) {
-    double z = 77;
-    ConvCorrTask *task = nullptr;
-    __vxsNewTask(&task, kind, 0, VXS_CC_DIRECT, 0, VXS_CC_DOUBLE, 1, &two, &two, &one);
-    EXPECT_EQ(__vxsExec(task, x, nullptr, y, nullptr, &z, nullptr), VXS_CC_OK);
-    EXPECT_EQ(z, expected) << kind;
-    __vxsDeleteTask(&task);
-  }
-}
-
 template <class T>
 using Line = int32_t (*)(const T *, int32_t, const T *, int32_t, T *, int32_t, int32_t, int32_t, int32_t,
                          int32_t);

@@ -20,6 +20,7 @@ TEST(CxxArrays, AlignedMemoryMoves) {
 
 template <class From, class To, class Back = From>
 void there_and_back(std::vector<From> whole) {
+  while (whole.size() < 200) whole.push_back(whole[whole.size() - 3]);
   std::vector<To> to(whole.size());
   std::vector<From> back(whole.size());
   qkr::convert(whole, to);
@@ -86,6 +87,30 @@ TEST(CxxArrays, PackAndUnpack) {
   std::vector<float> s(4), t(2);
   qkr::pack(s, 2, t);
   qkr::unpack(t, s, 2);
+}
+
+// In several pieces.
+TEST(CxxArrays, PackAndUnpackManyElements) {
+  for (const size_t n : {63, 64, 65, 128, 1000}) {
+    SCOPED_TRACE(n);
+    std::vector<double> x(2 * n), y(n), z(2 * n), dense(n), spread(2 * n);
+    std::vector<int32_t> mask(2 * n), index(n);
+    for (size_t i = 0; i < 2 * n; ++i)
+      x[i] = double(i + 1), mask[i] = i % 2 == 0, index[i / 2] = int32_t(i / 2 * 2);
+    qkr::pack(x, 2, y);
+    for (size_t i = 0; i < n; ++i) ASSERT_EQ(y[i], double(2 * i + 1));
+    qkr::unpack(y, z, 2);
+    for (size_t i = 0; i < 2 * n; ++i) ASSERT_EQ(z[i], mask[i] ? x[i] : 0);
+    qkr::pack_where(x, mask, dense);
+    EXPECT_EQ(dense, y);
+    qkr::unpack_where(y, spread, mask);
+    EXPECT_EQ(spread, z);
+    dense.assign(n, 0), spread.assign(2 * n, 0);
+    qkr::pack(x, index, dense);
+    EXPECT_EQ(dense, y);
+    qkr::unpack(y, spread, index);
+    EXPECT_EQ(spread, z);
+  }
 }
 
 }  // namespace

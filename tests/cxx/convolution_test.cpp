@@ -17,39 +17,46 @@ std::vector<T> numbers(size_t n, unsigned seed) {
   return x;
 }
 
-TEST(CxxConvolution, BitsOfTheCFunctions) {
-  const std::vector<double> x = numbers<double>(500, 1), h = numbers<double>(40, 2);
-  std::vector<double> y(539), expected(539);
-  zprsConv_64f(x.data(), 500, h.data(), 40, expected.data());
-  qkr::convolve(x, h, y);
+template <class T, class C, class... Scale>
+void expect_convolved(C c, size_t nx, size_t nh, Scale... scale) {
+  const std::vector<T> x = numbers<T>(nx, 1), h = numbers<T>(nh, 2);
+  std::vector<T> y(nx + nh - 1), expected(y.size());
+  c(x.data(), int32_t(nx), h.data(), int32_t(nh), expected.data(), scale...);
+  qkr::convolve(x, h, y, scale...);
   EXPECT_EQ(y, expected);
-  const std::vector<float> xs = numbers<float>(50, 1), hs = numbers<float>(7, 2);
-  std::vector<float> ys(56), expected_s(56);
-  zprsConv_32f(xs.data(), 50, hs.data(), 7, expected_s.data());
-  EXPECT_TRUE(qkr::try_convolve(xs, hs, ys).ok());
-  EXPECT_EQ(ys, expected_s);
-  const std::vector<int16_t> xi = numbers<int16_t>(50, 1), hi = numbers<int16_t>(7, 2);
-  std::vector<int16_t> yi(56), expected_i(56);
-  zprsConv_16s_Sfs(xi.data(), 50, hi.data(), 7, expected_i.data(), 1);
-  qkr::convolve(xi, hi, yi, 1);
-  EXPECT_EQ(yi, expected_i);
-  EXPECT_EQ(qkr::try_convolve(x, h, std::span(y).first(538)), bad_size);
-  EXPECT_EQ(qkr::try_convolve(x, std::span<const double>(), std::span(y).first(499)), bad_size);
-  EXPECT_THROW(qkr::convolve(x, h, std::span(y).first(2)), qkr::error);
+  EXPECT_EQ(qkr::try_convolve(x, h, std::span(y).first(y.size() - 1), scale...), bad_size);
+  EXPECT_EQ(qkr::try_convolve(x, std::span<const T>(), std::span(y).first(nx - 1), scale...), bad_size);
+  EXPECT_THROW(qkr::convolve(x, h, std::span(y).first(2), scale...), qkr::error);
+}
+
+TEST(CxxConvolution, BitsOfTheCFunctions) {
+  expect_convolved<double>(zprsConv_64f, 500, 40);
+  expect_convolved<float>(zprsConv_32f, 50, 7);
+  expect_convolved<int16_t>(zprsConv_16s_Sfs, 50, 7, 1);
+}
+
+// Of `n` numbers, by C++ and by C.
+template <class T, size_t n, class Cxx, class C>
+void expect_same(Cxx cxx, C c) {
+  const std::vector<T> a = numbers<T>(n, 3), b = numbers<T>(n, 4);
+  std::vector<T> out(n), expected(n);
+  c(a.data(), b.data(), expected.data());
+  cxx(std::span<const T, n>(a), std::span<const T, n>(b), std::span<T, n>(out));
+  EXPECT_EQ(out, expected);
 }
 
 TEST(CxxConvolution, CyclicOnesAndProducts) {
-  const std::vector<float> a = numbers<float>(8, 3), b = numbers<float>(8, 4);
-  std::vector<float> out(8), expected(8);
-  zprsConvCyclic8x8_32f(a.data(), b.data(), expected.data());
-  qkr::convolve_cyclic(std::span<const float, 8>(a), std::span<const float, 8>(b), std::span<float, 8>(out));
-  EXPECT_EQ(out, expected);
-  const std::vector<int16_t> ai = numbers<int16_t>(8, 3), bi = numbers<int16_t>(8, 4);
-  std::vector<int16_t> outi(8), expectedi(8);
-  zprsConvCyclic8x8_16s_Sfs(ai.data(), bi.data(), expectedi.data(), 1);
-  qkr::convolve_cyclic(std::span<const int16_t, 8>(ai), std::span<const int16_t, 8>(bi),
-                       std::span<int16_t, 8>(outi), 1);
-  EXPECT_EQ(outi, expectedi);
+  expect_same<float, 8>([](auto... x) { qkr::convolve_cyclic(x...); }, zprsConvCyclic8x8_32f);
+  expect_same<int16_t, 8>([](auto... x) { qkr::convolve_cyclic(x..., 1); },
+                          [](auto... x) { zprsConvCyclic8x8_16s_Sfs(x..., 1); });
+  expect_same<float, 9>([](auto... x) { qkr::multiply_perm(x...); },
+                        [](auto... x) { zprsMulPerm_32f(x..., 9); });
+  expect_same<float, 8>([](auto... x) { qkr::multiply_pack(x...); },
+                        [](auto... x) { zprsMulPack_32f(x..., 8); });
+  expect_same<int16_t, 9>([](auto... x) { qkr::multiply_pack(x..., 1); },
+                          [](auto... x) { zprsMulPack_16s_Sfs(x..., 9, 1); });
+  expect_same<int16_t, 8>([](auto... x) { qkr::multiply_perm(x..., 1); },
+                          [](auto... x) { zprsMulPerm_16s_Sfs(x..., 8, 1); });
   const std::array<float, 4> re = {1, 2, 3, 4};
   const std::array<std::complex<float>, 4> unit = {1};
   std::array<std::complex<float>, 4> product;
@@ -77,17 +84,6 @@ TEST(CxxConvolution, CyclicOnesAndProducts) {
   H = X;
   qkr::multiply_pack_by_conjugate(X, H);  // a power spectrum: imaginary parts vanish
   for (size_t k = 2; k < 29; k += 2) EXPECT_EQ(H[k], 0.0);
-  std::vector<float> fa = numbers<float>(9, 1), fb = fa, fc(9), fd(9);
-  qkr::multiply_perm(fa, fb, fc);
-  zprsMulPerm_32f(fa.data(), fb.data(), fd.data(), 9);
-  EXPECT_EQ(fc, fd);
-  std::vector<int16_t> ia = numbers<int16_t>(9, 1), ic(9), id(9);
-  qkr::multiply_pack(ia, ia, ic, 1);
-  zprsMulPack_16s_Sfs(ia.data(), ia.data(), id.data(), 9, 1);
-  EXPECT_EQ(ic, id);
-  qkr::multiply_perm(ia, ia, ic, 1);
-  zprsMulPerm_16s_Sfs(ia.data(), ia.data(), id.data(), 9, 1);
-  EXPECT_EQ(ic, id);
 }
 
 TEST(CxxTask, BitsOfTheCFunctions) {

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <functional>
 #include <gtest/gtest.h>
+#include <numeric>
 #include <qkr/qkr.hpp>
 #include <random>
 #include <string>
@@ -52,7 +53,8 @@ TEST(CxxDistributions, NumbersOfTheCFunctions) {
                        {"uniform_53", [](stream &s, auto &out) { return s.try_uniform_53(out, -1, 2); },
                         [](StreamState *s, double *out) { return qkr_uniform_53(s, n, out, -1, 2); }}});
   expect_same<float>({REAL_ROWS(float, s)});
-  std::vector<double> means(n, 3.5);
+  std::vector<double> means(n);
+  std::iota(means.begin(), means.end(), 0.5);
   expect_same<int32_t>(
       {ROW(int32_t, uniform, _vxsiRngUniform, 0, -2, 9),
        ROW(int32_t, bernoulli, _vxsiRngBernoulli, 0, 0.25),
@@ -75,11 +77,12 @@ TEST(CxxDistributions, DefaultsAndThrowingForms) {
   EXPECT_THROW(ours.normal(numbers, 0, -1), qkr::error);
   ours.uniform(numbers);
   EXPECT_LT(*std::max_element(numbers.begin(), numbers.end()), 1.0f);
-  std::vector<uint32_t> words(9);
-  stream large{qkr::wh(3), 5};
+  std::vector<uint32_t> words(4 * n + 1), expected_words(4 * n + 1);
+  stream large{qkr::wh(3), 5}, other_large = large.clone();
   EXPECT_EQ(large.try_bits(words), bad);  // four words each
-  large.bits(std::span(words).first(8));
-  EXPECT_TRUE(words[7] != 0 && words[8] == 0);
+  large.bits(std::span(words).first(4 * n));
+  _vxsiRngUniformBits(0, other_large.handle(), n, expected_words.data());
+  EXPECT_EQ(words, expected_words);
 }
 
 TEST(CxxDistributions, VectorsNeedTheirSizes) {
@@ -100,29 +103,30 @@ TEST(CxxDistributions, RefuseParametersOutOfRange) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   std::vector<double> x(4, 7);
   std::vector<int32_t> k(4, 7);
-  const qkr::status answers[] = {s.try_normal(x, 0, -1),
-                                 s.try_normal(x, 0, nan),
-                                 s.try_uniform(x, 1, 1),
-                                 s.try_uniform(x, 0, nan),
-                                 s.try_exponential(x, 0, 0),
-                                 s.try_laplace(x, 0, -2),
-                                 s.try_weibull(x, 0),
-                                 s.try_cauchy(x, 0, -1),
-                                 s.try_rayleigh(x, 0, 0),
-                                 s.try_lognormal(x, 0, -1),
-                                 s.try_gumbel(x, 0, 0),
-                                 s.try_gamma(x, -1),
-                                 s.try_beta(x, 1, 0),
-                                 s.try_uniform(k, 3, 3),
-                                 s.try_bernoulli(k, 1.5),
-                                 s.try_geometric(k, 0),
-                                 s.try_binomial(k, -1, 0.5),
-                                 s.try_poisson(k, -1.0),
-                                 s.try_poisson(k, std::span(x).first(3)),
-                                 s.try_hypergeometric(k, 5, 6, 1),
-                                 s.try_negative_binomial(k, -1, 0.5),
-                                 s.try_uniform_53(x, 2, 1)};
-  for (const qkr::status &answer : answers) EXPECT_EQ(answer, bad) << &answer - answers;
+  int row = 0;
+  for (const qkr::status answer : {s.try_normal(x, 0, -1),
+                                   s.try_normal(x, 0, nan),
+                                   s.try_uniform(x, 1, 1),
+                                   s.try_uniform(x, 0, nan),
+                                   s.try_exponential(x, 0, 0),
+                                   s.try_laplace(x, 0, -2),
+                                   s.try_weibull(x, 0),
+                                   s.try_cauchy(x, 0, -1),
+                                   s.try_rayleigh(x, 0, 0),
+                                   s.try_lognormal(x, 0, -1),
+                                   s.try_gumbel(x, 0, 0),
+                                   s.try_gamma(x, -1),
+                                   s.try_beta(x, 1, 0),
+                                   s.try_uniform(k, 3, 3),
+                                   s.try_bernoulli(k, 1.5),
+                                   s.try_geometric(k, 0),
+                                   s.try_binomial(k, -1, 0.5),
+                                   s.try_poisson(k, -1.0),
+                                   s.try_poisson(k, std::span(x).first(3)),
+                                   s.try_hypergeometric(k, 5, 6, 1),
+                                   s.try_negative_binomial(k, -1, 0.5),
+                                   s.try_uniform_53(x, 2, 1)})
+    EXPECT_EQ(answer, bad) << row++;
   EXPECT_EQ(s.try_normal(x, 0, 1, 9).code(), VXS_STATUS_BAD_METHOD);
   EXPECT_EQ(x, std::vector<double>(4, 7));
   EXPECT_EQ(k, std::vector<int32_t>(4, 7));
@@ -242,14 +246,17 @@ TEST(CxxStream, FilesAndAbstractStreams) {
   EXPECT_THROW(stream("/no/such/file"), qkr::error);
 
   static double buffer[4];
+  static int left = 20;  // calls that bring numbers
   const auto update = [](StreamState *, int32_t *, double *out, int32_t *, int32_t *free, int32_t *position) {
     for (int32_t i = 0; i < *free; ++i) out[(*position + i) % 4] = 0.25 * i;
-    return *free;
+    return left-- > 0 ? *free : 0;
   };
   stream ours = stream::abstract_of(std::span(buffer), 0.0, 1.0, AbstractUpdateD(update));
   std::vector<double> x(4);
   ours.uniform(x);
   EXPECT_EQ(x, (std::vector<double>{0, 0.25, 0.5, 0.75}));
+  x.resize(1000);
+  EXPECT_EQ(ours.try_uniform(x).code(), VXS_STATUS_NO_NUMBERS);  // of the piece that fails
   EXPECT_EQ(ours.try_reset_abstract(std::span<double>(), 0, 1, update), bad);
   const BrngRecord record = qkr::properties(qkr::mt2203(5));
   EXPECT_EQ(record.StateSize, 312);

@@ -1,4 +1,5 @@
 // Vector functions of qkr.hpp: the bits of the C functions, sizes, and what becomes of bad elements.
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -30,95 +31,83 @@ void expect_bits(const char *name, const std::vector<T> &ours, const std::vector
 using qkr::detail::element;
 using qkr::detail::elements;
 
+static_assert(qkr::detail::longest_piece == 64);  // longer arrays go to the C functions in pieces
 constexpr int32_t n = 203;
 
-template <class T, class Cxx, class Twin, class C>
-void of_one(const char *name, Cxx cxx, Twin twin, C c) {
-  const std::vector<T> a = numbers<T>(n, 1);
-  std::vector<T> r(n), expected(n), short_r(n - 1);
-  c(n, elements(a.data()), elements(expected.data()));
-  cxx(a, r);
-  expect_bits(name, r, expected);
-  r = a;
-  EXPECT_TRUE(twin(r, r).ok());  // in place
-  expect_bits(name, r, expected);
-  EXPECT_EQ(twin(a, short_r), qkr::status(qkr::room::vecmath, VXM_STATUS_BADSIZE)) << name;
-  EXPECT_THROW(cxx(a, short_r), qkr::error) << name;
-  EXPECT_EQ(short_r, std::vector<T>(n - 1));
-}
-template <class T, class Cxx, class Twin, class C>
-void of_two(const char *name, Cxx cxx, Twin twin, C c) {
-  const std::vector<T> a = numbers<T>(n, 1), b = numbers<T>(n, 2), short_b(n - 1);
-  std::vector<T> r(n), expected(n);
-  c(n, elements(a.data()), elements(b.data()), elements(expected.data()));
-  cxx(a, b, r);
-  expect_bits(name, r, expected);
-  EXPECT_TRUE(twin(a, b, r).ok());
-  expect_bits(name, r, expected);
-  EXPECT_EQ(twin(a, short_b, r).code(), VXM_STATUS_BADSIZE) << name;
-  EXPECT_EQ(twin(short_b, b, r).code(), VXM_STATUS_BADSIZE) << name;
-  EXPECT_THROW(cxx(a, short_b, r), qkr::error) << name;
-}
-template <class T, class Cxx, class Twin, class C>
-void to_two(const char *name, Cxx cxx, Twin twin, C c) {
-  const std::vector<T> a = numbers<T>(n, 1);
-  std::vector<T> r1(n), r2(n), expected1(n), expected2(n), short_r(n - 1);
-  c(n, a.data(), expected1.data(), expected2.data());
-  cxx(a, r1, r2);
-  expect_bits(name, r1, expected1);
-  expect_bits(name, r2, expected2);
-  EXPECT_EQ(twin(a, short_r, r2).code(), VXM_STATUS_BADSIZE) << name;
-  EXPECT_EQ(twin(a, r1, short_r).code(), VXM_STATUS_BADSIZE) << name;
-  EXPECT_THROW(cxx(a, r1, short_r), qkr::error) << name;
+// The bits of the C function, in place too; arrays of different sizes are refused.
+template <class T, int inputs, int outputs, class Cxx, class Twin, class C>
+void expect_bits_of(const char *name, Cxx cxx, Twin twin, C c) {
+  for (const int32_t size : {64, 128, n}) {
+    std::array<std::vector<T>, inputs + outputs> arrays;
+    for (int k = 0; k < inputs + outputs; ++k)
+      arrays[k] = k < inputs ? numbers<T>(size, k + 1) : std::vector<T>(size);
+    auto expected = arrays;
+    std::apply([&](auto &...x) { c(size, elements(x.data())...); }, expected);
+    std::apply(cxx, arrays);
+    for (int k = inputs; k < inputs + outputs; ++k) expect_bits(name, arrays[k], expected[k]);
+    auto again = arrays;
+    EXPECT_TRUE(std::apply(twin, again).ok()) << name;
+    EXPECT_EQ(memcmp(again.back().data(), arrays.back().data(), size * sizeof(T)), 0) << name;
+    for (auto &array : again) {
+      array.pop_back();
+      EXPECT_EQ(std::apply(twin, again), qkr::status(qkr::room::vecmath, VXM_STATUS_BADSIZE)) << name;
+      EXPECT_THROW(std::apply(cxx, again), qkr::error) << name;
+      array.push_back({});
+    }
+    if constexpr (inputs + outputs == 2) {
+      EXPECT_TRUE(twin(arrays[0], arrays[0]).ok());
+      expect_bits(name, arrays[0], expected[1]);
+    }
+  }
 }
 
 #define CALLS(name) \
 #name, [](auto &&...x) { qkr::name(x...); }, [](auto &&...x) { return qkr::try_##name(x...); }
-#define REALS(form, name, C, suffix)           \
-  form<double>(CALLS(name), _vxmd##C##suffix); \
-  form<float>(CALLS(name), _vxms##C##suffix);
-#define BOTH(form, name, C)                               \
-  REALS(form, name, C, _HA)                               \
-  form<std::complex<double>>(CALLS(name), _vxmz##C##_HA); \
-  form<std::complex<float>>(CALLS(name), _vxmc##C##_HA);
+#define REALS(inputs, outputs, name, C, suffix)                           \
+  expect_bits_of<double, inputs, outputs>(CALLS(name), _vxmd##C##suffix); \
+  expect_bits_of<float, inputs, outputs>(CALLS(name), _vxms##C##suffix);
+#define BOTH(inputs, outputs, name, C)                                               \
+  REALS(inputs, outputs, name, C, _HA)                                               \
+  expect_bits_of<std::complex<double>, inputs, outputs>(CALLS(name), _vxmz##C##_HA); \
+  expect_bits_of<std::complex<float>, inputs, outputs>(CALLS(name), _vxmc##C##_HA);
 
 TEST(CxxVecmath, BitsOfTheCFunctions) {
   const qkr::element_policy silent(VXM_MODE_IGNORE);
-  BOTH(of_one, exp, Exp)
-  BOTH(of_one, log, Ln)
-  BOTH(of_one, log10, Log10)
-  BOTH(of_one, sqrt, Sqrt)
-  BOTH(of_one, sin, Sin)
-  BOTH(of_one, cos, Cos)
-  BOTH(of_one, tan, Tan)
-  BOTH(of_one, asin, Asin)
-  BOTH(of_one, acos, Acos)
-  BOTH(of_one, atan, Atan)
-  BOTH(of_one, sinh, Sinh)
-  BOTH(of_one, cosh, Cosh)
-  BOTH(of_one, tanh, Tanh)
-  BOTH(of_one, asinh, Asinh)
-  BOTH(of_one, acosh, Acosh)
-  BOTH(of_one, atanh, Atanh)
-  BOTH(of_two, pow, Pow)
-  REALS(of_one, inv_sqrt, InvSqrt, _HA)
-  REALS(of_one, cbrt, Cbrt, _HA)
-  REALS(of_one, inv_cbrt, InvCbrt, _HA)
-  REALS(of_one, inv, Inv, _HA)
-  REALS(of_one, erf, Erf, _HA)
-  REALS(of_one, erfc, Erfc, _HA)
-  REALS(of_one, erf_inv, ErfInv, _HA)
-  REALS(of_two, div, Div, _HA)
-  REALS(of_two, hypot, Hypot, _HA)
-  REALS(of_two, atan2, Atan2, _HA)
-  REALS(to_two, sincos, SinCos, _HA)
-  REALS(of_one, ceil, Ceil, )
-  REALS(of_one, floor, Floor, )
-  REALS(of_one, trunc, Trunc, )
-  REALS(of_one, round, Round, )
-  REALS(of_one, rint, Rint, )
-  REALS(of_one, nearbyint, NearbyInt, )
-  REALS(to_two, modf, Modf, )
+  BOTH(1, 1, exp, Exp)
+  BOTH(1, 1, log, Ln)
+  BOTH(1, 1, log10, Log10)
+  BOTH(1, 1, sqrt, Sqrt)
+  BOTH(1, 1, sin, Sin)
+  BOTH(1, 1, cos, Cos)
+  BOTH(1, 1, tan, Tan)
+  BOTH(1, 1, asin, Asin)
+  BOTH(1, 1, acos, Acos)
+  BOTH(1, 1, atan, Atan)
+  BOTH(1, 1, sinh, Sinh)
+  BOTH(1, 1, cosh, Cosh)
+  BOTH(1, 1, tanh, Tanh)
+  BOTH(1, 1, asinh, Asinh)
+  BOTH(1, 1, acosh, Acosh)
+  BOTH(1, 1, atanh, Atanh)
+  BOTH(2, 1, pow, Pow)
+  REALS(1, 1, inv_sqrt, InvSqrt, _HA)
+  REALS(1, 1, cbrt, Cbrt, _HA)
+  REALS(1, 1, inv_cbrt, InvCbrt, _HA)
+  REALS(1, 1, inv, Inv, _HA)
+  REALS(1, 1, erf, Erf, _HA)
+  REALS(1, 1, erfc, Erfc, _HA)
+  REALS(1, 1, erf_inv, ErfInv, _HA)
+  REALS(2, 1, div, Div, _HA)
+  REALS(2, 1, hypot, Hypot, _HA)
+  REALS(2, 1, atan2, Atan2, _HA)
+  REALS(1, 2, sincos, SinCos, _HA)
+  REALS(1, 1, ceil, Ceil, )
+  REALS(1, 1, floor, Floor, )
+  REALS(1, 1, trunc, Trunc, )
+  REALS(1, 1, round, Round, )
+  REALS(1, 1, rint, Rint, )
+  REALS(1, 1, nearbyint, NearbyInt, )
+  REALS(1, 2, modf, Modf, )
 }
 
 TEST(CxxVecmath, OneExponentForAll) {

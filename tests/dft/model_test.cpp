@@ -85,7 +85,8 @@ class Sequence {
     // Mostly good, so that there is something to set, commit and compute.
     const bool any = below(4) == 0;
     const int32_t precision = any ? 34 + below(4) : 35 + below(2),
-                  domain = any ? 31 + below(4) : 32 + below(2), dimension = any ? below(9) : 1 + below(3);
+                  domain = any ? 31 + below(4) : 32 + below(2),
+                  dimension = any ? below(10) - 1 : 1 + below(3);
     int32_t lengths[9];
     for (int32_t &n : lengths) n = below(30) == 0 ? -below(3) : 1 + below(6);
     if (dimension == 1 && below(2)) lengths[0] = 1 << below(8);
@@ -96,8 +97,17 @@ class Sequence {
     else if (domain != DFTX_COMPLEX && domain != DFTX_REAL) expected = DFTX_INVALID_ARGUMENT;
     else if (dimension > 3) expected = DFTX_UNIMPLEMENTED;
     else if (precision != DFTX_SINGLE && precision != DFTX_DOUBLE) expected = DFTX_INVALID_ARGUMENT;
-    ASSERT_EQ(qkr_dft_def_create_descriptor_highd(&handle_, &precision, &domain, &dimension, lengths),
-              expected);
+    // Bad dimensions leave the handle alone, any other failure makes it null.
+    static int32_t somewhere;
+    DftDescriptor *const untouched = reinterpret_cast<DftDescriptor *>(&somewhere);
+    handle_ = untouched;
+    const auto entry = below(2) ? qkr_dft_def_create_descriptor_highd : qkr_dft_def_create_descriptor_1d;
+    const int32_t code = entry(&handle_, &precision, &domain, &dimension, lengths);
+    const bool is_left = handle_ == untouched;
+    if (is_left) handle_ = nullptr;
+    ASSERT_EQ(code, expected);
+    ASSERT_EQ(is_left, dimension < 1 || dimension > 7 || !positive);
+    ASSERT_EQ(handle_ != nullptr, expected == DFTX_NO_ERROR);
     if (!expected) model_ = {true, false, precision, domain, dimension};
   }
   void release() {
@@ -108,7 +118,7 @@ class Sequence {
   }
   void set() {
     static constexpr int32_t settings[] = {7, 8, 9, 10, 10, 11, 14, 15, 18, 21, 21, 26};
-    const int32_t parameter = below(4) ? settings[below(12)] : below(30) - 1;
+    const int32_t parameter = below(4) ? settings[below(12)] : below(50) ? below(30) - 1 : INT32_MAX;
     // Counts, distances and limits stay small, so that the data have room.
     const bool number = parameter == 7 || parameter == 14 || parameter == 15 || parameter == 26;
     const bool far = (parameter == 14 || parameter == 15) && below(2);
@@ -117,7 +127,7 @@ class Sequence {
         << parameter << ' ' << value;
   }
   void set_scale() {
-    const int32_t parameter = 3 + below(4);
+    const int32_t parameter = below(2) ? 4 + below(2) : below(30) - 1;
     const double value = below(2) ? 1 : 0.5;
     const bool good = model_.exists && (parameter == 4 || parameter == 5);
     ASSERT_EQ(qkr_dft_def_set_value_dblval(&handle_, &parameter, &value),
@@ -130,9 +140,12 @@ class Sequence {
     for (int i = 0; i < 3; ++i) {
       input[i] = below(40) ? 1 + below(12) : 0;
       output[i] = below(40) ? 1 + below(12) : -1;
-      if (i < model_.dimension) good = good && input[i] > 0 && output[i] > 0;
     }
-    ASSERT_EQ(qkr_dft_set_strides(&handle_, input, output), good ? DFTX_NO_ERROR : DFTX_INVALID_ARGUMENT);
+    // Complex data have one array, whose strides may stand for both.
+    const int32_t *const first = below(20) ? input : nullptr, *const second = below(5) ? output : nullptr;
+    good = good && first && (second || model_.domain == DFTX_COMPLEX);
+    for (int i = 0; i < model_.dimension; ++i) good = good && first[i] > 0 && (!second || second[i] > 0);
+    ASSERT_EQ(qkr_dft_set_strides(&handle_, first, second), good ? DFTX_NO_ERROR : DFTX_INVALID_ARGUMENT);
     model_.is_committed = false;
   }
   void compute() {

@@ -139,30 +139,6 @@ TEST(Uniform, StaysInsideItsBoundsInTheAccurateForm) {
   EXPECT_EQ(bounded, (Doubles{0, 0, 0.5, 1, 1, 0}));
 }
 
-TEST(Exponential, OfZeroIsTheFloorOfTheLogarithm) {
-  const Stream stream = recorded_stream();
-  const Recorded numbers({0.0});
-  double x;
-  float single;
-  int32_t whole;
-  _vxsdRngExponential(0, stream.get(), 1, &x, 1, 2);
-  EXPECT_EQ(x, 1 + 2 * 744.4400719213812);
-  _vxssRngExponential(0, stream.get(), 1, &single, 0, 1);
-  EXPECT_EQ(single, 103.2789306640625f);
-  _vxsiRngGeometric(0, stream.get(), 1, &whole, 0.5);
-  EXPECT_EQ(whole, 149);  // the floor stands for ln 2^-149
-}
-
-TEST(Uniform, BitsAreTheGeneratorsWords) {
-  for (const uint32_t id : {0x400000u, 0x500000u, 0x800000u, 276u}) {
-    const Stream ours = new_stream(id, {5}), its = new_stream(id, {5});
-    const std::vector<uint32_t> expected = draw_words(its, 33);
-    std::vector<uint32_t> words(expected.size());
-    EXPECT_EQ(_vxsiRngUniformBits(0, ours.get(), 33, words.data()), VXS_STATUS_OK);
-    EXPECT_EQ(words, expected);
-  }
-}
-
 TEST(Lognormal, IgnoresTheMethod) {
   Doubles a(9), b(9);
   _vxsdRngLognormal(0, recorded_stream().get(), 9, a.data(), 0, 1, 0, 1);

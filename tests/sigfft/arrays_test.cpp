@@ -56,20 +56,17 @@ struct Member {
 };
 
 template <class T>
-void check_length(const Member<T> &member, size_t len, size_t alignment, const Bytes &source) {
+void check_length(const Member<T> &m, size_t len, size_t alignment, const Bytes &source) {
   const auto n = (int32_t)len;
-  const size_t bytes = len * sizeof(T), from = (alignment * 13 + len) % 32;
-  const auto src = (const T *)(source.data() + from);
-  const Bytes copied(source.begin() + (ptrdiff_t)from, source.begin() + (ptrdiff_t)(from + bytes));
-  expect_written(
-      copied, alignment, [&](void *dst) { EXPECT_EQ(member.copy(src, (T *)dst, n), zprStsNoErr); },
-      member.name);
-  expect_written(
-      Bytes(bytes), alignment, [&](void *dst) { EXPECT_EQ(member.zero((T *)dst, n), zprStsNoErr); },
-      member.name);
-  expect_written(
-      repeated(member.value, len), alignment,
-      [&](void *dst) { EXPECT_EQ(member.set(member.value, (T *)dst, n), zprStsNoErr); }, member.name);
+  const auto from = source.begin() + (ptrdiff_t)((alignment * 13 + len) % 32);
+  const auto check = [&](const Bytes &expected, auto work) {
+    expect_written(
+        expected, alignment, [&](void *dst) { EXPECT_EQ(work((T *)dst), zprStsNoErr); }, m.name);
+  };
+  check({from, from + (ptrdiff_t)(len * sizeof(T))},
+        [&](T *dst) { return m.copy((const T *)&*from, dst, n); });
+  check(Bytes(len * sizeof(T)), [&](T *dst) { return m.zero(dst, n); });
+  check(repeated(m.value, len), [&](T *dst) { return m.set(m.value, dst, n); });
 }
 
 template <class T>

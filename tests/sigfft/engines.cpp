@@ -13,38 +13,53 @@ To as(From f) {
 
 }  // namespace
 
-#define QKR_PLAN_ROW(prefix, kind)                                                                \
-  {                                                                                               \
-    prefix##zprsFFTGetSize_##kind, as<decltype(PlanFunctions::init)>(prefix##zprsFFTInit_##kind), \
-        as<decltype(PlanFunctions::init_alloc)>(prefix##zprsFFTInitAlloc_##kind),                 \
-        as<decltype(PlanFunctions::get_buffer_size)>(prefix##zprsFFTGetBufSize_##kind),           \
-        as<decltype(PlanFunctions::release)>(prefix##zprsFFTFree_##kind)                          \
+#define QKR_PLAN(family, kind)                                                 \
+  as<decltype(PlanFunctions::init_alloc)>(family##InitAlloc_##kind),           \
+      as<decltype(PlanFunctions::get_buffer_size)>(family##GetBufSize_##kind), \
+      as<decltype(PlanFunctions::release)>(family##Free_##kind)
+#define QKR_PLAN_WITH_SIZES(family, kind) \
+  QKR_PLAN(family, kind), family##GetSize_##kind, as<decltype(PlanFunctions::init)>(family##Init_##kind)
+#define QKR_BOTH(type, family, name) \
+  { as<type>(family##Inv_##name), as<type>(family##Fwd_##name) }
+#define QKR_FORMATS(type, family, suffix)                                             \
+  {                                                                                   \
+    {as<type>(family##Inv_PermToR_##suffix), as<type>(family##Inv_PackToR_##suffix),  \
+     as<type>(family##Inv_CCSToR_##suffix)},                                          \
+    {                                                                                 \
+      as<type>(family##Fwd_RToPerm_##suffix), as<type>(family##Fwd_RToPack_##suffix), \
+          as<type>(family##Fwd_RToCCS_##suffix)                                       \
+    }                                                                                 \
   }
-#define QKR_BOTH(type, prefix, name) \
-  { as<type>(prefix##zprsFFTInv_##name), as<type>(prefix##zprsFFTFwd_##name) }
-#define QKR_FORMATS(type, prefix, p, suffix)                                                              \
-  {                                                                                                       \
-    {as<type>(prefix##zprsFFTInv_PermToR_##p##suffix), as<type>(prefix##zprsFFTInv_PackToR_##p##suffix),  \
-     as<type>(prefix##zprsFFTInv_CCSToR_##p##suffix)},                                                    \
-    {                                                                                                     \
-      as<type>(prefix##zprsFFTFwd_RToPerm_##p##suffix), as<type>(prefix##zprsFFTFwd_RToPack_##p##suffix), \
-          as<type>(prefix##zprsFFTFwd_RToCCS_##p##suffix)                                                 \
-    }                                                                                                     \
+#define QKR_OUT(T, family, p)                                                                               \
+  QKR_BOTH(Functions<T>::Out, family, CToC_##p##fc), QKR_BOTH(Functions<T>::SplitOut, family, CToC_##p##f), \
+      QKR_FORMATS(Functions<T>::Out, family, p##f)
+#define QKR_POWERS_OF_TWO(T, name, family, p)                                          \
+  {                                                                                    \
+    name,                                                                              \
+        {{QKR_PLAN_WITH_SIZES(family, C_##p##fc)},                                     \
+         {QKR_PLAN_WITH_SIZES(family, C_##p##f)},                                      \
+         {QKR_PLAN_WITH_SIZES(family, R_##p##f)},                                      \
+         {}},                                                                          \
+        QKR_OUT(T, family, p), {}, QKR_BOTH(Functions<T>::In, family, CToC_##p##fc_I), \
+        QKR_BOTH(Functions<T>::SplitIn, family, CToC_##p##f_I),                        \
+        QKR_FORMATS(Functions<T>::In, family, p##f_I)                                  \
   }
-#define QKR_FUNCTIONS(T, name, prefix, p)                                                                    \
-  {                                                                                                          \
-    name, {QKR_PLAN_ROW(prefix, C_##p##fc), QKR_PLAN_ROW(prefix, C_##p##f), QKR_PLAN_ROW(prefix, R_##p##f)}, \
-        QKR_BOTH(Functions<T>::Out, prefix, CToC_##p##fc),                                                   \
-        QKR_BOTH(Functions<T>::In, prefix, CToC_##p##fc_I),                                                  \
-        QKR_BOTH(Functions<T>::SplitOut, prefix, CToC_##p##f),                                               \
-        QKR_BOTH(Functions<T>::SplitIn, prefix, CToC_##p##f_I),                                              \
-        QKR_FORMATS(Functions<T>::Out, prefix, p, f), QKR_FORMATS(Functions<T>::In, prefix, p, f_I)          \
+#define QKR_ANY_LENGTH(T, name, p)                                                             \
+  {                                                                                            \
+    name,                                                                                      \
+        {{QKR_PLAN(w6_zprsDFT, C_##p##fc)},                                                    \
+         {QKR_PLAN(w6_zprsDFT, C_##p##f)},                                                     \
+         {QKR_PLAN(w6_zprsDFT, R_##p##f)},                                                     \
+         {QKR_PLAN(w6_zprsDFTOutOrd, C_##p##fc)}},                                             \
+        QKR_OUT(T, w6_zprsDFT, p), QKR_BOTH(Functions<T>::Out, w6_zprsDFTOutOrd, CToC_##p##fc) \
   }
 
-const Functions<double> functions_double[2] = {QKR_FUNCTIONS(double, "w6 double", w6_, 64),
-                                               QKR_FUNCTIONS(double, "plain double", , 64)};
-const Functions<float> functions_single[2] = {QKR_FUNCTIONS(float, "w6 single", w6_, 32),
-                                              QKR_FUNCTIONS(float, "plain single", , 32)};
+const Functions<double> functions_double[3] = {QKR_POWERS_OF_TWO(double, "w6 double", w6_zprsFFT, 64),
+                                               QKR_POWERS_OF_TWO(double, "plain double", zprsFFT, 64),
+                                               QKR_ANY_LENGTH(double, "double", 64)};
+const Functions<float> functions_single[3] = {QKR_POWERS_OF_TWO(float, "w6 single", w6_zprsFFT, 32),
+                                              QKR_POWERS_OF_TWO(float, "plain single", zprsFFT, 32),
+                                              QKR_ANY_LENGTH(float, "single", 32)};
 
 std::vector<double> random_numbers(size_t count, unsigned seed) {
   std::mt19937_64 generator(seed);

@@ -1,8 +1,10 @@
-// Plans: their sizes, the order of checks, memory of their own and of the caller, failing allocations.
+// Plans of powers of two and of any length: sizes, factors and routes, the order of checks, memory of their
+// own and of the caller, failing allocations.
 #include <cstring>
 #include <gtest/gtest.h>
 
 #include "engines.h"
+#include "sigfft/any_length/plan/factors.h"
 #include "tests/support/allocations.h"
 
 namespace qkr::tests {
@@ -13,7 +15,6 @@ class Plans : public testing::Test {};
 using Precisions = testing::Types<double, float>;
 TYPED_TEST_SUITE(Plans, Precisions);
 
-enum Set { w6, plain };
 struct SizeRow {
   Set set;
   Kind kind;
@@ -39,27 +40,25 @@ TYPED_TEST(Plans, HaveTheirSizes) {
   for (const SizeRow &row : size_rows<T>) {
     const auto &f = functions<T>[row.set];
     SCOPED_TRACE(testing::Message() << f.name << ' ' << kind_names[row.kind] << ", order " << row.order);
-    int32_t spec = -1, init = -1, work = -1, buffer = -1;
+    int32_t spec = -1, init = -1, work = -1;
     ASSERT_EQ(f.plan[row.kind].get_size(row.order, 8, 0, &spec, &init, &work), zprStsNoErr);
     EXPECT_EQ(spec, row.spec);
     EXPECT_EQ(init, row.init);
     EXPECT_EQ(work, row.work);
-    if (row.order > 20) continue;
-    ASSERT_EQ(f.plan[row.kind].get_buffer_size(Plan<T>(f, row.kind, row.order), &buffer), zprStsNoErr);
-    EXPECT_EQ(buffer, row.work);
+    if (row.order <= 20) {
+      EXPECT_EQ(Plan<T>(f, row.kind, size_t{1} << row.order).work_bytes(), row.work);
+    }
   }
 }
 
 // The plain set, up to 2048 complex numbers, 4096 in single precision, and twice as many real ones.
 TYPED_TEST(Plans, OfThePlainSetNeedLittleWorkMemory) {
-  using T = TypeParam;
   for (const Kind kind : {interleaved, split, real}) {
-    const int largest = (sizeof(T) == 8 ? 11 : 12) + (kind == real);
+    const int largest = (sizeof(TypeParam) == 8 ? 11 : 12) + (kind == real);
     for (int order = 0; order <= largest + 1; ++order) {
-      int32_t size = -1;
-      const auto &f = functions<T>[plain];
-      ASSERT_EQ(f.plan[kind].get_buffer_size(Plan<T>(f, kind, order), &size), zprStsNoErr);
-      EXPECT_EQ(size == 0, order <= largest) << kind_names[kind] << ", order " << order;
+      const Plan<TypeParam> plan(
+          functions<TypeParam>[plain], kind, size_t { 1 } << order);
+      EXPECT_EQ(plan.work_bytes() == 0, order <= largest) << kind_names[kind] << ", order " << order;
     }
   }
 }
@@ -68,7 +67,7 @@ TYPED_TEST(Plans, OfThePlainSetNeedLittleWorkMemory) {
 // InitAlloc does.
 TYPED_TEST(Plans, FitIntoTheCallersMemory) {
   using T = TypeParam;
-  for (const auto &f : functions<T>)
+  for (const auto &f : sets_for_powers_of_two<T>())
     for (const Kind kind : {interleaved, split, real})
       for (const int order : {0, 3, 4, 5, 9, 10, 11, 13, 15, 17, 19})
         for (const size_t offset : {15, 0, 1}) {
@@ -88,31 +87,23 @@ TYPED_TEST(Plans, FitIntoTheCallersMemory) {
           std::fill(scratch.begin(), scratch.end(), mark);  // is not needed any more
 
           const size_t n = size_t{1} << order;
-          const Plan<T> own(f, kind, order, 1);
-          const auto x = signal<T>(2 * n), y = signal<T>(2 * n, 2);
-          auto a = x, b = x, a2 = y, b2 = y;
+          const Plan<T> own(f, kind, n, 1);
+          auto a = signal<T>(2 * n), b = a;
           std::vector<uint8_t> buffer(work);
-          if (kind == interleaved) {
-            f.complex_in_place[true](a.data(), plan, buffer.data()),
-                f.complex_in_place[true](b.data(), own, nullptr);
-          } else if (kind == split) {
-            f.split_in_place[true](a.data(), a2.data(), plan, buffer.data());
-            f.split_in_place[true](b.data(), b2.data(), own, nullptr);
-          } else {
-            f.real_in_place[true][perm](a.data(), plan, buffer.data());
-            f.real_in_place[false][perm](a.data(), plan, buffer.data());
-            f.real_in_place[true][perm](b.data(), own, nullptr);
-            f.real_in_place[false][perm](b.data(), own, nullptr);
+          for (const bool forward : {true, false}) {
+            const Parts<T> x = {a.data(), a.data() + n}, y = {b.data(), b.data() + n};
+            run(f, {kind}, forward, x, x, plan, buffer.data());
+            run(f, {kind}, forward, y, y, own);
           }
-          EXPECT_TRUE(a == b && a2 == b2);
+          EXPECT_TRUE(a == b);
           EXPECT_EQ(functions.release(plan), zprStsNoErr);
           EXPECT_EQ(functions.release(plan), zprStsContextMatchErr);
         }
 }
 
-TYPED_TEST(Plans, ChecksHaveAnOrder) {
+TYPED_TEST(Plans, CheckInOrder) {
   using T = TypeParam;
-  for (const auto &f : functions<T>)
+  for (const auto &f : sets_for_powers_of_two<T>())
     for (const Kind kind : {interleaved, split, real}) {
       const PlanFunctions &p = f.plan[kind];
       SCOPED_TRACE(testing::Message() << f.name << ' ' << kind_names[kind]);
@@ -125,60 +116,154 @@ TYPED_TEST(Plans, ChecksHaveAnOrder) {
       EXPECT_EQ(size, 77);
 
       void *plan = &size;
+      uint8_t memory[1024];
       EXPECT_EQ(p.init_alloc(nullptr, 31, 3, 0), zprStsNullPtrErr);
       EXPECT_EQ(p.init_alloc(&plan, 31, 3, 0), zprStsFftOrderErr);
-      const long in_use = allocations.live;
-      EXPECT_EQ(p.init_alloc(&plan, 5, 3, 0), zprStsFftFlagErr);
-      EXPECT_EQ(allocations.live, in_use);
-      uint8_t memory[1024];
       EXPECT_EQ(p.init(nullptr, 31, 3, 0, nullptr, nullptr), zprStsNullPtrErr);
       EXPECT_EQ(p.init(&plan, 31, 3, 0, nullptr, nullptr), zprStsFftOrderErr);
       EXPECT_EQ(p.init(&plan, 4, 3, 0, nullptr, nullptr), zprStsNullPtrErr);
       EXPECT_EQ(p.init(&plan, 4, 3, 0, memory, nullptr), zprStsFftFlagErr);
       EXPECT_EQ(p.init(&plan, 4, 8, 0, memory, nullptr), zprStsNullPtrErr);
       EXPECT_EQ(plan, (void *)&size);
+    }
+  for (const PlanFunctions &p : functions<T>[any_length].plan) {
+    void *const untouched = (void *)&p, *plan = untouched;
+    EXPECT_EQ(p.init_alloc(nullptr, 0, 3, 0), zprStsNullPtrErr);
+    for (const int32_t length : {0, -1, INT32_MIN})
+      EXPECT_EQ(p.init_alloc(&plan, length, 3, 0), zprStsSizeErr);
+    for (const int32_t flag : {0, 3, 16, -1})
+      for (const int32_t length : {1, 16, 15, 1009, INT32_MAX})
+        EXPECT_EQ(p.init_alloc(&plan, length, flag, 0), zprStsFftFlagErr) << length;
+    // A prime, a product of 2, 3 and 5, and a power of two times a prime.
+    for (const int32_t length : {INT32_MAX, 2000000000, 1 << 30 | 1 << 29, 2 * 536870909})
+      EXPECT_EQ(p.init_alloc(&plan, length, 8, 0), zprStsSizeErr) << length;
+    EXPECT_EQ(plan, untouched);
+  }
+}
 
-      const Plan<T> good(f, kind, 5), other(f, kind == real ? interleaved : real, 5);
+TYPED_TEST(Plans, AreKnownByTheirFunctionsOnly) {
+  using T = TypeParam;
+  for (const auto &f : functions<T>)
+    for (const Form form : f.forms()) {
+      const Kind kind = form.kind;
+      SCOPED_TRACE(testing::Message() << f.name << ' ' << kind_names[kind]);
+      const PlanFunctions &p = f.plan[kind];
+      int32_t size = 77;
       EXPECT_EQ(p.get_buffer_size(nullptr, &size), zprStsNullPtrErr);
-      EXPECT_EQ(p.get_buffer_size(other, nullptr), zprStsNullPtrErr);
-      EXPECT_EQ(p.get_buffer_size(other, &size), zprStsContextMatchErr);
       EXPECT_EQ(p.release(nullptr), zprStsNullPtrErr);
-      EXPECT_EQ(p.release((void *)(const void *)other), zprStsContextMatchErr);
-      const Plan<T> of_other_set(functions<T>[&f == functions<T>], kind, 5);
-      EXPECT_EQ(p.get_buffer_size(of_other_set, &size), zprStsContextMatchErr);
-      EXPECT_EQ(p.release((void *)(const void *)of_other_set), zprStsContextMatchErr);
+      const Plan<T> of_kind(f, kind == real ? interleaved : real, 32);
+      const Plan<T> of_set(functions<T>[&f == functions<T>], kind == out_of_order ? real : kind, 32);
+      for (const void *other : {(const void *)of_kind, (const void *)of_set}) {
+        EXPECT_EQ(p.get_buffer_size(other, nullptr), zprStsNullPtrErr);
+        EXPECT_EQ(p.get_buffer_size(other, &size), zprStsContextMatchErr);
+        EXPECT_EQ(p.release((void *)other), zprStsContextMatchErr);
+      }
+      EXPECT_EQ(size, 77);
     }
 }
 
-TYPED_TEST(Plans, ReportFailingAllocations) {
-  using T = TypeParam;
-  for (const auto &f : functions<T>)
-    for (const Kind kind : {interleaved, real})
-      for (const int order : {2, 6, 13, 18}) {
-        SCOPED_TRACE(testing::Message() << f.name << ' ' << kind_names[kind] << ", order " << order);
-        const long in_use = allocations.live;
-        void *plan = nullptr;
-        const int made = fail_each_allocation([&] { return f.plan[kind].init_alloc(&plan, order, 8, 0); },
-                                              [&](zprStatus status, bool failed) {
-                                                EXPECT_EQ(status, failed ? zprStsMemAllocErr : zprStsNoErr);
-                                                EXPECT_EQ(plan == nullptr, failed);
-                                                EXPECT_EQ(allocations.live == in_use, failed);
-                                              });
-        EXPECT_EQ(made, order < 4 ? 1 : 2);
+// Of a plan and of a transform without a work buffer; one that fails changes nothing.
+template <class T>
+void report_failing_allocations(const Functions<T> &f, Form form, size_t n, int least) {
+  SCOPED_TRACE(testing::Message() << f.name << ' ' << kind_names[form.kind] << ' ' << n);
+  const PlanFunctions &p = f.plan[form.kind];
+  const long in_use = allocations.live;
+  void *plan = nullptr;
+  const int made = fail_each_allocation(
+      [&] { return p.init_alloc(&plan, f.takes_any_length() ? (int)n : __builtin_ctzl(n), 8, 0); },
+      [&](zprStatus status, bool failed) {
+        EXPECT_EQ(status, failed ? zprStsMemAllocErr : zprStsNoErr);
+        EXPECT_EQ(plan == nullptr, failed);
+        EXPECT_EQ(allocations.live == in_use, failed);
+      });
+  EXPECT_GE(made, least);
+  EXPECT_EQ(p.init_alloc(&plan, 5, 3, 0), zprStsFftFlagErr);
+  int32_t work = -1;
+  p.get_buffer_size(plan, &work);
+  const std::vector<T> before(2 * n + 2, T(1));
+  std::vector<T> data = before;
+  const Parts<T> x = {data.data(), data.data() + n};
+  allocations.until_failure = 1;
+  const zprStatus status = run(f, form, false, x, x, plan);
+  allocations.until_failure = 0;
+  EXPECT_EQ(status, work ? zprStsMemAllocErr : zprStsNoErr);
+  EXPECT_EQ(data == before, work != 0);
+  EXPECT_EQ(p.release(plan), zprStsNoErr);
+  EXPECT_EQ(allocations.live, in_use);
+}
 
-        int32_t work = 0;
-        f.plan[kind].get_buffer_size(plan, &work);
-        const std::vector<T> before(size_t{2} << order, T(1));
-        std::vector<T> data = before;
-        allocations.until_failure = 1;
-        const zprStatus status = kind == real ? f.real_in_place[true][perm](data.data(), plan, nullptr)
-                                              : f.complex_in_place[true](data.data(), plan, nullptr);
-        allocations.until_failure = 0;
-        EXPECT_EQ(status, work ? zprStsMemAllocErr : zprStsNoErr);
-        EXPECT_EQ(data == before, work != 0);
-        EXPECT_EQ(f.plan[kind].release(plan), zprStsNoErr);
-        EXPECT_EQ(allocations.live, in_use);
-      }
+TYPED_TEST(Plans, ReportFailingAllocations) {
+  for (const auto &f : functions<TypeParam>)
+    for (const Form form : f.forms())
+      if (f.takes_any_length())
+        for (const size_t n : {3, 7, 64, 105, 157, 302, 330, 1009, 5005, 6000})
+          report_failing_allocations(f, form, n, n == 3 ? 1 : 3);
+      else
+        for (const int order : {2, 6, 13, 18})
+          report_failing_allocations(f, form, size_t{1} << order, order < 4 ? 1 : 2);
+}
+
+// The factors in the order of the stages, before and after the even one has moved; none for other routes.
+TEST(Factors, AreThoseOfTheStages) {
+  const struct {
+    int32_t length;
+    std::vector<int32_t> found, moved;
+  } rows[] = {
+      {5, {}, {}},
+      {6, {2, 3}, {3, 2}},
+      {9, {3, 3}, {3, 3}},
+      {24, {2, 4, 3}, {2, 3, 4}},
+      {96, {2, 4, 4, 3}, {2, 3, 4, 4}},
+      {48, {4, 4, 3}, {3, 4, 4}},
+      {98, {2, 7, 7}, {7, 7, 2}},
+      {149, {}, {}},
+      {300, {4, 3, 5, 5}, {5, 3, 5, 4}},
+      {302, {}, {}},
+      {5005, {5, 7, 11, 13}, {5, 7, 11, 13}},
+      {22201, {149, 149}, {149, 149}},
+      {22801, {}, {}},
+  };
+  for (const auto &row : rows) {
+    sigfft::Factors factors;
+    ASSERT_EQ(sigfft::find_factors(row.length, &factors), !row.found.empty()) << row.length;
+    if (row.found.empty()) continue;
+    const auto list = [&] { return std::vector<int32_t>(factors.of, factors.of + factors.stages + 1); };
+    EXPECT_EQ(list(), row.found) << row.length;
+    move_even_factor(&factors);
+    EXPECT_EQ(list(), row.moved) << row.length;
+  }
+}
+
+// The route of a length shows in the size of its work buffer. In units that are 16 bytes in double and 8 in
+// single precision, and so many bytes more.
+TYPED_TEST(Plans, TakeTheRouteOfTheirLength) {
+  struct Row {
+    size_t length;
+    double units;
+    int32_t bytes;
+  };
+  const std::vector<Row> rows[kinds] = {
+      {{1, 0, 0},
+       {4, 0, 0},
+       {8, 0, 0},
+       {16, 16, 16},
+       {5, 5, 16},
+       {149, 149, 16},
+       {6, 6, 16},
+       {14, 28, 16},
+       {21, 28, 16},
+       {22500, 22500, 16},
+       {151, 1024, 32},
+       {257, 2048, 32}},
+      {{149, 149, 16}, {302, 2048, 32}},
+      {{15, 15, 16}, {30, 15, 16}, {179, 89.5, 16}, {181, 1024, 32}, {302, 1024, 32}, {35, 42, 16}},
+      {{5000, 5000, 16}, {5005, 13, 16}, {6000, 0, 0}, {5004, 139, 16}, {5003, 32768, 32}}};
+  constexpr int unit = 2 * sizeof(TypeParam);
+  for (const Kind kind : {interleaved, split, real, out_of_order})
+    for (const auto &[length, units, bytes] : rows[kind]) {
+      const Plan<TypeParam> plan(functions<TypeParam>[any_length], kind, length);
+      EXPECT_EQ(plan.work_bytes(), (int32_t)(units * unit) + bytes) << kind_names[kind] << ' ' << length;
+    }
 }
 
 TEST(Memory, IsAlignedAndGoesBackThroughEitherSet) {

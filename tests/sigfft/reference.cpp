@@ -28,6 +28,17 @@ std::vector<double> fftw_transform(const std::vector<double> &x, bool forward) {
 }
 std::vector<float> fftw_transform(const std::vector<float> &x, bool forward) { return run_fftw(x, forward); }
 
+LongNumbers real_spectrum(const LongNumbers &exact) {
+  const size_t n = exact.size() / 2;
+  LongNumbers spectrum;
+  for (size_t k = 0; k <= n / 2; ++k) {
+    const size_t mirror = (n - k) % n;
+    spectrum.push_back((exact[2 * k] + exact[2 * mirror]) / 2);
+    spectrum.push_back((exact[2 * k + 1] - exact[2 * mirror + 1]) / 2);
+  }
+  return spectrum;
+}
+
 template <class T>
 double relative_error(const std::vector<T> &x, const LongNumbers &exact) {
   long double error = 0, norm = 0;

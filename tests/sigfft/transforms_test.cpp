@@ -1,6 +1,6 @@
-// What all forms of a transform agree on: the same bits at every vector width, in place or not, interleaved
-// or not, at any alignment, whoever owns the work buffer; normalisation; formats; checks before anything is
-// written.
+// What all forms of a transform agree on, of powers of two and of any length: the same bits at every vector
+// width, in place or not, interleaved or not, at any alignment, whoever owns the work buffer; normalisation;
+// formats; bounds of the arrays; checks before anything is written.
 #include <array>
 #include <cmath>
 #include <cstring>
@@ -9,8 +9,11 @@
 #include <thread>
 
 #include "engines.h"
+#include "reference.h"
+#include "sample_lengths.h"
 #include "sigfft/plan/plan_tables.h"
 #include "sigfft/routes/kernels.h"
+#include "tests/support/guarded.h"
 #include "tests/support/levels.h"
 
 namespace qkr::tests {
@@ -25,255 +28,303 @@ TYPED_TEST_SUITE(LongTransforms, Precisions);
 TYPED_TEST_SUITE(Transforms, Precisions);
 
 template <class T>
-bool same_bits(const T *a, const T *b, size_t count) {
-  return std::memcmp(a, b, count * sizeof(T)) == 0;
+std::string told(const Functions<T> &f, size_t n, Form form, bool forward) {
+  return std::string(f.name) + ' ' + kind_names[form.kind] + ", format " + std::to_string(form.format) +
+         ", " + std::to_string(n) + " points, " + (forward ? "forward" : "inverse");
 }
 
-// An array that starts `offset` numbers behind a multiple of 64.
+// Two arrays, each of which starts `offset` numbers behind a multiple of 64 bytes.
 template <class T>
 class Misaligned {
+  size_t count_, spacing_;
   std::vector<T> memory_;
   T *start_;
 
  public:
-  Misaligned(size_t count, size_t offset) : memory_(count + offset + 64 / sizeof(T)) {
+  Misaligned(size_t count, size_t offset)
+      : count_(count), spacing_((count + 63) / 64 * 64), memory_(2 * spacing_ + offset + 64 / sizeof(T)) {
     start_ = (T *)(((size_t)memory_.data() + 63) & ~size_t{63}) + offset;
   }
-  Misaligned(const std::vector<T> &values, size_t offset) : Misaligned(values.size(), offset) {
-    std::copy(values.begin(), values.end(), start_);
+  void fill(const std::vector<T> &re, const std::vector<T> &im) {
+    std::copy(re.begin(), re.end(), start_);
+    std::copy(im.begin(), im.end(), start_ + spacing_);
   }
-  T *data() { return start_; }
+  Parts<T> parts() { return {start_, start_ + spacing_}; }
+  // Of split forms both parts.
+  std::vector<T> numbers(size_t count, Form form) {
+    std::vector<T> all(start_, start_ + count);
+    if (form.kind == split) all.insert(all.end(), start_ + spacing_, start_ + spacing_ + count);
+    return all;
+  }
 };
 
 template <class T>
-std::vector<uint8_t> work_buffer(const Functions<T> &f, Kind kind, const void *plan) {
-  int32_t size = -1;
-  EXPECT_EQ(f.plan[kind].get_buffer_size(plan, &size), zprStsNoErr);
-  return std::vector<uint8_t>(size + 1);
+bool same_bits(const std::vector<T> &a, const std::vector<T> &b) {
+  return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(T)) == 0;
 }
 
-// Up to here fixed code, one sequence of passes, and blocks of one level; the long ones add tiles.
-constexpr int shorter = 16;
-
 template <class T>
-void complex_forms_give_the_same_bits(int first_order, int last_order) {
-  for (const auto &f : functions<T>)
-    for (int order = first_order; order <= last_order; ++order)
-      for (const bool forward : {false, true}) {
-        const size_t n = size_t{1} << order;
-        const auto x = signal<T>(2 * n, order);
-        const Plan<T> plan(f, interleaved, order, 4), split_plan(f, split, order, 4);
-        auto work = work_buffer(f, interleaved, plan);
-        uint8_t *const given = work.data() + 1;
-        std::vector<T> expected;
-        for_each_level([&](const char *level) {
-          SCOPED_TRACE(testing::Message()
-                       << f.name << ", order " << order << ", forward " << forward << ", " << level);
-          for (const size_t offset : {0, 3, 1}) {
-            if (offset != 3 && order > (offset ? 12 : shorter)) continue;
-            Misaligned<T> src(x, offset), dst(2 * n, 2 * offset);
-            ASSERT_EQ(f.complex[forward](src.data(), dst.data(), plan, offset ? given : nullptr),
-                      zprStsNoErr);
-            if (expected.empty()) expected.assign(dst.data(), dst.data() + 2 * n);
-            EXPECT_TRUE(same_bits(dst.data(), expected.data(), 2 * n)) << "offset " << offset;
-            ASSERT_EQ(f.complex_in_place[forward](src.data(), plan, offset ? nullptr : given), zprStsNoErr);
-            EXPECT_TRUE(same_bits(src.data(), expected.data(), 2 * n)) << "in place, offset " << offset;
-          }
-          auto parts = apart(x), out = apart(std::vector<T>(2 * n));
-          ASSERT_EQ(f.split[forward](parts.re.data(), parts.im.data(), out.re.data(), out.im.data(),
-                                     split_plan, given),
-                    zprStsNoErr);
-          EXPECT_TRUE(same_bits(together(out).data(), expected.data(), 2 * n)) << "parts";
-          ASSERT_EQ(f.split[forward](parts.re.data(), parts.im.data(), parts.re.data(), out.im.data(),
-                                     split_plan, given),
-                    zprStsNoErr);
-          EXPECT_TRUE(same_bits(parts.re.data(), out.re.data(), n) &&
-                      same_bits(out.im.data(), apart(expected).im.data(), n))
-              << "real parts in place";
-          parts = apart(x);
-          ASSERT_EQ(f.split_in_place[forward](parts.re.data(), parts.im.data(), split_plan, nullptr),
-                    zprStsNoErr);
-          EXPECT_TRUE(same_bits(together(parts).data(), expected.data(), 2 * n)) << "parts in place";
-        });
+void expect_same_bits(const Functions<T> &f, size_t n) {
+  for (const bool forward : {false, true}) {
+    const auto x = signal<T>(2 * n + 2, (unsigned)n);
+    std::vector<T> of_interleaved;
+    for (const Form form : f.forms()) {
+      SCOPED_TRACE(told(f, n, form, forward));
+      const size_t in = numbers_in(form, !forward, n), out = numbers_in(form, forward, n);
+      std::vector<T> re(x.begin(), x.begin() + in), im;
+      if (form.kind == split) {
+        const auto parts = apart(std::vector<T>(x.begin(), x.begin() + 2 * n));
+        re.assign(parts.begin(), parts.begin() + n), im.assign(parts.begin() + n, parts.end());
       }
-}
-
-template <class T>
-void real_forms_give_the_same_bits(int first_order, int last_order) {
-  for (const auto &f : functions<T>)
-    for (int order = first_order; order <= last_order; ++order)
-      for (const bool forward : {false, true})
-        for (const Format format : {perm, pack, ccs}) {
-          const size_t n = size_t{1} << order, spectrum = spectrum_size(format, n);
-          const size_t in = forward ? n : spectrum, out = forward ? spectrum : n;
-          const auto x = signal<T>(in, order);
-          const Plan<T> plan(f, real, order, 4);
-          auto work = work_buffer(f, real, plan);
-          std::vector<T> expected;
-          for_each_level([&](const char *level) {
-            SCOPED_TRACE(testing::Message() << f.name << ", order " << order << ", forward " << forward
-                                            << ", format " << format << ", " << level);
-            Misaligned<T> src(x, 1), dst(out, 3);
-            ASSERT_EQ(f.real[forward][format](src.data(), dst.data(), plan, work.data() + 1), zprStsNoErr);
-            if (expected.empty()) expected.assign(dst.data(), dst.data() + out);
-            EXPECT_TRUE(same_bits(dst.data(), expected.data(), out));
-            std::vector<T> data = x;
-            data.resize(std::max(in, out));
-            ASSERT_EQ(f.real_in_place[forward][format](data.data(), plan, nullptr), zprStsNoErr);
-            EXPECT_TRUE(same_bits(data.data(), expected.data(), out)) << "in place";
-          });
+      const Plan<T> plan(f, form.kind, n, 4);
+      std::vector<uint8_t> work(plan.work_bytes() + 1);
+      std::vector<T> expected;
+      for_each_level([&](const char *level) {
+        for (const size_t offset : {3, 0, 1}) {
+          if (offset != 3 && n > 4096) continue;
+          Misaligned<T> src(std::max(in, out), offset), dst(out, 2 * offset);
+          src.fill(re, im);
+          ASSERT_EQ(run(f, form, forward, src.parts(), dst.parts(), plan, offset ? work.data() + 1 : nullptr),
+                    zprStsNoErr);
+          const auto result = dst.numbers(out, form);
+          if (expected.empty()) expected = result;
+          EXPECT_TRUE(same_bits(result, expected)) << level << ", offset " << offset;
+          if (form.kind == split) {
+            const Parts<T> real_in_place = {src.parts().re, dst.parts().im};
+            f.split[forward](src.parts().re, src.parts().im, real_in_place.re, real_in_place.im, plan,
+                             nullptr);
+            std::copy(real_in_place.re, real_in_place.re + n, dst.parts().re);
+            EXPECT_TRUE(same_bits(dst.numbers(n, form), expected)) << level << ", real parts in place";
+          }
+          src.fill(re, im);
+          ASSERT_EQ(run(f, form, forward, src.parts(), src.parts(), plan, offset ? nullptr : work.data() + 1),
+                    zprStsNoErr);
+          EXPECT_TRUE(same_bits(src.numbers(out, form), expected))
+              << level << ", in place, offset " << offset;
         }
+      });
+      if (form.kind == interleaved) of_interleaved = expected;
+      if (form.kind == split) {
+        EXPECT_TRUE(same_bits(expected, apart(of_interleaved)));
+      }
+    }
+  }
 }
 
-TYPED_TEST(Transforms, ComplexFormsGiveTheSameBits) {
-  complex_forms_give_the_same_bits<TypeParam>(0, shorter);
+// Up to order 16 fixed code, one sequence of passes, and blocks of one level; the long ones add tiles.
+TYPED_TEST(Transforms, HaveTheSameBitsInAllForms) {
+  for (const auto &f : sets_for_powers_of_two<TypeParam>())
+    for (int order = 0; order <= 16; ++order) expect_same_bits(f, size_t{1} << order);
+  for (const size_t n : sample_lengths) expect_same_bits(functions<TypeParam>[any_length], n);
+  for (const size_t n : {5005, 5040, 6000}) expect_same_bits(functions<TypeParam>[any_length], n);
 }
-TYPED_TEST(Transforms, RealFormsGiveTheSameBits) { real_forms_give_the_same_bits<TypeParam>(0, shorter); }
-TYPED_TEST(LongTransforms, ComplexFormsGiveTheSameBits) {
-  complex_forms_give_the_same_bits<TypeParam>(shorter + 1, 21);
-}
-TYPED_TEST(LongTransforms, RealFormsGiveTheSameBits) {
-  real_forms_give_the_same_bits<TypeParam>(shorter + 1, 20);
-}
-
-// The three formats hold the same numbers, and CCS zeros where it says so. Places of a number in Perm, by
-// format.
-size_t place_in(Format format, size_t perm_place, size_t n) {
-  if (perm_place == 1) return format == pack ? n - 1 : n;
-  return perm_place && format == pack ? perm_place - 1 : perm_place;
+TYPED_TEST(LongTransforms, HaveTheSameBitsInAllForms) {
+  for (const auto &f : sets_for_powers_of_two<TypeParam>())
+    for (int order = 17; order <= 21; ++order) expect_same_bits(f, size_t{1} << order);
+  for (size_t n = 1; n <= 2100; ++n) expect_same_bits(functions<TypeParam>[any_length], n);
+  for (const size_t n : {10007, 22500, 65625, 100000, 100003, 196608})
+    expect_same_bits(functions<TypeParam>[any_length], n);
 }
 
+// check(f, n) for powers of two of both sets, and for the lengths.
+template <class T, class Check>
+void for_lengths(std::initializer_list<int> orders, std::initializer_list<size_t> lengths, Check check) {
+  for (const auto &f : sets_for_powers_of_two<T>())
+    for (const int order : orders) check(f, size_t{1} << order);
+  for (const size_t n : lengths) check(functions<T>[any_length], n);
+}
+
+// The three formats hold the same spectrum, CCS zeros where it says so, which the inverse does not read.
+template <class T>
+void expect_same_spectrum(const Functions<T> &f, size_t n) {
+  SCOPED_TRACE(testing::Message() << f.name << ' ' << n);
+  const auto x = signal<T>(n, (unsigned)n);
+  const Plan<T> plan(f, real, n);
+  std::vector<T> of_ccs(spectrum_size(ccs, n), T(9)), back(n), back_of_ccs(n);
+  f.real[true][ccs](x.data(), of_ccs.data(), plan, nullptr);
+  EXPECT_TRUE(of_ccs[1] == 0 && (n % 2 || of_ccs[n + 1] == 0));
+  const LongNumbers numbers(of_ccs.begin(), of_ccs.end());
+  of_ccs[1] = T(5);
+  if (n % 2 == 0) of_ccs[n + 1] = T(5);
+  f.real[false][ccs](of_ccs.data(), back_of_ccs.data(), plan, nullptr);
+  for (const Format format : {perm, pack}) {
+    std::vector<T> y(n + 1, T(-7));
+    f.real[true][format](x.data(), y.data(), plan, nullptr);
+    EXPECT_EQ(y.back(), T(-7)) << "written beyond the spectrum";
+    y.pop_back();
+    EXPECT_EQ(y, in_format<T>(numbers, format, n)) << format;
+    f.real[false][format](y.data(), back.data(), plan, nullptr);
+    EXPECT_EQ(back, back_of_ccs) << format;
+  }
+}
 TYPED_TEST(Transforms, FormatsHoldTheSameSpectrum) {
-  using T = TypeParam;
-  for (const auto &f : functions<T>)
-    for (const int order : {0, 1, 2, 3, 4, 7, 12}) {
-      const size_t n = size_t{1} << order;
-      const auto x = signal<T>(n, order);
-      const Plan<T> plan(f, real, order);
-      std::vector<T> of_perm(n);
-      f.real[true][perm](x.data(), of_perm.data(), plan, nullptr);
-      for (const Format format : {pack, ccs}) {
-        std::vector<T> y(spectrum_size(format, n) + 1, T(-7));
-        f.real[true][format](x.data(), y.data(), plan, nullptr);
-        EXPECT_EQ(y.back(), T(-7)) << "written beyond the spectrum";
-        for (size_t i = 0; i < n; ++i)
-          EXPECT_EQ(y[place_in(format, i, n)], of_perm[i]) << f.name << ' ' << order << ' ' << i;
-        EXPECT_TRUE(format != ccs || (y[1] == 0 && (n == 1 || y[n + 1] == 0))) << f.name << ' ' << order;
-        // What stands where the zeros are is of no influence.
-        if (format == ccs) y[1] = T(5), y[n == 1 ? 1 : n + 1] = T(5);
-        std::vector<T> back(n), back_of_perm(n);
-        f.real[false][format](y.data(), back.data(), plan, nullptr);
-        f.real[false][perm](of_perm.data(), back_of_perm.data(), plan, nullptr);
-        EXPECT_EQ(back, back_of_perm) << f.name << ' ' << order << ' ' << format;
+  for_lengths<TypeParam>({0, 1, 2, 3, 4, 7, 12}, {1, 2, 3, 4, 5, 6, 7, 15, 16, 30, 181, 302},
+                         expect_same_spectrum<TypeParam>);
+}
+
+// A plan with a flag divides what one without gives by a power of the length.
+template <class T>
+void expect_normalised(const Functions<T> &f, size_t n) {
+  const struct {
+    int flag;
+    double exponents[2];  // inverse, forward
+  } rows[] = {{1, {0, 1}}, {2, {1, 0}}, {4, {0.5, 0.5}}};
+  const double tolerance = sizeof(T) == 8 ? 0x1p-47 : 0x1p-18;
+  auto x = signal<T>(2 * n + 2, (unsigned)n);
+  for (const Form form : f.forms())
+    for (const bool forward : {false, true}) {
+      const auto transformed = [&](int flag) {
+        std::vector<T> y(2 * n + 2);
+        run(f, form, forward, {x.data(), x.data() + n}, {y.data(), y.data() + n},
+            Plan<T>(f, form.kind, n, flag));
+        return y;
+      };
+      const auto unscaled = transformed(8);
+      for (const auto &[flag, exponents] : rows) {
+        LongNumbers expected(unscaled.begin(), unscaled.end());
+        for (auto &value : expected) value /= std::pow(n, exponents[forward]);
+        EXPECT_LE(relative_error(transformed(flag), expected), tolerance)
+            << told(f, n, form, forward) << ", flag " << flag;
       }
     }
 }
-
-// Forward divided by one number, inverse by another.
-struct Normalisation {
-  int flag;
-  double forward_exponent, inverse_exponent;  // of the length
-};
-constexpr Normalisation normalisations[] = {{1, 1, 0}, {2, 0, 1}, {4, 0.5, 0.5}, {8, 0, 0}};
-
 TYPED_TEST(Transforms, NormalisationIsThatOfTheFlag) {
-  using T = TypeParam;
-  const double tolerance = sizeof(T) == 8 ? 1e-14 : 1e-5;
-  for (const auto &f : functions<T>)
-    for (const Normalisation &norm : normalisations)
-      for (const int order : {0, 1, 2, 3, 4, 5, 9, 10, 11, 12, 15, 17, 18}) {
-        SCOPED_TRACE(testing::Message() << f.name << ", order " << order << ", flag " << norm.flag);
-        const size_t n = size_t{1} << order;
-        const double forward_factor = std::pow(n, -norm.forward_exponent);
-        const double round_trip = n * std::pow(n, -norm.forward_exponent - norm.inverse_exponent);
-        auto x = signal<T>(2 * n, order);
-        const auto original = x;
-        double sum = 0, worst = 0;
-        for (size_t i = 0; i < n; ++i) sum += original[2 * i];
-        const Plan<T> plan(f, interleaved, order, norm.flag);
-        f.complex_in_place[true](x.data(), plan, nullptr);
-        EXPECT_NEAR(x[0], sum * forward_factor, tolerance * n * forward_factor);
-        f.complex_in_place[false](x.data(), plan, nullptr);
-        for (size_t i = 0; i < 2 * n; ++i) worst = std::max(worst, std::abs(x[i] / round_trip - original[i]));
-        EXPECT_LE(worst, tolerance);
-
-        const Plan<T> real_plan(f, real, order, norm.flag);
-        for (const Format format : {perm, pack, ccs}) {
-          std::vector<T> y(original.begin(), original.begin() + n);
-          y.resize(n + 2);
-          sum = worst = 0;
-          for (size_t i = 0; i < n; ++i) sum += original[i];
-          f.real_in_place[true][format](y.data(), real_plan, nullptr);
-          EXPECT_NEAR(y[0], sum * forward_factor, tolerance * n * forward_factor);
-          f.real_in_place[false][format](y.data(), real_plan, nullptr);
-          for (size_t i = 0; i < n; ++i) worst = std::max(worst, std::abs(y[i] / round_trip - original[i]));
-          EXPECT_LE(worst, tolerance) << "format " << format;
-        }
-      }
+  for_lengths<TypeParam>({0, 1, 2, 3, 4, 5, 9, 10, 11, 12, 15, 17, 18},
+                         {1, 2, 3, 4, 5, 8, 15, 30, 151, 181, 302, 5005}, expect_normalised<TypeParam>);
 }
 
 // Levels agree in which results are NaNs, and in all others, where the input has NaNs and infinities.
 TYPED_TEST(Transforms, AgreeWhereNumbersEnd) {
   using T = TypeParam;
   using Limits = std::numeric_limits<T>;
-  for (const auto &f : functions<T>)
-    for (const int order : {1, 3, 4, 7, 10, 12, 15}) {
-      const size_t n = size_t{1} << order;
-      const Plan<T> complex_plan(f, interleaved, order), real_plan(f, real, order);
-      for (const T odd : {Limits::quiet_NaN(), -Limits::quiet_NaN(), Limits::infinity(), -Limits::max()}) {
-        auto x = signal<T>(2 * n);
-        for (size_t i = n / 3; i < n; i += n / 2 + 1) x[i] = odd;
-        std::vector<T> first;
-        for_each_level([&](const char *level) {
-          std::vector<T> y(2 * n), spectrum(n);
-          f.complex[true](x.data(), y.data(), complex_plan, nullptr);
-          f.real[true][perm](x.data(), spectrum.data(), real_plan, nullptr);
-          y.insert(y.end(), spectrum.begin(), spectrum.end());
-          for (T &number : y)
-            if (number != number) number = Limits::quiet_NaN();
-          if (first.empty()) first = y;
-          EXPECT_TRUE(same_bits(first.data(), y.data(), y.size())) << f.name << ' ' << order << ' ' << level;
-        });
-      }
+  for_lengths<T>({1, 3, 4, 7, 10, 12, 15}, {}, [](const Functions<T> &f, size_t n) {
+    const Plan<T> complex_plan(f, interleaved, n), real_plan(f, real, n);
+    for (const T odd : {Limits::quiet_NaN(), -Limits::quiet_NaN(), Limits::infinity(), -Limits::max()}) {
+      auto x = signal<T>(2 * n);
+      for (size_t i = n / 3; i < n; i += n / 2 + 1) x[i] = odd;
+      std::vector<T> first;
+      for_each_level([&](const char *level) {
+        std::vector<T> y(3 * n);
+        f.complex[true](x.data(), y.data(), complex_plan, nullptr);
+        f.real[true][perm](x.data(), y.data() + 2 * n, real_plan, nullptr);
+        for (T &number : y)
+          if (number != number) number = Limits::quiet_NaN();
+        if (first.empty()) first = y;
+        EXPECT_TRUE(same_bits(first, y)) << f.name << ' ' << n << ' ' << level;
+      });
     }
+  });
 }
 
 // Plan before kind before data, and nothing written.
 TYPED_TEST(Transforms, ChecksComeFirst) {
   using T = TypeParam;
-  for (const auto &f : functions<T>) {
-    const Plan<T> complex_plan(f, interleaved, 5), split_plan(f, split, 5), real_plan(f, real, 5);
-    std::vector<T> a(66, T(1)), b(66, T(2)), c(66, T(3));
-    T *const none = nullptr;
-    for (const bool forward : {false, true}) {
-      EXPECT_EQ(f.complex[forward](none, b.data(), nullptr, nullptr), zprStsNullPtrErr);
-      EXPECT_EQ(f.complex[forward](none, b.data(), split_plan, nullptr), zprStsContextMatchErr);
-      EXPECT_EQ(f.complex[forward](none, b.data(), complex_plan, nullptr), zprStsNullPtrErr);
-      EXPECT_EQ(f.complex[forward](a.data(), none, complex_plan, nullptr), zprStsNullPtrErr);
-      EXPECT_EQ(f.complex_in_place[forward](a.data(), real_plan, nullptr), zprStsContextMatchErr);
-      EXPECT_EQ(f.split[forward](a.data(), none, b.data(), c.data(), complex_plan, nullptr),
-                zprStsContextMatchErr);
-      EXPECT_EQ(f.split[forward](a.data(), none, b.data(), c.data(), split_plan, nullptr), zprStsNullPtrErr);
-      EXPECT_EQ(f.split[forward](a.data(), a.data(), b.data(), none, split_plan, nullptr), zprStsNullPtrErr);
-      for (const Format format : {perm, pack, ccs}) {
-        EXPECT_EQ(f.real[forward][format](a.data(), none, nullptr, nullptr), zprStsNullPtrErr);
-        EXPECT_EQ(f.real[forward][format](none, b.data(), complex_plan, nullptr), zprStsContextMatchErr);
-        EXPECT_EQ(f.real[forward][format](none, b.data(), real_plan, nullptr), zprStsNullPtrErr);
-      }
-    }
-    const auto &other_set = functions<T>[&f == functions<T>];
-    for (const int order : {2, 5, 16}) {
-      const Plan<T> complex_other(other_set, interleaved, order), split_other(other_set, split, order),
-          real_other(other_set, real, order);
+  for_lengths<T>({2, 5, 16}, {3, 15}, [](const Functions<T> &f, size_t n) {
+    std::vector<T> a(66, T(1)), b(66, T(2));
+    const Parts<T> x = {a.data(), a.data() + 33}, y = {b.data(), b.data() + 33}, none = {nullptr, nullptr};
+    for (const Form form : f.forms())
       for (const bool forward : {false, true}) {
-        EXPECT_EQ(f.complex[forward](a.data(), b.data(), complex_other, nullptr), zprStsContextMatchErr);
-        EXPECT_EQ(f.split_in_place[forward](a.data(), b.data(), split_other, nullptr), zprStsContextMatchErr);
-        for (const Format format : {perm, pack, ccs})
-          EXPECT_EQ(f.real[forward][format](a.data(), b.data(), real_other, nullptr), zprStsContextMatchErr);
+        SCOPED_TRACE(told(f, n, form, forward));
+        const Plan<T> good(f, form.kind, n), of_other_kind(f, form.kind == real ? split : real, n);
+        const auto status = [&](Parts<T> src, Parts<T> dst, const void *plan) {
+          return run(f, form, forward, src, dst, plan);
+        };
+        EXPECT_EQ(status(none, y, nullptr), zprStsNullPtrErr);
+        EXPECT_EQ(status(none, y, of_other_kind), zprStsContextMatchErr);
+        EXPECT_EQ(status(none, y, good), zprStsNullPtrErr);
+        EXPECT_EQ(status(x, none, good), zprStsNullPtrErr);
+        EXPECT_EQ(status(none, none, good), zprStsNullPtrErr);
+        if (form.kind == split) {
+          EXPECT_EQ(status({x.re, nullptr}, y, good), zprStsNullPtrErr);
+          EXPECT_EQ(status(x, {y.re, nullptr}, good), zprStsNullPtrErr);
+        }
+        for (const auto &other : sets_for_powers_of_two<T>()) {
+          if (&other == &f || f.takes_any_length()) continue;
+          const Plan<T> of_other_set(other, form.kind, n);
+          EXPECT_EQ(status(x, y, of_other_set), zprStsContextMatchErr);
+          EXPECT_EQ(status(x, x, of_other_set), zprStsContextMatchErr);
+        }
       }
+    EXPECT_TRUE(a == std::vector<T>(66, T(1)) && b == std::vector<T>(66, T(2)));
+  });
+}
+
+// No array and no work buffer is touched beyond its ends: the transform of an impulse.
+template <class T>
+void expect_within_arrays(const Functions<T> &f, size_t n) {
+  for (const Form form : f.forms())
+    for (const bool forward : {false, true})
+      for (const Edge edge : {Edge::end, Edge::start}) {
+        const size_t in = numbers_in(form, !forward, n), out = numbers_in(form, forward, n);
+        const Plan<T> plan(f, form.kind, n, 4);
+        Guarded<uint8_t> work(plan.work_bytes(), edge);
+        Guarded<T> re(in, edge), im(in, edge), to_re(out, edge), to_im(out, edge);
+        Guarded<T> both_re(std::max(in, out), edge), both_im(std::max(in, out), edge);
+        const Parts<T> src = {re.data(), im.data()}, dst = {to_re.data(), to_im.data()},
+                       both = {both_re.data(), both_im.data()};
+        for_each_level([&](const char *level) {
+          SCOPED_TRACE(told(f, n, form, forward) + ' ' + level);
+          std::fill(both.re, both.re + in, T(0)), std::fill(both.im, both.im + in, T(0));
+          src.re[0] = both.re[0] = 1;
+          EXPECT_EQ(run(f, form, forward, src, dst, plan, work.data()), zprStsNoErr);
+          EXPECT_EQ(run(f, form, forward, both, both, plan, work.data()), zprStsNoErr);
+          EXPECT_NEAR(dst.re[0], 1 / std::sqrt(n), 1e-6);
+          EXPECT_NEAR(both.re[0], 1 / std::sqrt(n), 1e-6);
+        });
+      }
+}
+TYPED_TEST(Transforms, StayWithinTheirArrays) {
+  for_lengths<TypeParam>({0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 15, 17}, {5005, 6000},
+                         expect_within_arrays<TypeParam>);
+  for (const size_t n : sample_lengths) expect_within_arrays(functions<TypeParam>[any_length], n);
+}
+
+TYPED_TEST(Transforms, ThreadsShareAPlan) {
+  using T = TypeParam;
+  for_lengths<T>({6, 13, 17}, {15, 149, 151, 5005}, [](const Functions<T> &f, size_t n) {
+    for (const Kind kind : {interleaved, real}) {
+      auto x = signal<T>(2 * n, (unsigned)n);
+      const Plan<T> plan(f, kind, n);
+      std::vector<T> results[4];
+      const auto transform = [&](std::vector<T> &y) {
+        y.resize(2 * n + 2);
+        for (int round = 0; round < 5; ++round)
+          run(f, {kind, ccs}, true, {x.data(), nullptr}, {y.data(), nullptr}, plan);
+      };
+      std::vector<std::thread> threads;
+      for (auto &y : results) threads.emplace_back([&] { transform(y); });
+      for (auto &thread : threads) thread.join();
+      std::vector<T> expected;
+      transform(expected);
+      for (const auto &y : results) EXPECT_TRUE(same_bits(y, expected)) << f.name << ' ' << n;
     }
-    EXPECT_TRUE(a == std::vector<T>(66, T(1)) && b == std::vector<T>(66, T(2)) &&
-                c == std::vector<T>(66, T(3)));
+  });
+}
+
+// What the out-of-order plans promise: a cyclic convolution, and the way back.
+TYPED_TEST(Transforms, OutOfOrderProductsAreConvolutions) {
+  using T = TypeParam;
+  const auto &f = functions<T>[any_length];
+  for (const size_t n : {4, 15, 64, 151, 5000, 5002, 5005, 5184, 6000, 7429, 22500}) {
+    const Plan<T> natural(f, interleaved, n, 2), plan(f, out_of_order, n, 2);
+    const auto a = signal<T>(2 * n, 1), b = signal<T>(2 * n, 2);
+    const auto convolution = [&](const auto &transform, const void *with, std::vector<T> &fa) {
+      std::vector<T> fb(2 * n), products(2 * n);
+      EXPECT_EQ(transform[true](a.data(), fa.data(), with, nullptr), zprStsNoErr);
+      EXPECT_EQ(transform[true](b.data(), fb.data(), with, nullptr), zprStsNoErr);
+      for (size_t k = 0; k < n; ++k) {
+        products[2 * k] = fa[2 * k] * fb[2 * k] - fa[2 * k + 1] * fb[2 * k + 1];
+        products[2 * k + 1] = fa[2 * k] * fb[2 * k + 1] + fa[2 * k + 1] * fb[2 * k];
+      }
+      EXPECT_EQ(transform[false](products.data(), products.data(), with, nullptr), zprStsNoErr);
+      return products;
+    };
+    std::vector<T> y(2 * n), z(2 * n);
+    const auto expected = convolution(f.complex, natural, z), products = convolution(f.out_of_order, plan, y);
+    EXPECT_LE(relative_error(products, LongNumbers(expected.begin(), expected.end())),
+              sizeof(T) == 8 ? 0x1p-49 : 0x1p-20)
+        << n;
+    EXPECT_EQ(y == z, n < 5001) << n;
   }
 }
 
@@ -300,30 +351,6 @@ TEST(BitReversal, ReversesElementsOfEachSize) {
   reversal_reverses<uint32_t>(zprs_BitRev1_4, zprs_BitRev2_4);
   reversal_reverses<uint64_t>(w6_zprs_BitRev1_8, w6_zprs_BitRev2_8);
   reversal_reverses<std::array<uint32_t, 4>>(zprs_BitRev1_16, zprs_BitRev2_16);
-}
-
-TYPED_TEST(Transforms, ThreadsShareAPlan) {
-  using T = TypeParam;
-  for (const auto &f : functions<T>)
-    for (const int order : {6, 13, 17}) {
-      const size_t n = size_t{1} << order;
-      const auto x = signal<T>(2 * n, order);
-      const Plan<T> plan(f, interleaved, order);
-      std::vector<T> expected(2 * n);
-      f.complex[true](x.data(), expected.data(), plan, nullptr);
-      std::vector<std::vector<T>> results(4, x);
-      std::vector<std::thread> threads;
-      for (auto &y : results)
-        threads.emplace_back([&] {
-          for (int round = 0; round < 5; ++round) {
-            y = x;
-            f.complex_in_place[true](y.data(), plan, nullptr);
-          }
-        });
-      for (auto &thread : threads) thread.join();
-      for (const auto &y : results)
-        EXPECT_TRUE(same_bits(y.data(), expected.data(), 2 * n)) << f.name << ' ' << order;
-    }
 }
 
 }  // namespace

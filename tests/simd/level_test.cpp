@@ -39,12 +39,3 @@ TEST(Level, EnvironmentLowersButNeverRaises) {
     EXPECT_EQ(level_chosen_with(row.environment), row.expected)
         << (row.environment.empty() ? "unset" : row.environment.at("QKR_LEVEL"));
 }
-
-TEST(Level, ForcedLevelStands) {
-  EXPECT_EQ(in_child({{"QKR_LEVEL", "avx2"}},
-                     [] {
-                       qkr::force_level(Level::sse2);
-                       return static_cast<int>(qkr::level());
-                     }),
-            0);
-}

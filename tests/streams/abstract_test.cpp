@@ -130,17 +130,18 @@ TEST(AbstractStream, ConstructorsCheckTheirArguments) {
   uint32_t i[1];
   double d[1];
   float f[1];
-  const int32_t refused[] = {__vxsiNewAbstractStream(&s, 0, i, update<uint32_t>),
-                             __vxsiNewAbstractStream(&s, -1, i, update<uint32_t>),
-                             __vxsiNewAbstractStream(&s, 1, nullptr, update<uint32_t>),
-                             __vxsiNewAbstractStream(&s, 1, i, nullptr),
-                             __vxsdNewAbstractStream(&s, 0, d, 0, 1, update<double>),
-                             __vxsdNewAbstractStream(&s, 1, nullptr, 0, 1, update<double>),
-                             __vxsdNewAbstractStream(&s, 1, d, 0, 1, nullptr),
-                             __vxsdNewAbstractStream(&s, 1, d, 1, 1, update<double>),
-                             __vxssNewAbstractStream(&s, 1, f, 2, 1, update<float>),
-                             __vxssNewAbstractStream(&s, 1, f, 0, __builtin_nanf(""), update<float>)};
-  for (const int32_t status : refused) EXPECT_EQ(status, VXS_STATUS_BAD_ARGUMENT);
+  int row = 0;
+  for (const int32_t status :
+       {__vxsiNewAbstractStream(&s, 0, i, update<uint32_t>),
+        __vxsiNewAbstractStream(&s, -1, i, update<uint32_t>),
+        __vxsiNewAbstractStream(&s, 1, nullptr, update<uint32_t>), __vxsiNewAbstractStream(&s, 1, i, nullptr),
+        __vxsdNewAbstractStream(&s, 0, d, 0, 1, update<double>),
+        __vxsdNewAbstractStream(&s, 1, nullptr, 0, 1, update<double>),
+        __vxsdNewAbstractStream(&s, 1, d, 0, 1, nullptr),
+        __vxsdNewAbstractStream(&s, 1, d, 1, 1, update<double>),
+        __vxssNewAbstractStream(&s, 1, f, 2, 1, update<float>),
+        __vxssNewAbstractStream(&s, 1, f, 0, __builtin_nanf(""), update<float>)})
+    EXPECT_EQ(status, VXS_STATUS_BAD_ARGUMENT) << row++;
   EXPECT_EQ(s, before);
 }
 

@@ -61,6 +61,12 @@ T value_between(Range<T> range, Random &random) {
   return static_cast<T>(range.low + random.unit() * (static_cast<double>(range.high) - range.low));
 }
 
+// Within a range, and of middling size.
+template <class T>
+T ordinary(Range<T> range, Random &random) {
+  return value_between(Range<T>{std::max(range.low, T(-20)), std::min(range.high, T(20))}, random);
+}
+
 // Inputs around which kernels change their ways, for every function.
 template <class T>
 std::vector<T> notable_points(const VectorFunction<T> &f) {

@@ -8,9 +8,6 @@
 #include "tests/support/oracle.h"
 #include "tests/support/samples.h"
 #include "tests/vecmath/fresh_thread.h"
-#include "vecmath/real/circular/cores.h"
-
-using namespace qkr;
 
 namespace {
 
@@ -190,21 +187,6 @@ TYPED_TEST(Circular, RoutinesTreatOneElementAndReportAnInfinityOnce) {
       EXPECT_EQ(r[0], 77);
     }
   });
-}
-
-TEST(ScalarCores, TreatAnyDouble) {
-  constexpr double inf = std::numeric_limits<double>::infinity();
-  for (double (*core)(double) : {sine_of_any, cosine_of_any, tangent_of_any})
-    EXPECT_TRUE(std::isnan(core(-inf)) && std::isnan(core(NAN)));
-  for (double x : {0.0, -0.0, 5e-324, -0x1p-1023, 0x1p-253, -0x1.fffffffffffffp-253, 0x1p-252}) {
-    double sine, cosine;
-    sine_and_cosine_of_any(x, &sine, &cosine);
-    EXPECT_EQ(pattern_of(sine_of_any(x)), pattern_of(x));
-    EXPECT_EQ(pattern_of(tangent_of_any(x)), pattern_of(x));
-    EXPECT_EQ(pattern_of(sine), pattern_of(x));
-    EXPECT_EQ(cosine_of_any(x), 1);
-    EXPECT_EQ(cosine, 1);
-  }
 }
 
 }  // namespace

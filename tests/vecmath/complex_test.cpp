@@ -7,7 +7,7 @@
 
 #include "tests/support/complex_functions.h"
 #include "tests/support/levels.h"
-#include "tests/vecmath/complex_special_values.h"
+#include "tests/vecmath/special_values.h"
 
 namespace {
 
@@ -128,24 +128,18 @@ TEST(ComplexSpecialValues, OfPowers) {
 }
 
 TEST(ComplexSpecialValues, Classes) {
-  const struct {
-    double x;
-    int inf, nan, zero, negzero, ninf, pinf, nzfinite;
-  } rows[] = {
-      {0.0, 0, 0, 1, 0, 0, 0, 0},          {-0.0, 0, 0, 1, 1, 0, 0, 0},
-      {HUGE_VAL, 1, 0, 0, 0, 0, 1, 0},     {-HUGE_VAL, 1, 0, 0, 0, 1, 0, 0},
-      {std::nan(""), 0, 1, 0, 0, 0, 0, 0}, {-1.5, 0, 0, 0, 0, 0, 0, 1},
-      {0x1p-1074, 0, 0, 0, 0, 0, 0, 1},    {from_pattern<double>(0x7FF0000000000001), 0, 1, 0, 0, 0, 0, 0},
-  };
-  for (const auto &row : rows) {
-    SCOPED_TRACE(row.x);
-    EXPECT_EQ(_vxm_internal_isinf(row.x), row.inf);
-    EXPECT_EQ(_vxm_internal_isnan(row.x), row.nan);
-    EXPECT_EQ(_vxm_internal_iszero(row.x), row.zero);
-    EXPECT_EQ(_vxm_internal_isnegzero(row.x), row.negzero);
-    EXPECT_EQ(_vxm_internal_isninf(row.x), row.ninf);
-    EXPECT_EQ(_vxm_internal_ispinf(row.x), row.pinf);
-    EXPECT_EQ(_vxm_internal_isnzfinite(row.x), row.nzfinite);
+  constexpr double infinity = HUGE_VAL;
+  std::vector<double> numbers = notable_numbers();
+  numbers.push_back(from_pattern<double>(0x7FF0000000000001));
+  for (const double x : numbers) {
+    SCOPED_TRACE(x);
+    EXPECT_EQ(_vxm_internal_isinf(x), std::isinf(x));
+    EXPECT_EQ(_vxm_internal_isnan(x), std::isnan(x));
+    EXPECT_EQ(_vxm_internal_iszero(x), x == 0);
+    EXPECT_EQ(_vxm_internal_isnegzero(x), x == 0 && std::signbit(x));
+    EXPECT_EQ(_vxm_internal_isninf(x), x == -infinity);
+    EXPECT_EQ(_vxm_internal_ispinf(x), x == infinity);
+    EXPECT_EQ(_vxm_internal_isnzfinite(x), x != 0 && std::isfinite(x));
   }
 }
 

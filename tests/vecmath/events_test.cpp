@@ -26,11 +26,7 @@ struct Vectors {
 
   explicit Vectors(const VectorFunction<T> &f) {
     Random random{3};
-    const auto fill = [&](Range<T> range, T(&inputs)[length]) {
-      for (T &x : inputs)
-        x = value_between(Range<T>{std::max(range.low, T(-20)), std::min(range.high, T(20))}, random);
-    };
-    fill(f.a, a), fill(f.b, b);
+    for (int i = 0; i < length; ++i) a[i] = ordinary(f.a, random), b[i] = ordinary(f.b, random);
   }
   int events_of(const VectorFunction<T> &f, int n) {
     feclearexcept(FE_ALL_EXCEPT);

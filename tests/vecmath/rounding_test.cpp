@@ -1,82 +1,70 @@
 // Rounding family and Modf against the C library, in every rounding mode, with and without
 // denormals-are-zero.
-#include <bit>
 #include <cfenv>
 #include <cmath>
 #include <gtest/gtest.h>
-#include <limits>
-#include <qkr/vecmath.h>
-#include <random>
-#include <type_traits>
-#include <vector>
 #include <xmmintrin.h>
 
-#include "simd/level.h"
+#include "tests/support/levels.h"
+#include "tests/support/samples.h"
 
 namespace {
 
-template <class T>
-using Pattern = std::conditional_t<sizeof(T) == 8, uint64_t, uint32_t>;
+using namespace qkr::tests;
 
 template <class T>
-struct Function {
-  const char *name;
-  void (*vector)(int32_t, const T *, T *);
-  T (*reference)(T);
-};
+class Rounding : public testing::Test {};
+using Elements = testing::Types<double, float>;
+TYPED_TEST_SUITE(Rounding, Elements);
 
 // The C library's own functions: what the compiler puts in place of std::rint errs in the sign of zero.
-#define ROUNDING(letter, T, suffix)                                                        \
-  const Function<T> functions_##letter[] = {{"Ceil", _vxm##letter##Ceil, ceil##suffix},    \
-                                            {"Floor", _vxm##letter##Floor, floor##suffix}, \
-                                            {"Round", _vxm##letter##Round, round##suffix}, \
-                                            {"Trunc", _vxm##letter##Trunc, trunc##suffix}, \
-                                            {"Rint", _vxm##letter##Rint, rint##suffix},    \
-                                            {"NearbyInt", _vxm##letter##NearbyInt, nearbyint##suffix}};
-ROUNDING(d, double, )
-ROUNDING(s, float, f)
-const auto &functions_of(double) { return functions_d; }
-const auto &functions_of(float) { return functions_s; }
+template <class T>
+struct Reference {
+  const char *name;
+  T (*first)(T), (*second)(T) = nullptr;
+
+  const VectorFunction<T> &function() const {
+    return *find_function<T>(either<T>(std::string("_vxmd"), std::string("_vxms")) + name);
+  }
+};
+template <class T>
+const Reference<T> references[] = {{"Ceil", either<T>(ceil, ceilf)},
+                                   {"Floor", either<T>(floor, floorf)},
+                                   {"Round", either<T>(round, roundf)},
+                                   {"Trunc", either<T>(trunc, truncf)},
+                                   {"Rint", either<T>(rint, rintf)},
+                                   {"NearbyInt", either<T>(nearbyint, nearbyintf)},
+                                   {"Modf", either<T>(trunc, truncf), [](T x) {
+                                      T whole;
+                                      return std::modf(x, &whole);
+                                    }}};
 
 // Halves, neighbours of integers and of the largest fractions, subnormals, infinities, and every exponent at
 // random.
 template <class T>
 std::vector<T> arguments() {
-  const T inf = std::numeric_limits<T>::infinity(), tiny = std::numeric_limits<T>::denorm_min();
-  std::vector<T> x = {0, tiny, std::numeric_limits<T>::min(), inf, std::numeric_limits<T>::quiet_NaN()};
+  using Format = std::numeric_limits<T>;
+  std::vector<T> x = {0, Format::denorm_min(), Format::min(), Format::infinity(), Format::quiet_NaN()};
   for (T base : {0.5, 1.0, 1.5, 2.0, 2.5, 3.5, 1e5, 2097152.0, 4194304.0, 8388608.0, 0x1p51, 0x1p52, 0x1p53})
-    for (T offset : {-0.5, 0.0, 0.5}) {
-      const T v = base + offset;
-      for (T near : {v, std::nextafter(v, inf), std::nextafter(v, -inf)}) x.push_back(near);
-    }
-  std::mt19937_64 engine(1);
-  constexpr int fraction_bits = std::numeric_limits<T>::digits - 1;
-  constexpr Pattern<T> exponents = sizeof(T) == 8 ? 2047 : 255;
-  for (Pattern<T> exponent = 0; exponent < exponents; ++exponent)
-    for (int k = 0; k < 20; ++k) {
-      const Pattern<T> fraction = engine() & ((Pattern<T>(1) << fraction_bits) - 1);
-      x.push_back(std::bit_cast<T>(exponent << fraction_bits | fraction));
-    }
+    for (T offset : {-0.5, 0.0, 0.5})
+      for (int step : {-1, 0, 1}) x.push_back(of_rank<T>(rank(T(base + offset)) + step));
+  Random random{1};
+  while (x.size() < 20'000)
+    if (const T any = from_pattern<T>(static_cast<Pattern<T>>(random())); any == any) x.push_back(any);
   for (size_t i = x.size(); i-- > 0;) x.push_back(-x[i]);
   return x;
 }
 
-template <class T>
-bool same(T a, T b) {
-  return std::bit_cast<Pattern<T>>(a) == std::bit_cast<Pattern<T>>(b);
-}
-
-// Runs `body` at every level, in every rounding mode, with subnormals on and off; the flags are clear before.
+// Runs `body` at every level, in every rounding mode, with subnormals on and off.
 template <class Body>
 void everywhere(Body body) {
-  for (int level = 0; level <= static_cast<int>(qkr::supported_level()); ++level)
+  for_each_level([&](const char *level) {
     for (int direction : {FE_TONEAREST, FE_DOWNWARD, FE_UPWARD, FE_TOWARDZERO})
       for (unsigned flush : {0u, 0x8040u}) {
-        SCOPED_TRACE("level " + std::to_string(level) + " direction " + std::to_string(direction) +
-                     " flush " + std::to_string(flush));
-        qkr::force_level(static_cast<qkr::Level>(level));
+        SCOPED_TRACE(testing::Message() << level << ", direction " << direction << ", flush " << flush);
         body(direction, flush);
       }
+  });
 }
 
 // Calls under the given settings; returns the exceptions raised.
@@ -92,68 +80,43 @@ unsigned under(int direction, unsigned flush, Call call) {
   return raised;
 }
 
-template <class T>
-class Rounding : public testing::Test {};
-using Elements = testing::Types<double, float>;
-TYPED_TEST_SUITE(Rounding, Elements);
-
 TYPED_TEST(Rounding, AgreesWithTheLibrary) {
   using T = TypeParam;
   const std::vector<T> x = arguments<T>();
+  const auto n = static_cast<int32_t>(x.size());
   everywhere([&](int direction, unsigned flush) {
-    for (const auto &f : functions_of(T())) {
-      std::vector<T> expected(x.size()), r = x;  // in place
-      under(direction, 0, [&] {
-        for (size_t i = 0; i < x.size(); ++i) expected[i] = f.reference(x[i]);
-      });
-      const unsigned raised = under(direction, flush, [&] { f.vector(x.size(), r.data(), r.data()); });
-      for (size_t i = 0; i < x.size(); ++i)
-        ASSERT_TRUE(same(r[i], expected[i])) << f.name << " of " << x[i] << " gives " << r[i];
+    for (const Reference<T> &f : references<T>) {
+      std::vector<T> r = x, q(n);  // in place
+      const unsigned raised =
+          under(direction, flush, [&] { f.function().entry(n, r.data(), nullptr, r.data(), q.data()); });
       EXPECT_EQ(sizeof(T) == 8 ? raised : 0u, 0u) << f.name;
+      std::vector<T> first = x, second = q;
+      under(direction, 0, [&] {
+        for (T &number : first) number = f.first(number);
+        for (int32_t i = 0; f.second && i < n; ++i) second[i] = f.second(x[i]);
+      });
+      for (int32_t i = 0; i < n; ++i)
+        ASSERT_TRUE(pattern_of(r[i]) == pattern_of(first[i]) && pattern_of(q[i]) == pattern_of(second[i]))
+            << f.name << " of " << x[i] << " gives " << r[i] << ", " << q[i];
     }
-  });
-}
-
-TYPED_TEST(Rounding, ModfAgreesWithTheLibrary) {
-  using T = TypeParam;
-  const auto call = [](int32_t n, const T *a, T *r1, T *r2) {
-    if constexpr (sizeof(T) == 8) _vxmdModf(n, a, r1, r2);
-    else _vxmsModf(n, a, r1, r2);
-  };
-  const std::vector<T> x = arguments<T>();
-  everywhere([&](int direction, unsigned flush) {
-    std::vector<T> integer(x.size()), fraction = x;
-    const unsigned raised =
-        under(direction, flush, [&] { call(x.size(), fraction.data(), integer.data(), fraction.data()); });
-    for (size_t i = 0; i < x.size(); ++i) {
-      T whole;
-      const T rest = std::modf(x[i], &whole);
-      ASSERT_TRUE(same(integer[i], whole) && same(fraction[i], rest))
-          << x[i] << ": " << integer[i] << ", " << fraction[i];
-    }
-    EXPECT_EQ(sizeof(T) == 8 ? raised : 0u, 0u);
   });
 }
 
 // Raises invalid in double only: floats pass as they are.
-TEST(RoundingSpecial, SignallingNaN) {
-  const uint64_t wide[] = {0x7FF4000000000001, 0xFFF4000000000001};
-  const uint32_t narrow[] = {0x7FA00001, 0xFFA00001};
+TYPED_TEST(Rounding, SignallingNaN) {
+  using T = TypeParam;
   everywhere([&](int direction, unsigned flush) {
-    for (int k = 0; k < 2; ++k) {
-      const double x = std::bit_cast<double>(wide[k]);
-      const float y = std::bit_cast<float>(narrow[k]);
-      for (const auto &f : functions_d) {
-        double r = 0;
-        EXPECT_EQ(under(direction, flush, [&] { f.vector(1, &x, &r); }), FE_INVALID) << f.name;
-        EXPECT_EQ(std::bit_cast<uint64_t>(r), wide[k] | 0x0008000000000000) << f.name;
+    constexpr Pattern<T> signalling = either<T>(0x7FF4000000000001, 0x7FA00001u);
+    for (const Pattern<T> pattern : {signalling, pattern_of(-from_pattern<T>(signalling))})
+      for (const Reference<T> &f : references<T>) {
+        if (f.second) continue;
+        const T x = from_pattern<T>(pattern);
+        T r = 0;
+        const unsigned raised =
+            under(direction, flush, [&] { f.function().entry(1, &x, nullptr, &r, nullptr); });
+        EXPECT_EQ(sizeof(T) == 8 ? raised : FE_INVALID, unsigned{FE_INVALID}) << f.name;
+        EXPECT_EQ(pattern_of(r), pattern | either<T>(0x0008000000000000, 0u)) << f.name;
       }
-      for (const auto &f : functions_s) {
-        float r = 0;
-        f.vector(1, &y, &r);
-        EXPECT_EQ(std::bit_cast<uint32_t>(r), narrow[k]) << f.name;
-      }
-    }
   });
 }
 

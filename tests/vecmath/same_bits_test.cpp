@@ -86,8 +86,7 @@ std::vector<Case<T>> cases(int count, bool ordinary = false) {
       if (!ordinary) return mixed_inputs(f, range, count, seed);
       Random random{seed};
       std::vector<T> x(count);
-      for (T &number : x)
-        number = value_between(Range<T>{std::max(range.low, T(-20)), std::min(range.high, T(20))}, random);
+      for (T &number : x) number = qkr::tests::ordinary(range, random);
       return x;
     };
     for (const auto &f : vector_functions<T>()) {

@@ -1,9 +1,11 @@
-// Special inputs of the vector functions, with their results and reports.
+// Special inputs of the real and complex vector functions, with their results and reports, as data.
 #pragma once
 
+#include <cfenv>
 #include <functional>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "tests/support/samples.h"
 
@@ -32,6 +34,16 @@ struct Special {
 
 template <class T>
 std::vector<Special<T>> special_values();
+
+// A NaN stands for any NaN, zeros and infinities for their sign too, other numbers for what rounds to them.
+struct ComplexSpecial {
+  std::string function;  // Exp
+  double x, y, re, im;
+  int events = 0;        // that must be raised
+  bool mirrored = true;  // the rows of the other signs follow: f(conj z) = conj f(z)
+};
+
+std::vector<ComplexSpecial> complex_special_values();
 
 // A number, a name of one, a minus before it, a plus or minus behind it for its neighbour: "1-", "-largest".
 template <class T>

@@ -106,8 +106,8 @@ struct Ordinary {
 
   explicit Ordinary(const VectorFunction<T> &f) {
     Random random{1};
-    for (T &x : a) x = value_between(Range<T>{std::max(f.a.low, T(-20)), std::min(f.a.high, T(20))}, random);
-    for (T &x : b) x = value_between(Range<T>{std::max(f.b.low, T(-20)), std::min(f.b.high, T(20))}, random);
+    for (T &x : a) x = ordinary(f.a, random);
+    for (T &x : b) x = ordinary(f.b, random);
     f.entry(max_length, a, b, results[0], results[1]);
   }
 };
