@@ -13,7 +13,11 @@ draws from it too, where its words have 32 random bits.
 
 The numbers depend neither on the processor nor on how a draw is split into calls. One stream serves one thread at a
 time (others wait); `spawn`, members of a family, `skip` and `leapfrog` make streams for parallel work. The methods fill
-new arrays, or `out`, of float64 or float32, int64 or int32; parameters of distributions are numbers, not arrays.
+new arrays, or `out`, of float64 or float32, int64 or int32. Parameters of distributions are numbers, or arrays that
+broadcast together and to `size`: then the numbers are those of a call for each element, in C order.
+
+>>> stream.poisson([[1.0], [1000.0]], size=(2, 500)).shape
+(2, 500)
 
 What NumPy's Generator takes comes from blocks of 512 words; the methods of the stream go on behind the block.
 """

@@ -93,7 +93,15 @@ def test_splitting_a_draw_changes_nothing(name):
 
 @pytest.mark.parametrize("call, error", [
     (lambda s: s.normal(scale=-1), ValueError),
-    (lambda s: s.normal(loc=[1, 2]), TypeError),
+    (lambda s: s.normal(loc="1"), TypeError),
+    (lambda s: s.normal(loc=["a"]), ValueError),
+    (lambda s: s.normal([1, 2], [1, 2, 3]), ValueError),
+    (lambda s: s.normal([1, 2], size=3), ValueError),
+    (lambda s: s.normal([1, 2], size=()), ValueError),
+    (lambda s: s.normal([[1, 2]], size=2), ValueError),
+    (lambda s: s.normal([1, 2], out=np.empty(3)), ValueError),
+    (lambda s: s.normal(0, [1, 2, -1]), ValueError),
+    (lambda s: s.normal([[1], [2]], np.where(np.arange(600) == 599, np.nan, 1.0)), ValueError),
     (lambda s: s.normal(1, loc=1), TypeError),
     (lambda s: s.normal(mean=1), TypeError),
     (lambda s: s.normal(0, 1, None, None, None, 1), TypeError),
@@ -158,6 +166,44 @@ def test_parameters_that_are_arrays():
     assert counts.shape == means.shape and np.abs(counts.mean(1) / [0.5, 40.0] - 1).max() < 0.03
     with pytest.raises(ValueError):
         qr.MT19937(8).poisson_each([1.0, np.nan])
+
+
+@st.composite
+def parameter_arrays(draw):
+    """A distribution, and an array for each of its parameters: values near those of its row, shapes that broadcast."""
+    name = draw(st.sampled_from([name for name in ALL if ALL[name][0]]))
+    shape = draw(st.lists(st.integers(0, 4), max_size=3))
+    arrays = []
+    for value in ALL[name][0]:
+        own = [1 if draw(st.booleans()) else n for n in shape][draw(st.integers(0, len(shape))):]
+        steps = np.array(draw(st.lists(st.integers(0, 2), min_size=(n := int(np.prod(own))), max_size=n)), float)
+        arrays.append((value + steps * (1 if isinstance(value, int) else 0.125)).reshape(own))
+    return name, arrays, shape
+
+
+@given(parameter_arrays(), st.sampled_from([0, 1]), st.booleans())
+@settings(deadline=None, max_examples=300)
+def test_parameters_that_are_arrays_give_the_numbers_of_single_calls(case, which, given_size):
+    name, arrays, shape = case
+    dtype = (REAL.get(name) and (np.float64, np.float32) or (np.int64, np.int32))[which]
+    together, single = (getattr(qr.MT19937(9), name) for _ in range(2))
+    size = tuple(shape) if given_size else None
+    result = together(*arrays, size=size, dtype=dtype)
+    broadcast = np.broadcast_arrays(*arrays, *([np.empty(shape)] if given_size else []))[:len(arrays)]
+    expected = [single(*map(float, p), dtype=dtype) for p in zip(*map(np.ravel, broadcast))]
+    assert np.shape(result) == broadcast[0].shape and np.result_type(result) == dtype
+    assert np.array_equal(np.ravel(result), np.array(expected, dtype))
+
+
+def test_runs_of_equal_parameters_are_one_draw():
+    means = np.arange(5.0)[:, None]
+    together, single = qr.MT2203(10), qr.MT2203(10)
+    out = np.empty((5, 3000))
+    assert together.normal(means, 2.0, out=out) is out
+    assert np.array_equal(out, [single.normal(mean, 2.0, 3000) for mean in range(5)])
+    assert together.random() == single.random()
+    flat = qr.MT2203(10).poisson(np.full((40, 50), 7.5))
+    assert np.array_equal(flat, qr.MT2203(10).poisson(7.5, (40, 50)))
 
 
 # NumPy

@@ -1,7 +1,8 @@
 """The programs in a page build against the install tree, end well, and print what the page says they print.
 
-check_programs.py PAGE STAGE C_COMPILER CXX_COMPILER LANGUAGE...: the languages that the page is to have, in the order of
-the alphabet. A block without main() is what stands in main().
+check_programs.py PAGE STAGE C_COMPILER CXX_COMPILER LANGUAGE...: the install tree, or `installed` for what the system finds
+by itself; the languages that the page is to have, in the order of the alphabet. A block without main() is what stands in
+main().
 """
 import os
 import pathlib
@@ -11,9 +12,10 @@ import sys
 import tempfile
 
 page, stage, c_compiler, cxx_compiler, *languages = sys.argv[1:]
-package_file = next(pathlib.Path(stage).rglob("qkr.pc"))
-library_path = str(package_file.parent.parent)
-environment = dict(os.environ, PKG_CONFIG_PATH=str(package_file.parent), LD_LIBRARY_PATH=library_path)
+environment = dict(os.environ)
+if stage != "installed":
+    package_file = next(pathlib.Path(stage).rglob("qkr.pc"))
+    environment |= {"PKG_CONFIG_PATH": str(package_file.parent), "LD_LIBRARY_PATH": str(package_file.parent.parent)}
 
 
 def output(*command):

@@ -19,6 +19,7 @@ requires std::is_trivially_copyable_v<T>
 class aligned_array {
  public:
   aligned_array() noexcept = default;
+  /** Room for so many elements, at most 2 GiB. */
   explicit aligned_array(std::size_t size) { check(try_reset(size)); }
   aligned_array(aligned_array &&other) noexcept
       : data_(std::exchange(other.data_, nullptr)), size_(std::exchange(other.size_, 0)) {}
@@ -43,6 +44,9 @@ class aligned_array {
     return {room::sigfft, zprStsNoErr};
   }
 
+  /** @name As containers have it
+   * Indices are not checked. */
+  /**@{*/
   T *data() noexcept { return data_; }
   const T *data() const noexcept { return data_; }
   std::size_t size() const noexcept { return size_; }
@@ -52,6 +56,7 @@ class aligned_array {
   const T *end() const noexcept { return data_ + size_; }
   T &operator[](std::size_t i) noexcept { return data_[i]; }
   const T &operator[](std::size_t i) const noexcept { return data_[i]; }
+  /**@}*/
 
  private:
   T *data_ = nullptr;

@@ -41,11 +41,14 @@ enum class room : std::int32_t {
  * what is found wrong before the call. */
 class [[nodiscard]] status {
  public:
+  /** The answer `code` of a room. */
   constexpr status(qkr::room from, std::int32_t code) noexcept : room_(from), code_(code) {}
 
   /** Whether the operation was done: 0, and of streams also a positive status of a generator of your own. */
   constexpr bool ok() const noexcept { return code_ == 0 || (code_ > 0 && room_ == qkr::room::streams); }
+  /** The number of the C interface: a status of the room, 0 for success. */
   constexpr std::int32_t code() const noexcept { return code_; }
+  /** The room that answered. */
   constexpr qkr::room room() const noexcept { return room_; }
   /** A few words: qkr_status_text(). */
   const char *text() const noexcept { return qkr_status_text(static_cast<std::int32_t>(room_), code_); }
@@ -60,11 +63,15 @@ class [[nodiscard]] status {
 /** The one exception of the library: a status, with its text as what(). */
 class error : public std::exception {
  public:
+  /** @param of what went wrong */
   explicit error(qkr::status of) noexcept : status_(of) {}
+  /** A few words: qkr_status_text(). */
   const char *what() const noexcept override { return status_.text(); }
   /** The status that an operation without exceptions would have returned. */
   qkr::status status() const noexcept { return status_; }
+  /** The number of that status. */
   std::int32_t code() const noexcept { return status_.code(); }
+  /** The room that it comes from. */
   qkr::room room() const noexcept { return status_.room(); }
 
  private:
@@ -95,9 +102,10 @@ inline simd_level use_level(simd_level level) noexcept {
   return static_cast<simd_level>(qkr_set_level(static_cast<std::int32_t>(level)));
 }
 
-/** Single and double precision, and whole complex numbers of them. */
+/** Numbers of single and double precision: float, double. */
 template <class T>
 concept real_number = std::same_as<T, float> || std::same_as<T, double>;
+/** Complex numbers of them: std::complex<float>, std::complex<double>. */
 template <class T>
 concept complex_number = std::same_as<T, std::complex<float>> || std::same_as<T, std::complex<double>>;
 
@@ -106,6 +114,7 @@ concept complex_number = std::same_as<T, std::complex<float>> || std::same_as<T,
  * tells. */
 class shape {
  public:
+  /** No dimensions, or the numbers in turn, or those of a range. */
   shape() noexcept = default;
   template <std::integral... Number>
   requires(sizeof...(Number) > 0) shape(Number... numbers)
@@ -117,9 +126,13 @@ class shape {
     for (const auto number : range) add(number);
   }
 
+  /** Whether there were at most seven numbers, each of 32 bits. */
   bool valid() const noexcept { return valid_; }
+  /** How many dimensions. */
   std::size_t size() const noexcept { return count_; }
+  /** The numbers, for the C interface's functions. */
   const std::int32_t *data() const noexcept { return numbers_; }
+  /** The number of dimension i, below size(). */
   std::int32_t operator[](std::size_t i) const noexcept { return numbers_[i]; }
 
  private:

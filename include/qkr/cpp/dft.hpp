@@ -101,7 +101,8 @@ struct precision_of<std::complex<T>> {
 
 }  // namespace detail
 
-/** A committed descriptor; move only. An empty one answers DFTX_BAD_DESCRIPTOR. */
+/** A committed descriptor; move only. An empty one answers DFTX_BAD_DESCRIPTOR. T is the precision of the
+ * elements, float or double, and C is std::complex<T>. */
 template <class Element>
 requires real_number<Element> || complex_number<Element>
 class dft {
@@ -142,9 +143,9 @@ class dft {
     return answer(code);
   }
 
-  /** Numbers that a signal and, where it is real, its spectrum reach over, all transforms of a call
-   * included. */
+  /** Numbers that a signal reaches over, all transforms of a call included. */
   std::size_t signal_size() const noexcept { return signal_.reach; }
+  /** The same of the spectrum of a real signal. */
   std::size_t spectrum_size() const noexcept { return spectrum_.reach; }
 
   /** @name Complex signals
@@ -189,10 +190,12 @@ class dft {
   void backward(std::span<const T> X, std::span<T> x) const requires is_real { check(try_backward(X, x)); }
   /**@}*/
 
-  /** The descriptors, for the C interface's functions; they stay this object's. A change there is not seen
+  /** The descriptor, for the C interface's functions; it stays this object's. A change there is not seen
    * here. */
   DftDescriptor *forward_handle() const noexcept { return forward_; }
+  /** The same of the way back, which may have a descriptor of its own. */
   DftDescriptor *backward_handle() const noexcept { return backward_ ? backward_ : forward_; }
+  /** Whether there is a descriptor. */
   explicit operator bool() const noexcept { return forward_ != nullptr; }
 
  private:

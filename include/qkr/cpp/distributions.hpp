@@ -13,6 +13,13 @@
 
 namespace qkr {
 inline namespace cpp {
+namespace detail {
+
+// Of a vector, an array or a span.
+template <class Array>
+using element_of = typename decltype(std::span(std::declval<Array &>()))::element_type;
+
+}  // namespace detail
 
 /** How the triangular factor of a covariance is stored: QKR_STORAGE_FULL and its companions. */
 enum class storage : std::int32_t {
@@ -111,7 +118,7 @@ class draws {
   /** Normal vectors mean + T z, one behind the other, of as many elements as `mean`: _vxsdRngGaussianMV(),
    * _vxssRngGaussianMV(). VXS_STATUS_BAD_ARGUMENT if `out` is no whole number of vectors, or `t` has
    * another size than its storage asks for. */
-  template <class Out, class T = typename decltype(std::span(std::declval<Out &>()))::element_type>
+  template <class Out, class T = detail::element_of<Out>>
   requires real_number<T> status try_normal_vectors(Out &&out, std::type_identity_t<std::span<const T>> mean,
                                                     std::type_identity_t<std::span<const T>> t,
                                                     storage stored = storage::full,

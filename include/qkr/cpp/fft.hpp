@@ -89,11 +89,12 @@ QKR_CPP_TRANSFORMS(float, w6_zprsDFTFwd_RToPerm_32f, w6_zprsDFTFwd_RToPack_32f, 
   /** Plan and work memory for signals of `length` elements. */ \
   explicit fft(std::size_t length, divide which = divide::inverse) { check(this->try_reset(length, which)); }
 
+/** A transform of one dimension; what the kinds are, the table above says. */
 template <class Kind>
 class fft;
 
 /** Complex signals, and those whose spectra come in an order that all objects of one length share: for
- * products point by point. */
+ * products point by point. C is the type of the numbers, std::complex<float> or std::complex<double>. */
 template <class Kind>
 requires complex_number<Kind> || detail::is_unordered<Kind>
 class fft<Kind> : public fft_plan<Kind> {
@@ -125,7 +126,8 @@ class fft<Kind> : public fft_plan<Kind> {
   }
 };
 
-/** Real signals. The spectrum X[0] to X[N / 2] is complex; the rest are conjugates of those. */
+/** Real signals. The spectrum X[0] to X[N / 2] is complex; the rest are conjugates of those. C is
+ * std::complex<T>. */
 template <real_number T>
 class fft<T> : public fft_plan<T> {
   using C = std::complex<T>;
@@ -177,7 +179,8 @@ class fft<T> : public fft_plan<T> {
   }
 };
 
-/** Complex signals as arrays of real and of imaginary parts. */
+/** Complex signals as arrays of real and of imaginary parts. In and Out are std::span<const T> and
+ * std::span<T>. */
 template <real_number T>
 class fft<split<T>> : public fft_plan<split<T>> {
   using calls = detail::transforms<split<T>>;
@@ -186,12 +189,12 @@ class fft<split<T>> : public fft_plan<split<T>> {
 
  public:
   QKR_CPP_CONSTRUCTORS
-  /** w6_zprsDFTFwd_CToC_64f(), w6_zprsDFTFwd_CToC_32f(). */
+  /** From signal to spectrum: w6_zprsDFTFwd_CToC_64f(), w6_zprsDFTFwd_CToC_32f(). */
   status try_forward(In re, In im, Out to_re, Out to_im, work_memory work) const noexcept {
     return transform(calls::forward, re, im, to_re, to_im, work);
   }
   QKR_CPP_FORMS(forward, (In re, In im, Out to_re, Out to_im), (re, im, to_re, to_im))
-  /** w6_zprsDFTInv_CToC_64f(), w6_zprsDFTInv_CToC_32f(). */
+  /** From spectrum to signal: w6_zprsDFTInv_CToC_64f(), w6_zprsDFTInv_CToC_32f(). */
   status try_inverse(In re, In im, Out to_re, Out to_im, work_memory work) const noexcept {
     return transform(calls::inverse, re, im, to_re, to_im, work);
   }

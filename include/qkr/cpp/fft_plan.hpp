@@ -20,9 +20,10 @@ enum class divide : std::int32_t {
 /** Layouts of a real signal's spectrum in real numbers, drawn in qkr/sigfft_dft.h; ccs is the half one. */
 enum class packing { perm, pack, ccs };
 
-/** Kinds of fft: complex numbers in two arrays, and spectra out of order. */
+/** A kind of fft: complex numbers in two arrays, of real and of imaginary parts. */
 template <real_number T>
 struct split;
+/** A kind of fft: spectra out of order. */
 template <real_number T>
 struct unordered;
 
@@ -66,6 +67,7 @@ using work_memory = std::span<std::uint8_t>;
 template <class Kind>
 class fft_plan {
  public:
+  /** The C interface's plan and functions of this kind. */
   using calls = detail::plan_calls<Kind>;
 
   fft_plan() noexcept = default;

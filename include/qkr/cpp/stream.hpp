@@ -19,7 +19,7 @@ inline namespace cpp {
 
 /** A basic generator: its id, and how many seed words it takes in. */
 struct generator {
-  std::uint32_t id;
+  std::uint32_t id;        /**< in the registry: QKR_MT19937 and its companions */
   std::int32_t seed_words; /**< that a spread seed fills; 0 for quasi-random generators */
   friend constexpr bool operator==(const generator &, const generator &) = default;
 };
@@ -73,7 +73,8 @@ inline BrngRecord properties(generator of) {
  * index. Its words come from __vxsSeedWords(). Similar seeds of one word, or one seed for all members of a
  * family, give streams that begin alike; these do not. */
 struct spread_seed {
-  std::uint64_t seed, index;
+  std::uint64_t seed;  /**< of all streams */
+  std::uint64_t index; /**< of this one */
 };
 
 /** A random stream; move only, clone() copies. One that is moved from or made without arguments is empty: its
@@ -250,7 +251,9 @@ class stream : public draws<stream> {
   }
   /** The id of its generator: __vxsGetStreamStateBrng(). 0 if empty. */
   std::uint32_t id() const noexcept { return state_ ? __vxsGetStreamStateBrng(state_) : 0; }
+  /** Whether it is a stream, and not empty. */
   explicit operator bool() const noexcept { return state_ != nullptr; }
+  /** Exchanges two streams. */
   void swap(stream &other) noexcept {
     std::swap(state_, other.state_);
     std::swap(ahead_, other.ahead_);

@@ -9,7 +9,9 @@
 namespace qkr {
 inline namespace cpp {
 
+/** What a task computes: VXS_CC_CONVOLUTION, VXS_CC_CORRELATION. */
 enum class operation : std::int32_t { convolution = VXS_CC_CONVOLUTION, correlation = VXS_CC_CORRELATION };
+/** How: VXS_CC_DIRECT, VXS_CC_FFT. */
 enum class method : std::int32_t { direct = VXS_CC_DIRECT, transform = VXS_CC_FFT };
 
 /** A task; move only, clone() copies. An empty one answers VXS_CC_ERROR_NULL. Unlike the C interface's, it
@@ -32,6 +34,7 @@ class convolution_task {
   /** __vxsDeleteTask(). */
   ~convolution_task() { __vxsDeleteTask(&task_); }
 
+  /** A task in the place of this one, unless it fails: __vxsNewTask(). */
   status try_reset(const shape &x, const shape &y, const shape &z, operation kind = operation::convolution,
                    method by = method::direct) noexcept {
     return create(x, y, z, kind, by, nullptr, nullptr);
@@ -43,6 +46,7 @@ class convolution_task {
     if (!reaches(shared.size(), x, strides)) return answer(VXS_CC_ERROR_XSHAPE);
     return create(x, y, z, kind, by, shared.data(), strides.size() ? strides.data() : nullptr);
   }
+  /** A task with such an operand: __vxsNewTaskX(). */
   static convolution_task shared(std::span<const T> shared_x, const shape &strides, const shape &x,
                                  const shape &y, const shape &z, operation kind = operation::convolution,
                                  method by = method::direct) {
@@ -127,6 +131,7 @@ class convolution_task {
   /** The task, for the C interface's functions (__vxsccGetStatus(), __vxsccSetStatus()); it stays this
    * object's. */
   ConvCorrTask *handle() const noexcept { return task_; }
+  /** Whether it is a task, and not empty. */
   explicit operator bool() const noexcept { return task_ != nullptr; }
 
  private:

@@ -82,12 +82,12 @@ inline status over_elements(std::size_t n, bool sizes_agree, Call call) noexcept
 /** @name Functions of real and of complex numbers
  * name(a, r), try_name(a, r); pow(a, b, r) of two arrays, or with one exponent for all. */
 /**@{*/
-/** E^a: _vxmdExp_HA(), _vxmsExp_HA(), _vxmzExp_HA(), _vxmcExp_HA(). */
+/** e^a: _vxmdExp_HA(), _vxmsExp_HA(), _vxmzExp_HA(), _vxmcExp_HA(). */
 QKR_CPP_OF_ONE(exp, double, _vxmdExp_HA)
 QKR_CPP_OF_ONE(exp, float, _vxmsExp_HA)
 QKR_CPP_OF_ONE(exp, std::complex<double>, _vxmzExp_HA)
 QKR_CPP_OF_ONE(exp, std::complex<float>, _vxmcExp_HA)
-/** Ln a: _vxmdLn_HA(), _vxmsLn_HA(), _vxmzLn_HA(), _vxmcLn_HA(). */
+/** ln a: _vxmdLn_HA(), _vxmsLn_HA(), _vxmzLn_HA(), _vxmcLn_HA(). */
 QKR_CPP_OF_ONE(log, double, _vxmdLn_HA)
 QKR_CPP_OF_ONE(log, float, _vxmsLn_HA)
 QKR_CPP_OF_ONE(log, std::complex<double>, _vxmzLn_HA)
@@ -162,12 +162,12 @@ QKR_CPP_OF_ONE(atanh, double, _vxmdAtanh_HA)
 QKR_CPP_OF_ONE(atanh, float, _vxmsAtanh_HA)
 QKR_CPP_OF_ONE(atanh, std::complex<double>, _vxmzAtanh_HA)
 QKR_CPP_OF_ONE(atanh, std::complex<float>, _vxmcAtanh_HA)
-/** A^b: _vxmdPow_HA(), _vxmsPow_HA(), _vxmzPow_HA(), _vxmcPow_HA(). */
+/** a^b: _vxmdPow_HA(), _vxmsPow_HA(), _vxmzPow_HA(), _vxmcPow_HA(). */
 QKR_CPP_OF_TWO(pow, double, _vxmdPow_HA)
 QKR_CPP_OF_TWO(pow, float, _vxmsPow_HA)
 QKR_CPP_OF_TWO(pow, std::complex<double>, _vxmzPow_HA)
 QKR_CPP_OF_TWO(pow, std::complex<float>, _vxmcPow_HA)
-/** A^b with one exponent: _vxmdPowx_HA(), _vxmsPowx_HA(), _vxmzPowx_HA(), _vxmcPowx_HA(). */
+/** a^b with one exponent: _vxmdPowx_HA(), _vxmsPowx_HA(), _vxmzPowx_HA(), _vxmcPowx_HA(). */
 QKR_CPP_OF_NUMBER(pow, double, _vxmdPowx_HA)
 QKR_CPP_OF_NUMBER(pow, float, _vxmsPowx_HA)
 QKR_CPP_OF_NUMBER(pow, std::complex<double>, _vxmzPowx_HA)
@@ -198,10 +198,10 @@ QKR_CPP_OF_ONE(erfc, float, _vxmsErfc_HA)
 /** The inverse of erf: _vxmdErfInv_HA(), _vxmsErfInv_HA(). */
 QKR_CPP_OF_ONE(erf_inv, double, _vxmdErfInv_HA)
 QKR_CPP_OF_ONE(erf_inv, float, _vxmsErfInv_HA)
-/** A / b: _vxmdDiv_HA(), _vxmsDiv_HA(). */
+/** a / b: _vxmdDiv_HA(), _vxmsDiv_HA(). */
 QKR_CPP_OF_TWO(div, double, _vxmdDiv_HA)
 QKR_CPP_OF_TWO(div, float, _vxmsDiv_HA)
-/** Sqrt(a^2 + b^2): _vxmdHypot_HA(), _vxmsHypot_HA(). */
+/** sqrt(a^2 + b^2): _vxmdHypot_HA(), _vxmsHypot_HA(). */
 QKR_CPP_OF_TWO(hypot, double, _vxmdHypot_HA)
 QKR_CPP_OF_TWO(hypot, float, _vxmsHypot_HA)
 /** The angle of the point with ordinate a and abscissa b: _vxmdAtan2_HA(), _vxmsAtan2_HA(). */

@@ -2,13 +2,12 @@
 
 #include <algorithm>
 #include <climits>
-#include <cmath>
+
+#include "random/parameters.h"
 
 namespace qkr::random {
 namespace {
 
-// Numbers from which on the GIL is released: a few microseconds.
-constexpr npy_intp many = 500;
 // The library counts in 32 bits. Draws may be split without changing a number.
 constexpr npy_intp longest_piece = npy_intp{1} << 30;
 
@@ -39,20 +38,6 @@ bool match(const Distribution &d, PyObject *const *arguments, Py_ssize_t count, 
   return true;
 }
 
-bool read_parameters(const Distribution &d, PyObject *const *found, double *p) {
-  for (int k = 0; k < d.count; ++k) {
-    p[k] = found[k] ? PyFloat_AsDouble(found[k]) : d.parameters[k].value;
-    if (p[k] == -1.0 && PyErr_Occurred()) return false;
-    if (!found[k] && std::isnan(p[k])) {
-      PyErr_Format(PyExc_TypeError, "%s() needs the argument '%s'", d.name, d.parameters[k].name);
-      return false;
-    }
-  }
-  const char *complaint = d.check(p);
-  if (complaint) PyErr_Format(PyExc_ValueError, "%s: %s", d.name, complaint);
-  return !complaint;
-}
-
 // The element type that is asked for, as NumPy's number; -1 with an exception set.
 int read_type(const Distribution &d, PyObject *dtype) {
   const bool real = d.doubles;
@@ -70,17 +55,22 @@ int read_type(const Distribution &d, PyObject *dtype) {
   return -1;
 }
 
-// The array to fill, new or the caller's.
-PyArrayObject *result_array(const Distribution &d, PyObject *size, PyObject *dtype, PyObject *out) {
+// The array to fill, new or the caller's; without a size it is that of the parameters.
+PyArrayObject *result_array(const Distribution &d, const Parameters &parameters, PyObject *size,
+                            PyObject *dtype, PyObject *out) {
   PyArray_Dims shape = {};
   if (size && size != Py_None && !PyArray_IntpConverter(size, &shape)) return nullptr;
   const bool has_shape = size && size != Py_None;
   PyArrayObject *result = nullptr;
   if (!out || out == Py_None) {
     const int type = read_type(d, dtype);
-    if (type >= 0) {
-      result =
-          reinterpret_cast<PyArrayObject *>(PyArray_SimpleNew(has_shape ? shape.len : 0, shape.ptr, type));
+    if (type < 0 || (has_shape && !parameters.fit(shape.len, shape.ptr))) {
+      // told
+    } else if (has_shape) {
+      result = reinterpret_cast<PyArrayObject *>(PyArray_SimpleNew(shape.len, shape.ptr, type));
+    } else {
+      result = reinterpret_cast<PyArrayObject *>(
+          PyArray_SimpleNew(parameters.dimensions(), parameters.shape(), type));
     }
   } else if (!PyArray_Check(out)) {
     PyErr_Format(PyExc_TypeError, "%s: out is no array", d.name);
@@ -95,7 +85,7 @@ PyArrayObject *result_array(const Distribution &d, PyObject *size, PyObject *dty
     } else if (has_shape && (shape.len != PyArray_NDIM(array) ||
                              !PyArray_CompareLists(shape.ptr, PyArray_DIMS(array), shape.len))) {
       PyErr_Format(PyExc_ValueError, "%s: size is not that of out", d.name);
-    } else {
+    } else if (parameters.fit(PyArray_NDIM(array), PyArray_DIMS(array))) {
       result = reinterpret_cast<PyArrayObject *>(Py_NewRef(out));
     }
   }
@@ -151,11 +141,11 @@ int32_t fill(const Distribution &d, StreamState *stream, npy_intp n, int type, v
 PyObject *draw(const Distribution &d, PyObject *object, PyObject *const *arguments, Py_ssize_t count,
                PyObject *names) {
   PyObject *found[most_parameters + own_places] = {};
-  double p[most_parameters];
+  Parameters parameters(d);
   Stream *self = ready(object);
-  if (!self || !match(d, arguments, count, names, found) || !read_parameters(d, found, p)) return nullptr;
+  if (!self || !match(d, arguments, count, names, found) || !parameters.read(found)) return nullptr;
   PyObject *const *own = found + d.count;
-  PyArrayObject *result = result_array(d, own[size_place], own[dtype_place], own[out_place]);
+  PyArrayObject *result = result_array(d, parameters, own[size_place], own[dtype_place], own[out_place]);
   if (!result) return nullptr;
 
   const npy_intp n = PyArray_SIZE(result);
@@ -164,7 +154,10 @@ PyObject *draw(const Distribution &d, PyObject *object, PyObject *const *argumen
   if (n > 0) {
     const Guard guard(self);
     PyThreadState *thread = n >= many ? PyEval_SaveThread() : nullptr;
-    status = fill(d, self->state, n, type, PyArray_DATA(result), p);
+    status = parameters.for_runs(
+        PyArray_NDIM(result), PyArray_DIMS(result), [&](npy_intp first, npy_intp run, const double *p) {
+          return fill(d, self->state, run, type, PyArray_BYTES(result) + first * PyArray_ITEMSIZE(result), p);
+        });
     if (thread) PyEval_RestoreThread(thread);
   }
   if (status) {

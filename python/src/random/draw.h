@@ -7,6 +7,9 @@ namespace qkr::random {
 
 inline constexpr int most_parameters = 4;
 
+// Numbers from which on the GIL is released: a few microseconds.
+inline constexpr npy_intp many = 500;
+
 struct Parameter {
   const char *name;
   double value;  // unless given; NaN: it has to be given
