@@ -143,7 +143,7 @@ TYPED_TEST(Convolution, FollowsItsMethodToTheLastBit) {
     const size_t a = border.longer, b = border.shorter;
     SCOPED_TRACE(testing::Message() << a << " and " << b);
     const auto x = random_vector<T>(a, 1), h = random_vector<T>(b, 2);
-    for_each_level([&, a = a, b = b, method = method](const char *level) {
+    for_each_level([&](const char *level) {
       SCOPED_TRACE(level);
       const auto expected = as_told(x, h, border.method);
       EXPECT_TRUE(same_bits(convolved(x, h), expected));
@@ -190,7 +190,7 @@ TYPED_TEST(Convolution, TouchesOnlyItsArrays) {
       const size_t a = border.longer, b = border.shorter;
       Guarded<T> x(a, edge), h(b, edge), dst(a + b - 1, edge);
       x.data()[0] = h.data()[0] = 1;
-      for_each_level([&, a = a, b = b](const char *level) {
+      for_each_level([&](const char *level) {
         for (size_t k = 0; k < a + b - 1; ++k) dst.data()[k] = 77;
         EXPECT_EQ(Engine<T>::convolve(x.data(), (int)a, h.data(), (int)b, dst.data()), zprStsNoErr);
         for (size_t k = 0; k < a + b - 1; ++k)
@@ -277,7 +277,7 @@ TEST(IntegerConvolution, RoundsAndSaturatesTheSums) {
         const double value = std::nearbyint(std::ldexp((double)sum, -scale));
         expected.push_back((int16_t)std::clamp(value, -32768.0, 32767.0));
       }
-      for_each_level([&, a = a, b = b](const char *level) {
+      for_each_level([&](const char *level) {
         SCOPED_TRACE(testing::Message() << level << ", " << a << " and " << b << ", scale " << scale);
         EXPECT_EQ(convolved(x, h, scale), expected);
         EXPECT_EQ(convolved(h, x, scale), expected);
