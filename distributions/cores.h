@@ -12,7 +12,7 @@
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
 
-// ln: of positive normal numbers; sin and sin_cos: of angles within a turn.
+// ln: of positive normal numbers; sines and cosines: of angles within a turn.
 template <class T>
 struct Cores;
 template <>
@@ -23,11 +23,11 @@ struct Cores<double> {
     return log.second + log.first;
   }
   template <class V>
-  QKR_INLINE static V sin(V x) {
+  QKR_INLINE static V sine(V x) {
     return sine_or_cosine<0>(x);
   }
   template <class V>
-  QKR_INLINE static Pair<V> sin_cos(V x) {
+  QKR_INLINE static Pair<V> sine_and_cosine_of(V x) {
     return sine_and_cosine(x);
   }
 };
@@ -38,11 +38,11 @@ struct Cores<float> {
     return NaturalSingle::logarithm(x, 0.0f);
   }
   template <class V>
-  QKR_INLINE static V sin(V x) {
+  QKR_INLINE static V sine(V x) {
     return sine_of_single(x, x, 0.0);
   }
   template <class V>
-  QKR_INLINE static Pair<V> sin_cos(V x) {
+  QKR_INLINE static Pair<V> sine_and_cosine_of(V x) {
     return sine_and_cosine_of_single(x);
   }
 };

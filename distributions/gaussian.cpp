@@ -57,7 +57,7 @@ T half_of(const PendingPair &pair, int half, Law<T> law) {
   if (!has_logarithm(u) || !(turns >= T(0) && turns <= T(1)) || !environment_is_default()) {
     return half_by_functions(pair, half, law);
   }
-  const Pair<T> p = Cores<T>::sin_cos(turns * T(whole_turn));
+  const Pair<T> p = Cores<T>::sine_and_cosine_of(turns * T(whole_turn));
   return ((half ? p.second : p.first) * radius_of<T>(u)) * law.sigma + law.a;
 }
 
@@ -133,7 +133,7 @@ bool one_gaussian(int32_t method, StreamState *stream, T *out, T a, T sigma) {
   T u[2];
   if (method != 0 || !draw_ready(stream, 2, u, 0, 1)) return false;
   if (has_logarithm(u[0]) && environment_is_default()) {
-    *out = (radius_of<T>(u[0]) * Cores<T>::sin(u[1] * T(whole_turn))) * sigma + a;
+    *out = (radius_of<T>(u[0]) * Cores<T>::sine(u[1] * T(whole_turn))) * sigma + a;
   } else {
     normals_by_functions<T, Takes::sine>(1, u, out, sigma, a);
   }

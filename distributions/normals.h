@@ -7,10 +7,11 @@
 #include <utility>
 
 #include "distributions/cores.h"
-#include "distributions/radii.h"
 
 namespace qkr::QKR_SIMD_LEVEL {
 namespace {
+
+constexpr double whole_turn = 6.283185307179586;  // 2 pi
 
 enum class Takes { sine, both };
 
@@ -80,16 +81,24 @@ QKR_NOINLINE int32_t groups_of_pairs(int32_t m, const T *pairs, T *out, T sigma,
     angle = angle * T(whole_turn);
     const V radius = radius_of<T>(u);
     if constexpr (takes == Takes::both) {
-      const Pair<V> p = Cores<T>::sin_cos(angle);
+      const Pair<V> p = Cores<T>::sine_and_cosine_of(angle);
       store_pairs(out + 2 * i, (p.first * radius) * sigma + a, (p.second * radius) * sigma + a);
     } else {
-      store(out + i, (radius * Cores<T>::sin(angle)) * sigma + a);
+      store(out + i, (radius * Cores<T>::sine(angle)) * sigma + a);
     }
   }
   return i;
 }
 
-// By the vector functions. The block's length is theirs.
+// The vector functions make a radius of u.
+template <class T>
+inline void radii(int32_t n, T *u) {
+  Precision<T>::ln(n, u, u);
+  for (int32_t i = 0; i < n; ++i) u[i] = T(0) - (u[i] + u[i]);
+  Precision<T>::sqrt(n, u, u);
+}
+
+// By the vector functions, block by block.
 template <class T, Takes takes>
 QKR_NOINLINE void normals_by_functions(int32_t m, const T *pairs, T *out, T sigma, T a) {
   constexpr int32_t longest = 512, each = takes == Takes::both ? 2 : 1;
@@ -118,7 +127,7 @@ QKR_NOINLINE void normals_by_functions(int32_t m, const T *pairs, T *out, T sigm
 template <class T>
 QKR_INLINE void one_pair(const T *pair, T *out) {
   if (!has_logarithm(pair[0])) return normals_by_functions<T, Takes::both>(1, pair, out, T(1), T(-0.0));
-  const Pair<T> p = Cores<T>::sin_cos(pair[1] * T(whole_turn));
+  const Pair<T> p = Cores<T>::sine_and_cosine_of(pair[1] * T(whole_turn));
   const T radius = radius_of<T>(pair[0]);
   out[0] = p.first * radius;
   out[1] = p.second * radius;

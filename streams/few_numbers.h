@@ -11,8 +11,7 @@ namespace {
 // where they have to come from there.
 template <class T>
 QKR_INLINE bool draw_ready(StreamState *stream, int32_t n, T *out, double a, double b) {
-  constexpr uint32_t mt19937_id = 0x800000;
-  if (stream->brng != mt19937_id) return false;
+  if (stream->brng != QKR_MT19937) return false;
   Mt19937 &state = payload_of<Mt19937>(stream);
   if (state.index > Mt19937::words - n) return false;
   const Reals<T> output = {(b - a) * 0x1p-32, a};

@@ -12,6 +12,9 @@ namespace {
 static_assert(offsetof(VxmErrorContext, iFuncNameLen) ==
               offsetof(VxmErrorContext, cFuncName) + sizeof VxmErrorContext::cFuncName);
 
+// Three bits without a function count beside VXM_MODE_CALLBACK.
+constexpr int32_t callback_bits = 0xF000, handler_bits = VXM_MODE_ERRORS & ~callback_bits;
+
 // Whole elements from `from` to `to`, rounded downward.
 template <typename Real>
 int64_t distance(const void *from, const Real *to) {
@@ -28,7 +31,7 @@ void dispatch(int32_t status, int32_t index, const Real *a, const Real *b, Real 
   const VxmMode mode = *thread_mode();
   if ((mode & VXM_MODE_ERRORS) == VXM_MODE_IGNORE) return;
   // Without anybody to look at the record it need not be filled.
-  if (!(mode & VXM_MODE_STDERR) && !((mode & 0xF000) && *thread_callback()))
+  if (!(mode & VXM_MODE_STDERR) && !((mode & callback_bits) && *thread_callback()))
     return handle_unseen(status, mode);
 
   VxmErrorContext record = {};
@@ -46,11 +49,11 @@ void dispatch(int32_t status, int32_t index, const Real *a, const Real *b, Real 
     record.dbR1 = r1[index];
     record.dbR2 = r2[index];
   }
-  if (*thread_mode() & 0xF000) {  // three bits without a function count beside VXM_MODE_CALLBACK
+  if (*thread_mode() & callback_bits) {
     const VxmErrorCallBack callback = *thread_callback();
     if (callback && callback(&record) != 0) return;
   }
-  if (*thread_mode() & 0x0F00) handle_error(&record);
+  if (*thread_mode() & handler_bits) handle_error(&record);
   if (has_element) {  // the first result last: it wins where both are one vector
     r2[index] = static_cast<Real>(record.dbR2);
     r1[index] = static_cast<Real>(record.dbR1);
