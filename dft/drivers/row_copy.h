@@ -26,21 +26,37 @@ struct Columns {
   ptrdiff_t stride;
 };
 
+// The rows of a strip may each lie on a page of their own, where the processor does not foresee the next ones:
+// they are asked for so many rows ahead. Behind the last row nothing is read, and no address is refused.
+constexpr ptrdiff_t rows_ahead = 8;
+template <size_t bytes, bool to_write, class T>
+inline void ask_ahead(Columns<T> columns) {
+  const auto row =
+      reinterpret_cast<size_t>(columns.base) + static_cast<size_t>(rows_ahead * columns.stride) * sizeof(T);
+#pragma GCC unroll 8
+  for (size_t i = 0; i < bytes; i += 64)
+    __builtin_prefetch(reinterpret_cast<const void *>(row + i), to_write);
+}
+
 template <class E, int width, class T>
 void gather_strip(Columns<const T> source, int64_t length, Columns<T> rows) {
 #pragma GCC unroll 4
-  for (int64_t j = 0; j < length; ++j, source.base += source.stride)
+  for (int64_t j = 0; j < length; ++j, source.base += source.stride) {
+    ask_ahead<width * sizeof(E), false>(source);
 #pragma GCC unroll 16
     for (int r = 0; r < width; ++r)
       reinterpret_cast<E *>(rows.base + r * rows.stride)[j] = reinterpret_cast<const E *>(source.base)[r];
+  }
 }
 template <class E, int width, class T>
 void scatter_strip(Columns<const T> rows, int64_t length, Columns<T> target) {
 #pragma GCC unroll 4
-  for (int64_t j = 0; j < length; ++j, target.base += target.stride)
+  for (int64_t j = 0; j < length; ++j, target.base += target.stride) {
+    ask_ahead<width * sizeof(E), true>(target);
 #pragma GCC unroll 16
     for (int r = 0; r < width; ++r)
       reinterpret_cast<E *>(target.base)[r] = reinterpret_cast<const E *>(rows.base + r * rows.stride)[j];
+  }
 }
 
 template <class T>
