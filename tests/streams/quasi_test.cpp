@@ -169,11 +169,10 @@ void expect_refusals(const Stream &stream) {
 }
 
 TEST(QuasiRandom, RefusedStreamsAnswerNoNumbers) {
-  for (const auto &[id, dim] : {std::pair{sobol_id, 41u}, {niederreiter_id, 319u}}) {
-    const Words array = {dim, 1, 1, 0}, large = user_directions(400);
-    EXPECT_EQ(
-        allocations_survived([&, id = id] { return status_of_new_stream(id, large); }, VXS_STATUS_NO_MEMORY),
-        3);
+  for (const auto &bound : {std::pair{sobol_id, 41u}, {niederreiter_id, 319u}}) {
+    const uint32_t id = bound.first;
+    const Words array = {bound.second, 1, 1, 0}, large = user_directions(400);
+    EXPECT_EQ(allocations_survived([&] { return status_of_new_stream(id, large); }, VXS_STATUS_NO_MEMORY), 3);
     StreamState *refused = nullptr;
     EXPECT_EQ(__vxsNewStreamEx(&refused, id, 4, array.data()), VXS_STATUS_BAD_ARGUMENT);
     const Stream stream(refused);
