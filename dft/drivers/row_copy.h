@@ -26,8 +26,8 @@ struct Columns {
   ptrdiff_t stride;
 };
 
-// The rows of a strip may each lie on a page of their own, where the processor does not foresee the next ones:
-// they are asked for so many rows ahead. Behind the last row nothing is read, and no address is refused.
+// The rows of a strip may each lie on a page of their own, where the processor does not foresee the next
+// ones: they are asked for so many rows ahead. Behind the last row nothing is read.
 constexpr ptrdiff_t rows_ahead = 8;
 template <size_t bytes, bool to_write, class T>
 inline void ask_ahead(Columns<T> columns) {
