@@ -1,6 +1,6 @@
 #include "tasks.h"
 
-#include <sstream>
+#include <tuple>
 
 namespace qkr::tests {
 namespace {
@@ -26,16 +26,6 @@ void for_each_index(int dims, const Index &first, const Index &count, Body body)
   }
 }
 
-Words dense(const Words &shape) {
-  Words stride;
-  int32_t next = 1;
-  for (const int32_t n : shape) {
-    stride.push_back(next);
-    next *= n;
-  }
-  return stride;
-}
-
 // Where the logical element of an index stands.
 int64_t place(const Words &shape, const Words &stride, const int64_t *index) {
   int64_t offset = 0;
@@ -46,68 +36,63 @@ int64_t place(const Words &shape, const Words &stride, const int64_t *index) {
 
 }  // namespace
 
-const std::vector<std::pair<Words, Words>> shapes = {{{1}, {1}},
-                                                     {{1}, {3}},
-                                                     {{2}, {1}},
-                                                     {{3}, {2}},
-                                                     {{7}, {7}},
-                                                     {{8}, {64}},
-                                                     {{64}, {9}},
-                                                     {{128}, {127}},
-                                                     {{31}, {333}},
-                                                     {{1000}, {65}},
-                                                     {{1}, {300}},
-                                                     {{257}, {256}},
-                                                     {{1, 1}, {1, 1}},
-                                                     {{3, 3}, {40, 17}},
-                                                     {{40, 17}, {3, 3}},
-                                                     {{2, 33}, {70, 2}},
-                                                     {{70, 2}, {2, 33}},
-                                                     {{16, 15}, {16, 15}},
-                                                     {{5, 1}, {300, 3}},
-                                                     {{1, 150}, {1, 9}},
-                                                     {{130, 40}, {9, 12}},
-                                                     {{5, 4, 3}, {3, 5, 9}},
-                                                     {{20, 3, 2}, {2, 2, 16}},
-                                                     {{4, 3, 2, 3}, {9, 2, 3, 2}},
-                                                     {{3, 2, 1, 3, 2}, {2, 3, 3, 2, 4}},
-                                                     {{2, 3, 2, 1, 2, 2}, {9, 2, 1, 3, 2, 2}},
-                                                     {{2, 1, 3, 2, 2, 1, 2}, {3, 2, 2, 1, 2, 3, 2}}};
+const std::vector<Words> shapes = {{1, 1},
+                                   {1, 3},
+                                   {2, 1},
+                                   {3, 2},
+                                   {7, 7},
+                                   {8, 64},
+                                   {64, 9},
+                                   {128, 127},
+                                   {31, 333},
+                                   {1000, 65},
+                                   {1, 300},
+                                   {257, 256},
+                                   {1, 1, 1, 1},
+                                   {3, 3, 40, 17},
+                                   {40, 17, 3, 3},
+                                   {2, 33, 70, 2},
+                                   {70, 2, 2, 33},
+                                   {16, 15, 16, 15},
+                                   {5, 1, 300, 3},
+                                   {1, 150, 1, 9},
+                                   {130, 40, 9, 12},
+                                   {5, 4, 3, 3, 5, 9},
+                                   {20, 3, 2, 2, 2, 16},
+                                   {4, 3, 2, 3, 9, 2, 3, 2},
+                                   {3, 2, 1, 3, 2, 2, 3, 3, 2, 4},
+                                   {2, 3, 2, 1, 2, 2, 9, 2, 1, 3, 2, 2},
+                                   {2, 1, 3, 2, 2, 1, 2, 3, 2, 2, 1, 2, 3, 2}};
 
-std::vector<Operation> whole_operations() {
+std::vector<Operation> operations_of(const std::vector<int32_t> &kinds, const std::vector<Words> &lengths) {
   std::vector<Operation> all;
-  for (const auto &[x, y] : shapes)
-    for (const int32_t kind : {VXS_CC_CONVOLUTION, VXS_CC_CORRELATION}) {
-      all.push_back({kind, x, y});
-      all.back().zshape = whole_result(all.back());
+  for (const Words &both : lengths)
+    for (const int32_t kind : kinds) {
+      const auto middle = both.begin() + static_cast<ptrdiff_t>(both.size() / 2);
+      all.push_back(Operation{kind, {both.begin(), middle}, {middle, both.end()}}.whole());
     }
   return all;
 }
 
 std::string Operation::name() const {
-  std::ostringstream text;
-  const auto list = [&](const char *what, const Words &words) {
-    text << ' ' << what;
-    for (const int32_t w : words) text << ' ' << w;
-  };
-  text << (convolves() ? "convolution" : "correlation");
-  list("x", xshape), list("y", yshape), list("z", zshape), list("start", start),
-      list("decimation", decimation);
-  list("strides", xstride), list(",", ystride), list(",", zstride);
-  return text.str();
+  return testing::PrintToString(
+      std::tie(kind, xshape, yshape, zshape, start, decimation, xstride, ystride, zstride));
+}
+Operation Operation::whole() const {
+  Operation all = *this;
+  all.zshape.clear();
+  for (int d = 0; d < dims(); ++d) all.zshape.push_back((highest(d) - first(d)) / step(d) + 1);
+  return all;
 }
 
-int32_t lowest_start(const Operation &o, int d) { return o.convolves() ? 0 : 1 - o.xshape[d]; }
-int32_t highest_start(const Operation &o, int d) {
-  return o.yshape[d] - 1 + (o.convolves() ? o.xshape[d] - 1 : 0);
-}
-Words whole_result(const Operation &o) {
-  Words shape;
-  for (int d = 0; d < o.dims(); ++d) {
-    const int32_t start = !o.start.empty() ? o.start[d] : o.kind == VXS_CC_CORRELATION ? 1 - o.xshape[d] : 0;
-    shape.push_back((highest_start(o, d) - start) / (o.decimation.empty() ? 1 : o.decimation[d]) + 1);
+Words dense(const Words &shape) {
+  Words stride;
+  int32_t next = 1;
+  for (const int32_t n : shape) {
+    stride.push_back(next);
+    next *= n;
   }
-  return shape;
+  return stride;
 }
 
 int64_t extent(const Words &shape, const Words &given) {
@@ -115,19 +100,6 @@ int64_t extent(const Words &shape, const Words &given) {
   int64_t last = 0;
   for (size_t d = 0; d < shape.size(); ++d) last += (shape[d] - 1) * std::abs(int64_t{stride[d]});
   return last + 1;
-}
-
-Words settled(const Words &shape, Words stride) {
-  const Words as_dense = dense(shape);
-  if (shape.size() > 1 && std::equal(stride.begin() + !stride.empty(), stride.end(), as_dense.begin() + 1))
-    return as_dense;
-  return stride;
-}
-Operation with_settled_strides(Operation o) {
-  if (!o.convolves()) o.xstride = settled(o.xshape, o.xstride);
-  o.ystride = settled(o.yshape, o.ystride);
-  o.zstride = settled(o.zshape, o.zstride);
-  return o;
 }
 
 template <class Real, class Form>
@@ -145,8 +117,7 @@ std::vector<Real> plain_sums(const Operation &given, const Arrays<Form> &arrays)
     Index shift = {}, first = {}, terms = {};
     for (int d = 0; d < dims; ++d) {
       const int64_t nx = o.xshape[d], ny = o.yshape[d];
-      const int64_t start = !o.start.empty() ? o.start[d] : o.kind == VXS_CC_CORRELATION ? 1 - nx : 0;
-      shift[d] = start + k[d] * (o.decimation.empty() ? 1 : o.decimation[d]) - (o.convolves() ? nx - 1 : 0);
+      shift[d] = o.first(d) + k[d] * o.step(d) - (o.convolves() ? nx - 1 : 0);
       first[d] = std::max(-shift[d], int64_t{0});
       terms[d] = std::min(nx, ny - shift[d]) - first[d];
     }

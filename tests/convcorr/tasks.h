@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <functional>
 #include <gtest/gtest.h>
 #include <qkr/convcorr.h>
 #include <random>
@@ -41,30 +40,33 @@ struct Operation {
 
   int dims() const { return static_cast<int>(xshape.size()); }
   bool convolves() const { return kind == VXS_CC_CONVOLUTION; }
+  // Of dimension d: the lowest and the highest start; that of the operation, and its decimation.
+  int32_t lowest(int d) const { return convolves() ? 0 : 1 - xshape[d]; }
+  int32_t highest(int d) const { return yshape[d] - 1 + (convolves() ? xshape[d] - 1 : 0); }
+  int32_t first(int d) const {
+    return !start.empty() ? start[d] : kind == VXS_CC_CORRELATION ? 1 - xshape[d] : 0;
+  }
+  int32_t step(int d) const { return decimation.empty() ? 1 : decimation[d]; }
+  // Of as much of the result as there is from the start on.
+  Operation whole() const;
   std::string name() const;
 };
 
-// The lowest and the highest start of a dimension.
-int32_t lowest_start(const Operation &operation, int d);
-int32_t highest_start(const Operation &operation, int d);
-// As much of the result as there is from the start on.
-Words whole_result(const Operation &operation);
-
+Words dense(const Words &shape);
 // Elements from the lowest that an operand touches to the highest.
 int64_t extent(const Words &shape, const Words &stride);
 
-// Operands of one to seven dimensions: lengths 1, 2, 3, odd, powers of two and next to them, longer
-// than a group of vectors at every level.
-extern const std::vector<std::pair<Words, Words>> shapes;
+// Operands of one to seven dimensions, the lengths of x and then those of y: 1, 2, 3, odd, powers of two and
+// next to them, longer than a group of vectors at every level.
+extern const std::vector<Words> shapes;
 
-// A convolution and a correlation of each, of which all of the result is wanted.
-std::vector<Operation> whole_operations();
+// An operation of each kind on all of `lengths`, of which all of the result is wanted.
+std::vector<Operation> operations_of(const std::vector<int32_t> &kinds, const std::vector<Words> &lengths);
+inline std::vector<Operation> whole_operations() {
+  return operations_of({VXS_CC_CONVOLUTION, VXS_CC_CORRELATION}, shapes);
+}
 
 inline const int32_t *words_or_null(const Words &words) { return words.empty() ? nullptr : words.data(); }
-
-// The strides that the direct method takes for given: see convcorr.h.
-Words settled(const Words &shape, Words stride);
-Operation with_settled_strides(Operation operation);
 
 template <class T>
 std::vector<T> random_numbers(int64_t count, unsigned seed) {

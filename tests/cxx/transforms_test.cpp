@@ -126,15 +126,9 @@ TEST(CxxFftKinds, PackedSplitAndUnordered) {
   qkr::fft<qkr::unordered<double>> unordered{n, qkr::divide::both};
   std::vector<std::complex<double>> scrambled(n);
   unordered.forward(z, scrambled);
-  const auto less = [](auto a, auto b) {
-    return std::pair(a.real(), a.imag()) < std::pair(b.real(), b.imag());
-  };
   EXPECT_FALSE(same(scrambled, X));
   unordered.inverse(scrambled, back);
   for (size_t i = 0; i < n; ++i) ASSERT_LT(std::abs(back[i] - z[i]), 1e-12);
-  std::sort(scrambled.begin(), scrambled.end(), less);
-  std::sort(X.begin(), X.end(), less);
-  for (size_t i = 0; i < n; ++i) ASSERT_LT(std::abs(scrambled[i] - X[i]), 1e-10);
 }
 
 TEST(CxxFftKinds, LifeAndRefusals) {
@@ -228,11 +222,13 @@ TEST(CxxDft, StridesLifeAndThreads) {
   const qkr::dft<std::complex<double>> columns{
       n, {.transforms = m, .input_distance = 1, .input_strides = {m}, .thread_limit = 2}};
   EXPECT_EQ(columns.signal_size(), n * m);
-  std::thread other([&] {
-    std::vector<std::complex<double>> own = a;
-    columns.forward(own);
-  });
   columns.forward(data);
+  const auto compute = [&] {
+    std::vector<std::complex<double>> own(n * m);
+    for (int round = 0; round < 20'000; ++round) EXPECT_TRUE(columns.try_forward(own).ok());
+  };
+  std::thread other(compute);
+  compute();
   other.join();
   qkr::fft<std::complex<double>> line{n};
   for (size_t j = 0; j < m; ++j) {
@@ -245,15 +241,16 @@ TEST(CxxDft, StridesLifeAndThreads) {
   std::vector<std::complex<double>> X(3 * 8 * 15);
   EXPECT_EQ(first.try_forward(x, X).code(), DFTX_BAD_DESCRIPTOR);
   EXPECT_TRUE(second.try_forward(x, X).ok());
-  EXPECT_EQ(second.try_reset({4, -1}), invalid);
-  EXPECT_EQ(second.try_reset({4, 4}, {.input_strides = {1}}), invalid);
-  EXPECT_EQ(second.try_reset({4, 4}, {.input_strides = {0, 4}}), invalid);
-  EXPECT_EQ(second.try_reset(qkr::shape()), invalid);
-  EXPECT_EQ(second.try_reset(size_t{1} << 32), invalid);
-  EXPECT_EQ(second.try_reset({2, 2, 2, 2}).code(), DFTX_UNIMPLEMENTED);
-  EXPECT_EQ(second.try_reset({4, 4, 4}, {.stored = qkr::spectrum::perm}).code(), DFTX_UNIMPLEMENTED);
-  EXPECT_EQ(second.try_reset({4, 4}, {.output_strides = {1, 8}, .stored = qkr::spectrum::perm}).code(),
-            DFTX_UNIMPLEMENTED);
+  for (const qkr::status answer :
+       {second.try_reset({4, -1}), second.try_reset({4, 4}, {.input_strides = {1}}),
+        second.try_reset({4, 4}, {.input_strides = {0, 4}}), second.try_reset(qkr::shape()),
+        second.try_reset(size_t{1} << 32)})
+    EXPECT_EQ(answer, invalid);
+  constexpr auto perm = qkr::spectrum::perm;
+  for (const qkr::status answer :
+       {second.try_reset({2, 2, 2, 2}), second.try_reset({4, 4, 4}, {.stored = perm}),
+        second.try_reset({4, 4}, {.output_strides = {1, 8}, .stored = perm})})
+    EXPECT_EQ(answer.code(), DFTX_UNIMPLEMENTED);
   EXPECT_TRUE(second.try_forward(x, X).ok());  // the descriptor before
   EXPECT_THROW((qkr::dft<float>{{0, 3}}), qkr::error);
 }

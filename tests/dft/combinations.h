@@ -25,6 +25,7 @@ struct Case {
   int32_t storage = DFTX_COMPLEX_REAL, format = DFTX_CCS_FORMAT;  // of a real transform's spectrum
   int32_t placement = DFTX_NOT_INPLACE, ordering = DFTX_ORDERED;
   int32_t transforms = 1;
+  int32_t first = 0;  // of the transforms, each of which has numbers of its own
   Layout layout = Layout::contiguous;
   double scale = 1;
   int32_t thread_limit = 1;
@@ -74,8 +75,9 @@ int32_t prepare(const Case &c, DftDescriptor **handle);
 struct Outcome {
   int32_t code = -1;  // of prepare, or of compute
   double error = 0;   // root of the sum of squares of the differences, divided by that of the exact numbers
-  bool strayed = false;     // numbers that are no output were written, or input that is to stay
-  std::vector<char> bytes;  // the output array
+  bool strayed = false;         // numbers that are no output were written, or input that is to stay
+  std::vector<char> bytes;      // the output array
+  std::vector<double> numbers;  // of the results, transform after transform, in whatever layout
 };
 
 // With a descriptor of `prepare`, on random numbers that depend on the case alone.

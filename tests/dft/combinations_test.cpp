@@ -2,7 +2,10 @@
 #include "tests/dft/combinations.h"
 
 #include <cmath>
+#include <cstring>
 #include <gtest/gtest.h>
+
+#include "tests/support/levels.h"
 
 namespace qkr::tests {
 namespace {
@@ -59,6 +62,41 @@ TEST_P(Combinations, Real) {
 
 INSTANTIATE_TEST_SUITE_P(Of, Combinations, testing::Values(DFTX_SINGLE, DFTX_DOUBLE),
                          [](const auto &of) { return of.param == DFTX_SINGLE ? "Single" : "Double"; });
+
+// A transform has the same bits alone and among others, behind them or beside them, from one array to another
+// or in one, at every level: by codelets, by lines one a lane, and by the engine.
+TEST(Bits, OfATransformAreThoseOfItAlone) {
+  std::vector<Lengths> lines = {
+      {60}, {151}, {256, 64}};  // columns of the last fall into one set of the cache
+  for (int order = 0; order <= 9; ++order) lines.push_back({1 << order});
+  for (const Case &c : cases({.lengths = lines, .layouts = {Layout::contiguous}, .scales = {1, 0.3}})) {
+    const std::vector<int32_t> counts =
+        points(c.lengths) > 512 ? std::vector{1, 2} : std::vector{1, 2, 3, 5, 8, 17};
+    std::vector<double> expected;
+    for (Case alone = c; alone.first < counts.back(); ++alone.first) {
+      const Outcome one = run(alone);
+      expected.insert(expected.end(), one.numbers.begin(), one.numbers.end());
+    }
+    for (Case among : cases({.lengths = {c.lengths},
+                      .precisions = {c.precision},
+                      .kinds = {{c.domain, c.storage, c.format}},
+                      .forward = {c.forward},
+                      .transforms = counts,
+                      .layouts = {Layout::contiguous, Layout::interleaved},
+                      .scales = {c.scale},
+                      .one_array = {false, true},
+                      .guarded = {Edge::end, Edge::start}}))
+      for_each_level([&](const char *level) {
+        const Outcome outcome = run(among);
+        ASSERT_EQ(outcome.code, DFTX_NO_ERROR);
+        ASSERT_FALSE(outcome.strayed);
+        ASSERT_EQ(outcome.numbers.size(), expected.size() / counts.back() * among.transforms);
+        ASSERT_EQ(memcmp(outcome.numbers.data(), expected.data(), outcome.numbers.size() * sizeof(double)), 0)
+            << name(among) << ' ' << level;
+      });
+    if (HasFatalFailure()) return;
+  }
+}
 
 }  // namespace
 }  // namespace qkr::tests

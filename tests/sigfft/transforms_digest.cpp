@@ -23,31 +23,17 @@ void add_results(Hash &hash, const Functions<T> &f, Form form, size_t n, const s
   }
 }
 
-template <class T>
-void print_digests(int largest_order) {
-  for (const auto &f : sets_for_powers_of_two<T>())
-    for (const Form form : f.forms()) {
-      constexpr const char *format_names[] = {"", " Pack", " CCS"};
-      for (int order = 0; order <= largest_order; ++order) {
-        const size_t n = size_t{1} << order;
-        auto x = signal<T>(2 * n, (unsigned)order);
-        if (form.kind == split) x = apart(x);
-        print_digest(std::string(f.name) + ' ' + kind_names[form.kind] + format_names[form.format] + ' ' +
-                         std::to_string(order),
-                     [&] {
-                       Hash hash;
-                       add_results(hash, f, form, n, x);
-                       return hash.value();
-                     });
-      }
-    }
-}
-
 // Lengths that take the same way through a transform.
 struct Lengths {
-  const char *name;
+  std::string name;
   std::vector<size_t> of;
 };
+std::vector<Lengths> powers_of_two(int largest_order) {
+  std::vector<Lengths> rows;
+  for (int order = 0; order <= largest_order; ++order)
+    rows.push_back({std::to_string(order), {size_t{1} << order}});
+  return rows;
+}
 std::vector<Lengths> lengths_by_route() {
   std::vector<size_t> all;
   while (all.size() < 50) all.push_back(all.size() + 1);
@@ -62,22 +48,22 @@ std::vector<Lengths> lengths_by_route() {
 }
 
 template <class T>
-void print_any_length(int largest_order) {
-  const auto &f = functions<T>[any_length];
-  for (const Lengths &lengths : lengths_by_route())
-    for (const Form form : f.forms()) {
-      if (lengths.of.back() > size_t{1} << largest_order) continue;
-      constexpr size_t first_out_of_order = 5001;  // those below have the bits of plans in order
-      if (form.kind == out_of_order && lengths.of.front() < first_out_of_order) continue;
-      const auto x = signal<T>(2 * lengths.of.back() + 2);
-      print_digest(std::string(f.name) + ' ' + kind_names[form.kind] + ", " + lengths.name + ", format " +
-                       std::to_string(form.format),
-                   [&] {
-                     Hash hash;
-                     for (const size_t n : lengths.of) add_results(hash, f, form, n, x);
-                     return hash.value();
-                   });
-    }
+void print_digests(int largest_order) {
+  for (const auto &f : functions<T>)
+    for (const Lengths &lengths : f.takes_any_length() ? lengths_by_route() : powers_of_two(largest_order))
+      for (const Form form : f.forms()) {
+        if (lengths.of.back() > size_t{1} << largest_order) continue;
+        constexpr size_t first_out_of_order = 5001;  // those below have the bits of plans in order
+        if (form.kind == out_of_order && lengths.of.front() < first_out_of_order) continue;
+        const auto x = signal<T>(2 * lengths.of.back() + 2);
+        print_digest(std::string(f.name) + ' ' + kind_names[form.kind] + ", " + lengths.name + ", format " +
+                         std::to_string(form.format),
+                     [&] {
+                       Hash hash;
+                       for (const size_t n : lengths.of) add_results(hash, f, form, n, x);
+                       return hash.value();
+                     });
+      }
 }
 
 // `results` numbers that compute(dst) makes.
@@ -134,8 +120,6 @@ int main(int count, char **arguments) {
   const int largest_order = count > 1 ? atoi(arguments[1]) : 18;
   print_digests<double>(largest_order);
   print_digests<float>(largest_order);
-  print_any_length<double>(largest_order);
-  print_any_length<float>(largest_order);
   print_convolutions();
   return differences != 0;
 }

@@ -2,6 +2,10 @@
 // sends them here (qkr_fail_allocations in tests/CMakeLists.txt); the C and C++ libraries keep their own.
 #pragma once
 
+#include <qkr/service.h>
+
+#include "service/internal.h"
+
 namespace qkr::tests {
 
 // Each thread counts its own.
@@ -11,6 +15,20 @@ struct Allocations {
 };
 // constinit: reached directly, not through a wrapper, whose reference g++'s sanitizer finds to be null.
 extern constinit thread_local Allocations allocations;
+
+// Without the cache of work buffers, whose blocks outlive their use.
+class WithoutCache {
+  int32_t disabled_before_;
+
+ public:
+  WithoutCache() {
+    QKR_read_env();
+    qkr_serv_freebuffers();
+    disabled_before_ = cache_disabled;
+    cache_disabled = 1;
+  }
+  ~WithoutCache() { cache_disabled = disabled_before_; }
+};
 
 // Calls check(operation(), whether an allocation failed) with the first, second, ... one failing, until the
 // operation gets through. Returns how many allocations it makes.

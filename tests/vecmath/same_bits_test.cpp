@@ -244,7 +244,7 @@ TYPED_TEST(SameBits, UnderTheCallersControlWords) {
   }
 }
 
-// Every length, between pages that must not be touched.
+// Every length, between pages that must not be touched, and numbers of elements that stand for none.
 TYPED_TEST(SameBits, KeepsToItsArraysWithoutEvents) {
   using T = TypeParam;
   constexpr int longest = 140;
@@ -260,7 +260,8 @@ TYPED_TEST(SameBits, KeepsToItsArraysWithoutEvents) {
           feclearexcept(FE_ALL_EXCEPT);
           c.entry(n, a.data(), with_number ? number : b.data(), r.data(), q.data());
           ASSERT_EQ(fetestexcept(FE_ALL_EXCEPT & ~FE_INEXACT), 0) << c.name << ' ' << n << ' ' << level;
-          c.entry(-n, a.data(), number, r.data(), q.data());
+          for (const int32_t none : {-n, -1, INT32_MIN})
+            c.entry(none, a.data(), with_number ? number : b.data(), r.data(), q.data());
         });
       }
 }
