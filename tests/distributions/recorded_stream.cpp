@@ -10,20 +10,20 @@ Recording recording;
 
 namespace {
 
-template <class T>
-int32_t draw(StreamState *, int32_t n, T *out, T a, T b) {
+// `n` numbers, each made(x) of the next recorded one.
+template <class T, class Made>
+int32_t play(int32_t n, T *out, Made made) {
   if (recording.until_failure > 0 && --recording.until_failure == 0) return recorded_failure;
   for (int32_t i = 0; i < n; ++i)
-    out[i] = T(recording.numbers.at(recording.next++ % recording.numbers.size())) * (b - a) + a;
+    out[i] = made(recording.numbers.at(recording.next++ % recording.numbers.size()));
   return VXS_STATUS_OK;
 }
-
+template <class T>
+int32_t draw(StreamState *, int32_t n, T *out, T a, T b) {
+  return play(n, out, [=](double x) { return T(x) * (b - a) + a; });
+}
 int32_t draw_words(StreamState *, int32_t n, uint32_t *out) {
-  if (recording.until_failure > 0 && --recording.until_failure == 0) return recorded_failure;
-  for (int32_t i = 0; i < n; ++i)
-    out[i] =
-        static_cast<uint32_t>(recording.numbers.at(recording.next++ % recording.numbers.size()) * 0x1p31);
-  return VXS_STATUS_OK;
+  return play(n, out, [](double x) { return static_cast<uint32_t>(x * 0x1p31); });
 }
 
 int32_t init(int32_t, StreamState *, int32_t, const void *) { return VXS_STATUS_OK; }

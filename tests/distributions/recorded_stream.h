@@ -23,13 +23,4 @@ Stream recorded_stream();
 // What vector math keeps of a thread it allocates on first use: tests that count allocations begin with it.
 void make_cells_of_thread();
 
-// Reads the same numbers in the same precision, for the references.
-template <class T>
-struct Cursor {
-  size_t next = 0;
-  long double given = 0;  // what the library made of the numbers that follow
-  double recorded() { return recording.numbers[next++ % recording.numbers.size()]; }
-  T operator()(T a = 0, T b = 1) { return T(recorded()) * (b - a) + a; }
-};
-
 }  // namespace qkr::tests

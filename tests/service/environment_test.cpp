@@ -59,26 +59,25 @@ TEST(Environment, SettersCountUntilTheDecision) {
   });
 }
 
+// Each of the three calls may be the first.
 TEST(Environment, CacheSwitches) {
-  const Rows rows = {
-      {{}, 1},
-      {{{"QKR_DISABLE_FAST_MM", ""}, {"QKR_MM_DISABLE", ""}}, 1},
-      {{{"QKR_DISABLE_FAST_MM", "1"}}, 0},
-      {{{"QKR_MM_DISABLE", "0"}}, 0},
-      {{{"QKR_DISABLE_FAST_MM", ""}, {"QKR_MM_DISABLE", "no"}}, 0},
-  };
-  // Each of the three calls may be the first.
-  check(rows, [] {
+  const auto cached = []() -> int {
     qkr_serv_deallocate(qkr_serv_allocate(100));
-    return static_cast<int>(thread_cache.count);
-  });
-  check(rows, [] {
+    return thread_cache.count == 1;
+  };
+  const auto freed = []() -> int {
     qkr_serv_freebuffers();
     return cache_disabled != 1;
-  });
-  check(rows, [] {
+  };
+  const auto given_back = []() -> int {
     qkr_serv_deallocate(malloc(100));
     setenv("QKR_MM_DISABLE", "1", 1);  // too late
     return QKR_read_env() == 0 && environment_read == 1 && cache_disabled != 1;
-  });
+  };
+  for (int (*const decision)() : {+cached, +freed, +given_back})
+    check({{{}, 1},
+           {{{"QKR_DISABLE_FAST_MM", ""}, {"QKR_MM_DISABLE", ""}}, 1},
+           {{{"QKR_DISABLE_FAST_MM", "1"}}, 0},
+           {{{"QKR_DISABLE_FAST_MM", ""}, {"QKR_MM_DISABLE", "no"}}, 0}},
+          decision);
 }

@@ -14,22 +14,21 @@ namespace {
 
 constexpr int32_t lengths[] = {-3, 0, 1, 2, 3, 4, 5, 7, 8, 15, 16, 17, 31, 33, 64, 100};
 constexpr int32_t strides[] = {-3, -2, -1, 0, 1, 2, 3};
-constexpr size_t room = 100 * 3 * 2 + 40;  // the longest vector, with margins
 
+// Enough for the longest vector, with margins. A signalling NaN would be quietened by a floating-point move.
 template <class T>
 std::vector<T> numbers(T first) {
-  std::vector<T> x(room);
-  for (size_t i = 0; i < room; ++i) x[i] = first + static_cast<T>(i) / 7;
-  // A signalling NaN would be quietened by a floating-point move.
-  const T special[] = {std::numeric_limits<T>::infinity(), std::numeric_limits<T>::signaling_NaN(), T(-0.0),
-                       std::numeric_limits<T>::denorm_min()};
-  for (size_t i = 5; i + 4 < room; i += 37) x[i] = special[i % 4];
+  std::vector<T> x(640);
+  for (size_t i = 0; i < x.size(); ++i) x[i] = first + static_cast<T>(i) / 7;
+  using Format = std::numeric_limits<T>;
+  const T special[] = {Format::infinity(), Format::signaling_NaN(), T(-0.0), Format::denorm_min()};
+  for (size_t i = 5; i < x.size(); i += 37) x[i] = special[i % 4];
   return x;
 }
 
 template <class T>
-bool same_bits(const std::vector<T> &one, const std::vector<T> &other) {
-  return std::memcmp(one.data(), other.data(), room * sizeof(T)) == 0;
+void expect_same_bits(const std::vector<T> &one, const std::vector<T> &other) {
+  EXPECT_EQ(std::memcmp(one.data(), other.data(), one.size() * sizeof(T)), 0);
 }
 
 template <class T, class Vector>
@@ -37,18 +36,16 @@ void check_scaling(void (*scale)(const int32_t *, const T *, Vector *, const int
   for (const T alpha : {T(0), T(1), T(-2.5), T(1) / 3})
     for (const int32_t n : lengths)
       for (const int32_t stride : strides)
-        for (const size_t start : {size_t{0}, size_t{1}, size_t{3}}) {
-          const std::vector<T> before = numbers<T>(1);
-          std::vector<T> expected = before;
-          for (int32_t i = 0; i < n; ++i)
-            for (int p = 0; p < parts; ++p) expected[start + i * parts * std::abs(stride) + p] *= alpha;
+        for (const int start : {0, 1, 3})
           for_each_level([&](const char *level) {
-            std::vector<T> found = before;
+            SCOPED_TRACE(testing::Message()
+                         << level << ", n " << n << ", stride " << stride << ", start " << start);
+            std::vector<T> expected = numbers<T>(1), found = expected;
+            for (int32_t i = 0; i < n; ++i)
+              for (int p = 0; p < parts; ++p) expected[start + i * parts * std::abs(stride) + p] *= alpha;
             scale(&n, &alpha, found.data() + start, &stride);
-            EXPECT_TRUE(same_bits(found, expected))
-                << level << ", n " << n << ", stride " << stride << ", start " << start;
+            expect_same_bits(found, expected);
           });
-        }
 }
 
 template <class T, class Vector>
@@ -57,15 +54,16 @@ void check_copying(void (*copy)(const int32_t *, const Vector *, const int32_t *
   for (const int32_t n : lengths)
     for (const int32_t incx : strides)
       for (const int32_t incy : strides) {
+        SCOPED_TRACE(testing::Message() << "n " << n << ", incx " << incx << ", incy " << incy);
         const std::vector<T> x = numbers<T>(1);
         std::vector<T> expected = numbers<T>(1000), found = expected;
         const auto element = [&](int32_t i, int32_t stride) {
-          return 1 + (stride < 0 ? static_cast<int64_t>(i - n + 1) * stride : i * stride) * parts;
+          return 1 + (stride < 0 ? (i - n + 1) * stride : i * stride) * parts;
         };
         for (int32_t i = 0; i < n; ++i)
           for (int p = 0; p < parts; ++p) expected[element(i, incy) + p] = x[element(i, incx) + p];
         copy(&n, x.data() + 1, &incx, found.data() + 1, &incy);
-        EXPECT_TRUE(same_bits(found, expected)) << "n " << n << ", incx " << incx << ", incy " << incy;
+        expect_same_bits(found, expected);
       }
 }
 

@@ -50,22 +50,12 @@ void in_fresh_thread(Function function) {
   std::thread(function).join();
 }
 
-constexpr int untracked = -1;
-
-// One request and the slot that must serve it (numbered, in a sequence, from 0), or the release of request n.
-struct Step {
-  int64_t size;
-  int slot;
-  int released = -1;
-};
-constexpr Step get(int64_t size, int slot) { return {size, slot}; }
-constexpr Step put(int request) { return {0, 0, request}; }
-
 // Out of line, because of the null checks of the undefined-behaviour sanitizer: g++ takes their outcome from
 // the flags of the addition that makes the address, and the linker turns that into an instruction that sets
 // none.
 [[gnu::noinline]] ThreadCache *own_cache() { return &thread_cache; }
 
+constexpr int untracked = -1;
 int slot_of(const void *block) {
   const ThreadCache &cache = *own_cache();
   const auto found = std::find(cache.buffer, cache.buffer + cache.count, block) - cache.buffer;
@@ -74,31 +64,43 @@ int slot_of(const void *block) {
 
 }  // namespace
 
+// Requests in turn, each with the slot that must serve it, and `put` with the number of the request that is
+// given back.
 TEST_F(Cache, SlotPreference) {
-  using Sizes = std::vector<uint64_t>;
+  enum : int64_t { put = -1 };
+  using Steps = std::vector<std::pair<int64_t, int>>;
   const struct {
     const char *what;
-    std::vector<Step> steps;
-    Sizes sizes;  // of the slots, at the end
+    Steps steps;
+    std::vector<uint64_t> sizes;  // of the slots, at the end
   } rows[] = {
       {"an exact fit comes before a larger block in a lower slot",
-       {get(300, 0), get(100, 1), get(200, 2), put(0), put(1), put(2), get(200, 2)},
+       {{300, 0}, {100, 1}, {200, 2}, {put, 0}, {put, 1}, {put, 2}, {200, 2}},
        {300, 100, 200}},
       {"the first larger block, not the best, which keeps its size",
-       {get(1000, 0), get(20, 1), put(0), put(1), get(10, 0), put(2), get(1000, 0)},
+       {{1000, 0}, {20, 1}, {put, 0}, {put, 1}, {10, 0}, {put, 2}, {1000, 0}},
        {1000, 20}},
       {"a fresh slot comes before replacing, then the lowest smaller one that is free goes",
-       {get(10, 0), get(20, 1), put(1), get(30, 2), put(2), get(40, 3), put(3), get(50, 4), put(4),
-        get(60, 1), get(60, 2)},
+       {{10, 0},
+        {20, 1},
+        {put, 1},
+        {30, 2},
+        {put, 2},
+        {40, 3},
+        {put, 3},
+        {50, 4},
+        {put, 4},
+        {60, 1},
+        {60, 2}},
        {10, 60, 60, 40, 50}},
       {"all five lent: the sixth is untracked, and so is its release",
-       {get(1, 0), get(2, 1), get(3, 2), get(4, 3), get(5, 4), get(1, untracked), put(5), put(2), get(6, 2)},
+       {{1, 0}, {2, 1}, {3, 2}, {4, 3}, {5, 4}, {1, untracked}, {put, 5}, {put, 2}, {6, 2}},
        {1, 2, 6, 4, 5}},
       {"no bytes are a size like any other",
-       {get(0, 0), get(0, 1), get(8, 2), put(1), get(0, 1), put(2), get(0, 2)},
+       {{0, 0}, {0, 1}, {8, 2}, {put, 1}, {0, 1}, {put, 2}, {0, 2}},
        {0, 0, 8}},
       {"the ceiling itself is cached, one byte more is not",
-       {get(41943041, untracked), get(41943040, 0), put(1), get(41943041, untracked), get(41943040, 0)},
+       {{41943041, untracked}, {41943040, 0}, {put, 1}, {41943041, untracked}, {41943040, 0}},
        {41943040}},
   };
   for (const auto &row : rows)
@@ -108,23 +110,20 @@ TEST_F(Cache, SlotPreference) {
       const size_t earlier = handed_out.size() - given_back.size();
       size_t beyond = 0;  // blocks that are lent and untracked
       Blocks blocks;
-      for (const Step &step : row.steps) {
-        if (step.released >= 0) {
-          void *block = blocks[step.released];
-          const int slot = slot_of(block);
-          qkr_serv_deallocate(block);
-          beyond -= slot == untracked;
-          EXPECT_TRUE(slot == untracked || cache.busy[slot] == 0);
-        } else {
-          blocks.push_back(qkr_serv_allocate(step.size));
-          EXPECT_EQ(slot_of(blocks.back()), step.slot) << "request " << blocks.size() - 1;
-          beyond += step.slot == untracked;
-          EXPECT_TRUE(step.slot == untracked || cache.busy[step.slot] == 1);
+      for (const auto &[size, number] : row.steps) {
+        if (size != put) {
+          blocks.push_back(qkr_serv_allocate(static_cast<size_t>(size)));
+          EXPECT_EQ(slot_of(blocks.back()), number) << "request " << blocks.size();
         }
+        void *const block = size == put ? blocks[number] : blocks.back();
+        const int slot = slot_of(block);
+        if (size == put) qkr_serv_deallocate(block);
+        if (slot == untracked) beyond += size == put ? -1 : 1;
+        EXPECT_TRUE(slot == untracked || cache.busy[slot] == (size != put));
         EXPECT_EQ(handed_out.size() - given_back.size(), earlier + cache.count + beyond);
         EXPECT_EQ(cache.total, std::accumulate(cache.size, cache.size + cache.count, uint64_t{0}));
       }
-      EXPECT_EQ(Sizes(cache.size, cache.size + cache.count), row.sizes);
+      EXPECT_EQ(std::vector(cache.size, cache.size + cache.count), row.sizes);
     });
 }
 
@@ -145,71 +144,49 @@ TEST_F(Cache, ThreadRegistersWithItsFirstCachedRequest) {
   });
 }
 
-TEST_F(Cache, NullIsABlockOfItsSlotUntilTheCacheIsFreed) {
-  in_fresh_thread([] {
+// Also a block of its slot is null, until the cache is freed: that of every registered thread, once. With its
+// thread end the blocks of a cache, but for one that is still lent: that goes when it is given back.
+TEST_F(Cache, IsFreedAndEndsWithItsThread) {
+  void *lent = nullptr;
+  std::binary_semaphore filled{0}, freed{0};
+  std::thread other([&] {
+    const ThreadCache &cache = *own_cache();
+    qkr_serv_allocate(1);
+    qkr_serv_deallocate(qkr_serv_allocate(2));
+    filled.release();
+    freed.acquire();
+    for (int slot = 0; slot < cache_slots; ++slot)
+      EXPECT_TRUE(!cache.buffer[slot] && !cache.size[slot] && !cache.busy[slot]);
+    EXPECT_EQ(cache.count + cache.total, 0u);
+    qkr_serv_deallocate(handed_out[0]);  // its slot is gone
+    EXPECT_EQ(given_back.back(), handed_out[0]);
+
+    lent = qkr_serv_allocate(3);  // refills, but is not registered again
+    qkr_serv_deallocate(qkr_serv_allocate(4));
+    qkr_serv_freebuffers();
+    EXPECT_TRUE(slot_of(lent) == 0 && registered_count == 0);
+    given_back.clear();
+  });
+  filled.acquire();
+  in_fresh_thread([&] {
     const ThreadCache &cache = *own_cache();
     qkr_serv_deallocate(nullptr);
-    EXPECT_EQ(given_back, Blocks{});
+    EXPECT_TRUE(given_back.empty());
     out_of_memory = true;
     EXPECT_EQ(qkr_serv_allocate(100), nullptr);
     out_of_memory = false;
     EXPECT_TRUE(!cache.buffer[0] && cache.busy[0] == 1 && cache.size[0] == 100 && cache.total == 100);
     EXPECT_EQ(slot_of(qkr_serv_allocate(100)), 1);
-    qkr_serv_freebuffers();
-    EXPECT_EQ(given_back, handed_out);  // and no null
-    EXPECT_EQ(cache.count, 0u);
-  });
-}
-
-TEST_F(Cache, FreebuffersEmptiesEveryRegisteredThreadOnce) {
-  std::binary_semaphore filled{0}, freed{0};
-  std::thread other([&] {
-    const ThreadCache &cache = *own_cache();
-    void *lent = qkr_serv_allocate(1);
-    qkr_serv_deallocate(qkr_serv_allocate(2));
-    filled.release();
-    freed.acquire();
-
-    for (int slot = 0; slot < cache_slots; ++slot)
-      EXPECT_TRUE(!cache.buffer[slot] && !cache.size[slot] && !cache.busy[slot]);
-    EXPECT_EQ(cache.count + cache.total, 0u);
-    qkr_serv_deallocate(lent);  // its slot is gone
-    EXPECT_EQ(std::count(given_back.begin(), given_back.end(), lent), 2);
-
-    EXPECT_EQ(slot_of(qkr_serv_allocate(3)), 0);  // refills, but is not registered again
-    qkr_serv_freebuffers();
-    EXPECT_EQ(cache.count, 1u);
-    EXPECT_EQ(registered_count, 0);
-  });
-  filled.acquire();
-  in_fresh_thread([&] {
-    qkr_serv_allocate(4);
     EXPECT_EQ(registered_count, 2);
     qkr_serv_freebuffers();
-    EXPECT_EQ(given_back, handed_out);
+    EXPECT_EQ(given_back, handed_out);  // and no null
     EXPECT_EQ(registered_count, 0);
   });
   freed.release();
   other.join();
-}
-
-// Its blocks go with a thread, but for one that is still lent: that goes when it is given back.
-TEST_F(Cache, EndsWithItsThread) {
-  void *lent = nullptr;
-  in_fresh_thread([&] {
-    lent = qkr_serv_allocate(10);
-    out_of_memory = true;
-    qkr_serv_allocate(15);  // a slot without a block
-    out_of_memory = false;
-    void *free = qkr_serv_allocate(20);
-    qkr_serv_deallocate(free);
-    EXPECT_TRUE(given_back.empty());
-  });
-  EXPECT_EQ(given_back, Blocks{handed_out[1]});
-  EXPECT_EQ(registered_count, 0);
-  qkr_serv_freebuffers();  // nothing of that thread is left to be freed
+  EXPECT_EQ(given_back, Blocks{handed_out.back()});
   qkr_serv_deallocate(lent);
-  EXPECT_EQ(given_back, Blocks({handed_out[1], lent}));
+  EXPECT_EQ(given_back, Blocks({handed_out.back(), lent}));
 }
 
 TEST_F(Cache, ThreadsThatEndMakeRoomInTheRegistry) {
@@ -221,8 +198,7 @@ TEST_F(Cache, ThreadsThatEndMakeRoomInTheRegistry) {
   });
   filled.acquire();
   for (int i = 0; i < 2000; ++i) in_fresh_thread([] { qkr_serv_deallocate(qkr_serv_allocate(2)); });
-  EXPECT_EQ(given_back.size(), 2000u);
-  EXPECT_EQ(registered_count, 1);
+  EXPECT_TRUE(given_back.size() == 2000 && registered_count == 1);
   qkr_serv_freebuffers();
   EXPECT_EQ(given_back.back(), handed_out.front());
   ended.release();

@@ -1,7 +1,8 @@
-// Every generator against its definition: in blocks of any size, split, moved, at every vector width.
+// Every generator against its definition: in blocks of any size, skipped, split, at every vector width.
 #include "tests/streams/generators.h"
 
 #include <random>
+#include <set>
 
 #include "streams/quasi/digital_sequence.h"
 #include "tests/support/guarded.h"
@@ -11,15 +12,12 @@ namespace {
 
 using namespace qkr::tests;
 
-// The words by definition.
+// The words by definition, from where the stream is.
 struct Expected {
-  const Generator &generator;
   Steps steps;
   size_t words_each;
-  Expected(const Generator &of, const Stream &stream)
-      : generator(of),
-        steps(of.family.definition(of, stream)),
-        words_each(generator_of(stream).WordSize / 4) {}
+  Expected(const Generator &generator, const Stream &stream)
+      : steps(generator.definition(stream, generator.seeds)), words_each(generator_of(stream).WordSize / 4) {}
 
   Words words(int32_t n) {
     Words all(n * words_each);
@@ -35,12 +33,13 @@ std::string state_of(const Stream &stream) {
   return bytes;
 }
 
-// One number after the other by an entry of the generator.
-template <class T, class Entry, class... Ends>
-std::vector<T> one_by_one(Entry entry, const Stream &stream, int32_t n, Ends... ends) {
-  std::vector<T> numbers(n);
-  for (T &number : numbers) entry(stream.get(), 1, &number, ends...);
-  return numbers;
+// Reals at once, and one by one from a lower end that is the same number.
+template <class T, class Entry>
+void expect_same_alone(Entry entry, const Stream &stream, const Stream &stepwise, int32_t n, T a, T same,
+                       T b) {
+  std::vector<T> alone(n);
+  for (T &number : alone) entry(stepwise.get(), 1, &number, same, b);
+  EXPECT_EQ(drawn_by<T>(entry, stream, n, n, a, b), alone);
 }
 
 // Blocks of random length and form from where the stream is, and after each block the state of a stream that
@@ -57,23 +56,16 @@ void expect_definition_followed(const Generator &generator, const Stream &from, 
       SCOPED_TRACE(testing::Message() << level << ", " << n << " numbers after " << total);
       const uint32_t form = engine() % 5;
       const Words words = expected.words(n);
+      uint32_t word[4];
       if (form == 0) {
-        uint32_t single[4];
-        for (int32_t i = 0; i < n; ++i) record.iBrng(stepwise.get(), 1, single);
-        ASSERT_EQ(draw_words(stream, n), words);
-      } else if (form == 1) {
-        ASSERT_EQ(draw_doubles(stream, n, -1.5, 2.3),
-                  one_by_one<double>(record.dBrng, stepwise, n, -1.5, 2.3));
-      } else if (form == 2) {
-        ASSERT_EQ(draw_singles(stream, n, -1.1f, 1e3f),
-                  one_by_one<float>(record.sBrng, stepwise, n, -1.1f, 1e3f));
-      } else if (form == 3) {  // from 0 to a power of two has a way of its own, which -0 does not take
-        ASSERT_EQ(draw_doubles(stream, n, 0, 0.25),
-                  one_by_one<double>(record.dBrng, stepwise, n, -0.0, 0.25));
-      } else {
-        ASSERT_EQ(draw_singles(stream, n, 0, 0.25f),
-                  one_by_one<float>(record.sBrng, stepwise, n, -0.0f, 0.25f));
+        for (int32_t i = 0; i < n; ++i) record.iBrng(stepwise.get(), 1, word);
+        EXPECT_EQ(draw_words(stream, n), words);
       }
+      // From 0 to a power of two has a way of its own, which -0 does not take.
+      if (form == 1) expect_same_alone(record.dBrng, stream, stepwise, n, -1.5, -1.5, 2.3);
+      if (form == 2) expect_same_alone(record.sBrng, stream, stepwise, n, -1.1f, -1.1f, 1e3f);
+      if (form == 3) expect_same_alone(record.dBrng, stream, stepwise, n, 0.0, -0.0, 0.25);
+      if (form == 4) expect_same_alone(record.sBrng, stream, stepwise, n, 0.0f, -0.0f, 0.25f);
       ASSERT_EQ(state_of(stream), state_of(stepwise));
     }
   });
@@ -83,176 +75,123 @@ class EveryGenerator : public testing::TestWithParam<Generator> {
  protected:
   const Generator &generator = GetParam();
 };
+INSTANTIATE_TEST_SUITE_P(, EveryGenerator, testing::ValuesIn(all_generators()));
 
 TEST_P(EveryGenerator, FollowsItsDefinitionInAnyBlocks) {
   expect_definition_followed(generator, generator.start(), 1000000);
 }
 
-TEST_P(EveryGenerator, NeitherWritesNorMovesForNoNumbersOrUnknownMethods) {
+// No numbers write none; what a generator cannot do, it refuses.
+TEST_P(EveryGenerator, StaysWhereItIs) {
   const Stream stream = generator.start();
-  draw_words(stream, 5);
+  draw_words(stream, 4);
   const std::string before = payload(stream);
   const BrngRecord record = generator_of(stream);
-  for (int32_t n : {0, -1, -1000000}) {
-    EXPECT_EQ(record.iBrng(stream.get(), n, nullptr), VXS_STATUS_OK);
-    EXPECT_EQ(record.dBrng(stream.get(), n, nullptr, 0, 1), VXS_STATUS_OK);
-    EXPECT_EQ(record.sBrng(stream.get(), n, nullptr, 0, 1), VXS_STATUS_OK);
+  StreamState *const s = stream.get();
+  for (const int32_t n : {0, -1, INT32_MIN}) {
+    EXPECT_EQ(record.iBrng(s, n, nullptr), VXS_STATUS_OK);
+    EXPECT_EQ(record.dBrng(s, n, nullptr, 0, 1), VXS_STATUS_OK);
+    EXPECT_EQ(record.sBrng(s, n, nullptr, 0, 1), VXS_STATUS_OK);
   }
-  for (int32_t method : {3, 1000, -1, INT32_MIN})
-    EXPECT_EQ(record.InitStream(method, stream.get(), 1, nullptr), VXS_STATUS_BAD_METHOD);
+  for (const int32_t method : {3, 1000, -1, INT32_MIN})
+    EXPECT_EQ(record.InitStream(method, s, 1, nullptr), VXS_STATUS_BAD_METHOD);
+
+  const bool by_dimension = generator.moves == Moves::by_dimension, skips = generator.moves != Moves::none;
+  const int32_t of_skips = skips ? VXS_STATUS_OK : VXS_STATUS_NO_SKIP_AHEAD;
+  EXPECT_EQ(qkr_skip_ahead(s, 0), of_skips);
+  for (const int64_t count : {int64_t{0}, int64_t{1} << 32})  // of which the low 32 bits count
+    EXPECT_EQ(__vxsSkipAheadStream(s, count), by_dimension ? VXS_STATUS_NO_SKIP_AHEAD : of_skips);
+  if (by_dimension || !skips) {
+    EXPECT_EQ(__vxsSkipAheadStream(s, -1), VXS_STATUS_NO_SKIP_AHEAD);
+  }
+  if (!skips) {
+    EXPECT_EQ(qkr_skip_ahead(s, uint64_t{1} << 40), VXS_STATUS_NO_SKIP_AHEAD);
+  }
+  const auto dimensions = static_cast<int32_t>(generator.seeds[0]);
+  for (const auto &[stride, index] :
+       {std::pair{3, 0}, {QKR_ONE_DIMENSION, dimensions}, {QKR_ONE_DIMENSION, -1}})
+    if (generator.moves != Moves::apart) {
+      EXPECT_EQ(__vxsLeapfrogStream(s, index, stride), VXS_STATUS_NO_LEAPFROG);
+    }
   EXPECT_EQ(payload(stream), before);
 }
 
-TEST_P(EveryGenerator, SkipsAhead) {
-  for (int32_t before : {0, 1, 4, 41})
-    for (int32_t count : {1, 2, 3, 9, 82, 1000, 123457}) {
-      const Stream stream = generator.start(), walked = generator.start();
-      Expected expected(generator, stream);
-      draw_words(stream, before);
-      draw_words(walked, before);
-      if (generator.family.skips_ahead) {
-        EXPECT_EQ(__vxsSkipAheadStream(stream.get(), count), VXS_STATUS_OK);
-        draw_words(walked, count);
-        expected.words(before + count);
-        EXPECT_EQ(payload(stream), payload(walked)) << before << ", " << count;
-        EXPECT_EQ(draw_words(stream, 1000), expected.words(1000)) << before << ", " << count;
-      } else {
-        EXPECT_EQ(__vxsSkipAheadStream(stream.get(), count), VXS_STATUS_NO_SKIP_AHEAD);
-        EXPECT_EQ(payload(stream), payload(walked));
-      }
-    }
-}
-
-TEST_P(EveryGenerator, SkipsAnyCount) {
-  constexpr uint64_t whole = 0x7fffffff;
-  const Stream at_once = generator.start(), in_parts = generator.start();
-  draw_words(at_once, 3);
-  draw_words(in_parts, 3);
-  if (!generator.family.skips_ahead) {
-    const std::string unmoved = payload(at_once);
-    for (const uint64_t count : {uint64_t{0}, uint64_t{7}, uint64_t{1} << 40})
-      EXPECT_EQ(qkr_skip_ahead(at_once.get(), count), VXS_STATUS_NO_SKIP_AHEAD);
-    EXPECT_EQ(payload(at_once), unmoved);
-    return;
+TEST_P(EveryGenerator, SkipsWhatItWouldDraw) {
+  if (generator.moves == Moves::none) return;
+  const Stream drawn = generator.start(), skipped = copy_of(drawn), skipped_64 = copy_of(drawn);
+  for (const int32_t count : {4, 1, 2, 3, 9, 41, 82, 1000, 123457, 1}) {
+    draw_words(drawn, count);
+    EXPECT_EQ(__vxsSkipAheadStream(skipped.get(), count), VXS_STATUS_OK);
+    EXPECT_EQ(qkr_skip_ahead(skipped_64.get(), static_cast<uint64_t>(count)), VXS_STATUS_OK);
+    ASSERT_EQ(payload(skipped), payload(drawn)) << count;
+    ASSERT_EQ(payload(skipped_64), payload(drawn)) << count;
   }
-  EXPECT_EQ(qkr_skip_ahead(at_once.get(), 0), VXS_STATUS_OK);
-  EXPECT_EQ(payload(at_once), payload(in_parts));
-  EXPECT_EQ(qkr_skip_ahead(at_once.get(), 7 * whole + 12345), VXS_STATUS_OK);
-  for (const int32_t part : {0x40000000, 0x3fffffff, 12345})
-    EXPECT_EQ(__vxsSkipAheadStream(in_parts.get(), part), VXS_STATUS_OK);
-  for (int i = 0; i < 6; ++i) __vxsSkipAheadStream(in_parts.get(), whole);
-  EXPECT_EQ(payload(at_once), payload(in_parts));
-  // Only the low 32 bits count here. Where a skip of 0 is refused, this one is.
-  EXPECT_EQ(__vxsSkipAheadStream(in_parts.get(), int64_t{1} << 32), __vxsSkipAheadStream(in_parts.get(), 0));
-  EXPECT_EQ(payload(at_once), payload(in_parts));
-  // Counts of 64 bits, as sums of some that are tried above.
-  uint64_t sum = 0;
-  for (uint64_t part = 5 * whole; sum + part > sum; sum += part, part *= 3)
-    EXPECT_EQ(qkr_skip_ahead(in_parts.get(), part), VXS_STATUS_OK);
-  EXPECT_GT(sum, uint64_t{1} << 62);
-  EXPECT_EQ(qkr_skip_ahead(at_once.get(), sum), VXS_STATUS_OK);
-  EXPECT_EQ(payload(at_once), payload(in_parts));
+  // Further than anybody draws: each count as two halves, from those that were drawn upward.
+  for (uint64_t half = 61729; half >> 63 == 0; half *= 2) {
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(qkr_skip_ahead(skipped.get(), half), VXS_STATUS_OK);
+    EXPECT_EQ(qkr_skip_ahead(skipped_64.get(), 2 * half), VXS_STATUS_OK);
+    ASSERT_EQ(payload(skipped_64), payload(skipped)) << half;
+    if (2 * half > INT32_MAX) continue;
+    EXPECT_EQ(__vxsSkipAheadStream(drawn.get(), static_cast<int64_t>(2 * half)), VXS_STATUS_OK);
+    ASSERT_EQ(payload(drawn), payload(skipped)) << half;
+  }
 }
 
+// Splits of splits: every 14000th number in the end.
 TEST_P(EveryGenerator, Leapfrogs) {
-  constexpr int32_t n = 1000, one_dimension = 0x7fffffff;
-  const bool is_quasi_random = generator.is_quasi_random();
-  const auto dimensions = static_cast<int32_t>(generator.seeds[0]);
-  std::vector<std::pair<int32_t, int32_t>> splits = {{1, 0}, {2, 1}, {7, 3}, {1000, 999}};
-  if (is_quasi_random) splits = {{one_dimension, 0}, {one_dimension, dimensions - 1}};
-  for (const int32_t before : {0, 1, 5})
-    for (const auto &[stride, index] : splits) {
-      SCOPED_TRACE(testing::Message() << before << ", " << stride << ", " << index);
-      const Stream stream = generator.start();
-      Expected expected(generator, stream);
-      draw_words(stream, before);
-      expected.words(before);
-      if (generator.family.leapfrog == Partition::none) {
-        const std::string unmoved = payload(stream);
-        EXPECT_EQ(__vxsLeapfrogStream(stream.get(), index, stride), VXS_STATUS_NO_LEAPFROG);
-        EXPECT_EQ(payload(stream), unmoved);
-        continue;
-      }
-      ASSERT_EQ(__vxsLeapfrogStream(stream.get(), index, stride), VXS_STATUS_OK);
-      // Of a quasi-random sequence: from the first component of that index not given out.
-      expected.words(is_quasi_random ? (index + dimensions - before % dimensions) % dimensions : index);
-      Words kept;
-      for (int32_t i = 0; i < n; ++i) {
-        const Words row = expected.words(is_quasi_random ? dimensions : stride);
-        kept.insert(kept.end(), row.begin(), row.begin() + ptrdiff_t(expected.words_each));
-      }
-      EXPECT_EQ(draw_words(stream, n), kept);
+  if (generator.moves != Moves::apart) return;
+  const Stream stream = generator.start();
+  Expected expected(generator, stream);
+  EXPECT_EQ(draw_words(stream, 5), expected.words(5));
+  int32_t apart = 1;
+  for (const auto &[index, stride] : {std::pair{0, 1}, {1, 2}, {6, 7}, {999, 1000}}) {
+    ASSERT_EQ(__vxsLeapfrogStream(stream.get(), index, stride), VXS_STATUS_OK);
+    expected.words(apart * index);
+    apart *= stride;
+    EXPECT_EQ(__vxsSkipAheadStream(stream.get(), 3), VXS_STATUS_OK);
+    expected.words(3 * apart);
+    Words kept;
+    for (int32_t i = 0; i < 100; ++i) {
+      const Words row = expected.words(apart);
+      kept.insert(kept.end(), row.begin(), row.begin() + ptrdiff_t(expected.words_each));
     }
-}
-
-INSTANTIATE_TEST_SUITE_P(, EveryGenerator, testing::ValuesIn(all_generators()), test_name);
-
-// What is known of the sequences as a whole.
-TEST(Skips, OfWholePeriods) {
-  const struct {
-    const char *name;
-    uint32_t id;
-    uint64_t period;
-  } rows[] = {{"MCG31M1", QKR_MCG31M1, 0x7ffffffe}, {"MCG59", QKR_MCG59, uint64_t{1} << 57}};
-  for (const auto &row : rows) {
-    const Stream stream = new_stream(row.id, {777});
-    const std::string start = payload(stream);
-    EXPECT_EQ(qkr_skip_ahead(stream.get(), row.period / 2), VXS_STATUS_OK);
-    EXPECT_NE(payload(stream), start) << row.name;
-    EXPECT_EQ(qkr_skip_ahead(stream.get(), row.period + row.period / 2), VXS_STATUS_OK);
-    EXPECT_EQ(payload(stream), start) << row.name;
+    EXPECT_EQ(draw_words(stream, 100), kept) << stride;
   }
-  // One dimension of points: a number is a point, and a skip follows the numbers.
-  const Stream skipped = new_stream(QKR_SOBOL, {5}), drawn = new_stream(QKR_SOBOL, {5});
-  for (const Stream *stream : {&skipped, &drawn}) __vxsLeapfrogStream(stream->get(), 3, QKR_ONE_DIMENSION);
-  EXPECT_EQ(qkr_skip_ahead(skipped.get(), 1003), VXS_STATUS_OK);
-  draw_words(drawn, 1003);
-  EXPECT_EQ(draw_words(skipped, 50), draw_words(drawn, 50));
-  EXPECT_EQ(qkr_skip_ahead(skipped.get(), (uint64_t{7} << 32) + 1), VXS_STATUS_OK);
-  draw_words(drawn, 1);
-  EXPECT_EQ(draw_words(skipped, 50), draw_words(drawn, 50));
 }
 
 // Further numbers of dimensions, and places in the sequence: inside a point, in one dimension only, and
 // before the index wraps.
 TEST(DigitalSequences, FollowTheirDefinitionFromAnywhere) {
-  constexpr uint32_t sobol = 0x600000, niederreiter = 0x700000;
-  const struct {
-    uint32_t id, dim;
-    int32_t skipped = 0, only = -1;
-    bool wraps = false;
-  } rows[] = {{sobol, 2},
-              {sobol, 4, 1},
-              {sobol, 5, 7},
-              {sobol, 8, 1 << 30},
-              {sobol, 9},
-              {sobol, 16, 17},
-              {sobol, 17},
-              {sobol, 60, 1000},
-              {sobol, 1, 0, -1, true},
-              {sobol, 13, 20, -1, true},
-              {sobol, 13, 777, 3},
-              {sobol, 41, 1 << 29, 40},
-              {sobol, 41, 30, -1, true},
-              {niederreiter, 3},
-              {niederreiter, 100, 12345},
-              {niederreiter, 318, 5000, 317},
-              {niederreiter, 318, 0, 1, true},
-              {niederreiter, 350, 100}};
-  for (const auto &row : rows) {
-    SCOPED_TRACE(testing::Message() << std::hex << row.id << std::dec << ", " << row.dim << " dimensions");
-    const bool by_tables = row.dim <= (row.id == sobol ? 40 : 318);
-    const Generator generator = {"", row.id, by_tables ? Seeds{row.dim} : user_directions(row.dim),
-                                 digital_sequences};
-    const Stream stream = generator.start();
-    if (row.skipped) __vxsSkipAheadStream(stream.get(), row.skipped);
-    const auto &position = qkr::payload_of<qkr::SequencePosition>(stream.get());
-    while (row.wraps && position.seq < 0u - 40) {
-      const uint64_t left = uint64_t{row.dim} * (0u - 40 - position.seq);
-      ASSERT_EQ(__vxsSkipAheadStream(stream.get(), std::min<int64_t>(left, 0x7fffffff)), VXS_STATUS_OK);
-    }
-    if (row.only >= 0) __vxsLeapfrogStream(stream.get(), row.only, 0x7fffffff);
-    expect_definition_followed(generator, stream, 30000);
+  constexpr int32_t sobol = QKR_SOBOL, niederreiter = QKR_NIEDERREITER, all = -1, wrapping = -1;
+  // Generator, dimensions, how many numbers are skipped, the only dimension.
+  const int32_t rows[][4] = {{sobol, 2, 0, all},
+                             {sobol, 4, 1, all},
+                             {sobol, 5, 7, all},
+                             {sobol, 8, 1 << 30, all},
+                             {sobol, 9, 0, all},
+                             {sobol, 16, 17, all},
+                             {sobol, 17, 0, all},
+                             {sobol, 60, 1000, all},
+                             {sobol, 1, wrapping, all},
+                             {sobol, 13, wrapping, all},
+                             {sobol, 13, 777, 3},
+                             {sobol, 41, 1 << 29, 40},
+                             {sobol, 41, wrapping, all},
+                             {niederreiter, 3, 0, all},
+                             {niederreiter, 100, 12345, all},
+                             {niederreiter, 318, 5000, 317},
+                             {niederreiter, 318, wrapping, 1},
+                             {niederreiter, 350, 100, all}};
+  for (const auto &[generator, dim, skipped, only] : rows) {
+    const auto id = static_cast<uint32_t>(generator), dimensions = static_cast<uint32_t>(dim);
+    SCOPED_TRACE(testing::Message() << std::hex << id << std::dec << ", " << dim << " dimensions");
+    const bool by_tables = dim <= (generator == sobol ? 40 : 318);
+    const Seeds seeds = by_tables ? Seeds{dimensions} : user_directions(dimensions);
+    const Stream stream = new_stream(id, seeds);
+    const uint64_t before_end = uint64_t{dimensions} * (0u - 40) + dimensions / 2;
+    qkr_skip_ahead(stream.get(), skipped == wrapping ? before_end : static_cast<uint64_t>(skipped));
+    if (only >= 0) __vxsLeapfrogStream(stream.get(), only, QKR_ONE_DIMENSION);
+    expect_definition_followed({"", id, seeds, Moves::by_dimension, digital_sequence}, stream, 30000);
   }
 }
 
@@ -263,23 +202,22 @@ TEST(LongDraws, ReachTheLargestCount) {
   const Repeated memory(size_t{16} * most);
   if (!memory.data()) GTEST_SKIP() << "no addresses";
   const auto expect_same = [&](const Generator &generator, size_t size, auto draw) {
-    SCOPED_TRACE(generator.name);
     const Stream stream = generator.start(), other = generator.start();
     ASSERT_EQ(draw(stream, most), VXS_STATUS_OK);
     const char *const end = memory.data() + size * most;
     const std::string numbers(end - size * last, end);
     int32_t left = most - last;
-    if (generator.family.skips_ahead) EXPECT_EQ(__vxsSkipAheadStream(other.get(), left), VXS_STATUS_OK);
+    if (generator.moves != Moves::none) EXPECT_EQ(__vxsSkipAheadStream(other.get(), left), VXS_STATUS_OK);
     else
       for (int32_t n; left > 0; left -= n) draw(other, n = std::min(left, 1 << 20));
     ASSERT_EQ(draw(other, last), VXS_STATUS_OK);
-    EXPECT_EQ(numbers, std::string(memory.data(), size * last));
-    EXPECT_EQ(payload(stream), payload(other));
+    EXPECT_EQ(numbers, std::string(memory.data(), size * last)) << generator.name;
+    EXPECT_EQ(payload(stream), payload(other)) << generator.name;
   };
-  const std::string chosen[] = {"MCG31M1", "R250",     "MRG32K3A", "MCG59",   "WH 0",
-                                "Sobol 3", "Sobol 40", "MT19937",  "MT2203 0"};
+  const std::set<std::string> chosen = {"MCG31M1", "R250",     "MRG32K3A", "MCG59",   "WH 0",
+                                        "Sobol 3", "Sobol 40", "MT19937",  "MT2203 0"};
   for (const Generator &generator : all_generators()) {
-    if (std::find(std::begin(chosen), std::end(chosen), generator.name) == std::end(chosen)) continue;
+    if (!chosen.contains(generator.name)) continue;
     const BrngRecord record = generator_of(generator.start());
     expect_same(generator, record.WordSize, [&](const Stream &from, int32_t n) {
       return record.iBrng(from.get(), n, reinterpret_cast<uint32_t *>(memory.data()));

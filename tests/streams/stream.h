@@ -25,16 +25,24 @@ Stream made(Make make) {
   EXPECT_EQ(make(&stream), VXS_STATUS_OK);
   return Stream(stream);
 }
+// What it answers.
+template <class Make>
+int32_t status_of(Make make) {
+  StreamState *stream = nullptr;
+  const int32_t status = make(&stream);
+  if (stream) __vxsDeleteStream(&stream);
+  return status;
+}
 
 inline Stream new_stream(uint32_t id, const Seeds &seeds) {
   const auto count = static_cast<int32_t>(seeds.size());
-  return made([&](StreamState **out) { return __vxsNewStreamEx(out, id, count, seeds.data()); });
+  return made([&](auto out) { return __vxsNewStreamEx(out, id, count, seeds.data()); });
 }
 inline Stream copy_of(const Stream &source) {
-  return made([&](StreamState **out) { return __vxsCopyStream(out, source.get()); });
+  return made([&](auto out) { return __vxsCopyStream(out, source.get()); });
 }
 inline Stream loaded(const std::string &file) {
-  return made([&](StreamState **out) { return __vxsLoadStreamF(out, file.c_str()); });
+  return made([&](auto out) { return __vxsLoadStreamF(out, file.c_str()); });
 }
 inline void save(const Stream &stream, const std::string &file) {
   ASSERT_EQ(__vxsSaveStreamF(stream.get(), file.c_str(), -1), VXS_STATUS_OK);
@@ -51,6 +59,7 @@ inline std::string payload(const Stream &stream) {
   const char *record = reinterpret_cast<const char *>(stream.get());
   return {record + sizeof(StreamState), record + generator_of(stream).StateSize};
 }
+inline uint32_t *state_words(const Stream &stream) { return reinterpret_cast<uint32_t *>(stream.get() + 1); }
 
 // `size` elements by an entry of the generator, which writes nothing behind them.
 template <class T, class Entry, class... Ends>

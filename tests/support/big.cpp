@@ -10,14 +10,17 @@ double error_in_ulp(long double computed, const Big &exact, int digits, int leas
   if (std::isnan(computed)) return INFINITY;
   if (exact.zero()) return computed == 0 ? 0 : INFINITY;
   if (!mpfr_number_p(exact.get())) return computed == mpfr_get_d(exact.get(), MPFR_RNDN) ? 0 : INFINITY;
-  const long exponent = std::max<long>(mpfr_get_exp(exact.get()), least);
+  Big work;
   if (std::isinf(computed)) {
-    const bool beyond = exponent > most && std::signbit(computed) == exact.negative();
-    return beyond ? 0 : INFINITY;
+    mpfr_set_prec(work.get(), digits);
+    mpfr_set(work.get(), exact.get(), MPFR_RNDN);
+    return mpfr_get_exp(work.get()) > most && std::signbit(computed) == exact.negative() ? 0 : INFINITY;
   }
-  Big difference = abs(Big(computed) - exact);
-  mpfr_mul_2si(difference.get(), difference.get(), digits - exponent, MPFR_RNDN);
-  return mpfr_get_d(difference.get(), MPFR_RNDN);
+  mpfr_set_ld(work.get(), computed, MPFR_RNDN);
+  mpfr_sub(work.get(), work.get(), exact.get(), MPFR_RNDN);
+  const auto exponent = std::clamp<long>(mpfr_get_exp(exact.get()), least, most);
+  mpfr_mul_2si(work.get(), work.get(), digits - exponent, MPFR_RNDN);
+  return std::fabs(mpfr_get_d(work.get(), MPFR_RNDN));
 }
 template <class T>
 double error_in_ulp(T computed, const Big &exact) {

@@ -166,16 +166,11 @@ const std::vector<Region> of_y = {
     REGION(box<600, 100>),   REGION(box<3, 3>),        REGION(wide<-40, 8>), REGION(wide<-140, 3>),
     REGION(quadrant_border), REGION(large_angle),      REGION(overflow),     REGION(pole),
     REGION(real_axis),       REGION(turned<real_axis>)};
-const std::vector<Region> of_x = {REGION(turned<box<600, 100>>),
-                                  REGION(box<3, 3>),
-                                  REGION(wide<-40, 8>),
-                                  REGION(wide<-140, 3>),
-                                  REGION(turned<quadrant_border>),
-                                  REGION(turned<large_angle>),
-                                  REGION(turned<overflow>),
-                                  REGION(turned<pole>),
-                                  REGION(real_axis),
-                                  REGION(turned<real_axis>)};
+const std::vector<Region> of_x = [] {
+  std::vector<Region> regions = of_y;
+  for (Region &region : regions) region.turned = true;
+  return regions;
+}();
 const std::vector<Region> of_plane = {
     REGION(box<3, 3>),   REGION(wide<-40, 8>),     REGION(wide<-1000, 1000>),
     REGION(circle),      REGION(diagonal),         REGION(near_one),

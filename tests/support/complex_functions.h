@@ -18,26 +18,17 @@ struct Operands {
 // Inputs of one kind; float functions round them.
 struct Region {
   const char *name;
-  Operands (*draw)(Random &random);
-};
+  Operands (*unturned)(Random &random);
+  bool turned = false;  // the parts of z in each other's place
 
-// A complex function over elements of one precision; one of the three forms.
-template <class E>
-struct ComplexEntry {
-  void (*unary)(int32_t, const E *, E *) = nullptr;
-  void (*binary)(int32_t, const E *, const E *, E *) = nullptr;
-  void (*with_number)(int32_t, const E *, E, E *) = nullptr;
-
-  ComplexEntry(void (*f)(int32_t, const E *, E *)) : unary(f) {}
-  ComplexEntry(void (*f)(int32_t, const E *, const E *, E *)) : binary(f) {}
-  ComplexEntry(void (*f)(int32_t, const E *, E, E *)) : with_number(f) {}
-  // b[0] serves all elements where there is one number.
-  void operator()(int32_t n, const E *a, const E *b, E *r) const {
-    if (unary) unary(n, a, r);
-    else if (binary) binary(n, a, b, r);
-    else with_number(n, a, b[0], r);
+  Operands draw(Random &random) const {
+    const Operands z = unturned(random);
+    return turned ? Operands{z.y, z.x, z.u, z.v} : z;
   }
 };
+
+template <class E>
+using ComplexEntry = Entry<E>;
 
 template <class E>
 struct ComplexFunction {

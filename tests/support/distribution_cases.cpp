@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <deque>
 #include <limits>
 #include <memory>
 #include <stdexcept>
@@ -84,26 +85,19 @@ Law geometric(double p) {
   return whole([=](double x) { return -std::expm1(x * std::log1p(-p)); }, 0, INT32_MAX);
 }
 
-// Of a law of whole numbers.
-template <class Distribution>
-Law discrete(Distribution d, double lowest, double highest) {
-  return whole([=](double x) { return x - 1 < lowest ? 0 : math::cdf(d, std::min(x - 1, highest)); }, lowest,
-               highest);
-}
-
 Law single(double number) {
   return whole([](double) { return 0.0; }, number, number);
 }
 
-// Where Boost.Math takes long: masses from the mode on, with ratio(k) that of k + 1 to that of k.
+// Masses from the mode on both ways, with ratio(k) that of k + 1 to that of k.
 template <class Ratio>
-Law by_ratios(double mode, double deviation, double lowest, double highest, Ratio ratio) {
-  const double first = std::max(lowest, std::floor(mode - 12 * deviation - 12));
-  const double last = std::min(highest, std::ceil(mode + 12 * deviation + 12));
-  std::vector<long double> mass(size_t(last - first) + 1);
-  mass[size_t(mode - first)] = 1;
-  for (double k = mode; k < last; ++k) mass[size_t(k - first) + 1] = mass[size_t(k - first)] * ratio(k);
-  for (double k = mode; k > first; --k) mass[size_t(k - first) - 1] = mass[size_t(k - first)] / ratio(k - 1);
+Law by_ratios(double mode, double lowest, double highest, Ratio ratio) {
+  constexpr long double negligible = 1e-22L;
+  std::deque<long double> mass = {1};
+  double first = mode;
+  for (double k = mode; k < highest && mass.back() > negligible; ++k) mass.push_back(mass.back() * ratio(k));
+  for (; first > lowest && mass.front() > negligible; --first)
+    mass.push_front(mass.front() / ratio(first - 1));
   long double total = 0, sum = 0;
   for (const long double p : mass) total += p;
   const auto below = std::make_shared<std::vector<double>>();
@@ -112,39 +106,34 @@ Law by_ratios(double mode, double deviation, double lowest, double highest, Rati
     sum += p;
   }
   below->push_back(1);
-  return whole([=](double x) { return (*below)[size_t(std::clamp(x - first, 0.0, last - first + 1))]; },
-               lowest, highest);
+  const double last = static_cast<double>(mass.size());
+  return whole([=](double x) { return (*below)[size_t(std::clamp(x - first, 0.0, last))]; }, lowest, highest);
 }
 
 Law binomial(double n, double p) {
   if (n == 0 || p == 0) return single(0);
   if (p == 1) return single(n);
-  if (n < 1e5) return discrete(math::binomial(n, p), 0, n);
-  return by_ratios(std::floor((n + 1) * p), std::sqrt(n * p * (1 - p)), 0, n,
+  return by_ratios(std::floor((n + 1) * p), 0, n,
                    [=](long double k) { return (n - k) * p / ((k + 1) * (1 - (long double)p)); });
 }
 
 Law hypergeometric(double l, double s, double m) {
   const double lowest = std::max(0.0, s + m - l), highest = std::min(s, m);
   if (lowest == highest) return single(lowest);
-  return by_ratios(std::floor((s + 1) * (m + 1) / (l + 2)),
-                   std::sqrt(s * (m / l) * (1 - m / l) * ((l - s) / (l - 1))), lowest, highest,
+  return by_ratios(std::floor((s + 1) * (m + 1) / (l + 2)), lowest, highest,
                    [=](long double k) { return (s - k) * (m - k) / ((k + 1) * (l - s - m + k + 1)); });
 }
 
 Law negative_binomial(double a, double p) {
   if (a == 0 || p == 1) return single(0);
-  if (a < 1e5) return discrete(math::negative_binomial(a, p), 0, INT32_MAX);
   const long double q = 1 - (long double)p;
-  return by_ratios(double(std::floor((a - 1) * q / p)), double(std::sqrt(a * q) / p), 0, INT32_MAX,
+  return by_ratios(std::max(0.0, double(std::floor((a - 1) * q / p))), 0, INT32_MAX,
                    [=](long double k) { return q * (a + k) / (k + 1); });
 }
 
 Law poisson(double mean) {
   if (mean == 0) return single(0);
-  if (mean < 1e5) return discrete(math::poisson(mean), 0, INT32_MAX);
-  return by_ratios(std::floor(mean), std::sqrt(mean), 0, INT32_MAX,
-                   [=](long double k) { return mean / (k + 1); });
+  return by_ratios(std::floor(mean), 0, INT32_MAX, [=](long double k) { return mean / (k + 1); });
 }
 
 template <class T>

@@ -1,6 +1,7 @@
 // The error of a computed result in units in the last place of the exact one.
 #pragma once
 
+#include "tests/support/big.h"
 #include "tests/support/vector_functions.h"
 
 namespace qkr::tests {
@@ -10,15 +11,14 @@ template <class T>
 class Oracle {
  public:
   Oracle();
-  ~Oracle();
-  Oracle(const Oracle &) = delete;
+  ~Oracle() { mpfr_free_cache2(MPFR_FREE_LOCAL_CACHE); }
 
   // Of result 0 or 1 of f at a (and b). A result below the normal range counts in subnormal spacings; an
   // infinite one is right where the exact value rounds to it, a NaN where there is no exact value.
   double error(const VectorFunction<T> &f, int result, T a, T b, T computed);
 
  private:
-  mpfr_t x_, y_, exact_, largest_;
+  Big a_, b_, exact_;
 };
 
 // By the C library's next wider format, for functions that have a quick reference: off by about a thousandth

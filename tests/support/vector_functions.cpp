@@ -41,29 +41,9 @@ int inverse_erf(mpfr_ptr r, mpfr_srcptr a, mpfr_rnd_t rounding) {
   mpfr_clears(z, step, slope, nullptr);
   return inexact;
 }
-template <class W>
-W reciprocal(W a) {
-  return 1 / a;
-}
 int reciprocal_cube_root(mpfr_ptr r, mpfr_srcptr a, mpfr_rnd_t rounding) {
   mpfr_cbrt(r, a, rounding);
   return mpfr_ui_div(r, 1, r, rounding);
-}
-template <class W>
-W reciprocal_cube_root(W a) {
-  return 1 / std::cbrt(a);
-}
-template <class W>
-W reciprocal_square_root(W a) {
-  return 1 / std::sqrt(a);
-}
-template <class W>
-W quotient(W a, W b) {
-  return a / b;
-}
-template <class W>
-W fraction(W a) {
-  return a - std::trunc(a);
 }
 
 // One row serves both precisions; where they differ, either() picks.
@@ -78,6 +58,7 @@ W fraction(W a) {
 template <class T>
 std::vector<VectorFunction<T>> make_table() {
   using List = std::vector<T>;
+  using W = Wider<T>;
   constexpr double ln2 = 0.693147180559945309;
   constexpr double pi = 3.14159265358979324;
   constexpr T max = std::numeric_limits<T>::max();
@@ -116,10 +97,10 @@ std::vector<VectorFunction<T>> make_table() {
                            List{1, 3, 7, T(9.19), T(9.194555), T(10.054)})},
       {FUNCTION(ErfInv), .exact = {inverse_erf}, .a = {-1, 1},
        .points = {T(0.125), T(0.75), T(0.9375), T(1 - 0x1p-10), T(1 - 0x1p-23)}},
-      {FUNCTION(InvSqrt), .exact = {mpfr_rec_sqrt}, .quick = {reciprocal_square_root<Wider<T>>},
+      {FUNCTION(InvSqrt), .exact = {mpfr_rec_sqrt}, .quick = {+[](W a) { return 1 / std::sqrt(a); }},
        .a = {0, max}, .points = {2, 4}},
       {FUNCTION(Cbrt), .exact = {mpfr_cbrt}, .quick = {std::cbrt}, .points = {8, 27}},
-      {FUNCTION(InvCbrt), .exact = {reciprocal_cube_root}, .quick = {reciprocal_cube_root<Wider<T>>},
+      {FUNCTION(InvCbrt), .exact = {reciprocal_cube_root}, .quick = {+[](W a) { return 1 / std::cbrt(a); }},
        .points = {8, 27}},
       {FUNCTION(Hypot), .exact = {mpfr_hypot}, .quick = {std::hypot}, .points = {1, 3}},
       {FUNCTION(Cosh), .exact = {mpfr_cosh}, .quick = {std::cosh}, .a = growing, .points = overflow,
@@ -140,8 +121,10 @@ std::vector<VectorFunction<T>> make_table() {
        .points = {T(0.2), T(0.5), 1}},
       {FUNCTION(Pow), .exact = {mpfr_pow}, .quick = {std::pow}, .a = {T(0.01), T(100)},
        .b = either<T>(Range<T>{-150, 150}, Range<T>{-18, 18}), .points = {1, T(0.5), 2}},
-      {FUNCTION(Div), .exact = {mpfr_div}, .quick = {quotient<Wider<T>>}, .rounding = Rounding::callers},
-      {FUNCTION(Inv), .exact = {reciprocal}, .quick = {reciprocal<Wider<T>>}, .rounding = Rounding::callers},
+      {FUNCTION(Div), .exact = {mpfr_div}, .quick = {+[](W a, W b) { return a / b; }},
+       .rounding = Rounding::callers},
+      {FUNCTION(Inv), .exact = {reciprocal}, .quick = {+[](W a) { return 1 / a; }},
+       .rounding = Rounding::callers},
       {EXACT_FUNCTION(Ceil), .exact = {mpfr_rint_ceil}, .quick = {std::ceil}, .rounding = Rounding::callers},
       {EXACT_FUNCTION(Floor), .exact = {mpfr_rint_floor}, .quick = {std::floor},
        .rounding = Rounding::callers},
@@ -151,8 +134,8 @@ std::vector<VectorFunction<T>> make_table() {
        .rounding = Rounding::callers},
       {EXACT_FUNCTION(Rint), .exact = {mpfr_rint}, .quick = {std::rint}, .rounding = Rounding::callers},
       {EXACT_FUNCTION(NearbyInt), .exact = {mpfr_rint}, .quick = {std::rint}, .rounding = Rounding::callers},
-      {EXACT_FUNCTION(Modf), .exact = {mpfr_rint_trunc, mpfr_frac}, .quick = {std::trunc, fraction<Wider<T>>},
-       .rounding = Rounding::callers},
+      {EXACT_FUNCTION(Modf), .exact = {mpfr_rint_trunc, mpfr_frac},
+       .quick = {std::trunc, +[](W a) { return a - std::trunc(a); }}, .rounding = Rounding::callers},
   };
 }
 

@@ -20,51 +20,52 @@ constexpr auto either(Double in_double, Single in_single) {
   else return in_single;
 }
 
-// A vector function of one of three shapes; b is read and q written only where the shape has them.
+// A vector function of one of four shapes over elements T; b is read and q written only where the shape has
+// them, and of b only the first where one number serves all elements.
 template <class T>
 struct Entry {
   void (*unary)(int32_t, const T *, T *) = nullptr;
   void (*binary)(int32_t, const T *, const T *, T *) = nullptr;
+  void (*with_number)(int32_t, const T *, T, T *) = nullptr;
   void (*two_results)(int32_t, const T *, T *, T *) = nullptr;
 
   Entry() = default;
   Entry(void (*f)(int32_t, const T *, T *)) : unary(f) {}
   Entry(void (*f)(int32_t, const T *, const T *, T *)) : binary(f) {}
+  Entry(void (*f)(int32_t, const T *, T, T *)) : with_number(f) {}
   Entry(void (*f)(int32_t, const T *, T *, T *)) : two_results(f) {}
 
-  int inputs() const { return binary ? 2 : 1; }
+  int inputs() const { return binary || with_number ? 2 : 1; }
   int results() const { return two_results ? 2 : 1; }
-  void operator()(int32_t n, const T *a, const T *b, T *r, T *q) const {
-    if (binary) binary(n, a, b, r);
-    else if (two_results) two_results(n, a, r, q);
-    else unary(n, a, r);
+  void operator()(int32_t n, const T *a, const T *b, T *r, T *q = nullptr) const {
+    if (unary) unary(n, a, r);
+    else if (binary) binary(n, a, b, r);
+    else if (with_number) with_number(n, a, b[0], r);
+    else two_results(n, a, r, q);
   }
 };
 
-// The function in MPFR.
-struct Exact {
-  int (*unary)(mpfr_ptr, mpfr_srcptr, mpfr_rnd_t) = nullptr;
-  int (*binary)(mpfr_ptr, mpfr_srcptr, mpfr_srcptr, mpfr_rnd_t) = nullptr;
+// A function of one number or of two.
+template <class Unary, class Binary>
+struct OneOrTwo {
+  Unary *unary = nullptr;
+  Binary *binary = nullptr;
 
-  Exact() = default;
-  Exact(int (*f)(mpfr_ptr, mpfr_srcptr, mpfr_rnd_t)) : unary(f) {}
-  Exact(int (*f)(mpfr_ptr, mpfr_srcptr, mpfr_srcptr, mpfr_rnd_t)) : binary(f) {}
+  OneOrTwo() = default;
+  OneOrTwo(Unary *f) : unary(f) {}
+  OneOrTwo(Binary *f) : binary(f) {}
+  explicit operator bool() const { return unary || binary; }
 };
+
+// The function in MPFR.
+using Exact =
+    OneOrTwo<int(mpfr_ptr, mpfr_srcptr, mpfr_rnd_t), int(mpfr_ptr, mpfr_srcptr, mpfr_srcptr, mpfr_rnd_t)>;
 
 // The function in the C library's next wider format: right to about a thousandth of an ulp of T, and fast.
 template <class T>
 using Wider = std::conditional_t<sizeof(T) == 8, long double, double>;
-
 template <class T>
-struct Quick {
-  Wider<T> (*unary)(Wider<T>) = nullptr;
-  Wider<T> (*binary)(Wider<T>, Wider<T>) = nullptr;
-
-  Quick() = default;
-  Quick(Wider<T> (*f)(Wider<T>)) : unary(f) {}
-  Quick(Wider<T> (*f)(Wider<T>, Wider<T>)) : binary(f) {}
-  explicit operator bool() const { return unary || binary; }
-};
+using Quick = OneOrTwo<Wider<T>(Wider<T>), Wider<T>(Wider<T>, Wider<T>)>;
 
 template <class T>
 struct Range {
