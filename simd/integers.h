@@ -29,8 +29,7 @@ QKR_INLINE u32 words_of(Two<f64> x) {
   const __m256i low = _mm512_cvtpd_epu32((__m512d)x.a), high = _mm512_cvtpd_epu32((__m512d)x.b);
   return (u32)_mm512_inserti64x4(_mm512_castsi256_si512(low), high, 1);
 }
-// Of numbers below 2^63, with one rounding.
-QKR_INLINE f64 doubles_of(u64 x) { return (f64)_mm512_cvtepi64_pd((__m512i)x); }
+QKR_INLINE f64 multiples_of(double unit, u64 x) { return (f64)_mm512_cvtepu64_pd((__m512i)x) * unit; }
 QKR_INLINE Two<u64> below_words(u32 w, u32 high) {
   return {
       (u64)__builtin_shufflevector(w, high, 0, 16, 1, 16, 2, 16, 3, 16, 4, 16, 5, 16, 6, 16, 7, 16),
@@ -92,19 +91,28 @@ QKR_INLINE Two<f64> doubles_of(u32 w) { return multiples_of(1.0, w); }
 // Each half as the lower bits of a number whose exponent fits; only the last sum rounds.
 QKR_INLINE f32 multiples_of(float unit, u32 w) {
   const float low = 0x1p23f * unit, high = 0x1p39f * unit;
-  return (real(w >> 16 | bits(high)) - (high + low)) + real((w & 0xFFFFu) | bits(low));
+#if QKR_BASELINE
+  const u32 lower = (w & 0xFFFFu) | bits(low);
+#else
+  const u32 lower = (u32)_mm256_blend_epi16((__m256i)w, _mm256_set1_epi32((int32_t)bits(low)), 0xAA);
+#endif
+  return (real(w >> 16 | bits(high)) - (high + low)) + real(lower);
 }
 // The upper half as a multiple of 2^32 above 2^84, the lower above 2^52; only the last sum rounds.
-QKR_INLINE f64 doubles_of(u64 x) {
-  const f64 high = real((x >> 32) | 0x4530000000000000u);
+QKR_INLINE f64 multiples_of(double unit, u64 x) {
+  const double low = 0x1p52 * unit, high = 0x1p84 * unit;
 #if QKR_BASELINE
-  const f64 low = real((x & 0xFFFFFFFFu) | 0x4330000000000000u);
+  const u64 lower = (x & 0xFFFFFFFFu) | bits(low);
 #else
-  const f64 low = (f64)_mm256_blend_epi32((__m256i)x, _mm256_set1_epi64x(0x4330000000000000), 0xAA);
+  const u64 lower = (u64)_mm256_blend_epi32((__m256i)x, _mm256_set1_epi64x((int64_t)bits(low)), 0xAA);
 #endif
-  return (high - (0x1p84 + 0x1p52)) + low;
+  return (real((x >> 32) | bits(high)) - (high + low)) + real(lower);
 }
 #endif
+QKR_INLINE f64 doubles_of(u64 x) { return multiples_of(1.0, x); }
+QKR_INLINE Two<f64> multiples_of(double unit, Two<u64> x) {
+  return {multiples_of(unit, x.a), multiples_of(unit, x.b)};
+}
 QKR_INLINE Two<f64> doubles_of(Two<u64> x) { return {doubles_of(x.a), doubles_of(x.b)}; }
 QKR_INLINE Two<f64> whole_part(Two<f64> x) { return {whole_part(x.a), whole_part(x.b)}; }
 QKR_INLINE double whole_part(double x) { return (double)(int32_t)x; }

@@ -1,13 +1,12 @@
 // Multiplicative congruential generators x' = a x mod m: consecutive vectors. Lane j of the first vector
 // holds x a^j, and each vector comes from the one before it by one multiplication with a power of a.
 //
-// A Modulus tells, all static:
+// Residues go to the output as they are. A Modulus tells, all static:
 //   Word, V                  a residue, and a native vector of them
 //   Stretch                  a vector of `lanes` residues
 //   times(Word, Word)        product mod m
 //   Factor, factor(Word)     a multiplier made ready for vectors
 //   times(V, Factor)         product mod m
-//   number(vector or Word)   what goes out
 //   smallest                 fewer numbers are made one by one: the first vectors would cost more than
 //                            they bring
 #pragma once
@@ -44,7 +43,7 @@ QKR_INLINE void draw_congruential(typename Modulus::Word &state, typename Modulu
   Word x = state;
   if (n < Modulus::smallest) {
     for (int i = 0; i < n; ++i) {
-      output.put_one(out + i, Modulus::number(x));
+      output.put_one(out + i, x);
       x = Modulus::times(x, a);
     }
     state = x;
@@ -66,12 +65,11 @@ QKR_INLINE void draw_congruential(typename Modulus::Word &state, typename Modulu
 
   ptrdiff_t i = 0;  // so that i + group does not overflow
   for (; i + group <= n; i += group) {
-    put(output, out + i, Modulus::number(words));
+    put(output, out + i, words);
     words = times<Modulus>(words, onward);
   }
   store(line, words);
-  emit<typename Modulus::Stretch>(line, (int)(n - i), out + i, output,
-                                  [](auto v) { return Modulus::number(v); });
+  emit<typename Modulus::Stretch>(line, (int)(n - i), out + i, output);
   state = line[n - i];
 }
 

@@ -58,20 +58,16 @@ struct LongWords {
   QKR_INLINE void put_one(Element *out, uint64_t word) const { *out = word; }
 };
 
+QKR_INLINE void store_rounded(double *out, Two<f64> reals) { store(out, reals); }
+QKR_INLINE void store_rounded(float *out, Two<f64> reals) { store(out, narrow(reals)); }
+
 // word * scale + shift in double precision, stored in Real.
 template <class Real>
 struct Reals {
   using Element = Real;
   double scale, shift;
 
-  QKR_INLINE void put(Real *out, Two<f64> words) const {
-    const Two<f64> r = words * scale + shift;
-    if constexpr (sizeof(Real) == sizeof(double)) {
-      store(out, r);
-    } else {
-      store(out, narrow(r));
-    }
-  }
+  QKR_INLINE void put(Real *out, Two<f64> words) const { store_rounded(out, words * scale + shift); }
   template <class V>
   requires(numbers_in<V> == lanes) QKR_INLINE void put(Real *out, V words) const {
     put(out, doubles_of(words));
@@ -104,9 +100,7 @@ struct Multiples {
   QKR_INLINE void put(Real *out, u32 words) const { store(out, multiples_of(unit, words)); }
   template <class V>
   requires(numbers_in<V> == lanes) QKR_INLINE void put(Real *out, V words) const {
-    const Two<f64> r = doubles_of(words) * (double)unit;
-    if constexpr (sizeof(Real) == sizeof(double)) store(out, r);
-    else store(out, narrow(r));
+    store_rounded(out, doubles_of(words) * (double)unit);
   }
   template <class Word>
   QKR_INLINE void put_one(Real *out, Word word) const {

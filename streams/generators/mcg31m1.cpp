@@ -40,11 +40,6 @@ struct Mersenne31 {
     return smaller(folded, folded - modulus);
 #endif
   }
-
-  template <class T>
-  QKR_INLINE static T number(T words) {
-    return words;
-  }
 };
 
 template <class Output>

@@ -49,18 +49,37 @@ struct Power59 {
   }
 #endif
 #endif
+};
 
-  template <class T>
-  QKR_INLINE static T number(T words) {
-    return words >> margin;
+// An output of the numbers, by their residues.
+template <class Output>
+struct Numbers : Output {
+  using Element = typename Output::Element;
+  template <class V>
+  requires(numbers_in<V> == lanes) QKR_INLINE void put(Element *out, V residues) const {
+    Output::put(out, residues >> margin);
+  }
+  QKR_INLINE void put_one(Element *out, uint64_t residue) const { Output::put_one(out, residue >> margin); }
+};
+#if !QKR_BASELINE
+// A unit that is so much smaller does the same as the shift.
+template <class Real>
+struct Numbers<Multiples<Real>> : Multiples<Real> {
+  QKR_INLINE void put(Real *out, Two<u64> residues) const {
+    constexpr double unit_of_residue = 1.0 / (1 << margin);
+    store_rounded(out, multiples_of(this->unit * unit_of_residue, residues));
+  }
+  QKR_INLINE void put_one(Real *out, uint64_t residue) const {
+    Multiples<Real>::put_one(out, residue >> margin);
   }
 };
+#endif
 
 template <class Output>
 QKR_INLINE void fill(StreamState *stream, int32_t n, typename Output::Element *out, Output output) {
   auto &state = payload_of<CongruentialState<uint64_t>>(stream);
   uint64_t x = state.x << margin;
-  draw_congruential<Power59>(x, state.a, n, out, output);
+  draw_congruential<Power59>(x, state.a, n, out, Numbers<Output>{output});
   state.x = x >> margin;
 }
 

@@ -22,7 +22,9 @@ QKR_NOINLINE void emit_words(const uint32_t *words, int32_t n, Element<Output> *
 
 template <int count, class Function>
 QKR_INLINE void for_constants(Function function) {
-  [&]<int... i>(std::integer_sequence<int, i...>) { (function(std::integral_constant<int, i>()), ...); }
+  [&]<int... i>(std::integer_sequence<int, i...>) QKR_LAMBDA {
+    (function(std::integral_constant<int, i>()), ...);
+  }
   (std::make_integer_sequence<int, count>());
 }
 
