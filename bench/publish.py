@@ -21,7 +21,7 @@ import sys
 import report
 
 measured = pathlib.Path("docs/measured")
-columns = ["function", "level", "n", "ratio", "fastest"]
+columns = ["function", "level", "n", "ratio", "fastest", "ratio to any", "fastest of any"]
 titles = {
     "vecmath": "Vector functions",
     "streams": "Random words and uniform numbers",
@@ -33,11 +33,15 @@ titles = {
     "dft": "Transforms by descriptor",
     "convcorr": "Convolution and correlation tasks",
     "cxx": "C++ beside C",
-    "python": "Python beside NumPy and SciPy",
+    "python_ufuncs": "Python: ufuncs beside NumPy, SciPy and numba",
+    "python_random": "Python: random numbers beside NumPy and numba",
+    "python_fft": "Python: transforms beside NumPy and SciPy",
 }
 intro = """# Speed
 
 Our time divided by that of the fastest peer whose errors are below 1 ulp, in the same run on the same arrays: below 1 we are faster. Each cell names that peer; rows that lose are in bold. Made by `./dev speed` from the files of `./dev bench`, smallest of interleaved repetitions, on a Xeon (Skylake) with AVX-512 and two cores; where a row has no peer it is not shown.
+
+In brackets: our time divided by that of the fastest peer of any accuracy, where that is another one, or where no peer stays below 1 ulp on the sample. Such a peer answers an easier question; where its ratio is above 1, it is the faster choice for who can do with its errors.
 """
 
 
@@ -46,8 +50,9 @@ def keep(folder):
     for path in sorted(folder.glob("*.csv")):
         if path.stem not in titles:
             continue
-        rows = [(row["function"], row["level"], row["n"], row["ratio of the aim"], row["peer of the aim"])
-                for row in csv.DictReader(path.open()) if row["ratio of the aim"]]
+        rows = [(row["function"], row["level"], row["n"], row["ratio of the aim"], row["peer of the aim"],
+                 row["ratio to any"], row["fastest"])
+                for row in csv.DictReader(path.open()) if row["ratio of the aim"] or row["ratio to any"]]
         with (measured / path.name).open("w", newline="") as file:
             csv.writer(file, lineterminator="\n").writerows([columns, *rows])
         shutil.copy(path.with_suffix(".png"), measured)
@@ -58,22 +63,43 @@ class Row:
     function: str
     level: str
     size: int
-    ratio: float
+    ratio: float | None  # to the fastest peer within 1 ulp, where there is one
     peer: str
+    any_ratio: float | None
+    any_peer: str
 
 
 def read(room):
-    return [Row(row["function"], row["level"], int(row["n"]), float(row["ratio"]), row["fastest"])
+    def ratio(text):
+        return float(text) if text else None
+
+    return [Row(row["function"], row["level"], int(row["n"]), ratio(row["ratio"]), row["fastest"],
+                ratio(row.get("ratio to any")), row.get("fastest of any"))
             for row in csv.DictReader((measured / f"{room}.csv").open())]
 
 
 def cell(row):
-    if not row:
+    if not row or row.ratio is None:
         return ""
     return f"**{row.ratio:.2f}** {row.peer}" if round(row.ratio, 2) > 1 else f"{row.ratio:.2f} {row.peer}"
 
 
-def table(lines, rows):
+def cell_with_any(row):
+    if not row or row.any_ratio is None or row.any_peer == row.peer:
+        return cell(row)
+    return f"{cell(row)} ({row.any_ratio:.2f} {row.any_peer})".lstrip()
+
+
+def table_by_size(rows):
+    """One line a function, one column a size."""
+    sizes = sorted({row.size for row in rows})
+    cells = {(row.function, row.size): row for row in rows}
+    return "\n".join(report.table(["", *(f"n = {size}" for size in sizes)], (
+        [function, *(cell_with_any(cells.get((function, size))) for size in sizes)]
+        for function in dict.fromkeys(row.function for row in rows))))
+
+
+def table(lines, rows, cell=cell):
     """lines: label, function, size."""
     levels = list({row.level: None for row in rows})
     cells = {(row.function, row.size, row.level): row for row in rows}
@@ -84,7 +110,8 @@ def table(lines, rows):
 def tally(rows):
     by_level = collections.defaultdict(list)
     for row in rows:
-        by_level[row.level].append(row.ratio)
+        if row.ratio is not None:
+            by_level[row.level].append(row.ratio)
     return "; ".join(f"{level}: {len(ratios)} rows, median {statistics.median(ratios):.2f}, "
                      f"{sum(ratio > 1.005 for ratio in ratios)} above 1, largest {max(ratios):.2f}"
                      for level, ratios in by_level.items())
@@ -96,10 +123,15 @@ def speed_page():
         if not (measured / f"{room}.csv").exists():
             continue
         rows = read(room)
-        size = None if report.is_by_size(rows) else report.main_size(rows)
-        shown = [row for row in rows if size in (None, row.size)]
-        lines = {(f"{row.function}, {row.size}", row.function, row.size): None for row in shown}
-        parts.append(f"## {title}\n\n{tally(rows)}.\n\n![Ratios of {room}](measured/{room}.png)\n\n{table(lines, shown)}\n")
+        by_size = report.is_by_size(rows)
+        if by_size and len({row.level for row in rows}) == 1:
+            ratios = table_by_size(rows)
+        else:
+            size = None if by_size else report.main_size(rows)
+            shown = [row for row in rows if size in (None, row.size)]
+            lines = {(f"{row.function}, {row.size}", row.function, row.size): None for row in shown}
+            ratios = table(lines, shown, cell_with_any)
+        parts.append(f"## {title}\n\n{tally(rows)}.\n\n![Ratios of {room}](measured/{room}.png)\n\n{ratios}\n")
     return "\n".join(parts)
 
 

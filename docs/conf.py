@@ -10,7 +10,7 @@ project = "qkr"
 copyright = "2026, the qkr developers"
 version = release = re.search(r"project\(qkr VERSION ([\d.]+)", Path(__file__).parent.with_name("CMakeLists.txt").read_text())[1]
 
-extensions = ["breathe", "cxx_reference", "myst_parser"]
+extensions = ["breathe", "cxx_reference", "myst_parser", "python_reference"]
 breathe_projects = {"qkr": os.environ["QKR_DOXYGEN_XML"]}
 breathe_default_project = "qkr"
 breathe_domain_by_extension = {"h": "c"}

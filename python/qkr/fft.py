@@ -25,7 +25,7 @@ import math as _math
 import operator as _operator
 import os as _os
 import sys as _sys
-from collections import namedtuple as _namedtuple
+from typing import NamedTuple as _NamedTuple
 
 import numpy as _np
 from numpy.fft import fftfreq, fftshift, ifftshift, rfftfreq
@@ -366,16 +366,34 @@ def ihfftn(x, s=None, axes=None, norm=None, overwrite_x=False, workers=None, *, 
     return _half(x, axes, s, norm, workers, False)
 
 
-def _of_two_axes(function):
-    def transform(x, s=None, axes=(-2, -1), norm=None, overwrite_x=False, workers=None, *, plan=None):
-        return function(x, s, axes, norm, overwrite_x, workers, plan=plan)
-
-    transform.__name__ = transform.__qualname__ = function.__name__[:-1] + "2"
-    transform.__doc__ = f"`{function.__name__}` of two axes."
-    return transform
+def fft2(x, s=None, axes=(-2, -1), norm=None, overwrite_x=False, workers=None, *, plan=None):
+    """`fftn` of two axes."""
+    return fftn(x, s, axes, norm, overwrite_x, workers, plan=plan)
 
 
-fft2, ifft2, rfft2, irfft2, hfft2, ihfft2 = map(_of_two_axes, (fftn, ifftn, rfftn, irfftn, hfftn, ihfftn))
+def ifft2(x, s=None, axes=(-2, -1), norm=None, overwrite_x=False, workers=None, *, plan=None):
+    """`ifftn` of two axes."""
+    return ifftn(x, s, axes, norm, overwrite_x, workers, plan=plan)
+
+
+def rfft2(x, s=None, axes=(-2, -1), norm=None, overwrite_x=False, workers=None, *, plan=None):
+    """`rfftn` of two axes."""
+    return rfftn(x, s, axes, norm, overwrite_x, workers, plan=plan)
+
+
+def irfft2(x, s=None, axes=(-2, -1), norm=None, overwrite_x=False, workers=None, *, plan=None):
+    """`irfftn` of two axes."""
+    return irfftn(x, s, axes, norm, overwrite_x, workers, plan=plan)
+
+
+def hfft2(x, s=None, axes=(-2, -1), norm=None, overwrite_x=False, workers=None, *, plan=None):
+    """`hfftn` of two axes."""
+    return hfftn(x, s, axes, norm, overwrite_x, workers, plan=plan)
+
+
+def ihfft2(x, s=None, axes=(-2, -1), norm=None, overwrite_x=False, workers=None, *, plan=None):
+    """`ihfftn` of two axes."""
+    return ihfftn(x, s, axes, norm, overwrite_x, workers, plan=plan)
 
 
 def next_fast_len(target, real=False):
@@ -405,7 +423,13 @@ def _powers(base, limit):
 
 # The cache
 
-CacheInfo = _namedtuple("CacheInfo", "transforms, most_transforms, points, most_points")
+class CacheInfo(_NamedTuple):
+    """What `cache_info` tells: how many transforms are set up, of how many points together, and the bounds of both."""
+
+    transforms: int
+    most_transforms: int
+    points: int
+    most_points: int
 
 
 def cache_info():

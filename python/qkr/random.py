@@ -47,6 +47,17 @@ class Stream(_random.Stream):
     ----------
     seed_seq : numpy.random.SeedSequence or None
         Where the seed words came from.
+
+    Notes
+    -----
+    Beside its parameters, each distribution takes three arguments:
+
+    - `size`, the shape of the result, a number or a tuple; if it is not given, the shape to which the parameters
+      broadcast, so that numbers give one number;
+    - `dtype`, float64 (as None) or float32 of real distributions, int64 (as None) or int32 of whole numbers;
+    - `out`, an array in C order and of that type, which is filled and returned.
+
+    A parameter out of its range raises ValueError before anything is drawn; another dtype raises TypeError.
     """
 
     _id = None
@@ -279,7 +290,13 @@ def _restore_points(cls, data, dimension):
 
 class Sobol(_QuasiRandom):
     """Sobol's points in up to 40 dimensions. Draw whole points, by distributions that keep components apart: uniform,
-    exponential, weibull, cauchy, rayleigh, gumbel."""
+    exponential, weibull, cauchy, rayleigh, gumbel.
+
+    Attributes
+    ----------
+    dimension : int
+        How many numbers a point has.
+    """
 
     _id, _dimensions = 0x600000, 40
 

@@ -195,6 +195,12 @@ def oaconvolve(in1, in2, mode="full", axes=None):
         As of `convolve`.
     axes : int or sequence of ints, optional
         The axes to convolve; all, if not given.
+
+    Returns
+    -------
+    ndarray
+        Of the type that NumPy gives to a product of the two; float64 of integers. Errors are relative to the largest
+        results around.
     """
     in1, in2 = _np.asarray(in1), _np.asarray(in2)
     if in1.ndim == in2.ndim == 0:

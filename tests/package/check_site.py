@@ -1,7 +1,9 @@
-"""The site is made without a warning, every name of C and C++ has its entry there, and no link within it is broken.
+"""The site is made without a warning, every name of C, C++ and Python has its entry there, and no link within it is
+broken.
 
 check_site.py OUT_DIR C_COMPILER, from the top folder; the pages go to OUT_DIR, what they are made from beside it
 """
+import ast
 import html.parser
 import os
 import re
@@ -41,6 +43,19 @@ for path in (made_from / "xml").glob("*qkr*.xml"):
         owner = re.sub("<.*", "", compound.findtext("compoundname"))
         declared |= {f"{owner}::{member.findtext('name')}" for member in compound.iter("memberdef")
                      if member.get("prot") == "public" and member.get("kind") != "friend"}
+# In Python what the stubs offer: what they list, and the public members of their public classes.
+in_python = set()
+for module, stub in {"qkr": "__init__", "qkr.random": "random", "qkr.fft": "fft", "qkr.signal": "signal",
+                     "qkr.random.Stream": "_random"}.items():
+    for node in ast.parse(Path(f"python/qkr/{stub}.pyi").read_text()).body:
+        if isinstance(node, ast.Assign) and node.targets[0].id == "__all__":
+            in_python |= {f"{module}.{name}" for name in ast.literal_eval(node.value)}
+        elif isinstance(node, ast.ClassDef) and node.name[0] != "_" and node.name != "Lock":
+            owner = module if stub == "_random" else f"{module}.{node.name}"
+            named = (getattr(child, "name", None) or ast.unparse(child.target) for child in node.body
+                     if isinstance(child, (ast.FunctionDef, ast.AnnAssign)))
+            in_python |= {owner, *(f"{owner}.{name}" for name in named if not name.startswith("_"))}
+declared |= in_python
 faults = [f"{name} has no entry" for name in sorted(declared) if name not in entries]
 
 
@@ -67,5 +82,5 @@ for path, page in pages.items():
         target = (path.parent / file.partition("?")[0]).resolve() if file else path
         if not target.exists() or anchor and target in pages and anchor not in pages[target].anchors:
             faults.append(f"{path.relative_to(out)}: {link} leads nowhere")
-print(f"{len(pages)} pages, {len(declared)} names of C and C++; {len(faults)} faults")
-sys.exit("\n".join(faults) or (0 if declared else "the headers declare nothing"))
+print(f"{len(pages)} pages, {len(declared - in_python)} names of C and C++, {len(in_python)} of Python; {len(faults)} faults")
+sys.exit("\n".join(faults) or (0 if declared > in_python else "the headers declare nothing"))
