@@ -105,8 +105,8 @@ struct Columns {
     copy_rows(target + 2 * i, target_pitch, copy, pitch);
   }
 
-  // The processor does not foresee so many rows: the line of each that comes next but one is asked for. Behind
-  // the last one nothing is read.
+  // The processor does not foresee so many rows: the line of each that comes next but one is asked for.
+  // Behind the last one nothing is read.
   QKR_INLINE void ask_ahead(int64_t i, int rows) const {
     const size_t pitch = (size_t)source_pitch * sizeof(T);
     size_t line = (size_t)(source + 2 * i) + 2 * line_bytes;

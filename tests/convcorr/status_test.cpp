@@ -1,4 +1,5 @@
-// Statuses of execution, in the order of the checks, with nothing written; and which function executes a task.
+// Statuses of execution, in the order of the checks, with nothing written; and which function executes a
+// task.
 #include "tasks.h"
 
 namespace qkr::tests {
