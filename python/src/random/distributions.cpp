@@ -67,6 +67,8 @@ constexpr auto of(D in_doubles, S in_floats) {
   else return in_floats;
 }
 
+constexpr Parameter loc = {"loc", 0}, scale = {"scale", 1};
+
 template <class F>
 constexpr Distribution real(const char *name, std::initializer_list<Parameter> parameters, Check check,
                             F fill) {
@@ -82,10 +84,21 @@ constexpr Distribution whole(const char *name, std::initializer_list<Parameter> 
   return row;
 }
 
+// The same, by what its `scale` and `loc` make of standard numbers.
+template <class F>
+constexpr Distribution scaled(const char *name, std::initializer_list<Parameter> parameters, Check check,
+                              F fill, double unit = 1) {
+  Distribution row = real(name, parameters, check, fill);
+  row.unit = unit;
+  for (int k = 0; k < row.count; ++k) {
+    if (row.parameters[k].name == scale.name) row.scale_place = k;
+    if (row.parameters[k].name == loc.name) row.loc_place = k;
+  }
+  return row;
+}
+
 #define REAL []<class T>(StreamState * s, int32_t n, T * out, const double *p) -> int32_t
 #define WHOLE [](StreamState * s, int32_t n, int32_t * out, const double *p) -> int32_t
-
-constexpr Parameter loc = {"loc", 0}, scale = {"scale", 1};
 
 const Distribution rows[] = {
     real(
@@ -101,36 +114,37 @@ const Distribution rows[] = {
     real(
         "standard_normal", {}, anything,
         REAL { return (void)p, of<T>(_vxsdRngGaussian, _vxssRngGaussian)(1, s, n, out, 0, 1); }),
-    real(
+    scaled(
         "normal", {loc, scale}, not_negative<1>,
         REAL { return of<T>(_vxsdRngGaussian, _vxssRngGaussian)(1, s, n, out, p[0], p[1]); }),
-    real(
+    scaled(
         "exponential", {scale, loc}, not_negative<0>,
         REAL { return of<T>(_vxsdRngExponential, _vxssRngExponential)(0, s, n, out, p[1], p[0]); }),
-    real(
+    scaled(
         "laplace", {loc, scale}, not_negative<1>,
         REAL { return of<T>(_vxsdRngLaplace, _vxssRngLaplace)(0, s, n, out, p[0], p[1]); }),
-    real(
+    scaled(
         "weibull", {{"a", required}, scale, loc}, shape_and_scale<1>,
         REAL { return of<T>(_vxsdRngWeibull, _vxssRngWeibull)(0, s, n, out, p[0], p[2], p[1]); }),
-    real(
+    scaled(
         "cauchy", {loc, scale}, not_negative<1>,
         REAL { return of<T>(_vxsdRngCauchy, _vxssRngCauchy)(0, s, n, out, p[0], p[1]); }),
-    real(
+    scaled(
         "rayleigh", {scale, loc}, not_negative<0>,  // the library's scale is that of the squared sum
         REAL {
           return of<T>(_vxsdRngRayleigh, _vxssRngRayleigh)(0, s, n, out, p[1], p[0] * std::numbers::sqrt2);
-        }),
+        },
+        std::numbers::sqrt2),
     real(
         "lognormal", {{"mean", 0}, {"sigma", 1}, loc, scale}, sigma_and_scale,
         REAL { return of<T>(_vxsdRngLognormal, _vxssRngLognormal)(0, s, n, out, p[0], p[1], p[2], p[3]); }),
-    real(
+    scaled(
         "gumbel", {loc, scale}, not_negative<1>,  // the library's law, mirrored
-        REAL { return of<T>(_vxsdRngGumbel, _vxssRngGumbel)(0, s, n, out, p[0], -p[1]); }),
-    real(
+        REAL { return of<T>(_vxsdRngGumbel, _vxssRngGumbel)(0, s, n, out, p[0], -p[1]); }, -1),
+    scaled(
         "gumbel_left", {loc, scale}, not_negative<1>,
         REAL { return of<T>(_vxsdRngGumbel, _vxssRngGumbel)(0, s, n, out, p[0], p[1]); }),
-    real(
+    scaled(
         "gamma", {{"shape", required}, scale, loc}, shape_and_scale<1>,
         REAL { return of<T>(_vxsdRngGamma, _vxssRngGamma)(0, s, n, out, p[0], p[2], p[1]); }),
     real(

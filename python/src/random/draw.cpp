@@ -136,6 +136,43 @@ int32_t fill(const Distribution &d, StreamState *stream, npy_intp n, int type, v
   }
 }
 
+// The numbers of single calls, each of which would scale and shift one: all as standard numbers first.
+template <class T>
+int32_t fill_scaled(const Distribution &d, Fill<T> function, StreamState *stream,
+                    const Parameters &parameters, int dimensions, const npy_intp *shape, npy_intp n, T *out) {
+  double standard[most_parameters];
+  std::copy_n(parameters.values(), most_parameters, standard);
+  standard[d.scale_place] = 1 / d.unit, standard[d.loc_place] = 0;
+  if (const int32_t status = fill(function, stream, n, out, standard)) return status;
+  const auto value = [](const char *at) { return *reinterpret_cast<const double *>(at); };
+  return parameters.for_rows(
+      dimensions, shape,
+      [=, &d](npy_intp first, npy_intp length, const char *const *at, const npy_intp *step) {
+        const char *scale = at[d.scale_place], *loc = at[d.loc_place];
+        for (npy_intp i = first; i < first + length; ++i) {
+          out[i] = out[i] * static_cast<T>(value(scale) * d.unit) + static_cast<T>(value(loc));
+          scale += step[d.scale_place], loc += step[d.loc_place];
+        }
+        return 0;
+      });
+}
+
+int32_t fill(const Distribution &d, StreamState *stream, const Parameters &parameters,
+             PyArrayObject *result) {
+  const int dimensions = PyArray_NDIM(result), type = PyArray_TYPE(result);
+  const npy_intp *shape = PyArray_DIMS(result), n = PyArray_SIZE(result);
+  char *out = PyArray_BYTES(result);
+  if (d.unit && parameters.only_arrays_are(d.scale_place, d.loc_place)) {
+    return type == NPY_DOUBLE ? fill_scaled(d, d.doubles, stream, parameters, dimensions, shape, n,
+                                            reinterpret_cast<double *>(out))
+                              : fill_scaled(d, d.floats, stream, parameters, dimensions, shape, n,
+                                            reinterpret_cast<float *>(out));
+  }
+  return parameters.for_runs(dimensions, shape, [=, &d](npy_intp first, npy_intp run, const double *p) {
+    return fill(d, stream, run, type, out + first * PyArray_ITEMSIZE(result), p);
+  });
+}
+
 }  // namespace
 
 PyObject *draw(const Distribution &d, PyObject *object, PyObject *const *arguments, Py_ssize_t count,
@@ -149,15 +186,11 @@ PyObject *draw(const Distribution &d, PyObject *object, PyObject *const *argumen
   if (!result) return nullptr;
 
   const npy_intp n = PyArray_SIZE(result);
-  const int type = PyArray_TYPE(result);
   int32_t status = 0;
   if (n > 0) {
     const Guard guard(self);
     PyThreadState *thread = n >= many ? PyEval_SaveThread() : nullptr;
-    status = parameters.for_runs(
-        PyArray_NDIM(result), PyArray_DIMS(result), [&](npy_intp first, npy_intp run, const double *p) {
-          return fill(d, self->state, run, type, PyArray_BYTES(result) + first * PyArray_ITEMSIZE(result), p);
-        });
+    status = fill(d, self->state, parameters, result);
     if (thread) PyEval_RestoreThread(thread);
   }
   if (status) {

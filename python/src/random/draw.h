@@ -33,6 +33,9 @@ struct Distribution {
   Fill<int32_t> integers;
   // Added to each, as NumPy counts some of them from 1.
   int offset;
+  // Where numbers are standard ones times `unit` times one parameter plus another: the places of these two.
+  double unit = 0;
+  int scale_place = 0, loc_place = 0;
 };
 
 PyObject *draw(const Distribution &distribution, PyObject *self, PyObject *const *arguments, Py_ssize_t count,

@@ -80,6 +80,13 @@ bool Parameters::fit(int dimensions, const npy_intp *shape) const {
   return fits;
 }
 
+bool Parameters::only_arrays_are(int one, int other) const {
+  for (int k = 0; k < distribution.count; ++k) {
+    if (arrays[k] && k != one && k != other) return false;
+  }
+  return arrays[one] || arrays[other];
+}
+
 // Bytes from one element to the next along a dimension, counted from the last; 0 where there is one.
 npy_intp Parameters::stride(int k, int from_last) const {
   const PyArrayObject *array = arrays[k];
