@@ -76,7 +76,7 @@ std::vector<Operation> operations_of(const std::vector<int32_t> &kinds, const st
 
 std::string Operation::name() const {
   return testing::PrintToString(
-      std::tie(kind, xshape, yshape, zshape, start, decimation, xstride, ystride, zstride));
+      std::make_tuple(kind, xshape, yshape, zshape, start, decimation, xstride, ystride, zstride));
 }
 Operation Operation::whole() const {
   Operation all = *this;
