@@ -14,8 +14,12 @@ QKR_INLINE uint64_t first_bytes(size_t bytes, size_t from) {
   const size_t n = bytes > from ? bytes - from : 0;
   return n < 64 ? (uint64_t{1} << n) - 1 : ~uint64_t{0};
 }
+// Whole registers are moved between it and the array of full size, which may be shorter than one.
+template <class T, size_t count>
+constexpr size_t whole_registers = (count * sizeof(T) + 63) / 64 * 64 / sizeof(T);
 template <class T, size_t count>
 QKR_INLINE void load_start(T (&all)[count], const T *src, size_t len) {
+  static_assert(sizeof all % 64 == 0);
   for (size_t i = 0; i < sizeof all; i += 64) {
     const char *const p = (const char *)src + i;
     _mm512_storeu_si512((char *)all + i, _mm512_maskz_loadu_epi8(first_bytes(len * sizeof(T), i), p));
@@ -23,12 +27,15 @@ QKR_INLINE void load_start(T (&all)[count], const T *src, size_t len) {
 }
 template <class T, size_t count>
 QKR_INLINE void store_start(T *dst, const T (&all)[count], size_t len) {
+  static_assert(sizeof all % 64 == 0);
   for (size_t i = 0; i < sizeof all; i += 64) {
     const __m512i v = _mm512_loadu_si512((const char *)all + i);
     _mm512_mask_storeu_epi8((char *)dst + i, first_bytes(len * sizeof(T), i), v);
   }
 }
 #else
+template <class T, size_t count>
+constexpr size_t whole_registers = count;
 template <class T, size_t count>
 QKR_INLINE void load_start(T (&all)[count], const T *src, size_t len) {
   memset(all, 0, sizeof all);
@@ -44,9 +51,9 @@ QKR_INLINE void store_start(T *dst, const T (&all)[count], size_t len) {
 // one before it; it is converted first, since dst may be src.
 template <size_t count, class Source, class Target, class Group>
 QKR_INLINE void for_each_group(const Source *src, Target *dst, size_t len, Group group) {
-  Target last[count];
+  Target last[whole_registers<Target, count>];
   if (len < count) {
-    Source all[count];
+    Source all[whole_registers<Source, count>];
     load_start(all, src, len);
     group(all, last);
     return store_start(dst, last, len);
@@ -54,7 +61,7 @@ QKR_INLINE void for_each_group(const Source *src, Target *dst, size_t len, Group
   const size_t end = len - count;
   group(src + end, last);
   for (size_t i = 0; i < end; i += count) group(src + i, dst + i);
-  memcpy(dst + end, last, sizeof last);
+  memcpy(dst + end, last, count * sizeof(Target));
 }
 
 QKR_INLINE f32 number(float x) { return x - f32{}; }
