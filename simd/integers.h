@@ -17,6 +17,9 @@ QKR_INLINE u32 unpack_high(u32 a, u32 b) { return (u32)_mm512_unpackhi_epi32((__
 QKR_INLINE u32 even_words(u64 a, u64 b) { return (u32)_mm512_shuffle_ps((__m512)a, (__m512)b, 0x88); }
 QKR_INLINE u32 odd_words(u64 a, u64 b) { return (u32)_mm512_shuffle_ps((__m512)a, (__m512)b, 0xDD); }
 QKR_INLINE u32 smaller(u32 a, u32 b) { return (u32)_mm512_min_epu32((__m512i)a, (__m512i)b); }
+QKR_INLINE u32 looked_up(u32 table, u32 index) {
+  return (u32)_mm512_permutevar_ps((__m512)table, (__m512i)index);
+}
 
 // below_words: all words in order, a word of `high`, which are alike, above each. multiples_of(unit, w),
 // where unit is a power of two, is unit * w. Words and doubles in order. words_of: of whole numbers from 0 to
@@ -45,6 +48,9 @@ QKR_INLINE u32 unpack_high(u32 a, u32 b) { return (u32)_mm256_unpackhi_epi32((__
 QKR_INLINE u32 even_words(u64 a, u64 b) { return (u32)_mm256_shuffle_ps((__m256)a, (__m256)b, 0x88); }
 QKR_INLINE u32 odd_words(u64 a, u64 b) { return (u32)_mm256_shuffle_ps((__m256)a, (__m256)b, 0xDD); }
 QKR_INLINE u32 smaller(u32 a, u32 b) { return (u32)_mm256_min_epu32((__m256i)a, (__m256i)b); }
+QKR_INLINE u32 looked_up(u32 table, u32 index) {
+  return (u32)_mm256_permutevar_ps((__m256)table, (__m256i)index);
+}
 
 QKR_INLINE Two<u64> below_words(u32 w, u32 high) {
   const u32 mixed = (u32)_mm256_permute4x64_epi64((__m256i)w, 0xD8);
@@ -76,6 +82,33 @@ QKR_INLINE Two<f64> doubles_of(Two<Two<uint64_t> > x) {
   return {converted(x.a), converted(x.b)};
 }
 #endif
+
+// A word in lanes whose number is odd, 0 in the others. Wider vectors look it up by the number's last two
+// bits.
+struct ForOdd {
+  u32 word;
+
+  explicit QKR_INLINE ForOdd(uint32_t of_odd) {
+#if QKR_BASELINE
+    broadcast(of_odd, word);
+#else
+    u64 pairs;
+    broadcast((uint64_t)of_odd << 32, pairs);
+    word = (u32)pairs;
+#endif
+  }
+  QKR_INLINE u32 operator()(u32 number) const {
+#if QKR_BASELINE
+    return zero_unless((number & 1) != 0, word);
+#else
+    return looked_up(word, number);
+#endif
+  }
+  template <class V>
+  QKR_INLINE Two<V> operator()(Two<V> number) const {
+    return {(*this)(number.a), (*this)(number.b)};
+  }
+};
 
 // As the lower halves of numbers whose upper halves stand for 2^52 units.
 QKR_INLINE Two<f64> multiples_of(double unit, u32 w) {

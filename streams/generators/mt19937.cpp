@@ -19,8 +19,7 @@ QKR_NOINLINE void refill(uint32_t *mt) {
     memcpy(around_end, mt + tail, 16 * sizeof *mt);
     memcpy(around_end + 16, mt, sizeof(u32));
   };
-  u32 matrix;
-  broadcast(0x9908b0dfu, matrix);
+  const ForOdd matrix(0x9908b0df);
   const auto make = [&](auto word, int k, const uint32_t *from, const uint32_t *far) QKR_LAMBDA {
     auto next = word, added = word;
     load(from, word);

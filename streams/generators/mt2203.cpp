@@ -33,8 +33,8 @@ struct Line {
 // The last 80 words stay in registers. Words that two stores have just written would have to wait for both:
 // a lag of 34 words is only two vectors.
 QKR_INLINE void Line::extend(int count, uint32_t twist) {
-  u32 matrix, w80, w64, w48, w32, w16;  // w80 holds the words from 80 places back on
-  broadcast(twist, matrix);
+  const ForOdd matrix(twist);
+  u32 w80, w64, w48, w32, w16;  // w80 holds the words from 80 places back on
   load(storage, w80);
   load(storage + 16, w64);
   load(storage + 32, w48);
@@ -51,8 +51,7 @@ QKR_INLINE void Line::extend(int count, uint32_t twist) {
 }
 #else
 QKR_INLINE void Line::extend(int count, uint32_t twist) {
-  u32 matrix;
-  broadcast(twist, matrix);
+  const ForOdd matrix(twist);
   for (uint32_t *at = start(), *end = at + count; at < end; at += lanes) {
     u32 word, next, far;
     load(at, word);

@@ -38,9 +38,61 @@ QKR_INLINE void run(R250 &state, int count, typename Output::Element *out, const
   state.partner = moved(state.partner);
 }
 
+// Long draws work on a line of words, which has no end to wrap at; before the new ones stand those of the
+// ring, oldest first. All is written on borders of vectors, but for the first outputs: beyond the first
+// cache, stores across borders cost twice. Vectors of 16 bytes gain too little.
+constexpr int shorter_lag = 147, line_words = 2048;
+constexpr int long_draw = QKR_BASELINE ? INT32_MAX : 2 * line_words;
+
+struct Line {
+  static constexpr int start = 256;
+  alignas(64) uint32_t word[start + line_words];
+
+  QKR_INLINE void extend(int count) {
+    for (int i = start; i < start + count; i += lanes) {
+      u32 a, b;
+      load(word + i - words, a);
+      load(word + i - shorter_lag, b);
+      store(word + i, a ^ b);
+    }
+  }
+};
+static_assert(line_words % lanes == 0 && Line::start % lanes == 0 && shorter_lag >= lanes);
+
+template <class Element>
+QKR_INLINE int numbers_to_border(const Element *out) {
+  return static_cast<int>(-reinterpret_cast<uintptr_t>(out) % 64 / sizeof *out);
+}
+
+template <class Output>
+QKR_INLINE void run_long(R250 &state, int32_t n, typename Output::Element *out, const Output &output) {
+  Line line;
+  uint32_t *history = line.word + Line::start - words;
+  const int older = words - state.oldest;
+  memcpy(history, state.ring + state.oldest, sizeof(uint32_t) * static_cast<size_t>(older));
+  memcpy(history + older, state.ring, sizeof(uint32_t) * static_cast<size_t>(state.oldest));
+  int oldest = state.oldest;
+  for (int count = numbers_to_border(out); n > 0; count = n < line_words ? n : line_words) {
+    line.extend(count);
+    emit(line.word + Line::start, count, out, output);
+    memmove(history, history + count, sizeof state.ring);
+    oldest = (oldest + count) % words;
+    out += count;
+    n -= count;
+  }
+  memcpy(state.ring + oldest, history, sizeof(uint32_t) * static_cast<size_t>(words - oldest));
+  memcpy(state.ring, history + words - oldest, sizeof(uint32_t) * static_cast<size_t>(oldest));
+  state.oldest = oldest;
+  state.partner = (oldest + words - shorter_lag) % words;
+}
+
 template <class Output>
 QKR_INLINE void fill(StreamState *stream, int32_t n, typename Output::Element *out, Output output) {
   R250 &state = payload_of<R250>(stream);
+  if (n >= long_draw && state.partner == (state.oldest + words - shorter_lag) % words) {
+    run_long(state, n, out, output);
+    return;
+  }
   while (n > 0) {
     const int left = words - (state.oldest > state.partner ? state.oldest : state.partner),
               count = n < left ? n : left;

@@ -10,8 +10,8 @@ namespace {
 
 // The recurrence is mt[k + N] = mt[k + M] ^ twisted(mt[k], mt[k + 1]).
 template <class V>
-QKR_INLINE V twisted(V word, V next, uint32_t upper_mask, u32 matrix) {
-  return ((word & upper_mask) | (next & ~upper_mask)) >> 1 ^ zero_unless((next & 1) != 0, matrix);
+QKR_INLINE V twisted(V word, V next, uint32_t upper_mask, ForOdd matrix) {
+  return ((word & upper_mask) | (next & ~upper_mask)) >> 1 ^ matrix(next);
 }
 
 // How a word of the state becomes an output: vectors and single words alike.
