@@ -48,23 +48,5 @@ void reverse_into(const Element *src, Element *dst, int order) {
   }
 }
 
-// Out of place no more than what blocks need that reverse themselves: block rev(b) gets what lies from b on
-// 2^block_bits apart. As many blocks at once as share the lines of cache that they read.
-template <class Element, size_t together = 64 / sizeof(Element)>
-void deal(const Element *src, Element *dst, size_t n, int block_bits) {
-  const size_t blocks = size_t{1} << block_bits, length = n >> block_bits;
-  if constexpr (together > 2)
-    if (blocks < together) return deal<Element, together / 2>(src, dst, n, block_bits);
-  ReversedCounter block(block_bits);
-  for (size_t b = 0; b < blocks; b += together) {
-    Element *to[together];
-    for (size_t t = 0; t < together; ++t, block.next()) to[t] = dst + block.value() * length;
-    for (size_t i = 0; i < length; ++i) {
-#pragma GCC unroll 16
-      for (size_t t = 0; t < together; ++t) to[t][i] = src[i * blocks + b + t];
-    }
-  }
-}
-
 }  // namespace
 }  // namespace qkr::sigfft

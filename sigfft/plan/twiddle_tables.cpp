@@ -22,8 +22,7 @@ T *append_groups(T *table, const Circle<T> &circle, int bits, size_t k, size_t c
 }
 
 template <class T>
-T *fill_passes(int order, const T *base, int base_order, T *table) {
-  const Passes passes = staged_passes<T>(order);
+T *fill_passes(const Passes &passes, int order, const T *base, int base_order, T *table) {
   T *t = table;
   for (int p = 1, done = passes.bits[0]; p < passes.count; ++p) {
     const int bits = passes.bits[p];
@@ -33,26 +32,13 @@ T *fill_passes(int order, const T *base, int base_order, T *table) {
   return align16(table + (size_t{2} << order));
 }
 
-// Rows of the twiddles of k, 2 k and 3 k, which the radix-4 passes step through.
-template <class T>
-T *fill_rows(int order, const T *base, int base_order, T *table) {
-  const size_t rows = (size_t{1} << (order - 2)) + 1;
-  const Circle<T> circle = {base, base_order, order};
-  for (size_t m = 1; m <= 3; ++m)
-    circle.for_points(0, m, rows, [=](size_t k, T re, T im) {
-      T *const place = table + 6 * k + 2 * (m - 1);
-      place[0] = re, place[1] = im;
-    });
-  return align16(table + 6 * rows);
-}
-
 template <class T>
 void fill_columns(Plan<T> &plan, int order, const T *base, int base_order, int level, T *&table) {
   const Blocking blocking = w6_blocking<T>(order);
   const int block_order = order - blocking.blocks;
   if (block_order <= largest_staged_order<EntrySet::w6, T>) {
     plan.twiddles = table;
-    table = fill_passes(block_order, base, base_order, table);
+    table = fill_passes(staged_passes<T>(block_order), block_order, base, base_order, table);
   } else {
     fill_columns(plan, block_order, base, base_order, level + 1, table);
   }
@@ -73,22 +59,20 @@ void fill_plain_blocks(Plan<T> &plan, int order, const T *base, int base_order, 
   constexpr int staged = largest_staged_order<EntrySet::plain, T>;
   if (order <= staged) {
     plan.twiddles = table;
-    table = fill_rows(order, base, base_order, table);
+    table = fill_passes(plain_set_passes(order), order, base, base_order, table);
     return;
   }
   const int blocks = plain_blocks<T>(order), block_order = order - blocks;
   if (!blocks) {
     plan.twiddles = table;
-    plan.merge_twiddles = table = fill_rows(staged, base, base_order, table);
-    const Circle<T> circle = {base, base_order, order};
-    const size_t quarter = size_t{1} << (order - 2);
-    circle.for_points(0, 1, quarter, [=](size_t k, T re, T im) { table[2 * k] = re, table[2 * k + 1] = im; });
-    table += 2 * quarter;
+    plan.merge_twiddles = table = fill_passes(plain_set_passes(staged), staged, base, base_order, table);
+    table = append_groups(table, Circle<T>{base, base_order, order}, 1, 0, size_t{1} << (order - 2));
     return;
   }
   fill_plain_blocks(plan, block_order, base, base_order, level + 1, table);
   plan.across_twiddles[level] = table;
-  plan.column_twiddles[level] = table = fill_rows(blocks, base, base_order, table);
+  plan.column_twiddles[level] = table =
+      fill_passes(plain_set_passes(blocks), blocks, base, base_order, table);
   const Circle<T> circle = {base, base_order, order};
   // Four columns of all blocks lie together. Some more are filled at a time, so that what is written stays in
   // the cache.
@@ -135,8 +119,8 @@ using Lanes = std::make_integer_sequence<int, group<T>>;
 template <EntrySet set, class T>
 T *fill_staged_table(int order, const T *base, int base_order, T *table) {
   if (set == EntrySet::w6 && order <= largest_fixed_order) return table;
-  return set == EntrySet::w6 ? fill_passes(order, base, base_order, table)
-                             : fill_rows(order, base, base_order, table);
+  const Passes passes = set == EntrySet::w6 ? staged_passes<T>(order) : plain_set_passes(order);
+  return fill_passes(passes, order, base, base_order, table);
 }
 
 template <EntrySet set, class T>

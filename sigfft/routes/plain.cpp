@@ -1,7 +1,9 @@
 // Transforms of the plain set: short ones as one sequence of passes through a work area on the stack; longer
 // ones by blocks and columns, four at a time, or by merging blocks two by two.
 #include "sigfft/passes/bit_reversal.h"
-#include "sigfft/passes/row_twiddles.h"
+#include "sigfft/passes/deal.h"
+#include "sigfft/passes/group_twiddles.h"
+#include "sigfft/passes/merges.h"
 #include "sigfft/passes/scale.h"
 #include "sigfft/passes/split_passes.h"
 #include "sigfft/routes/kernels.h"
@@ -51,20 +53,33 @@ QKR_INLINE Split<T> in_memory(Split<T>, T *memory, size_t n) {
   return {memory, memory + n};
 }
 
-// A transform by one sequence of passes, whose work area is on the stack.
+// A transform by one sequence of passes, whose work area is on the stack. The shortest ones are one piece of
+// code each: calls would cost as much as their passes.
+template <int order>
+constexpr Passes passes_of = plain_set_passes(order);
+
+template <bool forward, int order, class Source, class Target, class T>
+QKR_NOINLINE void in_one(Source source, Target target, const T *table) {
+  alignas(64) T memory[2 << order];
+  run_split_passes<forward, true>(source, Runs<T>{memory}, target, passes_of<order>, order,
+                                  GroupTables<T, 4>{table});
+}
 template <bool forward, class Source, class Target, class T>
-QKR_NOINLINE void short_transform(Source source, Target target, int order, const T *rows) {
+QKR_NOINLINE void short_transform(Source source, Target target, int order, const T *table) {
+  if (order == 4) return in_one<forward, 4>(source, target, table);
+  if (order == 5) return in_one<forward, 5>(source, target, table);
+  if (order == 6) return in_one<forward, 6>(source, target, table);
   alignas(64) T memory[2 << largest_staged_order<EntrySet::plain, T>];
   run_split_passes<forward, false>(source, Runs<T>{memory}, target, plain_set_passes(order), order,
-                                   RowTables<T>{rows, size_t{1} << order});
+                                   GroupTables<T, 4>{table});
 }
 // The same of numbers in bit-reversed order.
 template <bool forward, class Data, class T>
-QKR_INLINE void short_reversed_transform(Data data, int order, const T *rows) {
+QKR_INLINE void short_reversed_transform(Data data, int order, const T *table) {
   alignas(64) T memory[2 << largest_staged_order<EntrySet::plain, T>];
   const Data natural = in_memory(data, memory, size_t{1} << order);
   for_each_array(data, natural, [=](auto from, auto to) { reverse_into(from, to, order); });
-  short_transform<forward>(as_source(natural), data, order, rows);
+  short_transform<forward>(as_source(natural), data, order, table);
 }
 
 template <bool forward, class Data, class T>
@@ -72,31 +87,6 @@ QKR_INLINE void staged_block(const Plan<T> *plan, Data data, bool reversed, int 
   if (reversed) short_reversed_transform<forward>(data, order, plan->twiddles);
   else short_transform<forward>(as_source(data), data, order, plan->twiddles);
   if (norm) normalise(data, size_t{1} << order, plan->norm_factor);
-}
-
-// Transforms of `length` numbers side by side become transforms of twice the length, until there is but one.
-// Column k + length/2 has the twiddle of column k, turned.
-template <bool forward, class Data, class T>
-QKR_NOINLINE void merge_by_two(Data data, size_t n, size_t length, const T *table) {
-  constexpr int bytes = widest_part;
-  for (; length < n; length *= 2) {
-    const size_t half = length / 2;
-    // Of the table: two numbers for each column of the last merge.
-    const RowTwiddles<T> twiddles = {table, n / length};
-    for (size_t block = 0; block < n; block += 2 * length)
-      for (size_t k = 0; k < half; k += bytes / sizeof(T)) {
-        const auto at = [&](size_t place) { return data.template parts<bytes>(block + k + place); };
-        const auto set = [&](size_t place, auto x) { data.set_parts(block + k + place, x); };
-        const auto w = twiddles.template at<bytes>(k, 1);
-        const auto a = at(0), b = at(half);
-        const auto c = times<forward>(at(length), w.re, w.im);
-        const auto d = times<forward>(at(length + half), w.re, w.im);
-        set(0, a + c);
-        set(half, plus_turned<forward>(b, d));
-        set(length, a - c);
-        set(length + half, minus_turned<forward>(b, d));
-      }
-  }
 }
 
 // Four columns across the blocks: row by row, those of one row side by side.
@@ -137,10 +127,10 @@ struct RowByRow {
 template <class T>
 struct RowByRowTables {
   static constexpr int largest_radix = 4;
-  RowTables<T> tables;
+  GroupTables<T, 4> tables;
 
   template <int radix>
-  QKR_INLINE RowByRow<RowTwiddles<T>> take(size_t columns) const {
+  QKR_INLINE RowByRow<GroupTwiddles<T, radix>> take(size_t columns) {
     return {tables.template take<radix>(columns / 4)};
   }
 };
@@ -168,7 +158,7 @@ QKR_INLINE void four_columns(FourColumns<Data> rows, int blocks, Interleaved<con
   if (passes.bits[0] == 3) first_rows<8, forward>(rows, twiddles, work, count);
   else first_rows<4, forward>(rows, twiddles, work, count);
   later_split_passes<forward, false>(work, rows, passes, 1, size_t{4} << passes.bits[0], 4 * count,
-                                     RowByRowTables<T>{{table, count}});
+                                     RowByRowTables<T>{{table}});
 }
 
 // How many blocks the innermost transforms of a long one are.
@@ -200,7 +190,11 @@ void plain_transform(const Plan<T> *plan, Data data, bool reversed, int order, b
   const size_t length = size_t{1} << block_order;
   for (size_t block = 0; block < n; block += length)
     plain_transform<forward>(plan, data + block, reversed, block_order, norm, level + 1, work);
-  if (!blocks) return merge_by_two<forward>(data, n, length, plan->merge_twiddles);
+  if (!blocks) {
+    const GroupTwiddles<T, 2> twiddles = {plan->merge_twiddles};
+    return n == 2 * length ? merge_two<forward>(data, length, twiddles)
+                           : merge_four<forward>(data, length, twiddles);
+  }
   for (size_t column = 0; column < length; column += 4)
     four_columns<forward>(FourColumns<Data>{data + column, length}, blocks,
                           Interleaved<const T>{plan->column_twiddles[level]} + (column << blocks),

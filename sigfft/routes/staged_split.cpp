@@ -1,5 +1,6 @@
 // The transforms of staged.cpp on separate real and imaginary arrays: the same passes and tables, but parts
 // stay apart throughout, in the work area and in registers.
+#include "sigfft/passes/group_twiddles.h"
 #include "sigfft/passes/split_passes.h"
 #include "sigfft/routes/kernels.h"
 #include "simd/entry.h"
@@ -9,50 +10,17 @@ namespace {
 
 using namespace sigfft;
 
-// The twiddles of one pass.
-template <class T, int radix>
-struct GroupTwiddles {
-  using Element = T;
-  const T *table;
-
-  template <int bytes>
-  QKR_INLINE PartVectors<T, bytes> at(size_t k, int m) const {
-    constexpr size_t stride = (radix - 1) * 2 * group<T>;
-    const T *p = table + k / group<T> * stride + (m - 1) * 2 * group<T>;
-    return {gather_cells<T, bytes>(p, stride), gather_cells<T, bytes>(p + group<T>, stride)};
-  }
-  template <int bytes>
-  QKR_INLINE PartVectors<T, bytes> one(size_t k, int m) const {
-    const T *p = table + (k / group<T> * (radix - 1) + m - 1) * 2 * group<T> + k % group<T>;
-    return {all_lanes<T, bytes>(p[0]), all_lanes<T, bytes>(p[group<T>])};
-  }
-};
-
-// And of one pass after the other.
-template <class T>
-struct GroupTables {
-  static constexpr int largest_radix = 8;
-  const T *next;
-
-  template <int radix>
-  QKR_INLINE GroupTwiddles<T, radix> take(size_t columns) {
-    const T *const table = next;
-    next += 2 * columns * (radix - 1);
-    return {table};
-  }
-};
-
 template <int order, class T>
 QKR_NOINLINE void short_transform(Split<const T> source, Split<T> area, Split<T> target, const T *table) {
   run_split_passes<true, true>(source, area, target, passes_by_order<T>.of[order], order,
-                               GroupTables<T>{table});
+                               GroupTables<T, 8>{table});
 }
 
 template <class Area, class T>
 QKR_INLINE void long_transform(Split<const T> source, Area area, Split<T> target, int n, const T *table) {
   const int order = __builtin_ctz(n);
   run_split_passes<true, false>(source, area, target, passes_by_order<T>.of[order], order,
-                                GroupTables<T>{table});
+                                GroupTables<T, 8>{table});
 }
 
 template <int order = largest_fixed_order + 1, class T>
