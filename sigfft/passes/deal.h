@@ -39,7 +39,8 @@ QKR_NOINLINE void deal(const Element *src, Element *dst, size_t n, int block_bit
       for (size_t i = 0; i < length; i += QKR_SIMD_BYTES / sizeof(Element))
 #pragma GCC unroll 8
         for (size_t t = 0; t < together; ++t)
-          store_vector((double *)(to[t] + i), gather_elements<QKR_SIMD_BYTES>(src + i * blocks + b + t, blocks));
+          store_vector((double *)(to[t] + i),
+                       gather_elements<QKR_SIMD_BYTES>(src + i * blocks + b + t, blocks));
     } else {
       for (size_t i = 0; i < length; ++i)
 #pragma GCC unroll 16
