@@ -24,8 +24,8 @@ QKR_INLINE Vector<double, bytes> gather_elements(const Element *p, size_t stride
   }
 }
 
-// Block rev(b) gets what lies from b on 2^block_bits apart. As many blocks at once as share the lines of cache
-// that they read.
+// Block rev(b) gets what lies from b on 2^block_bits apart. As many blocks at once as share the lines of
+// cache that they read.
 template <class Element, size_t together = 64 / sizeof(Element)>
 QKR_NOINLINE void deal(const Element *src, Element *dst, size_t n, int block_bits) {
   const size_t blocks = size_t{1} << block_bits, length = n >> block_bits;

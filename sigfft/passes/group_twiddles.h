@@ -1,5 +1,5 @@
-// Twiddles in the order in which passes over separate parts read them: a group of columns has for each multiple
-// its cosines, and then the negated sines.
+// Twiddles in the order in which passes over separate parts read them: a group of columns has for each
+// multiple its cosines, and then the negated sines.
 #pragma once
 
 #include "sigfft/passes/split_registers.h"

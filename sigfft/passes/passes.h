@@ -255,7 +255,7 @@ struct Progress {
 };
 
 // Passes before number `end` on 2^order numbers, as far as their blocks are no longer than that.
-template <bool forward, class Call, class Area, class T>
+template <bool forward, int largest_radix = 8, class Call, class Area, class T>
 QKR_INLINE Progress<T> middle_passes(Call call, Area area, int order, const qkr::sigfft::Passes &passes,
                                      int end, Progress<T> at) {
 #pragma GCC unroll 4
@@ -265,7 +265,8 @@ QKR_INLINE Progress<T> middle_passes(Call call, Area area, int order, const qkr:
     const size_t columns = size_t{1} << at.done, blocks = size_t{1} << (order - at.done - bits);
     const T *const table = at.table;
     if (bits == 2) call([=]() QKR_LAMBDA { middle_pass<4, forward>(area, columns, blocks, table); });
-    else call([=]() QKR_LAMBDA { middle_pass<8, forward>(area, columns, blocks, table); });
+    else if constexpr (largest_radix == 8)
+      call([=]() QKR_LAMBDA { middle_pass<8, forward>(area, columns, blocks, table); });
     at = {pass + 1, at.done + bits, table + 2 * columns * ((1 << bits) - 1)};
   }
   return at;

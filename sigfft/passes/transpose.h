@@ -17,9 +17,8 @@ QKR_INLINE void transpose(const Paired<double, 16> *y, Store store) {
     store(0, k, Grouped<double, 32>{shuffle<0, 2>(y[k].v, y[k + 1].v), shuffle<1, 3>(y[k].v, y[k + 1].v)});
 }
 
-template <int radix, int stored, class Store>
-QKR_INLINE void transpose(const Paired<float, 16> *y, Store store) {
-  static_assert(radix == 4);
+template <class Store>
+QKR_INLINE void transpose_four(const Paired<float, 16> *y, Store store) {
   const auto ab0 = as_doubles<float, 16>(shuffle<0, 4, 1, 5>(y[0].v, y[1].v));
   const auto ab1 = as_doubles<float, 16>(shuffle<2, 6, 3, 7>(y[0].v, y[1].v));
   const auto cd0 = as_doubles<float, 16>(shuffle<0, 4, 1, 5>(y[2].v, y[3].v));
@@ -53,9 +52,8 @@ QKR_INLINE void transpose(const Paired<double, 32> *y, Store store) {
   }
 }
 
-template <int radix, int stored, class Store>
-QKR_INLINE void transpose(const Paired<float, 32> *y, Store store) {
-  static_assert(radix == 4);
+template <class Store>
+QKR_INLINE void transpose_four(const Paired<float, 32> *y, Store store) {
   const auto low = [](auto a, auto b) {
     return as_doubles<float, 32>(shuffle<0, 8, 1, 9, 4, 12, 5, 13>(a, b));
   };
@@ -105,9 +103,8 @@ QKR_INLINE void transpose(const Paired<double, 64> *y, Store store) {
   }
 }
 
-template <int radix, int stored, class Store>
-QKR_INLINE void transpose(const Paired<float, 64> *y, Store store) {
-  static_assert(radix == 4);
+template <class Store>
+QKR_INLINE void transpose_four(const Paired<float, 64> *y, Store store) {
   const auto low = [](auto a, auto b) {
     return as_doubles<float, 64>(shuffle<0, 16, 1, 17, 4, 20, 5, 21, 8, 24, 9, 25, 12, 28, 13, 29>(a, b));
   };
@@ -131,6 +128,13 @@ QKR_INLINE void transpose(const Paired<float, 64> *y, Store store) {
 #endif
 
 #endif
+
+template <int radix, int stored, int bytes, class Store>
+QKR_INLINE void transpose(const Paired<float, bytes> *y, Store store) {
+#pragma GCC unroll 2
+  for (int k = 0; k < radix; k += 4)
+    transpose_four(y + k, [&](int column, int first, auto x) QKR_LAMBDA { store(column, k + first, x); });
+}
 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL

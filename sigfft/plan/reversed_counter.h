@@ -1,7 +1,8 @@
-// Counting with the bits reversed.
+// Numbers with their bits reversed: counted, or looked up.
 #pragma once
 
 #include <stddef.h>
+#include <stdint.h>
 
 namespace qkr::sigfft {
 namespace {
@@ -16,6 +17,15 @@ class ReversedCounter {
   // Counting flips the lowest bits of j up to the first that is clear: here the highest.
   void next() { value_ ^= 2 * high_ - (high_ >> __builtin_ctzll(++j_)); }
 };
+
+// Of 8 bits.
+struct ReversedBytes {
+  uint8_t of[256] = {};
+  constexpr ReversedBytes() {
+    for (int i = 1; i < 256; ++i) of[i] = uint8_t(of[i / 2] / 2 + i % 2 * 128);
+  }
+};
+constexpr ReversedBytes reversed_bytes;
 
 }  // namespace
 }  // namespace qkr::sigfft

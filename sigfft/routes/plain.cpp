@@ -2,6 +2,8 @@
 // ones by blocks and columns, four at a time, or by merging blocks two by two.
 #include "sigfft/passes/bit_reversal.h"
 #include "sigfft/passes/deal.h"
+#include "sigfft/passes/first_pass.h"
+#include "sigfft/passes/four_columns.h"
 #include "sigfft/passes/group_twiddles.h"
 #include "sigfft/passes/merges.h"
 #include "sigfft/passes/scale.h"
@@ -53,25 +55,43 @@ QKR_INLINE Split<T> in_memory(Split<T>, T *memory, size_t n) {
   return {memory, memory + n};
 }
 
-// A transform by one sequence of passes, whose work area is on the stack. The shortest ones are one piece of
-// code each: calls would cost as much as their passes.
+// A transform by one sequence of passes, whose work area is on the stack; each length is one piece of code.
 template <int order>
 constexpr Passes passes_of = plain_set_passes(order);
+
+template <int order>
+struct ReversedColumns {
+  template <int radix>
+  QKR_INLINE size_t of(size_t tile) const {
+    return reversed_bytes.of[tile] >> (8 + __builtin_ctz(radix) - order);
+  }
+};
+
+template <bool forward, int order, class T>
+QKR_INLINE void run_passes(Interleaved<const T> source, T *memory, Interleaved<T> target, const T *table) {
+  constexpr const Passes &passes = passes_of<order>;
+  const Interleaved<T> area = {memory};
+  first_pass<1 << passes.bits[0], forward>(source, area, size_t{1} << order, ReversedColumns<order>());
+  const Progress<T> last = middle_passes<forward, 4>(InOne(), area, order, passes, passes.count - 1,
+                                                     Progress<T>{1, passes.bits[0], table});
+  last_pass<4, forward>(area, target, size_t{1} << last.done, last.table);
+}
+template <bool forward, int order, class T>
+QKR_INLINE void run_passes(Split<const T> source, T *memory, Split<T> target, const T *table) {
+  run_split_passes<forward, true>(source, Runs<T>{memory}, target, passes_of<order>, order,
+                                  GroupTables<T, 4>{table});
+}
 
 template <bool forward, int order, class Source, class Target, class T>
 QKR_NOINLINE void in_one(Source source, Target target, const T *table) {
   alignas(64) T memory[2 << order];
-  run_split_passes<forward, true>(source, Runs<T>{memory}, target, passes_of<order>, order,
-                                  GroupTables<T, 4>{table});
+  run_passes<forward, order>(source, memory, target, table);
 }
-template <bool forward, class Source, class Target, class T>
-QKR_NOINLINE void short_transform(Source source, Target target, int order, const T *table) {
-  if (order == 4) return in_one<forward, 4>(source, target, table);
-  if (order == 5) return in_one<forward, 5>(source, target, table);
-  if (order == 6) return in_one<forward, 6>(source, target, table);
-  alignas(64) T memory[2 << largest_staged_order<EntrySet::plain, T>];
-  run_split_passes<forward, false>(source, Runs<T>{memory}, target, plain_set_passes(order), order,
-                                   GroupTables<T, 4>{table});
+template <bool forward, int order = largest_fixed_order + 1, class Source, class Target, class T>
+QKR_INLINE void short_transform(Source source, Target target, int wanted, const T *table) {
+  if (order == wanted) in_one<forward, order>(source, target, table);
+  else if constexpr (order < largest_staged_order<EntrySet::plain, T>)
+    short_transform<forward, order + 1>(source, target, wanted, table);
 }
 // The same of numbers in bit-reversed order.
 template <bool forward, class Data, class T>
@@ -87,78 +107,6 @@ QKR_INLINE void staged_block(const Plan<T> *plan, Data data, bool reversed, int 
   if (reversed) short_reversed_transform<forward>(data, order, plan->twiddles);
   else short_transform<forward>(as_source(data), data, order, plan->twiddles);
   if (norm) normalise(data, size_t{1} << order, plan->norm_factor);
-}
-
-// Four columns across the blocks: row by row, those of one row side by side.
-template <class View>
-struct FourColumns {
-  using Element = typename View::Element;
-  View data;
-  size_t length;  // from row to row
-
-  QKR_INLINE size_t place(size_t k) const { return k / 4 * length + k % 4; }
-  QKR_INLINE FourColumns operator+(size_t k) const { return {data + place(k), length}; }
-  template <int bytes>
-  QKR_INLINE PartVectors<Element, bytes> parts(size_t k) const {
-    return data.template parts<bytes>(place(k));
-  }
-  template <class V>
-  QKR_INLINE void set_parts(size_t k, Parts<Element, V> x) const {
-    constexpr int row_bytes = 4 * sizeof(Element), piece = row_bytes < (int)sizeof(V) ? row_bytes : sizeof(V);
-    const View to = data + place(k);
-    const size_t to_next = length;
-    take_apart<piece>(x, 0, [=](int row, auto part) QKR_LAMBDA { to.set_parts(row * to_next, part); });
-  }
-};
-
-// The twiddles of rows, for each of their four columns.
-template <class Twiddles>
-struct RowByRow {
-  using Element = typename Twiddles::Element;
-  Twiddles twiddles;
-
-  template <int bytes>
-  QKR_INLINE PartVectors<Element, bytes> at(size_t k, int m) const {
-    constexpr size_t half = bytes / 2 / sizeof(Element);
-    if constexpr (half < 4) return twiddles.template one<bytes>(k / 4, m);
-    else return join<Element, bytes / 2>(at<bytes / 2>(k, m), at<bytes / 2>(k + half, m));
-  }
-};
-template <class T>
-struct RowByRowTables {
-  static constexpr int largest_radix = 4;
-  GroupTables<T, 4> tables;
-
-  template <int radix>
-  QKR_INLINE RowByRow<GroupTwiddles<T, radix>> take(size_t columns) {
-    return {tables.template take<radix>(columns / 4)};
-  }
-};
-
-// The rows come in bit-reversed order, each number with a twiddle of its own.
-template <int radix, bool forward, class Data, class T>
-QKR_NOINLINE void first_rows(FourColumns<Data> rows, Interleaved<const T> twiddles, Runs<T> area,
-                             size_t count) {
-  constexpr int row_bytes = 4 * sizeof(T), bytes = row_bytes < widest_part ? row_bytes : widest_part;
-  for (size_t row = 0; row < count; row += radix)
-    for (size_t c = 0; c < 4; c += bytes / sizeof(T))
-      butterfly<radix, forward>(
-          [&](int m) QKR_LAMBDA {
-            const size_t place = (row + reversed_place<radix>(m)) * 4 + c;
-            const auto w = twiddles.template parts<bytes>(place);
-            return times<forward>(rows.template parts<bytes>(place), w.re, w.im);
-          },
-          [&](int k, auto y) QKR_LAMBDA { area.set_parts((row + k) * 4 + c, y); });
-}
-template <bool forward, class Data, class T>
-QKR_INLINE void four_columns(FourColumns<Data> rows, int blocks, Interleaved<const T> twiddles,
-                             const T *table, Runs<T> work) {
-  const size_t count = size_t{1} << blocks;
-  const Passes passes = plain_set_passes(blocks);
-  if (passes.bits[0] == 3) first_rows<8, forward>(rows, twiddles, work, count);
-  else first_rows<4, forward>(rows, twiddles, work, count);
-  later_split_passes<forward, false>(work, rows, passes, 1, size_t{4} << passes.bits[0], 4 * count,
-                                     RowByRowTables<T>{{table}});
 }
 
 // How many blocks the innermost transforms of a long one are.

@@ -1,6 +1,5 @@
 // Transforms up to the largest order that runs as one sequence of passes.
-#include "sigfft/passes/passes.h"
-#include "sigfft/plan/reversed_counter.h"
+#include "sigfft/passes/first_pass.h"
 #include "sigfft/routes/kernels.h"
 #include "simd/entry.h"
 
@@ -9,52 +8,24 @@ namespace {
 
 using namespace sigfft;
 
-// The first pass in tiles: neighbouring columns are read together, so that every line of cache is used whole,
-// and each column's outputs go to the block that the bit reversal gives it.
-template <int radix, bool forward, int bytes, int stored = bytes, class Source, class Area>
-QKR_INLINE void first_tiles(Source source, Area area, size_t n, const uint32_t *reversal) {
-  using T = typename Source::Element;
-  constexpr size_t columns = bytes / 2 / sizeof(T);
-  const size_t spacing = n / radix, tiles = spacing / columns;
-  size_t block[columns];
-  ReversedCounter reversed_column(__builtin_ctzll(columns));
-#pragma GCC unroll 8
-  for (size_t c = 0; c < columns; ++c, reversed_column.next())
-    block[c] = reversed_column.value() * tiles * radix;
-  const Rows<radix> rows(spacing);
-  const auto column = [=](size_t tile) QKR_LAMBDA { return (size_t)reversal[tile * (radix / 4)] / 2; };
-  // A column of 32 bytes is half a line of cache, which the other half should find there.
-  if constexpr (radix * 2 * sizeof(T) == 32 && bytes >= 32)
-    if (tiles > 1 && (bytes == 64 || n * 2 * sizeof(T) >= first_cache))
-      return repeat(tiles / 2, [=](size_t i) QKR_LAMBDA {
-        first_butterflies<radix, forward, bytes>(source, column(2 * i), column(2 * i + 1), rows,
-                                                 area + 2 * i * radix, block);
-      });
-  repeat(tiles, [=](size_t i) QKR_LAMBDA {
-    first_butterflies<radix, forward, bytes, stored>(source, column(i), rows, area + i * radix, block);
-  });
-}
-
-template <int radix, bool forward, class Source, class Area>
-QKR_INLINE void first_pass(Source source, Area area, size_t n, const uint32_t *reversal) {
-  using T = typename Source::Element;
-  if constexpr (widest_pairs == 64)
-    if (n * 2 * sizeof(T) < (size_t)radix * 64)
-      return first_tiles<radix, forward, 32>(source, area, n, reversal);
-  if constexpr (widest_pairs == 64 && is_double<T>)
-    if (n >= 128 && n <= 512)  // shorter: the next pass wants whole registers; longer: stores set the pace
-      return first_tiles<radix, forward, 64, 32>(source, area, n, reversal);
-  first_tiles<radix, forward, widest_pairs>(source, area, n, reversal);
-}
+// Every radix-4 tile has its column in the table, every radix-8 tile takes every second.
+struct ColumnsOfTable {
+  const uint32_t *reversal;
+  template <int radix>
+  QKR_INLINE size_t of(size_t tile) const {
+    return reversal[tile * (radix / 4)] / 2;
+  }
+};
 
 template <bool forward, class Call, class Source, class Area, class Target, class T>
 QKR_INLINE void run_passes(Call call, Source source, Area area, Target target, int order, const T *table,
                            const uint32_t *reversal) {
   const size_t n = size_t{1} << order;
   const Passes &passes = passes_by_order<T>.of[order];
-  if (passes.bits[0] == 2) call([=]() QKR_LAMBDA { first_pass<4, forward>(source, area, n, reversal); });
+  const ColumnsOfTable columns_of = {reversal};
+  if (passes.bits[0] == 2) call([=]() QKR_LAMBDA { first_pass<4, forward>(source, area, n, columns_of); });
   else if constexpr (is_double<T>)
-    call([=]() QKR_LAMBDA { first_pass<8, forward>(source, area, n, reversal); });
+    call([=]() QKR_LAMBDA { first_pass<8, forward>(source, area, n, columns_of); });
   const Progress<T> last = passes_by_sections<forward>(call, area, order, passes, passes.count - 1,
                                                        Progress<T>{1, passes.bits[0], table});
   const size_t columns = size_t{1} << last.done;
