@@ -41,7 +41,7 @@ intro = """# Speed
 
 Our time divided by that of the fastest peer whose errors are below 1 ulp, in the same run on the same arrays: below 1 we are faster. Each cell names that peer; rows that lose are in bold. Made by `./dev speed` from the files of `./dev bench`, smallest of interleaved repetitions, on a Xeon (Skylake) with AVX-512 and two cores; where a row has no peer it is not shown.
 
-In brackets: our time divided by that of the fastest peer of any accuracy, where that is another one, or where no peer stays below 1 ulp on the sample. Such a peer answers an easier question; where its ratio is above 1, it is the faster choice for who can do with its errors.
+In brackets: our time divided by that of the fastest peer of any accuracy, where that is a faster one, or where no peer stays below 1 ulp on the sample. Such a peer answers an easier question; where its ratio is above 1, it is the faster choice for who can do with its errors.
 """
 
 
@@ -85,7 +85,7 @@ def cell(row):
 
 
 def cell_with_any(row):
-    if not row or row.any_ratio is None or row.any_peer == row.peer:
+    if not row or row.any_ratio is None or row.any_ratio <= (row.ratio or 0):
         return cell(row)
     return f"{cell(row)} ({row.any_ratio:.2f} {row.any_peer})".lstrip()
 
