@@ -1,5 +1,5 @@
-// The first pass of a transform of numbers in natural order. columns_of.of<radix>(tile) is where a tile begins:
-// its number with the bits reversed.
+// The first pass of a transform of numbers in natural order. columns_of.of<radix>(tile) is where a tile
+// begins: its number with the bits reversed.
 #pragma once
 
 #include "sigfft/passes/passes.h"
