@@ -13,40 +13,6 @@ namespace qkr::sigfft {
 template <class T>
 T *fill_base_table(int order, T *table);
 
-// The points exp(-2 pi i a / 2^bits) as the base table of an equally fine or finer circle shows them.
-template <class T>
-struct Circle {
-  const T *base;
-  int base_order, bits;
-
-  // put(i, re, im) with the points first + i step, for i from 0 to count - 1. Within a quadrant the two parts
-  // lie in the base table at one distance from point to point, one upward, the other downward.
-  template <class Put>
-  void for_points(size_t first, size_t step, size_t count, Put put) const {
-    static constexpr T cos_signs[] = {1, -1, -1, 1}, negated_sin_signs[] = {-1, -1, 1, 1};
-    const size_t quarter = size_t{1} << (base_order - 2), distance = step << (base_order - bits);
-    size_t i = 0;
-    while (i < count) {
-      const size_t angle = (first + i * step) << (base_order - bits);
-      const size_t quadrant = angle >> (base_order - 2) & 3, place = angle & (quarter - 1);
-      const T re_sign = cos_signs[quadrant], im_sign = negated_sin_signs[quadrant];
-      const bool odd = quadrant & 1;
-      const T *const upward = base + place, *const downward = base + (quarter - place);
-      const T up_sign = odd ? re_sign : im_sign, down_sign = odd ? im_sign : re_sign;
-      size_t end = count;
-      if (place + (count - 1 - i) * distance >= quarter) end = i + (quarter - place - 1) / distance + 1;
-      const auto put_all = [&](auto in_order) {
-        for (size_t at = 0; i < end; ++i, at += distance) {
-          const T up = upward[at] * up_sign, down = *(downward - at) * down_sign;
-          in_order(up, down);
-        }
-      };
-      if (odd) put_all([&](T up, T down) { put(i, up, down); });
-      else put_all([&](T up, T down) { put(i, down, up); });
-    }
-  }
-};
-
 // Twiddles of one sequence of passes.
 template <EntrySet set, class T>
 T *fill_staged_table(int order, const T *base, int base_order, T *table);

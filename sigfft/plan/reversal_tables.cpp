@@ -1,13 +1,23 @@
 // Tables of the bit reversal.
 #include "sigfft/plan/plan_tables.h"
+#include "simd/simd.h"
 
 namespace qkr::sigfft {
 
 uint32_t *fill_reversal(int order, uint32_t *table) {
   if (order < 2) return table;
+  constexpr size_t together = sizeof(sse2::u32) / sizeof(uint32_t);
   const size_t quarter = size_t{1} << (order - 2);
   ReversedCounter reversed(order - 2);
-  for (size_t j = 0; j < quarter; ++j, reversed.next()) table[j] = (uint32_t)(2 * reversed.value());
+  for (size_t j = 0; j < quarter && j < together; ++j, reversed.next())
+    table[j] = (uint32_t)(2 * reversed.value());
+  // With the next bit of j set, the same once more and the next lower bit.
+  for (size_t done = together, bit = quarter / together; done < quarter; done *= 2, bit /= 2)
+    for (size_t j = 0; j < done; j += together) {
+      sse2::u32 values;
+      sse2::load(table + j, values);
+      sse2::store(table + done + j, values + (uint32_t)bit);
+    }
   table[quarter] = 0;
   return align16(table + quarter + 1);
 }

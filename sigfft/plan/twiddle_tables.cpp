@@ -1,24 +1,40 @@
 // Twiddle tables, each in the order in which the passes read it, so that they read it straight forward.
 #include <utility>
 
+#include "sigfft/plan/base_circle.h"
 #include "sigfft/plan/plan_tables.h"
-#include "simd/simd.h"
 
 namespace qkr::sigfft {
 namespace {
 
-// The twiddles of `count` columns from k on of radix-2^bits butterflies. A group of columns has for each
-// multiple m from 1 up the cosines of m k, and then the negated sines.
 template <class T>
-T *append_groups(T *table, const Circle<T> &circle, int bits, size_t k, size_t count) {
-  constexpr size_t g = group<T>;
+using Lanes = std::make_integer_sequence<int, group<T>>;
+
+// The values of two vectors side by side.
+template <class T, class V, int... i>
+void store_pairs(T *t, V a, V b, std::integer_sequence<int, i...>) {
+  constexpr int together = sizeof...(i), half = together / 2;
+  sse2::store(t, __builtin_shufflevector(a, b, (i / 2 + i % 2 * together)...));
+  sse2::store(t + together, __builtin_shufflevector(a, b, (half + i / 2 + i % 2 * together)...));
+}
+
+// The twiddles of `count` columns from k on of radix-2^bits butterflies. A group of columns has for each
+// multiple m from 1 up the cosines of m k, and then the negated sines. So many columns go together as stay in
+// the first cache until all their multiples are written.
+template <class T>
+T *append_groups(T *table, const BaseCircle<T> &circle, int bits, size_t k, size_t count) {
+  constexpr size_t g = group<T>, most = 128;
   const size_t multiples = (size_t{1} << bits) - 1;
-  for (size_t m = 1; m <= multiples; ++m)
-    circle.for_points(m * k, m, count, [=](size_t i, T re, T im) {
-      T *const place = table + (i / g * multiples + m - 1) * 2 * g + i % g;
-      place[0] = re, place[g] = im;
-    });
-  return table + 2 * multiples * count;
+  for (size_t end = k + count; k < end; k += most) {
+    const size_t columns = end - k < most ? end - k : most;
+    for (size_t m = 1; m <= multiples; ++m)
+      circle.for_groups(m * k, m, columns / g, [=](size_t i, auto re, auto im) {
+        T *const place = table + (i * multiples + m - 1) * 2 * g;
+        sse2::store(place, re), sse2::store(place + g, im);
+      });
+    table += 2 * multiples * columns;
+  }
+  return table;
 }
 
 template <class T>
@@ -26,7 +42,7 @@ T *fill_passes(const Passes &passes, int order, const T *base, int base_order, T
   T *t = table;
   for (int p = 1, done = passes.bits[0]; p < passes.count; ++p) {
     const int bits = passes.bits[p];
-    t = append_groups(t, Circle<T>{base, base_order, done + bits}, bits, 0, size_t{1} << done);
+    t = append_groups(t, BaseCircle<T>{base, base_order, done + bits}, bits, 0, size_t{1} << done);
     done += bits;
   }
   return align16(table + (size_t{2} << order));
@@ -47,7 +63,7 @@ void fill_columns(Plan<T> &plan, int order, const T *base, int base_order, int l
   const Passes passes = column_passes(blocking.blocks);
   for (size_t column = 0; column < length; column += together)
     for (int p = 0, done = 0; p < passes.count; done += passes.bits[p++]) {
-      const Circle<T> circle = {base, base_order, block_order + done + passes.bits[p]};
+      const BaseCircle<T> circle = {base, base_order, block_order + done + passes.bits[p]};
       for (size_t block = 0; block < size_t{1} << done; ++block)
         table = append_groups(table, circle, passes.bits[p], column + block * length, together);
     }
@@ -66,25 +82,25 @@ void fill_plain_blocks(Plan<T> &plan, int order, const T *base, int base_order, 
   if (!blocks) {
     plan.twiddles = table;
     plan.merge_twiddles = table = fill_passes(plain_set_passes(staged), staged, base, base_order, table);
-    table = append_groups(table, Circle<T>{base, base_order, order}, 1, 0, size_t{1} << (order - 2));
+    table = append_groups(table, BaseCircle<T>{base, base_order, order}, 1, 0, size_t{1} << (order - 2));
     return;
   }
   fill_plain_blocks(plan, block_order, base, base_order, level + 1, table);
   plan.across_twiddles[level] = table;
   plan.column_twiddles[level] = table =
       fill_passes(plain_set_passes(blocks), blocks, base, base_order, table);
-  const Circle<T> circle = {base, base_order, order};
+  const BaseCircle<T> circle = {base, base_order, order};
   // Four columns of all blocks lie together. Some more are filled at a time, so that what is written stays in
   // the cache.
-  constexpr size_t together = 4, filled = 64;
+  constexpr size_t g = group<T>, together = 4, groups = together / g, filled = 32;
   const size_t length = size_t{1} << block_order, block_count = size_t{1} << blocks;
   for (size_t column = 0; column < length; column += filled) {
     ReversedCounter frequency(blocks);
     for (size_t block = 0; block < block_count; ++block, frequency.next()) {
       const size_t f = frequency.value();
-      circle.for_points(f * column, f, filled, [=](size_t i, T re, T im) {
-        T *const place = table + 2 * ((i / together * block_count + block) * together + i % together);
-        place[0] = re, place[1] = im;
+      circle.for_groups(f * column, f, filled / g, [=](size_t i, auto re, auto im) {
+        T *const columns = table + 2 * together * (i / groups * block_count + block);
+        store_pairs(columns + 2 * g * (i % groups), re, im, Lanes<T>());
       });
     }
     table += 2 * filled * block_count;
@@ -97,7 +113,7 @@ template <EntrySet set, class T, class First, class Second, int... i>
 T *fill_real_table(int order, const T *base, T *table, First first, Second second,
                    std::integer_sequence<int, i...>) {
   constexpr bool plain = set == EntrySet::plain;
-  constexpr int together = sizeof...(i), half = together / 2;
+  constexpr int together = sizeof...(i);
   const size_t quarter = size_t{1} << (order - 2);
   T *t = table;
   for (size_t k = plain ? 0 : 1; k < quarter; k += together, t += 2 * together) {
@@ -105,15 +121,11 @@ T *fill_real_table(int order, const T *base, T *table, First first, Second secon
     sse2::load(base + quarter - k - (together - 1), cosines);
     sse2::load(base + k, sines);
     const auto a = first(__builtin_shufflevector(cosines, cosines, (together - 1 - i)...)), b = second(sines);
-    sse2::store(t, plain ? __builtin_shufflevector(a, b, (i / 2 + i % 2 * together)...) : a);
-    sse2::store(t + together,
-                plain ? __builtin_shufflevector(a, b, (half + i / 2 + i % 2 * together)...) : b);
+    if (plain) store_pairs(t, a, b, Lanes<T>());
+    else sse2::store(t, a), sse2::store(t + together, b);
   }
   return align16(table + 2 * quarter);
 }
-template <class T>
-using Lanes = std::make_integer_sequence<int, group<T>>;
-
 }  // namespace
 
 template <EntrySet set, class T>
