@@ -1,6 +1,8 @@
 // What the entries of complex and of real transforms share: the chirp route and the choice of kernels.
 #pragma once
 
+#include <utility>
+
 #include "sigfft/any_length/plan/engine.h"
 #include "sigfft/any_length/routes/kernels.h"
 #include "sigfft/any_length/routes/short.h"
@@ -22,13 +24,12 @@ struct AnyLengthKernels {
   void (*real_direct)(const T *src, T *dst, int32_t points, const T *circle);
   void (*recombine)(const T *src, T *dst, int32_t half, const T *table);
 };
-#define QKR_KERNELS(direction, suffix)                                                 \
-  {                                                                                    \
-    zprs_factors##direction##_##suffix##c, zprs_factors##direction##_##suffix,         \
-        zprs_outOfOrder##direction##_##suffix##c, zprs_short##direction##_##suffix##c, \
-        zprs_realFactors##direction##_##suffix, zprs_direct##direction##_##suffix##c,  \
-        zprs_direct##direction##_##suffix, zprs_realDirect##direction##_##suffix,      \
-        zprs_recombineHalf##direction##_##suffix                                       \
+#define QKR_KERNELS(direction, suffix)                                                                      \
+  {                                                                                                         \
+    zprs_factors##direction##_##suffix##c, zprs_factors_##suffix, zprs_outOfOrder##direction##_##suffix##c, \
+        zprs_short##direction##_##suffix##c, zprs_realFactors##direction##_##suffix,                        \
+        zprs_direct##direction##_##suffix##c, zprs_direct_##suffix, zprs_realDirect##direction##_##suffix,  \
+        zprs_recombineHalf##direction##_##suffix                                                            \
   }
 template <bool forward, class T>
 constexpr AnyLengthKernels<T> any_length_kernels = forward ? AnyLengthKernels<T> QKR_KERNELS(Fwd, 64f)
@@ -79,6 +80,8 @@ zprStatus run_route(const AnyLengthPlan<T> *plan, const T *src_re, const T *src_
   constexpr const AnyLengthKernels<T> &kernels = any_length_kernels<forward, T>;
   if (plan->route == Route::chirp)
     return chirp_transform<forward>(plan, src_re, src_im, dst_re, dst_im, work);
+  // The inverse is the forward transform with real and imaginary parts exchanged.
+  if (!forward) std::swap(src_re, src_im), std::swap(dst_re, dst_im);
   if (plan->route == Route::direct)
     kernels.direct_split(src_re, src_im, dst_re, dst_im, plan->complex_length, plan->circle);
   else kernels.factors_split(plan, src_re, src_im, dst_re, dst_im, work);

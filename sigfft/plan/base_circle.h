@@ -28,8 +28,7 @@ struct BaseCircle {
   };
   size_t quarter() const { return size_t{1} << (base_order - 2); }
   Quadrant quadrant_of(size_t angle) const {
-    static constexpr Quadrant quadrants[] = {
-        {false, -1, 1}, {true, -1, -1}, {false, 1, -1}, {true, 1, 1}};
+    static constexpr Quadrant quadrants[] = {{false, -1, 1}, {true, -1, -1}, {false, 1, -1}, {true, 1, 1}};
     return quadrants[angle >> (base_order - 2) & 3];
   }
 

@@ -150,11 +150,6 @@ QKR_INLINE void real_direct(const T *src, T *dst, int points, const T *table) {
             (src, dst, points, circle)) {                                                                   \
     direct<forward>(Interleaved<const T>{src}, Interleaved<T>{dst}, points, circle);                        \
   }                                                                                                         \
-  QKR_ENTRY(zprs_direct##direction##_##suffix,                                                              \
-            (const T *src_re, const T *src_im, T *dst_re, T *dst_im, int32_t points, const T *circle),      \
-            (src_re, src_im, dst_re, dst_im, points, circle)) {                                             \
-    direct<forward>(Split<const T>{src_re, src_im}, Split<T>{dst_re, dst_im}, points, circle);              \
-  }                                                                                                         \
   QKR_ENTRY(zprs_realDirect##direction##_##suffix, (const T *src, T *dst, int32_t points, const T *circle), \
             (src, dst, points, circle)) {                                                                   \
     real_direct<forward>(src, dst, points, circle);                                                         \
@@ -163,3 +158,12 @@ QKR_DIRECT(Fwd, true, double, 64f)
 QKR_DIRECT(Inv, false, double, 64f)
 QKR_DIRECT(Fwd, true, float, 32f)
 QKR_DIRECT(Inv, false, float, 32f)
+
+#define QKR_SPLIT_DIRECT(T, suffix)                                                                    \
+  QKR_ENTRY(zprs_direct_##suffix,                                                                      \
+            (const T *src_re, const T *src_im, T *dst_re, T *dst_im, int32_t points, const T *circle), \
+            (src_re, src_im, dst_re, dst_im, points, circle)) {                                        \
+    direct<true>(Split<const T>{src_re, src_im}, Split<T>{dst_re, dst_im}, points, circle);            \
+  }
+QKR_SPLIT_DIRECT(double, 64f)
+QKR_SPLIT_DIRECT(float, 32f)

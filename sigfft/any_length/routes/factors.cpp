@@ -73,21 +73,24 @@ QKR_INLINE void transform(const AnyLengthPlan<T> *plan, Source source, Interleav
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-#define QKR_FACTORS(direction, forward, T, suffix)                                                   \
-  QKR_ENTRY(zprs_factors##direction##_##suffix##c,                                                   \
-            (const qkr::sigfft::AnyLengthPlan<T> *plan, const T *src, T *dst, T *work),              \
-            (plan, src, dst, work)) {                                                                \
-    transform<forward>(plan, Interleaved<const T>{src}, Interleaved<T>{src == dst ? work : dst},     \
-                       Interleaved<T>{dst});                                                         \
-  }                                                                                                  \
-  QKR_ENTRY(zprs_factors##direction##_##suffix,                                                      \
-            (const qkr::sigfft::AnyLengthPlan<T> *plan, const T *src_re, const T *src_im, T *dst_re, \
-             T *dst_im, T *work),                                                                    \
-            (plan, src_re, src_im, dst_re, dst_im, work)) {                                          \
-    transform<forward>(plan, Split<const T>{src_re, src_im}, Interleaved<T>{work},                   \
-                       Split<T>{dst_re, dst_im});                                                    \
+#define QKR_FACTORS(direction, forward, T, suffix)                                               \
+  QKR_ENTRY(zprs_factors##direction##_##suffix##c,                                               \
+            (const qkr::sigfft::AnyLengthPlan<T> *plan, const T *src, T *dst, T *work),          \
+            (plan, src, dst, work)) {                                                            \
+    transform<forward>(plan, Interleaved<const T>{src}, Interleaved<T>{src == dst ? work : dst}, \
+                       Interleaved<T>{dst});                                                     \
   }
 QKR_FACTORS(Fwd, true, double, 64f)
 QKR_FACTORS(Inv, false, double, 64f)
 QKR_FACTORS(Fwd, true, float, 32f)
 QKR_FACTORS(Inv, false, float, 32f)
+
+#define QKR_SPLIT_FACTORS(T, suffix)                                                                       \
+  QKR_ENTRY(zprs_factors_##suffix,                                                                         \
+            (const qkr::sigfft::AnyLengthPlan<T> *plan, const T *src_re, const T *src_im, T *dst_re,       \
+             T *dst_im, T *work),                                                                          \
+            (plan, src_re, src_im, dst_re, dst_im, work)) {                                                \
+    transform<true>(plan, Split<const T>{src_re, src_im}, Interleaved<T>{work}, Split<T>{dst_re, dst_im}); \
+  }
+QKR_SPLIT_FACTORS(double, 64f)
+QKR_SPLIT_FACTORS(float, 32f)
