@@ -1,148 +1,77 @@
 #include "tasks.h"
 
+#include <numeric>
 #include <tuple>
 
 namespace qkr::tests {
-namespace {
 
-using Index = int64_t[7];
+Words dense(const Words &shape) {
+  Words stride(shape.size());
+  std::exclusive_scan(shape.begin(), shape.end(), stride.begin(), 1, std::multiplies());
+  return stride;
+}
 
-// body(index) for all indices from `first` on, `count` of each dimension, dimension 0 innermost.
-template <class Body>
-void for_each_index(int dims, const Index &first, const Index &count, Body body) {
-  Index index = {};
-  for (int d = 0; d < dims; ++d) {
-    if (count[d] < 1) return;
-    index[d] = first[d];
+std::vector<int64_t> places(const Words &shape, const Words &stride) {
+  std::vector<int64_t> all = {0};
+  for (size_t d = shape.size(); d-- > 0;) {
+    const int64_t n = shape[d], step = stride[d];
+    std::vector<int64_t> finer;
+    for (const int64_t place : all)
+      for (int64_t k = 0; k < n; ++k) finer.push_back(place + step * (step < 0 ? k - n + 1 : k));
+    all = finer;
   }
-  for (;;) {
-    body(index);
-    int d = 0;
-    for (; d < dims; ++d) {
-      if (++index[d] < first[d] + count[d]) break;
-      index[d] = first[d];
+  return all;
+}
+
+std::vector<Operation> operations(int count) {
+  std::mt19937 random(1);
+  const auto below = [&](int32_t n) { return static_cast<int32_t>(random() % static_cast<uint32_t>(n)); };
+  // None, or elements and rows apart, in either direction; of an operand, some dimensions in one place.
+  const auto strides = [&](const Words &shape, bool of_result) {
+    Words stride;
+    int32_t next = 1 + below(2);
+    const int32_t apart = below(2);
+    for (const int32_t n : shape) {
+      stride.push_back(!of_result && apart && !below(8) ? 0 : below(2) ? next : -next);
+      next = next * n + apart;
     }
-    if (d == dims) return;
-  }
-}
-
-// Where the logical element of an index stands.
-int64_t place(const Words &shape, const Words &stride, const int64_t *index) {
-  int64_t offset = 0;
-  for (size_t d = 0; d < shape.size(); ++d)
-    offset += stride[d] < 0 ? (shape[d] - 1 - index[d]) * -stride[d] : index[d] * stride[d];
-  return offset;
-}
-
-}  // namespace
-
-const std::vector<Words> shapes = {{1, 1},
-                                   {1, 3},
-                                   {2, 1},
-                                   {3, 2},
-                                   {7, 7},
-                                   {8, 64},
-                                   {64, 9},
-                                   {128, 127},
-                                   {31, 333},
-                                   {1000, 65},
-                                   {1, 300},
-                                   {257, 256},
-                                   {1, 1, 1, 1},
-                                   {3, 3, 40, 17},
-                                   {40, 17, 3, 3},
-                                   {2, 33, 70, 2},
-                                   {70, 2, 2, 33},
-                                   {16, 15, 16, 15},
-                                   {5, 1, 300, 3},
-                                   {1, 150, 1, 9},
-                                   {130, 40, 9, 12},
-                                   {5, 4, 3, 3, 5, 9},
-                                   {20, 3, 2, 2, 2, 16},
-                                   {4, 3, 2, 3, 9, 2, 3, 2},
-                                   {3, 2, 1, 3, 2, 2, 3, 3, 2, 4},
-                                   {2, 3, 2, 1, 2, 2, 9, 2, 1, 3, 2, 2},
-                                   {2, 1, 3, 2, 2, 1, 2, 3, 2, 2, 1, 2, 3, 2}};
-
-std::vector<Operation> operations_of(const std::vector<int32_t> &kinds, const std::vector<Words> &lengths) {
+    if (!of_result && !below(4)) stride[0] *= 2;
+    return below(3) ? stride : Words();
+  };
   std::vector<Operation> all;
-  for (const Words &both : lengths)
-    for (const int32_t kind : kinds) {
-      const auto middle = both.begin() + static_cast<ptrdiff_t>(both.size() / 2);
-      all.push_back(Operation{kind, {both.begin(), middle}, {middle, both.end()}}.whole());
+  for (int dims = 1; dims <= 7; ++dims)
+    for (int i = 0; i < 3 * count; ++i) {
+      Operation o = {i % 3, {Words(dims)}, {Words(dims)}, {}};
+      for (Words *shape : {&o.x.shape, &o.y.shape}) {
+        for (int32_t &length : *shape) length = 1 + below(48 / (dims * dims) + 1);
+        shape->at(below(dims)) = 1 + below((below(8) ? 300 : 1000) / dims);
+      }
+      const bool starts = below(3), decimates = below(2);
+      for (int d = 0; d < dims; ++d) {
+        const int32_t low = o.lowest(d), high = o.highest(d);
+        if (starts) o.start.push_back(below(3) ? low + below(high - low + 1) : below(2) ? low : high);
+        if (decimates) o.decimation.push_back(1 + below(3));
+        o.z.shape.push_back((high - o.first(d)) / o.step(d) + 1);
+      }
+      for (Operand *operand : {&o.x, &o.y, &o.z}) operand->stride = strides(operand->shape, operand == &o.z);
+      all.push_back(o);
     }
   return all;
 }
 
 std::string Operation::name() const {
   return testing::PrintToString(
-      std::make_tuple(kind, xshape, yshape, zshape, start, decimation, xstride, ystride, zstride));
-}
-Operation Operation::whole() const {
-  Operation all = *this;
-  all.zshape.clear();
-  for (int d = 0; d < dims(); ++d) all.zshape.push_back((highest(d) - first(d)) / step(d) + 1);
-  return all;
+      std::tie(kind, x.shape, y.shape, z.shape, start, decimation, x.stride, y.stride, z.stride));
 }
 
-Words dense(const Words &shape) {
-  Words stride;
-  int32_t next = 1;
-  for (const int32_t n : shape) {
-    stride.push_back(next);
-    next *= n;
-  }
-  return stride;
+Task make_task(const Operation &o, int32_t mode, int32_t data, int32_t internal) {
+  ConvCorrTask *task = nullptr;
+  __vxsNewTask(&task, o.kind, 0, mode, 0, data, o.dims(), words_or_null(o.x.shape), words_or_null(o.y.shape),
+               words_or_null(o.z.shape));
+  if (!o.start.empty()) __vxsEditTask(task, VXS_CC_PARAM_START, o.start.data());
+  if (!o.decimation.empty()) __vxsEditTask(task, VXS_CC_PARAM_DECIMATION, o.decimation.data());
+  __vxsEditTask(task, VXS_CC_PARAM_INTERNAL_PRECISION, &internal);
+  return Task(task);
 }
-
-int64_t extent(const Words &shape, const Words &given) {
-  const Words stride = given.empty() ? dense(shape) : given;
-  int64_t last = 0;
-  for (size_t d = 0; d < shape.size(); ++d) last += (shape[d] - 1) * std::abs(int64_t{stride[d]});
-  return last + 1;
-}
-
-template <class Real, class Form>
-std::vector<Real> plain_sums(const Operation &given, const Arrays<Form> &arrays) {
-  Operation o = given;
-  if (o.xstride.empty()) o.xstride = dense(o.xshape);
-  if (o.ystride.empty()) o.ystride = dense(o.yshape);
-  if (o.zstride.empty()) o.zstride = dense(o.zshape);
-  const int dims = o.dims();
-  std::vector<Real> z(arrays.z.size(), Real(77));
-  Index zero = {}, count = {};
-  for (int d = 0; d < dims; ++d) count[d] = o.zshape[d];
-  for_each_index(dims, zero, count, [&](const Index &k) {
-    // By the index of x, or of x reversed.
-    Index shift = {}, first = {}, terms = {};
-    for (int d = 0; d < dims; ++d) {
-      const int64_t nx = o.xshape[d], ny = o.yshape[d];
-      shift[d] = o.first(d) + k[d] * o.step(d) - (o.convolves() ? nx - 1 : 0);
-      first[d] = std::max(-shift[d], int64_t{0});
-      terms[d] = std::min(nx, ny - shift[d]) - first[d];
-    }
-    Real sum = 0;
-    for_each_index(dims, first, terms, [&](const Index &i) {
-      Index at_x = {}, at_y = {};
-      for (int d = 0; d < dims; ++d) {
-        at_x[d] = o.convolves() ? o.xshape[d] - 1 - i[d] : i[d];
-        at_y[d] = i[d] + shift[d];
-      }
-      sum += static_cast<Real>(arrays.x[static_cast<size_t>(place(o.xshape, o.xstride, at_x))]) *
-             static_cast<Real>(arrays.y[static_cast<size_t>(place(o.yshape, o.ystride, at_y))]);
-    });
-    z[static_cast<size_t>(place(o.zshape, o.zstride, k))] = sum;
-  });
-  return z;
-}
-
-#define QKR_INSTANTIATE(Real, Form) \
-  template std::vector<Real> plain_sums(const Operation &, const Arrays<Form> &);
-QKR_INSTANTIATE(double, DD)
-QKR_INSTANTIATE(double, SD)
-QKR_INSTANTIATE(float, SS)
-QKR_INSTANTIATE(long double, DD)
-QKR_INSTANTIATE(long double, SD)
-QKR_INSTANTIATE(long double, SS)
 
 }  // namespace qkr::tests

@@ -1,119 +1,91 @@
-// What the tests of tasks share: an operation with its arrays, executed by a task, and by the sums that
-// define it.
+// What the tests of tasks share: an operation, its arrays, and its execution by a task.
 #pragma once
 
-#include <cmath>
-#include <cstdint>
-#include <cstring>
+#include <algorithm>
 #include <gtest/gtest.h>
-#include <qkr/convcorr.h>
+#include <memory>
 #include <random>
 #include <vector>
 
+#include "convcorr/problem.h"
+#include "tests/support/guarded.h"
+
 namespace qkr::tests {
 
-using Words = std::vector<int32_t>;
+using convcorr::DD, convcorr::SD, convcorr::SS;
 
-// Precision of data and arithmetic.
-struct DD {
-  using Data = double;
-  using Real = double;
-  static constexpr int32_t data = VXS_CC_DOUBLE, internal = VXS_CC_DOUBLE;
+using Words = std::vector<int32_t>;
+inline const int32_t *words_or_null(const Words &words) { return words.empty() ? nullptr : words.data(); }
+
+Words dense(const Words &shape);
+// Where the elements of an array stand, in the order of their indices, dimension 0 innermost.
+std::vector<int64_t> places(const Words &shape, const Words &stride);
+
+struct Operand {
+  Words shape, stride = {};  // no strides: dense
+
+  Words strides() const { return stride.empty() ? dense(shape) : stride; }
+  std::vector<int64_t> places() const { return tests::places(shape, strides()); }
+  size_t extent() const { return static_cast<size_t>(std::ranges::max(places())) + 1; }
 };
-struct SD {
-  using Data = float;
-  using Real = double;
-  static constexpr int32_t data = VXS_CC_SINGLE, internal = VXS_CC_DOUBLE;
-};
-struct SS {
-  using Data = float;
-  using Real = float;
-  static constexpr int32_t data = VXS_CC_SINGLE, internal = VXS_CC_SINGLE;
-};
-using Forms = testing::Types<DD, SD, SS>;
 
 struct Operation {
   int32_t kind;
-  Words xshape, yshape, zshape = {};
-  Words start = {}, decimation = {};               // empty: left to the task
-  Words xstride = {}, ystride = {}, zstride = {};  // empty: dense
+  Operand x, y, z;
+  Words start = {}, decimation = {};  // empty: left to the task
 
-  int dims() const { return static_cast<int>(xshape.size()); }
+  int dims() const { return static_cast<int>(std::max(x.shape.size(), y.shape.size())); }
   bool convolves() const { return kind == VXS_CC_CONVOLUTION; }
   // Of dimension d: the lowest and the highest start; that of the operation, and its decimation.
-  int32_t lowest(int d) const { return convolves() ? 0 : 1 - xshape[d]; }
-  int32_t highest(int d) const { return yshape[d] - 1 + (convolves() ? xshape[d] - 1 : 0); }
+  int32_t lowest(int d) const { return convolves() ? 0 : 1 - x.shape[d]; }
+  int32_t highest(int d) const { return y.shape[d] - 1 + (convolves() ? x.shape[d] - 1 : 0); }
   int32_t first(int d) const {
-    return !start.empty() ? start[d] : kind == VXS_CC_CORRELATION ? 1 - xshape[d] : 0;
+    return !start.empty() ? start[d] : kind == VXS_CC_CORRELATION ? lowest(d) : 0;
   }
   int32_t step(int d) const { return decimation.empty() ? 1 : decimation[d]; }
-  // Of as much of the result as there is from the start on.
-  Operation whole() const;
   std::string name() const;
 };
 
-Words dense(const Words &shape);
-// Elements from the lowest that an operand touches to the highest.
-int64_t extent(const Words &shape, const Words &stride);
+// `count` of each kind in each number of dimensions, with any starts, decimations and strides; the same ones
+// everywhere.
+std::vector<Operation> operations(int count);
 
-// Operands of one to seven dimensions, the lengths of x and then those of y: 1, 2, 3, odd, powers of two and
-// next to them, longer than a group of vectors at every level.
-extern const std::vector<Words> shapes;
-
-// An operation of each kind on all of `lengths`, of which all of the result is wanted.
-std::vector<Operation> operations_of(const std::vector<int32_t> &kinds, const std::vector<Words> &lengths);
-inline std::vector<Operation> whole_operations() {
-  return operations_of({VXS_CC_CONVOLUTION, VXS_CC_CORRELATION}, shapes);
-}
-
-inline const int32_t *words_or_null(const Words &words) { return words.empty() ? nullptr : words.data(); }
-
-template <class T>
-std::vector<T> random_numbers(int64_t count, unsigned seed) {
-  std::mt19937 generator(seed);
-  std::vector<T> numbers(static_cast<size_t>(count));
-  for (T &x : numbers) x = static_cast<T>(std::uniform_real_distribution<double>(-1, 1)(generator));
-  return numbers;
-}
-
+// Numbers from -1 to 1, and a result of 77s, between pages that must not be touched.
 template <class Form>
 struct Arrays {
   using T = typename Form::Data;
-  std::vector<T> x, y, z;
-  explicit Arrays(const Operation &operation, unsigned seed = 1)
-      : x(random_numbers<T>(extent(operation.xshape, operation.xstride), seed)),
-        y(random_numbers<T>(extent(operation.yshape, operation.ystride), seed + 1)),
-        z(static_cast<size_t>(extent(operation.zshape, operation.zstride)), T(77)) {}
+  Guarded<T> x, y, z;
+
+  explicit Arrays(const Operation &o, Edge edge = Edge::end)
+      : x(o.x.extent(), edge), y(o.y.extent(), edge), z(o.z.extent(), edge) {
+    std::mt19937 random(1);
+    for (const auto *operand : {&x, &y})
+      for (T &element : *operand) element = static_cast<T>(random() * 0x1p-31 - 1);
+    clear();
+  }
+  void clear() { std::fill(z.begin(), z.end(), T(77)); }
+  std::vector<T> result() const { return {z.begin(), z.end()}; }
 };
 
-template <class Form>
-ConvCorrTask *make_task(const Operation &operation, int32_t mode) {
-  ConvCorrTask *task = nullptr;
-  __vxsNewTask(&task, operation.kind, 0, mode, 0, Form::data, operation.dims(), operation.xshape.data(),
-               operation.yshape.data(), operation.zshape.data());
-  if (!task) return nullptr;
-  if (!operation.start.empty()) __vxsEditTask(task, VXS_CC_PARAM_START, operation.start.data());
-  if (!operation.decimation.empty())
-    __vxsEditTask(task, VXS_CC_PARAM_DECIMATION, operation.decimation.data());
-  const int32_t internal = Form::internal;
-  __vxsEditTask(task, VXS_CC_PARAM_INTERNAL_PRECISION, &internal);
-  return task;
-}
-template <class Form>
-int32_t execute(ConvCorrTask *task, const Operation &operation, Arrays<Form> &arrays) {
-  return __vxsExec(task, arrays.x.data(), words_or_null(operation.xstride), arrays.y.data(),
-                   words_or_null(operation.ystride), arrays.z.data(), words_or_null(operation.zstride));
-}
-template <class Form>
-int32_t execute(const Operation &operation, int32_t mode, Arrays<Form> &arrays) {
-  ConvCorrTask *task = make_task<Form>(operation, mode);
-  const int32_t status = execute(task, operation, arrays);
-  EXPECT_EQ(__vxsDeleteTask(&task), VXS_CC_OK);
-  return status;
-}
+struct DeleteTask {
+  void operator()(ConvCorrTask *task) const { EXPECT_EQ(__vxsDeleteTask(&task), VXS_CC_OK); }
+};
+using Task = std::unique_ptr<ConvCorrTask, DeleteTask>;
+Task make_task(const Operation &o, int32_t mode, int32_t data, int32_t internal);
 
-// z by the sums, in the arithmetic of Real.
-template <class Real, class Form>
-std::vector<Real> plain_sums(const Operation &operation, const Arrays<Form> &arrays);
+template <class Form>
+int32_t execute(const Task &task, const Operation &o, const Arrays<Form> &arrays) {
+  return __vxsExec(task.get(), arrays.x.data(), words_or_null(o.x.stride), arrays.y.data(),
+                   words_or_null(o.y.stride), arrays.z.data(), words_or_null(o.z.stride));
+}
+template <class Form>
+Task make_task(const Operation &o, int32_t mode) {
+  const auto precision = [](auto number) { return sizeof number == 4 ? VXS_CC_SINGLE : VXS_CC_DOUBLE; };
+  return make_task(o, mode, precision(typename Form::Data()), precision(typename Form::Real()));
+}
+template <class Form>
+int32_t execute(const Operation &o, int32_t mode, const Arrays<Form> &arrays) {
+  return execute(make_task<Form>(o, mode), o, arrays);
+}
 
 }  // namespace qkr::tests

@@ -15,11 +15,11 @@ template <class T>
 class Guarded {
   static constexpr size_t page = 4096;
   char *map_;
-  size_t bytes_;
+  size_t bytes_, count_;
   T *data_;
 
  public:
-  Guarded(size_t count, Edge edge) : bytes_((count * sizeof(T) + page - 1) / page * page) {
+  Guarded(size_t count, Edge edge) : bytes_((count * sizeof(T) + page - 1) / page * page), count_(count) {
     map_ =
         static_cast<char *>(mmap(nullptr, bytes_ + 2 * page, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
     if (map_ == MAP_FAILED || (bytes_ && mprotect(map_ + page, bytes_, PROT_READ | PROT_WRITE))) abort();
@@ -27,7 +27,11 @@ class Guarded {
   }
   Guarded(const Guarded &) = delete;
   ~Guarded() { munmap(map_, bytes_ + 2 * page); }
-  T *data() { return data_; }
+  T *data() const { return data_; }
+  T *begin() const { return data_; }
+  T *end() const { return data_ + count_; }
+  size_t size() const { return count_; }
+  T &operator[](size_t i) const { return data_[i]; }
 };
 
 // One stretch of memory, mapped over and over: what was written last stays. Null if there are not as many
