@@ -9,6 +9,7 @@
 //   times(V, Factor)         product mod m
 //   smallest                 fewer numbers are made one by one: the first vectors would cost more than
 //                            they bring
+//   many                     from so many on eight vectors are in flight, not four; 0: never
 #pragma once
 
 #include "streams/generators/generator.h"
@@ -31,14 +32,31 @@ QKR_INLINE Vector times(Vector x, typename Modulus::Factor factor) {
   }
 }
 
+// Draws n numbers: `words` are the first ones, `power` leads from each to the next such group.
+template <class Modulus, class Group, class Output>
+QKR_INLINE void draw_groups(typename Modulus::Word &state, Group words, typename Modulus::Word power,
+                            int32_t n, typename Output::Element *out, const Output &output) {
+  constexpr int group = sizeof(Group) / sizeof(power);
+  const auto onward = Modulus::factor(power);
+  ptrdiff_t i = 0;  // so that i + group does not overflow
+  for (; i + group <= n; i += group) {
+    put(output, out + i, words);
+    words = times<Modulus>(words, onward);
+  }
+  typename Modulus::Word line[group];
+  store(line, words);
+  emit<typename Modulus::Stretch>(line, (int)(n - i), out + i, output);
+  state = line[n - i];
+}
+
 // Draws n numbers with multiplier a, and leaves in `state` the residue of the next one.
 template <class Modulus, class Output>
 QKR_INLINE void draw_congruential(typename Modulus::Word &state, typename Modulus::Word a, int32_t n,
                                   typename Output::Element *out, const Output &output) {
   using Word = typename Modulus::Word;
   using V = typename Modulus::V;
-  using Group = Two<Two<V>>;  // four vectors in flight hide the latency of the product
-  constexpr int width = sizeof(V) / sizeof(Word), group = 4 * width;
+  using Group = Two<Two<V>>;  // four vectors in flight hide most of the latency of the product
+  constexpr int width = sizeof(V) / sizeof(Word);
 
   Word x = state;
   if (n < Modulus::smallest) {
@@ -50,7 +68,7 @@ QKR_INLINE void draw_congruential(typename Modulus::Word &state, typename Modulu
     return;
   }
 
-  Word line[group] = {x};
+  Word line[width] = {x};
   Word power = a;
   for (int filled = 1; filled < width; filled *= 2) {
     for (int j = 0; j < filled; ++j) line[filled + j] = Modulus::times(line[j], power);
@@ -60,17 +78,14 @@ QKR_INLINE void draw_congruential(typename Modulus::Word &state, typename Modulu
   load(line, first);
   const Word power2 = Modulus::times(power, power);
   const Two<V> pair = {first, Modulus::times(first, Modulus::factor(power))};
-  Group words = {pair, times<Modulus>(pair, Modulus::factor(power2))};
-  const auto onward = Modulus::factor(Modulus::times(power2, power2));
-
-  ptrdiff_t i = 0;  // so that i + group does not overflow
-  for (; i + group <= n; i += group) {
-    put(output, out + i, words);
-    words = times<Modulus>(words, onward);
+  const Group words = {pair, times<Modulus>(pair, Modulus::factor(power2))};
+  const Word power4 = Modulus::times(power2, power2);
+  if (Modulus::many && n >= Modulus::many) {
+    const Two<Group> twice = {words, times<Modulus>(words, Modulus::factor(power4))};
+    draw_groups<Modulus>(state, twice, Modulus::times(power4, power4), n, out, output);
+  } else {
+    draw_groups<Modulus>(state, words, power4, n, out, output);
   }
-  store(line, words);
-  emit<typename Modulus::Stretch>(line, (int)(n - i), out + i, output);
-  state = line[n - i];
 }
 
 #if QKR_BASELINE

@@ -15,7 +15,7 @@ struct Mersenne31 {
   using V = u32;
   using Stretch = u32;
   using Factor = u64;
-  static constexpr int smallest = 4 * lanes;
+  static constexpr int smallest = 4 * lanes, many = 0;
   static constexpr Word multiplier = 1132489760;
 
   static Word residue(int32_t, const uint32_t *seeds) { return seeds[0] % modulus; }

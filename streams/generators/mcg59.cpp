@@ -26,7 +26,7 @@ struct Power59 {
   using V = Two<uint64_t>;
   using Stretch = Two<Two<uint64_t>>;
   using Factor = uint64_t;
-  static constexpr int smallest = 16;
+  static constexpr int smallest = 16, many = 0;
   QKR_INLINE static Factor factor(Word a) { return a; }
   QKR_INLINE static V times(V x, Factor a) { return x * a; }
 #else
@@ -34,14 +34,14 @@ struct Power59 {
   using Stretch = Two<u64>;
 #if QKR_SIMD_BYTES == 64
   using Factor = u64;
-  static constexpr int smallest = 32;
+  static constexpr int smallest = 32, many = 512;
   QKR_INLINE static Factor factor(Word a) { return a - u64{}; }
   QKR_INLINE static V times(V x, Factor a) { return x * a; }
 #else
   struct Factor {
     u64 low, high;
   };
-  static constexpr int smallest = 64;
+  static constexpr int smallest = 64, many = 0;
   QKR_INLINE static Factor factor(Word a) { return {a - u64{}, (a >> 32) - u64{}}; }
   QKR_INLINE static V times(V x, Factor a) {
     const u64 crosswise = product_of_low_halves(x >> 32, a.low) + product_of_low_halves(x, a.high);

@@ -61,7 +61,7 @@ std::vector<Operation> operations(int count) {
 
 std::string Operation::name() const {
   return testing::PrintToString(
-      std::tie(kind, x.shape, y.shape, z.shape, start, decimation, x.stride, y.stride, z.stride));
+      std::make_tuple(kind, x.shape, y.shape, z.shape, start, decimation, x.stride, y.stride, z.stride));
 }
 
 Task make_task(const Operation &o, int32_t mode, int32_t data, int32_t internal) {
