@@ -67,11 +67,13 @@ int32_t vectors(int32_t method, StreamState *stream, int32_t n, T *out, int32_t 
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-QKR_DISTRIBUTION(_vxsdRngGaussianMV, double,
-                 (int32_t d, int32_t mstorage, const double *mean, const double *t), (d, mstorage, mean, t)) {
+QKR_DISTRIBUTION_AFTER(, _vxsdRngGaussianMV, double,
+                       (int32_t d, int32_t mstorage, const double *mean, const double *t),
+                       (d, mstorage, mean, t)) {
   return vectors(method, stream, n, out, d, mstorage, mean, t);
 }
-QKR_DISTRIBUTION(_vxssRngGaussianMV, float, (int32_t d, int32_t mstorage, const float *mean, const float *t),
-                 (d, mstorage, mean, t)) {
+QKR_DISTRIBUTION_AFTER(, _vxssRngGaussianMV, float,
+                       (int32_t d, int32_t mstorage, const float *mean, const float *t),
+                       (d, mstorage, mean, t)) {
   return vectors(method, stream, n, out, d, mstorage, mean, t);
 }

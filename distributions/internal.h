@@ -191,13 +191,15 @@ inline void bound(int32_t n, T *x, T lower, T upper) {
 }  // namespace
 }  // namespace qkr::QKR_SIMD_LEVEL
 
-// The entry of a distribution in one form, for all levels; its body follows. QKR_DISTRIBUTION_UNLESS: only
-// if the baseline's expression `served`, which may serve a short call, is false (see QKR_ENTRY_AFTER).
+// The entry of a distribution in one form, for all levels; its body follows. For a few numbers all levels do
+// the same, and the baseline starts sooner. QKR_DISTRIBUTION_UNLESS: only if the baseline's expression
+// `served`, which may serve a short call, is false (see QKR_ENTRY_AFTER).
 #define QKR_DISTRIBUTION(name, T, parameters, arguments) \
-  QKR_DISTRIBUTION_AFTER(, name, T, parameters, arguments)
-#define QKR_DISTRIBUTION_UNLESS(name, T, parameters, arguments, served) \
-  QKR_DISTRIBUTION_AFTER(using namespace qkr::sse2;                     \
-                         if (served) return VXS_STATUS_OK, name, T, parameters, arguments)
+  QKR_DISTRIBUTION_UNLESS(name, T, parameters, arguments, false)
+#define QKR_DISTRIBUTION_UNLESS(name, T, parameters, arguments, served)                                      \
+  QKR_DISTRIBUTION_AFTER(using namespace qkr::sse2; if (served) return VXS_STATUS_OK;                        \
+                         QKR_STAY_IF(n <= 4, name, (method, stream, n, out, QKR_LISTED arguments)), name, T, \
+                         parameters, arguments)
 #define QKR_DISTRIBUTION_AFTER(first, name, T, parameters, arguments)                                     \
   QKR_ENTRY_AFTER(                                                                                        \
       first, int32_t, name,                                                                               \
