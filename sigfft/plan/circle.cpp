@@ -143,9 +143,13 @@ QKR_INLINE void for_octant(size_t whole, Use use) {
 template <class T>
 QKR_INLINE void fill_quarter(size_t n, T *table) {
   for_octant(n, [=](size_t first, size_t count, const Cosines &points) {
-    T *const upward = table + first, *const downward = table + n / 4 - first;
-    for (size_t i = 0; i < count; ++i) upward[i] = (T)points.sine[i];
-    for (size_t i = 0; i < count; ++i) *(downward - i) = (T)points.cosine[i];
+    const auto put = [&](size_t number) QKR_LAMBDA {
+      T *const __restrict upward = table + first, *const __restrict downward = table + n / 4 - first;
+      for (size_t i = 0; i < number; ++i) upward[i] = (T)points.sine[i];
+      for (size_t i = 0; i < number; ++i) *(downward - i) = (T)points.cosine[i];
+    };
+    if (count == together) put(together);  // known to the compiler, which then makes vectors of it
+    else put(count);
   });
 }
 
