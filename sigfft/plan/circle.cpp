@@ -140,13 +140,18 @@ QKR_INLINE void for_octant(size_t whole, Use use) {
   }
 }
 
+// To the places from `to` on, upward or downward.
+template <int direction, class T>
+QKR_INLINE void put_values(const double *values, size_t count, T *__restrict to) {
+  for (size_t i = 0; i < count; ++i) to[direction * (ptrdiff_t)i] = (T)values[i];
+}
+
 template <class T>
 QKR_INLINE void fill_quarter(size_t n, T *table) {
   for_octant(n, [=](size_t first, size_t count, const Cosines &points) {
     const auto put = [&](size_t number) QKR_LAMBDA {
-      T *const __restrict upward = table + first, *const __restrict downward = table + n / 4 - first;
-      for (size_t i = 0; i < number; ++i) upward[i] = (T)points.sine[i];
-      for (size_t i = 0; i < number; ++i) *(downward - i) = (T)points.cosine[i];
+      put_values<1>(points.sine, number, table + first);
+      put_values<-1>(points.cosine, number, table + n / 4 - first);
     };
     if (count == together) put(together);  // known to the compiler, which then makes vectors of it
     else put(count);
