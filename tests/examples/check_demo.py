@@ -111,6 +111,12 @@ class Demo(unittest.TestCase):
         self.near(days["Quito"], 12.125, 0.075)
         self.near([np.sum(days["Tromso"] == 24), np.sum(days["Tromso"] == 0)], np.array([69, 49]), 2.5)
         self.near(np.max(sun["elevation"]), 90 - 69.6529 + 23.436, 0.05)
+        # Haversines instead of arc tangents.
+        _, latitude, longitude = np.radians(data("stations.csv")).T
+        north, east = (np.sin(np.subtract.outer(a, a) / 2) for a in (latitude, longitude))
+        square = north ** 2 + np.outer(np.cos(latitude), np.cos(latitude)) * east ** 2
+        for distance in 2 * 6371.0088 * np.arcsin(np.sqrt(square[np.triu_indices(len(square), 1)])):
+            self.assertIn(f"{distance:.1f}", self.report)
 
     def test_sunspots(self):
         signal = without_trend(data("sunspots_yearly.csv")[:, 1], 1)
