@@ -15,51 +15,56 @@ TEST(CxxArrays, AlignedMemoryMoves) {
   for (const size_t more_than_it_can : {size_t{1} << 28, size_t{1} << 40})
     EXPECT_EQ(a.try_reset(more_than_it_can).code(), zprStsSizeErr);
   EXPECT_EQ(a.end() - a.begin(), 100);
-  EXPECT_THROW(qkr::aligned_array<char>(size_t{1} << 31), qkr::error);
 }
 
-template <class From, class To, class Back = From>
-void there_and_back(std::vector<From> whole) {
-  while (whole.size() < 200) whole.push_back(whole[whole.size() - 3]);
-  std::vector<To> to(whole.size());
-  std::vector<From> back(whole.size());
-  qkr::convert(whole, to);
-  for (size_t i = 0; i < whole.size(); ++i) EXPECT_EQ(to[i], To(whole[i]));
-  qkr::convert(to, back);
+// Rounded to nearest, truncated and halved: saturated, but as it is where the type holds it.
+template <class T, class Real = float>
+void expect_converted(std::vector<T> borders) {
+  std::vector<T> whole(200, 7), back(200);
+  std::copy(borders.begin(), borders.end(), whole.begin());
+  std::vector<Real> real(200);
+  qkr::convert(whole, real);
+  for (size_t i = 0; i < 200; ++i) EXPECT_EQ(real[i], Real(whole[i]));
+  qkr::convert(real, back);
   EXPECT_EQ(back, whole);
-  EXPECT_EQ(qkr::try_convert(whole, std::span(to).first(1)).code(), zprStsSizeErr);
+  real = {1.75f, 2.5f, 6};
+  back.resize(3);
+  qkr::convert(real, back);
+  EXPECT_EQ(back, (std::vector<T>{2, 2, 6}));
+  qkr::convert(real, back, qkr::rounding::truncate, 1);
+  EXPECT_EQ(back, (std::vector<T>{0, 1, 3}));
+  EXPECT_EQ(qkr::try_convert(whole, real).code(), zprStsSizeErr);
 }
 
 TEST(CxxArrays, ConversionsOfEveryType) {
-  there_and_back<int8_t, float>({-128, 0, 127});
-  there_and_back<uint8_t, float>({0, 200, 255});
-  there_and_back<int16_t, float>({-32768, 5, 32767});
-  there_and_back<uint16_t, float>({0, 5, 65535});
-  there_and_back<int32_t, float>({-65536, 5, 65536});
-  there_and_back<int32_t, double>({INT32_MIN, 5, INT32_MAX});
+  expect_converted<int8_t>({-128, 0, 127});
+  expect_converted<uint8_t>({0, 200, 255});
+  expect_converted<int16_t>({-32768, 5, 32767});
+  expect_converted<uint16_t>({0, 5, 65535});
+  expect_converted<int32_t>({-65536, 5, 65536});
+  expect_converted<int32_t, double>({INT32_MIN, 5, INT32_MAX});
   const std::vector<float> x = {1.5f, 2.5f, -300, 6};
-  std::vector<int8_t> y(4);
-  qkr::convert(x, y);
-  EXPECT_EQ(y, (std::vector<int8_t>{2, 2, -128, 6}));
-  qkr::convert(x, y, qkr::rounding::truncate, 1);
-  EXPECT_EQ(y, (std::vector<int8_t>{0, 1, -128, 3}));
   std::vector<uint16_t> half(4);
   std::vector<float> back(4);
   std::vector<int16_t> whole(4);
   qkr::to_half(x, half);
-  EXPECT_EQ(half[0], 0x3e00);
   qkr::from_half(half, back);
   EXPECT_EQ(back, x);
   qkr::from_half(half, whole);
   EXPECT_EQ(whole, (std::vector<int16_t>{2, 2, -300, 6}));
-  qkr::to_half(whole, half);
-  EXPECT_EQ(half[3], 0x4600);
-  EXPECT_TRUE(qkr::try_convert(std::span<const float>(), std::span<int8_t>()).ok());
+  const std::vector<int16_t> between(4, 4099);  // of 4096, 4100
+  for (const auto &[to, expected] :
+       {std::pair{qkr::rounding::nearest, 4100.f}, {qkr::rounding::truncate, 4096.f}}) {
+    qkr::to_half(between, half, to);
+    qkr::from_half(half, back);
+    EXPECT_EQ(back[3], expected);
+  }
+  qkr::convert(std::span<const float>(), std::span<int8_t>());
 }
 
 // In several pieces, too.
 TEST(CxxArrays, PackAndUnpack) {
-  for (const size_t n : {3, 63, 64, 65, 128, 1000}) {
+  for (const size_t n : {3, 64, 65, 1000}) {
     SCOPED_TRACE(n);
     std::vector<double> x(2 * n), odd(n), evens_of_x(2 * n);
     std::vector<int32_t> mask(2 * n), index(n);
@@ -91,7 +96,6 @@ TEST(CxxArrays, PackRefusesWhatDoesNotFit) {
         qkr::try_unpack_where(two, z, mask)})
     EXPECT_EQ(answer, qkr::status(qkr::room::vecmath, VXM_STATUS_BADSIZE));
   EXPECT_TRUE(qkr::try_pack(a, 3, y).ok() && qkr::try_pack(a, 0, y).ok() && qkr::try_unpack(y, z, 3).ok());
-  EXPECT_THROW(qkr::pack(a, 4, y), qkr::error);
 }
 
 }  // namespace

@@ -6,22 +6,15 @@ namespace {
 
 TEST(CxxStatus, TellsRoomCodeAndText) {
   const qkr::status bad(qkr::room::dft, DFTX_NOT_COMMITTED);
-  EXPECT_FALSE(bad.ok());
-  EXPECT_STREQ(bad.text(), qkr_status_text(QKR_ROOM_DFT, DFTX_NOT_COMMITTED));
   try {
     qkr::check(bad);
     FAIL();
-  } catch (const std::exception &caught) {
-    EXPECT_STREQ(caught.what(), bad.text());
-    const auto &error = dynamic_cast<const qkr::error &>(caught);
+  } catch (const qkr::error &error) {
+    EXPECT_STREQ(error.what(), qkr_status_text(QKR_ROOM_DFT, DFTX_NOT_COMMITTED));
     EXPECT_EQ(error.status(), bad);
-    EXPECT_EQ(error.code(), DFTX_NOT_COMMITTED);
-    EXPECT_EQ(error.room(), qkr::room::dft);
   }
-  EXPECT_NO_THROW(qkr::check({qkr::room::convcorr, VXS_CC_OK}));
   EXPECT_TRUE(qkr::status(qkr::room::streams, 5).ok());  // of a user's generator
   EXPECT_FALSE(qkr::status(qkr::room::vecmath, VXM_STATUS_ERRDOM).ok());
-  EXPECT_EQ(qkr::version(), QKR_VERSION);
 }
 
 TEST(CxxStatus, LevelsAreThoseOfTheLibrary) {
@@ -32,18 +25,15 @@ TEST(CxxStatus, LevelsAreThoseOfTheLibrary) {
 }
 
 TEST(CxxShape, TakesWhatThirtyTwoBitsHold) {
-  const size_t width = 640;
-  const short height = 480;
-  const qkr::shape picture = {width, height}, row = std::vector<size_t>{3, 4, 5}, line = 7;
-  EXPECT_TRUE(picture.valid() && row.valid() && line.valid());
+  const short height = -480;
+  const qkr::shape picture = {size_t{640}, height}, row = std::vector<size_t>{3, 4, 5};
+  EXPECT_TRUE(picture.valid() && row.valid());
   EXPECT_EQ(picture.size(), 2u);
-  EXPECT_EQ(picture[1], 480);
+  EXPECT_EQ(picture[1], -480);
   EXPECT_EQ(row[2], 5);
-  EXPECT_TRUE(qkr::shape(-3).valid());
-  EXPECT_FALSE(qkr::shape(size_t{1} << 31).valid());
-  EXPECT_FALSE(qkr::shape(2, int64_t{-1} << 40).valid());
-  EXPECT_FALSE(qkr::shape(1, 2, 3, 4, 5, 6, 7, 8).valid());
-  EXPECT_EQ(qkr::shape().size(), 0u);
+  for (const qkr::shape &none :
+       {qkr::shape(size_t{1} << 31), qkr::shape(2, int64_t{-1} << 40), qkr::shape(1, 2, 3, 4, 5, 6, 7, 8)})
+    EXPECT_FALSE(none.valid());
 }
 
 }  // namespace
