@@ -1,6 +1,6 @@
-// A hash of the results of every transform, convolution and product of spectra, which must be the same at all
-// levels, with every compiler, on every processor and with every C library: one line for each set, precision,
-// form and order, for each kind of length where that is no power of two, for each method.
+// A hash of the results of every transform, which must be the same at all levels, with every compiler, on every
+// processor and with every C library: one line for each set, precision, form and order, and for each kind of
+// length where that is no power of two.
 //   transforms_digest [LARGEST_ORDER]
 #include <stdlib.h>
 
@@ -66,60 +66,11 @@ void print_digests(int largest_order) {
       }
 }
 
-// `results` numbers that compute(dst) makes.
-template <class T, class Compute>
-void print_results(const std::string &name, size_t results, Compute compute) {
-  print_digest(name, [&] {
-    std::vector<T> dst(results);
-    compute(dst.data());
-    Hash hash;
-    hash.add(dst);
-    return hash.value();
-  });
-}
-
-template <class T, class Convolve>
-void print_convolutions(const char *name, const std::vector<T> &x, Convolve convolve) {
-  struct Method {
-    const char *name;
-    size_t longer, shorter;
-  };
-  for (const Method &m : {Method{" sum", 1100, 31}, {" transform", 700, 500}, {" blocks", 3000, 100}})
-    print_results<T>(std::string(name) + m.name, m.longer + m.shorter - 1, [&](T *dst) {
-      convolve(x.data(), (int32_t)m.longer, x.data() + m.longer, (int32_t)m.shorter, dst);
-    });
-}
-
-template <class T>
-void print_products(const char *name, const std::vector<T> &x,
-                    zprStatus (*multiply)(const T *, const T *, T *, int32_t)) {
-  constexpr int32_t odd = 1001;
-  for (const int32_t n : {odd, odd + 1})
-    print_results<T>(std::string(name) + ' ' + std::to_string(n), (size_t)n,
-                     [&](T *dst) { multiply(x.data(), x.data() + n, dst, n); });
-}
-
-void print_convolutions() {
-  const auto doubles = signal<double>(4000);
-  const auto singles = signal<float>(4000);
-  std::vector<int16_t> shorts;
-  for (const double x : doubles) shorts.push_back((int16_t)(1000 * x));
-  print_convolutions("zprsConv_64f", doubles, zprsConv_64f);
-  print_convolutions("zprsConv_32f", singles, zprsConv_32f);
-  print_convolutions("zprsConv_16s_Sfs", shorts,
-                     [](auto... arguments) { return zprsConv_16s_Sfs(arguments..., 10); });
-  print_products("zprsMulPerm_64f", doubles, zprsMulPerm_64f);
-  print_products("zprsMulPerm_32f", singles, zprsMulPerm_32f);
-  print_products("zprsMulPack_64f", doubles, zprsMulPack_64f);
-  print_products("zprsMulPack_32f", singles, zprsMulPack_32f);
-}
-
 }  // namespace
 
 int main(int count, char **arguments) {
   const int largest_order = count > 1 ? atoi(arguments[1]) : 18;
   print_digests<double>(largest_order);
   print_digests<float>(largest_order);
-  print_convolutions();
   return differences != 0;
 }
