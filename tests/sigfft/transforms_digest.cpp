@@ -1,6 +1,6 @@
-// A hash of the results of every transform, which must be the same at all levels, with every compiler, on every
-// processor and with every C library: one line for each set, precision, form and order, and for each kind of
-// length where that is no power of two.
+// A hash of the results of every transform, which must be the same at all levels, with every compiler, on
+// every processor and with every C library: one line for each set, precision, form and order, and for each
+// kind of length where that is no power of two.
 //   transforms_digest [LARGEST_ORDER]
 #include <stdlib.h>
 

@@ -1,6 +1,6 @@
 // What all forms of a transform agree on, of powers of two and of any length: the same bits at every vector
-// width, in place or not, interleaved or not, at any alignment and within bounds, whoever owns the work buffer;
-// normalisation; formats; checks before anything is written.
+// width, in place or not, interleaved or not, at any alignment and within bounds, whoever owns the work
+// buffer; normalisation; formats; checks before anything is written.
 #include <array>
 #include <cmath>
 #include <cstring>
