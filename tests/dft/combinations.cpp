@@ -181,23 +181,6 @@ const Pair &random_pair(const std::vector<int32_t> &lengths, bool real, bool for
   return pair;
 }
 
-template <class T>
-int32_t call(const Case &c, DftDescriptor *d, T *input, T *output) {
-  if constexpr (sizeof(T) == 8) {
-    if (c.domain == DFTX_COMPLEX)
-      return c.forward ? qkr_dft_def_compute_forward_z(&d, output)
-                       : qkr_dft_def_compute_backward_z(&d, output);
-    return c.forward ? qkr_dft_def_compute_forward_dz_out(&d, input, output)
-                     : qkr_dft_def_compute_backward_zd_out(&d, input, output);
-  } else {
-    if (c.domain == DFTX_COMPLEX)
-      return c.forward ? qkr_dft_def_compute_forward_c(&d, output)
-                       : qkr_dft_def_compute_backward_c(&d, output);
-    return c.forward ? qkr_dft_def_compute_forward_sc_out(&d, input, output)
-                     : qkr_dft_def_compute_backward_cs_out(&d, input, output);
-  }
-}
-
 // What stands where nothing is to be written.
 template <class T>
 constexpr T untouched = T(-12345.678);
@@ -226,41 +209,48 @@ Outcome compute_in(const Case &c, DftDescriptor *descriptor) {
   int64_t input_size = 1, output_size = 1;
   for (const Word &w : input_words) input_size = std::max(input_size, w.place + 1);
   for (const Word &w : output_words) output_size = std::max(output_size, w.place + 1);
-  // A transform in place may use the memory of both arrays; nothing behind it.
-  const int64_t margin = c.guarded ? 0 : 8;
-  const Edge edge = c.guarded.value_or(Edge::end);
-  const size_t output_count = margin + std::max(output_size, one_array ? input_size : 0) + margin;
-  const size_t input_count = margin + input_size + margin;
-  Guarded<T> output(output_count, edge), input(input_count, edge);
-  T *const to = output.data() + margin, *const from = input.data() + margin;
-  std::fill_n(output.data(), output_count, untouched<T>);
-  std::fill_n(input.data(), input_count, untouched<T>);
-  for (const Word &w : input_words) (one_array ? to : from)[w.place] = static_cast<T>(w.value);
-  const std::vector<T> input_before(input.data(), input.data() + input_count);
+  // A transform in place may use the memory of both arrays.
+  Guarded<T> output(std::max(output_size, one_array ? input_size : 0), c.edge), input(input_size, c.edge);
+  std::ranges::fill(output, untouched<T>);
+  std::ranges::fill(input, untouched<T>);
+  for (const Word &w : input_words) (one_array ? output : input)[w.place] = static_cast<T>(w.value);
+  const std::vector<T> input_before(input.begin(), input.end());
 
   Outcome outcome;
-  outcome.code = call(c, descriptor, one_array ? to : from, to);
+  outcome.code = call(c, descriptor, one_array ? output.data() : input.data(), output.data());
 
   Exact difference = 0, sum = 0;
-  std::vector<char> expected(output_count);
+  std::vector<bool> expected(output.size(), one_array);
   for (const Word &w : output_words) {
-    const Exact d = to[w.place] - w.value;
+    const Exact d = output[w.place] - w.value;
     difference += d * d, sum += w.value * w.value;
-    expected[margin + w.place] = 1;
-    outcome.numbers.push_back(static_cast<double>(to[w.place]));
+    expected[w.place] = true;
+    outcome.numbers.push_back(static_cast<double>(output[w.place]));
   }
   outcome.error = static_cast<double>(std::sqrt(sum == 0 ? difference : difference / sum));
-  for (int64_t i = 0; i < static_cast<int64_t>(output_count); ++i) {
-    const bool inside = i >= margin && i + margin < static_cast<int64_t>(output_count);
-    if (!expected[i] && (!one_array || !inside) && output.data()[i] != untouched<T>) outcome.strayed = true;
-  }
-  if (std::memcmp(input.data(), input_before.data(), input_count * sizeof(T)) != 0) outcome.strayed = true;
-  outcome.bytes.resize(output_count * sizeof(T));
+  for (size_t i = 0; i < output.size(); ++i)
+    if (!expected[i] && output[i] != untouched<T>) outcome.strayed = true;
+  if (!std::equal(input.begin(), input.end(), input_before.begin())) outcome.strayed = true;
+  outcome.bytes.resize(output.size() * sizeof(T));
   std::memcpy(outcome.bytes.data(), output.data(), outcome.bytes.size());
   return outcome;
 }
 
 }  // namespace
+
+int32_t call(const Case &c, DftDescriptor *d, void *in, void *out) {
+  const bool in_double = c.precision == DFTX_DOUBLE;
+  if (c.domain == DFTX_COMPLEX) {
+    const auto forward = in_double ? qkr_dft_def_compute_forward_z : qkr_dft_def_compute_forward_c;
+    const auto backward = in_double ? qkr_dft_def_compute_backward_z : qkr_dft_def_compute_backward_c;
+    return (c.forward ? forward : backward)(&d, out);
+  }
+  if (in_double)
+    return c.forward ? qkr_dft_def_compute_forward_dz_out(&d, static_cast<double *>(in), out)
+                     : qkr_dft_def_compute_backward_zd_out(&d, in, static_cast<double *>(out));
+  return c.forward ? qkr_dft_def_compute_forward_sc_out(&d, static_cast<float *>(in), out)
+                   : qkr_dft_def_compute_backward_cs_out(&d, in, static_cast<float *>(out));
+}
 
 int64_t points(const Lengths &lengths) {
   int64_t size = 1;
@@ -303,7 +293,7 @@ std::vector<Case> cases(const Ranges &ranges) {
   vary_field(ranges.orderings, &Case::ordering);
   vary_field(ranges.thread_limits, &Case::thread_limit);
   vary_field(ranges.one_array, &Case::in_place);
-  vary_field(ranges.guarded, &Case::guarded);
+  vary_field(ranges.edges, &Case::edge);
   std::erase_if(all, [&](const Case &c) {
     const bool collides = c.layout != Layout::contiguous && c.transforms > 1;
     return (c.in_place && (c.domain == DFTX_COMPLEX || collides)) ||
@@ -320,9 +310,7 @@ std::string name(const Case &c) {
   text << " storage " << c.storage << " format " << c.format << " placement " << c.placement << " ordering "
        << c.ordering << " transforms " << c.transforms << " layout " << static_cast<int>(c.layout)
        << " scale " << c.scale << " limit " << c.thread_limit << (c.in_place ? " one array" : "")
-       << (!c.guarded                  ? ""
-           : *c.guarded == Edge::start ? " behind a guarded page"
-                                       : " before a guarded page");
+       << (c.edge == Edge::start ? " behind a guarded page" : " before a guarded page");
   return text.str();
 }
 

@@ -1,7 +1,6 @@
 // One transform in all its settings, and what it must give: by FFTW in long double.
 #pragma once
 
-#include <optional>
 #include <qkr/dft.h>
 #include <string>
 #include <vector>
@@ -31,8 +30,7 @@ struct Case {
   int32_t thread_limit = 1;
   bool forward = true;
   bool in_place = false;  // of a real transform: input and output are one array
-  // The arrays stand between pages that must not be touched, right at one of them.
-  std::optional<Edge> guarded = std::nullopt;
+  Edge edge = Edge::end;  // the arrays stand between pages that must not be touched, right at one of them
 };
 
 std::string name(const Case &c);
@@ -58,7 +56,7 @@ struct Ranges {
   std::vector<double> scales = {1};
   std::vector<int32_t> placements = {DFTX_NOT_INPLACE}, orderings = {DFTX_ORDERED}, thread_limits = {1};
   std::vector<bool> one_array = {false};
-  std::vector<std::optional<Edge>> guarded = {std::nullopt};
+  std::vector<Edge> edges = {Edge::end};
   bool with_refused = false;
 };
 
@@ -71,6 +69,9 @@ int32_t expected_code(const Case &c);
 
 // Creates the descriptor, sets it up and commits it: the first code that is not 0.
 int32_t prepare(const Case &c, DftDescriptor **handle);
+
+// The compute function of the case.
+int32_t call(const Case &c, DftDescriptor *descriptor, void *input, void *output);
 
 struct Outcome {
   int32_t code = -1;  // of prepare, or of compute

@@ -85,7 +85,7 @@ TEST(Bits, OfATransformAreThoseOfItAlone) {
                       .layouts = {Layout::contiguous, Layout::interleaved},
                       .scales = {c.scale},
                       .one_array = {false, true},
-                      .guarded = {Edge::end, Edge::start}}))
+                      .edges = {Edge::end, Edge::start}}))
       for_each_level([&](const char *level) {
         const Outcome outcome = run(among);
         ASSERT_EQ(outcome.code, DFTX_NO_ERROR);

@@ -70,7 +70,7 @@ TEST(Memory, BetweenGuardedPages) {
   for (const Case &c : cases({.lengths = {{7}, {512}, {181}, {16, 32}, {5, 7}, {6, 512}, {8, 1}, {4, 8, 15}},
                        .transforms = {1, 2, 19},
                        .one_array = {false, true},
-                       .guarded = {Edge::end, Edge::start}})) {
+                       .edges = {Edge::end, Edge::start}})) {
     if (c.lengths.size() > 1 && c.transforms > 2) continue;
     for_each_level([&](const char *level) {
       const Outcome outcome = run(c);

@@ -1,16 +1,98 @@
 // Teams of the library and threads of the caller: the same bits at any number, and who is let in.
+#include <algorithm>
 #include <atomic>
+#include <barrier>
+#include <cstdarg>
+#include <cstdlib>
 #include <gtest/gtest.h>
+#include <mutex>
 #include <thread>
 
 #include "dft/descriptor/record.h"
+#include "dft/threads/runtime.h"
 #include "service/internal.h"
 #include "tests/dft/combinations.h"
-#include "tests/dft/team.h"
 #include "tests/support/levels.h"
 
 namespace qkr::tests {
 namespace {
+
+// A runtime of the kind of OpenMP made of standard threads, which the thread sanitizer understands, with as
+// many members as a test asks for.
+struct Team {
+  int32_t threads = 1;       // what omp_get_max_threads_ answers, and the members of a team
+  bool may_fork = true;      // what __kmpc_ok_to_fork answers
+  bool in_parallel = false;  // what omp_in_parallel_ answers
+  int forks = 0, serialized = 0;
+} team;
+
+using dft::CriticalName;
+using dft::Location;
+
+thread_local int32_t member = 0;
+std::mutex critical;
+std::barrier<> *meeting = nullptr;
+
+int32_t thread_number(Location *) { return member; }
+int32_t ok_to_fork(Location *) { return team.may_fork; }
+void fork_call(Location *, int32_t, dft::Region region, ...) {
+  ++team.forks;
+  va_list arguments;
+  va_start(arguments, region);
+  void *shared = va_arg(arguments, void *);
+  va_end(arguments);
+  std::barrier<> here(team.threads);
+  meeting = &here;
+  std::vector<std::thread> others;
+  const auto run = [&](int32_t number) {
+    member = number;
+    int32_t thread = number, own = number;
+    reinterpret_cast<void (*)(int32_t *, int32_t *, void *)>(region)(&thread, &own, shared);
+  };
+  for (int32_t i = 1; i < team.threads; ++i) others.emplace_back(run, i);
+  run(0);
+  for (std::thread &thread : others) thread.join();
+  meeting = nullptr;
+}
+void serialized(Location *, int32_t) { ++team.serialized; }
+void end_serialized(Location *, int32_t) {}
+// Schedule 34: one run of iterations a member.
+void static_init(Location *, int32_t, int32_t schedule, int32_t *last, int32_t *lower, int32_t *upper,
+                 int32_t *, int32_t, int32_t) {
+  if (schedule != 34) abort();
+  if (!meeting) return;  // a serialized region has one member
+  const int32_t count = *upper - *lower + 1, chunk = (count + team.threads - 1) / team.threads;
+  const int32_t first = *lower + member * chunk, end = *upper;
+  *lower = first;
+  *upper = std::min(first + chunk - 1, end);
+  *last = *upper == end;
+}
+void static_fini(Location *, int32_t) {}
+void barrier(Location *, int32_t) {
+  if (meeting) meeting->arrive_and_wait();
+}
+void enter(Location *, int32_t, CriticalName *) { critical.lock(); }
+void leave(Location *, int32_t, CriticalName *) { critical.unlock(); }
+int32_t in_parallel() { return team.in_parallel; }
+int32_t max_threads() { return team.threads; }
+
+const dft::OpenMP standard_threads = {thread_number,  ok_to_fork,  fork_call,   serialized,
+                                      end_serialized, static_init, static_fini, barrier,
+                                      enter,          leave,       in_parallel, max_threads};
+
+// The library decides to run parallel, on `team`; until the object goes.
+struct WithTeam {
+  const int32_t serial_before = serial_decision;
+  explicit WithTeam(int32_t threads) {
+    serial_decision = 0;
+    team = {.threads = threads};
+    dft::force_runtime(&standard_threads);
+  }
+  ~WithTeam() {
+    dft::force_runtime(nullptr);
+    serial_decision = serial_before;
+  }
+};
 
 // Shapes with every way of sharing out: batches, planes and grids, small and large, with fewer items than
 // threads.

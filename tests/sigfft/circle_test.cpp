@@ -56,21 +56,5 @@ TEST(Circle, CorrectlyRounded) {
   });
 }
 
-TEST(Circle, QuarterWave) {
-  for (size_t n : {8, 16, 2048, 1 << 16, 1000, 12345 * 8}) {
-    std::vector<double> pairs(2 * n), table(n / 4 + 2, -7);
-    std::vector<float> singles(n / 4 + 2, -7);
-    sigfft::fill_circle(n, pairs.data());
-    sigfft::fill_quarter_sines(n, table.data());
-    sigfft::fill_quarter_sines(n, singles.data());
-    for (size_t k = 0; k <= n / 4; ++k) {
-      ASSERT_EQ(table[k], -pairs[2 * k + 1]) << k << " of " << n;
-      ASSERT_EQ(singles[k], (float)table[k]) << k << " of " << n;
-    }
-    ASSERT_EQ(table[n / 4 + 1], -7);
-    ASSERT_EQ(singles[n / 4 + 1], -7);
-  }
-}
-
 }  // namespace
 }  // namespace qkr::tests

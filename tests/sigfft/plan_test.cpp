@@ -1,10 +1,10 @@
-// Plans of powers of two and of any length: sizes, factors and routes, the order of checks, memory of their
-// own and of the caller, failing allocations.
+// Plans of powers of two and of any length: sizes, memory of their own and of the caller, the order of checks,
+// failing allocations.
+#include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
 
 #include "engines.h"
-#include "sigfft/any_length/plan/factors.h"
 #include "tests/support/allocations.h"
 
 namespace qkr::tests {
@@ -89,13 +89,15 @@ TYPED_TEST(Plans, FitIntoTheCallersMemory) {
           const size_t n = size_t{1} << order;
           const Plan<T> own(f, kind, n, 1);
           auto a = signal<T>(2 * n), b = a;
-          std::vector<uint8_t> buffer(work);
+          EXPECT_EQ(own.work_bytes(), work);
+          std::vector<uint8_t> buffer(offset + work + 16, mark);
           for (const bool forward : {true, false}) {
             const Parts<T> x = {a.data(), a.data() + n}, y = {b.data(), b.data() + n};
-            run(f, {kind}, forward, x, x, plan, buffer.data());
+            run(f, {kind}, forward, x, x, plan, work ? buffer.data() + offset : nullptr);
             run(f, {kind}, forward, y, y, own);
           }
           EXPECT_TRUE(a == b);
+          EXPECT_EQ(std::count(buffer.end() - 16, buffer.end(), mark), 16);
           EXPECT_EQ(functions.release(plan), zprStsNoErr);
           EXPECT_EQ(functions.release(plan), zprStsContextMatchErr);
         }
@@ -203,67 +205,31 @@ TYPED_TEST(Plans, ReportFailingAllocations) {
           report_failing_allocations(f, form, size_t{1} << order, order < 4 ? 1 : 2);
 }
 
-// The factors in the order of the stages, before and after the even one has moved; none for other routes.
-TEST(Factors, AreThoseOfTheStages) {
-  const struct {
-    int32_t length;
-    std::vector<int32_t> found, moved;
-  } rows[] = {
-      {5, {}, {}},
-      {6, {2, 3}, {3, 2}},
-      {9, {3, 3}, {3, 3}},
-      {24, {2, 4, 3}, {2, 3, 4}},
-      {96, {2, 4, 4, 3}, {2, 3, 4, 4}},
-      {48, {4, 4, 3}, {3, 4, 4}},
-      {98, {2, 7, 7}, {7, 7, 2}},
-      {149, {}, {}},
-      {300, {4, 3, 5, 5}, {5, 3, 5, 4}},
-      {302, {}, {}},
-      {5005, {5, 7, 11, 13}, {5, 7, 11, 13}},
-      {22201, {149, 149}, {149, 149}},
-      {22801, {}, {}},
-  };
-  for (const auto &row : rows) {
-    sigfft::Factors factors;
-    ASSERT_EQ(sigfft::find_factors(row.length, &factors), !row.found.empty()) << row.length;
-    if (row.found.empty()) continue;
-    const auto list = [&] { return std::vector<int32_t>(factors.of, factors.of + factors.stages + 1); };
-    EXPECT_EQ(list(), row.found) << row.length;
-    move_even_factor(&factors);
-    EXPECT_EQ(list(), row.moved) << row.length;
-  }
-}
-
-// The route of a length shows in the size of its work buffer. In units that are 16 bytes in double and 8 in
-// single precision, and so many bytes more.
+// The route of a length shows in the size of its work buffer: so many complex numbers, and so many bytes.
 TYPED_TEST(Plans, TakeTheRouteOfTheirLength) {
-  struct Row {
+  const struct {
+    Kind kind;
     size_t length;
-    double units;
+    double numbers;
     int32_t bytes;
-  };
-  const std::vector<Row> rows[kinds] = {
-      {{1, 0, 0},
-       {4, 0, 0},
-       {8, 0, 0},
-       {16, 16, 16},
-       {5, 5, 16},
-       {149, 149, 16},
-       {6, 6, 16},
-       {14, 28, 16},
-       {21, 28, 16},
-       {22500, 22500, 16},
-       {151, 1024, 32},
-       {257, 2048, 32}},
-      {{149, 149, 16}, {302, 2048, 32}},
-      {{15, 15, 16}, {30, 15, 16}, {179, 89.5, 16}, {181, 1024, 32}, {302, 1024, 32}, {35, 42, 16}},
-      {{5000, 5000, 16}, {5005, 13, 16}, {6000, 0, 0}, {5004, 139, 16}, {5003, 32768, 32}}};
-  constexpr int unit = 2 * sizeof(TypeParam);
-  for (const Kind kind : {interleaved, split, real, out_of_order})
-    for (const auto &[length, units, bytes] : rows[kind]) {
-      const Plan<TypeParam> plan(functions<TypeParam>[any_length], kind, length);
-      EXPECT_EQ(plan.work_bytes(), (int32_t)(units * unit) + bytes) << kind_names[kind] << ' ' << length;
-    }
+  } rows[] = {{interleaved, 8, 0, 0},
+              {interleaved, 149, 149, 16},
+              {interleaved, 14, 28, 16},
+              {interleaved, 21, 28, 16},
+              {interleaved, 22500, 22500, 16},
+              {interleaved, 151, 1024, 32},
+              {split, 302, 2048, 32},
+              {real, 30, 15, 16},
+              {real, 35, 42, 16},
+              {real, 179, 89.5, 16},
+              {real, 181, 1024, 32},
+              {out_of_order, 5005, 13, 16},
+              {out_of_order, 5003, 32768, 32},
+              {out_of_order, 6000, 0, 0}};
+  for (const auto &row : rows)
+    EXPECT_EQ(Plan<TypeParam>(functions<TypeParam>[any_length], row.kind, row.length).work_bytes(),
+              (int32_t)(row.numbers * 2 * sizeof(TypeParam)) + row.bytes)
+        << kind_names[row.kind] << ' ' << row.length;
 }
 
 TEST(Memory, IsAlignedAndGoesBackThroughEitherSet) {
