@@ -38,12 +38,10 @@ TEST(Environment, SerialOrParallel) {
       {{{"omp_num_threads", "8"}}, 0},
       {{{"OMP_NUM_THREADS", ""}}, 1},
       {{{"OMP_NUM_THREADS", ""}, {"omp_num_threads", "8"}}, 1},
-      {{{"QKR_SERIAL", ""}}, 1},
-      {{{"QKR_SERIAL", "YES"}}, 1},
       {{{"QKR_SERIAL", "Yes"}}, 0},
-      {{{"QKR_SERIAL", "YES "}}, 0},
       {{{"OMP_NUM_THREADS", "8"}, {"QKR_SERIAL", ""}}, 0},
       {{{"omp_num_threads", "8"}, {"QKR_SERIAL", "yes"}}, 1},
+      {{{"omp_num_threads", "8"}, {"QKR_SERIAL", "YES"}}, 1},
       {{{"OMP_NUM_THREADS", "8"}, {"QKR_SERIAL", "NO"}}, 0},
   };
   check(rows, qkr_serv_in_serial);

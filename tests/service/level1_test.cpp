@@ -26,45 +26,43 @@ std::vector<T> numbers(T first) {
   return x;
 }
 
-template <class T>
-void expect_same_bits(const std::vector<T> &one, const std::vector<T> &other) {
-  EXPECT_EQ(std::memcmp(one.data(), other.data(), one.size() * sizeof(T)), 0);
+// call(found, expected) for each length and pair of strides.
+template <class T, class Call>
+void for_all_shapes(Call call) {
+  for (const int32_t n : lengths)
+    for (const int32_t incx : strides)
+      for (const int32_t incy : strides)
+        for_each_level([&](const char *level) {
+          std::vector<T> expected = numbers<T>(1000), found = expected;
+          call(n, incx, incy, found, expected);
+          EXPECT_EQ(std::memcmp(found.data(), expected.data(), found.size() * sizeof(T)), 0)
+              << level << ", n " << n << ", incx " << incx << ", incy " << incy;
+        });
 }
 
 template <class T, class Vector>
 void check_scaling(void (*scale)(const int32_t *, const T *, Vector *, const int32_t *), int parts) {
-  for (const T alpha : {T(0), T(1), T(-2.5), T(1) / 3})
-    for (const int32_t n : lengths)
-      for (const int32_t stride : strides)
-        for (const int start : {0, 1, 3})
-          for_each_level([&](const char *level) {
-            SCOPED_TRACE(testing::Message()
-                         << level << ", n " << n << ", stride " << stride << ", start " << start);
-            std::vector<T> expected = numbers<T>(1), found = expected;
-            for (int32_t i = 0; i < n; ++i)
-              for (int p = 0; p < parts; ++p) expected[start + i * parts * std::abs(stride) + p] *= alpha;
-            scale(&n, &alpha, found.data() + start, &stride);
-            expect_same_bits(found, expected);
-          });
+  for_all_shapes<T>([=](int32_t n, int32_t stride, int32_t start, auto &found, auto &expected) {
+    const T alpha = start == 1 ? T(0) : T(1) / 3;
+    start += 3;
+    for (int32_t i = 0; i < n; ++i)
+      for (int p = 0; p < parts; ++p) expected[start + i * parts * std::abs(stride) + p] *= alpha;
+    scale(&n, &alpha, found.data() + start, &stride);
+  });
 }
 
 template <class T, class Vector>
 void check_copying(void (*copy)(const int32_t *, const Vector *, const int32_t *, Vector *, const int32_t *),
                    int parts) {
-  for (const int32_t n : lengths)
-    for (const int32_t incx : strides)
-      for (const int32_t incy : strides) {
-        SCOPED_TRACE(testing::Message() << "n " << n << ", incx " << incx << ", incy " << incy);
-        const std::vector<T> x = numbers<T>(1);
-        std::vector<T> expected = numbers<T>(1000), found = expected;
-        const auto element = [&](int32_t i, int32_t stride) {
-          return 1 + (stride < 0 ? (i - n + 1) * stride : i * stride) * parts;
-        };
-        for (int32_t i = 0; i < n; ++i)
-          for (int p = 0; p < parts; ++p) expected[element(i, incy) + p] = x[element(i, incx) + p];
-        copy(&n, x.data() + 1, &incx, found.data() + 1, &incy);
-        expect_same_bits(found, expected);
-      }
+  const std::vector<T> x = numbers<T>(1);
+  for_all_shapes<T>([&](int32_t n, int32_t incx, int32_t incy, auto &found, auto &expected) {
+    const auto element = [&](int32_t i, int32_t stride) {
+      return 1 + (stride < 0 ? (i - n + 1) * stride : i * stride) * parts;
+    };
+    for (int32_t i = 0; i < n; ++i)
+      for (int p = 0; p < parts; ++p) expected[element(i, incy) + p] = x[element(i, incx) + p];
+    copy(&n, x.data() + 1, &incx, found.data() + 1, &incy);
+  });
 }
 
 TEST(Level1, Scaling) {

@@ -1,10 +1,11 @@
 #include "tests/streams/generators.h"
 
+#include <Random123/philox.h>
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <deque>
 #include <random>
+#include <sstream>
 
 #include "streams/quasi/digital_sequence.h"
 #include "streams/tables/tables.h"
@@ -17,7 +18,7 @@ uint32_t member_of(const Stream &stream) {
 }
 
 template <class Word, uint64_t multiplier, uint64_t modulus>
-Steps congruential(const Stream &, const Seeds &seeds) {
+Steps congruential(const Stream &, Seeds seeds) {
   uint64_t x = 0;
   std::memcpy(&x, seeds.data(), sizeof(Word));
   return [x](uint32_t *words) mutable {
@@ -28,7 +29,7 @@ Steps congruential(const Stream &, const Seeds &seeds) {
 constexpr auto mcg31m1 = congruential<uint32_t, 1132489760, 0x7fffffff>;
 constexpr auto mcg59 = congruential<uint64_t, 302875106592253, uint64_t{1} << 59>;
 
-Steps wichmann_hill(const Stream &stream, const Seeds &seeds) {
+Steps wichmann_hill(const Stream &stream, Seeds seeds) {
   return [x = seeds, k = member_of(stream)](uint32_t *words) mutable {
     std::copy(x.begin(), x.end(), words);
     for (size_t j = 0; j < 4; ++j)
@@ -36,7 +37,7 @@ Steps wichmann_hill(const Stream &stream, const Seeds &seeds) {
   };
 }
 
-Steps r250(const Stream &, const Seeds &seeds) {
+Steps r250(const Stream &, Seeds seeds) {
   std::deque<uint32_t> past;
   uint32_t x = seeds[0];
   for (int k = 0; k < 250; ++k) past.push_back(x *= 69069);
@@ -47,7 +48,7 @@ Steps r250(const Stream &, const Seeds &seeds) {
   };
 }
 
-Steps mrg32k3a(const Stream &, const Seeds &seeds) {
+Steps mrg32k3a(const Stream &, Seeds seeds) {
   return [s = std::vector<int64_t>(seeds.begin(), seeds.end())](uint32_t *words) mutable {
     const auto residue = [](int64_t n, int64_t m) { return (n % m + m) % m; };
     const int64_t p = residue(1403580 * s[1] - 810728 * s[0], 4294967087);
@@ -57,49 +58,28 @@ Steps mrg32k3a(const Stream &, const Seeds &seeds) {
   };
 }
 
-// x[k + n] = x[k + m] ^ the twist of the upper bits of x[k] and the lower ones of x[k + 1], tempered. The
-// first n numbers are those of the stream: published ones tell how they follow from seeds.
-struct Twister {
-  size_t n, m;
-  uint32_t lower, a;
-  int shift;
-  uint32_t b, c;
-
-  Steps from(const Stream &stream) const {
-    return [*this, x = std::deque(state_words(stream), state_words(stream) + n)](uint32_t *words) mutable {
-      const uint32_t joined = (x[0] & ~lower) | (x[1] & lower);
-      uint32_t v = x[m] ^ (joined >> 1) ^ (x[1] & 1 ? a : 0);
-      x.push_back(v);
-      x.pop_front();
-      v ^= v >> shift;
-      v ^= (v << 7) & b;
-      v ^= (v << 15) & c;
-      *words = v ^ (v >> 18);
-    };
-  }
-};
-Steps mt19937(const Stream &stream, const Seeds &) {
-  return Twister{624, 397, 0x7fffffff, 0x9908b0df, 11, 0x9d2c5680, 0xefc60000}.from(stream);
+// The standard library's twister, from the words and the index of the stream: published numbers tell how they
+// follow from seeds.
+template <size_t n, size_t m, size_t r, uint32_t a, size_t u, uint32_t b, uint32_t c>
+Steps twister(const Stream &stream, Seeds) {
+  std::stringstream state;
+  for (size_t k = 0; k <= n; ++k) state << state_words(stream)[k] << ' ';
+  std::mersenne_twister_engine<uint32_t, 32, n, m, r, a, u, ~0u, 7, b, 15, c, 18, 1812433253> engine;
+  state >> engine;
+  return [engine](uint32_t *words) mutable { *words = engine(); };
 }
-Steps mt2203(const Stream &stream, const Seeds &) {
-  const uint32_t *row = mt2203::parameters[member_of(stream)];
-  return Twister{69, 34, 31, row[0], 12, row[1], row[2]}.from(stream);
-}
+constexpr auto mt19937 = twister<624, 397, 31, 0x9908b0df, 11, 0x9d2c5680, 0xefc60000>;
+constexpr auto mt2203_first = twister<69, 34, 5, 0xaf81055f, 12, 0xdd7eef80, 0xefd78000>;
+constexpr auto mt2203_last = twister<69, 34, 5, 0xe1b6093f, 12, 0x9d326e80, 0xefd58000>;
 
-Steps philox4x32(const Stream &, const Seeds &seeds) {
-  return [s = seeds, x = std::array<uint32_t, 4>{}, used = 4u](uint32_t *words) mutable {
-    s.resize(6);
-    if (used == 4) {
-      uint32_t key[2] = {s[0], s[1]};
-      std::copy_n(&s[2], 4, x.begin());
-      for (int round = 0; round < 10; ++round, key[0] += 0x9e3779b9, key[1] += 0xbb67ae85) {
-        const uint64_t p = uint64_t{0xd2511f53} * x[0], q = uint64_t{0xcd9e8d57} * x[2];
-        x = {static_cast<uint32_t>(q >> 32) ^ x[1] ^ key[0], static_cast<uint32_t>(q),
-             static_cast<uint32_t>(p >> 32) ^ x[3] ^ key[1], static_cast<uint32_t>(p)};
-      }
-      for (size_t j = 2; j < 6 && ++s[j] == 0;) ++j;
-      used = 0;
-    }
+// By Random123, of the authors of Philox.
+Steps philox_of_authors(const Stream &, Seeds seeds) {
+  using Block = r123::Philox4x32;
+  seeds.resize(6);
+  const Block::key_type key = {{seeds[0], seeds[1]}};
+  Block::ctr_type counter = {{seeds[2], seeds[3], seeds[4], seeds[5]}}, x;
+  return [=, used = 4](uint32_t *words) mutable {
+    if (used == 4) x = Block()(counter, key), counter.incr(), used = 0;
     *words = x[used++];
   };
 }
@@ -108,9 +88,9 @@ Steps philox4x32(const Stream &, const Seeds &seeds) {
 
 // Component j of the point with index i is the exclusive or of the direction numbers that the Gray code of i
 // selects.
-Steps digital_sequence(const Stream &stream, const Seeds &) {
+Steps digital_sequence(const Stream &stream, Seeds) {
   const bool is_sobol = stream->brng == 277 || stream->brng >> 20 == 6;
-  const Sequence s = is_sobol ? sequence_of<Sobol>(stream.get()) : sequence_of<Niederreiter>(stream.get());
+  const Sequence s = is_sobol ? sequence_of<Sobol>(stream) : sequence_of<Niederreiter>(stream);
   return [rows = Words(s.row(0), s.row(s.position->dim)), at = *s.position](uint32_t *words) mutable {
     const int32_t j = at.only_dim >= 0 ? at.only_dim : at.pending ? at.dim - at.pending : 0;
     *words = 0;
@@ -143,10 +123,14 @@ const std::vector<Generator> &all_generators() {
       {"WH 136 by legacy id", 140, {9, 9, 9, 9}, apart, wichmann_hill},
       {"WH 272", 0x500110, {16766362, 16766358, 1, 16766230}, apart, wichmann_hill},
       {"MT19937", 0x800000, {0x123, 0x234, 0x345, 0x456}, none, mt19937},
-      {"MT2203 0", 0x900000, {1}, none, mt2203},
-      {"MT2203 1023, many seeds", 0x9003ff, user_directions(3), none, mt2203},
-      {"Philox", philox, {777, 5}, ahead, philox4x32},
-      {"Philox, counter before its halves wrap", philox, {1, 2, 0u - 99, ~0u, ~0u, 7}, ahead, philox4x32},
+      {"MT2203 0", 0x900000, {1}, none, mt2203_first},
+      {"MT2203 1023, many seeds", 0x9003ff, user_directions(3), none, mt2203_last},
+      {"Philox", philox, {777, 5}, ahead, philox_of_authors},
+      {"Philox, counter before its halves wrap",
+       philox,
+       {1, 2, 0u - 99, ~0u, ~0u, 7},
+       ahead,
+       philox_of_authors},
       {"Sobol 1", sobol, {1}, by_dimension, digital_sequence},
       {"Sobol 3", sobol, {3}, by_dimension, digital_sequence},
       {"Sobol 40", sobol, {40}, by_dimension, digital_sequence},

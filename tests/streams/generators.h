@@ -19,7 +19,7 @@ struct Generator {
   uint32_t id;
   Seeds seeds;
   Moves moves;
-  Steps (*definition)(const Stream &stream, const Seeds &seeds);
+  Steps (*definition)(const Stream &stream, Seeds seeds);
 
   Stream start() const { return new_stream(id, seeds); }
 };
@@ -28,7 +28,7 @@ inline void PrintTo(const Generator &generator, std::ostream *out) { *out << gen
 const std::vector<Generator> &all_generators();
 
 // By the direction numbers and the place in the sequence of the stream.
-Steps digital_sequence(const Stream &stream, const Seeds &);
+Steps digital_sequence(const Stream &stream, Seeds);
 
 // A user's array of direction numbers for `dim` dimensions of a quasi-random generator.
 Seeds user_directions(uint32_t dim);

@@ -16,7 +16,10 @@ using Seeds = Words;
 struct DeleteStream {
   void operator()(StreamState *stream) const { __vxsDeleteStream(&stream); }
 };
-using Stream = std::unique_ptr<StreamState, DeleteStream>;
+struct Stream : std::unique_ptr<StreamState, DeleteStream> {
+  using unique_ptr::unique_ptr;
+  operator StreamState *() const { return get(); }
+};
 
 // What make(&stream) makes.
 template <class Make>
@@ -39,13 +42,15 @@ inline Stream new_stream(uint32_t id, const Seeds &seeds) {
   return made([&](auto out) { return __vxsNewStreamEx(out, id, count, seeds.data()); });
 }
 inline Stream copy_of(const Stream &source) {
-  return made([&](auto out) { return __vxsCopyStream(out, source.get()); });
+  return made([&](auto out) { return __vxsCopyStream(out, source); });
 }
 inline Stream loaded(const std::string &file) {
   return made([&](auto out) { return __vxsLoadStreamF(out, file.c_str()); });
 }
+// By a name that does not end where it is to end.
 inline void save(const Stream &stream, const std::string &file) {
-  ASSERT_EQ(__vxsSaveStreamF(stream.get(), file.c_str(), -1), VXS_STATUS_OK);
+  const auto length = static_cast<int32_t>(file.size());
+  ASSERT_EQ(__vxsSaveStreamF(stream, (file + "more").c_str(), length), VXS_STATUS_OK);
 }
 
 inline BrngRecord generator_of(const Stream &stream) {
@@ -59,6 +64,13 @@ inline std::string payload(const Stream &stream) {
   const char *record = reinterpret_cast<const char *>(stream.get());
   return {record + sizeof(StreamState), record + generator_of(stream).StateSize};
 }
+// With those of the chunks.
+inline std::string state_of(const Stream &stream) {
+  std::string bytes = payload(stream);
+  for (const StreamChunk *chunk = stream->chunks; chunk; chunk = chunk->next)
+    bytes.append(static_cast<const char *>(chunk->data), chunk->size);
+  return bytes;
+}
 inline uint32_t *state_words(const Stream &stream) { return reinterpret_cast<uint32_t *>(stream.get() + 1); }
 
 // `size` elements by an entry of the generator, which writes nothing behind them.
@@ -66,7 +78,7 @@ template <class T, class Entry, class... Ends>
 std::vector<T> drawn_by(Entry entry, const Stream &stream, int32_t n, size_t size, Ends... ends) {
   constexpr T untouched = 77;
   std::vector<T> numbers(size + 1, untouched);
-  EXPECT_EQ(entry(stream.get(), n, numbers.data(), ends...), VXS_STATUS_OK);
+  EXPECT_EQ(entry(stream, n, numbers.data(), ends...), VXS_STATUS_OK);
   EXPECT_EQ(numbers.back(), untouched);
   numbers.pop_back();
   return numbers;
