@@ -55,6 +55,16 @@ struct OneOrTwo {
   OneOrTwo(Unary *f) : unary(f) {}
   OneOrTwo(Binary *f) : binary(f) {}
   explicit operator bool() const { return unary || binary; }
+  template <class Number>
+  Number operator()(Number a, Number b) const {
+    return binary ? binary(a, b) : unary(a);
+  }
+  // Into a number of many bits.
+  template <class Result, class Number, class Rounding>
+  void operator()(Result r, Number a, Number b, Rounding rounding) const {
+    if (binary) binary(r, a, b, rounding);
+    else unary(r, a, rounding);
+  }
 };
 
 // The function in MPFR.

@@ -54,7 +54,7 @@ void print_extended_digests(int count) {
       for (int i = 0; i < count; ++i) {
         const Operands z = any_operands(random);
         const long double x = z.x * (1 + 0x1p-62L * static_cast<long double>(random.below(256)));
-        const long double r = f.unary ? f.unary(x) : f.binary(x, z.y);
+        const long double r = f.entry(x, static_cast<long double>(z.y));
         const auto head = static_cast<double>(r);
         parts.insert(parts.end(), {head, static_cast<double>(r - head)});
       }

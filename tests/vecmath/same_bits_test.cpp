@@ -68,7 +68,7 @@ std::vector<Case<T>> cases(int count, bool ordinary = false) {
   std::vector<Case<T>> all;
   if constexpr (is_complex<T>) {
     for (const auto &f : complex_functions<T>()) {
-      const auto call = [](const ComplexEntry<T> &entry) {
+      const auto call = [](const Entry<T> &entry) {
         return [&entry](int32_t n, const T *a, const T *b, T *r, T *) { entry(n, a, b, r); };
       };
       all.push_back({f.name, f.entry.binary ? 2 : 1, 1, call(f.entry), call(f.low), {}, {}});

@@ -35,16 +35,6 @@ struct Special {
 template <class T>
 std::vector<Special<T>> special_values();
 
-// A NaN stands for any NaN, zeros and infinities for their sign too, other numbers for what rounds to them.
-struct ComplexSpecial {
-  std::string function;  // Exp
-  double x, y, re, im;
-  int events = 0;        // that must be raised
-  bool mirrored = true;  // the rows of the other signs follow: f(conj z) = conj f(z)
-};
-
-std::vector<ComplexSpecial> complex_special_values();
-
 // A number, a name of one, a minus before it, a plus or minus behind it for its neighbour: "1-", "-largest".
 template <class T>
 T value_of(const std::string &word);
