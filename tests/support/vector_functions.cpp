@@ -120,7 +120,7 @@ std::vector<VectorFunction<T>> make_table() {
       {EXACT_FUNCTION(Rint), .exact = {mpfr_rint}, .quick = {std::rint}, .rounding = Rounding::callers},
       {EXACT_FUNCTION(NearbyInt), .exact = {mpfr_rint}, .quick = {std::rint}, .rounding = Rounding::callers},
       {EXACT_FUNCTION(Modf), .exact = {mpfr_rint_trunc, mpfr_frac},
-       .quick = {std::trunc, +[](W a) { return a - std::trunc(a); }}, .rounding = Rounding::callers},
+       .quick = {std::trunc, +[](W a) { return std::modf(a, &a); }}, .rounding = Rounding::callers},
   };
 }
 
