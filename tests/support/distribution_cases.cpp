@@ -302,30 +302,6 @@ Law law_of(const Case &a_case) {
   return family_of<T>(a_case).law(a_case.parameters.data());
 }
 
-double Factor::element(int32_t j, int32_t i) const {
-  if (i == j) return 1 + 0.25 * (j % 4);
-  return diagonal ? 0 : 0.125 * ((7 * j + 3 * i) % 5 - 2);
-}
-
-template <class T>
-std::vector<T> Factor::means() const {
-  std::vector<T> all;
-  for (int32_t j = 0; j < size; ++j) all.push_back(T(mean(j)));
-  return all;
-}
-
-template <class T>
-std::vector<T> Factor::stored(int32_t storage, T mark) const {
-  std::vector<T> t;
-  for (int32_t row = 0; row < size; ++row)
-    for (int32_t column = 0; column < size; ++column) {
-      const int32_t j = storage == 1 ? column : row, i = storage == 1 ? row : column;  // packed by columns
-      if (i <= j && (storage != 2 || i == j)) t.push_back(T(element(j, i)));
-      else if (storage == 0 || storage > 2) t.push_back(mark);
-    }
-  return t;
-}
-
 #define INSTANTIATE(T)                                              \
   template const std::vector<Case> &cases<T>();                     \
   template int32_t draw(const Case &, StreamState *, int32_t, T *); \
@@ -334,9 +310,5 @@ std::vector<T> Factor::stored(int32_t storage, T mark) const {
 INSTANTIATE(double)
 INSTANTIATE(float)
 INSTANTIATE(int32_t)
-template std::vector<double> Factor::means() const;
-template std::vector<float> Factor::means() const;
-template std::vector<double> Factor::stored(int32_t, double) const;
-template std::vector<float> Factor::stored(int32_t, float) const;
 
 }  // namespace qkr::tests

@@ -13,15 +13,20 @@ namespace {
 using namespace qkr::tests;
 
 template <class T>
+uint64_t hash_of(const std::vector<T> &numbers) {
+  Hash hash;
+  hash.add(numbers);
+  return hash.value();
+}
+
+template <class T>
 void print_digests(int count) {
   for (const auto &f : vector_functions<T>()) {
     const std::vector<T> a = mixed_inputs(f, f.a, count, 1), b = mixed_inputs(f, f.b, count, 2);
     print_digest(f.name, [&] {
       std::vector<T> r(count * f.entry.results());
-      f.entry(count, a.data(), b.data(), r.data(), f.entry.results() == 2 ? &r[count] : nullptr);
-      Hash hash;
-      hash.add(r);
-      return hash.value();
+      f.entry(count, a.data(), b.data(), r.data(), &r[r.size() - count]);
+      return hash_of(r);
     });
   }
 }
@@ -39,9 +44,7 @@ void print_complex_digests(int count) {
       f.entry(count, a.data(), b.data(), r.data());
       std::vector<PartOf<E>> parts;
       for (const E &z : r) parts.insert(parts.end(), {z.re, z.im});
-      Hash hash;
-      hash.add(parts);
-      return hash.value();
+      return hash_of(parts);
     });
 }
 
@@ -58,9 +61,7 @@ void print_extended_digests(int count) {
         const auto head = static_cast<double>(r);
         parts.insert(parts.end(), {head, static_cast<double>(r - head)});
       }
-      Hash hash;
-      hash.add(parts);
-      return hash.value();
+      return hash_of(parts);
     });
 }
 
