@@ -30,18 +30,14 @@ const std::vector<ExtendedFunction> &extended_functions() {
   using Ranges = std::vector<ExtendedFunction::Range>;
   const Ranges circular = {{-100, 100}, {-4200, 4200}, {-70, 1, true}, {12, 16383, true}};
   const Ranges growing = {{-2, 2}, {-50, 50}, {-11356, 11356}, {-60, 0, true}};
+  const Ranges of_exp = {{-11355, 11355}, {-1, 1}, {-80, 0, true}}, all = {{-16440, 16383, true}};
+  const Ranges of_log = {{-16440, 16383, true}, {0.98L, 1.02L}, {0.5L, 2}, {-63, -5, true, 1}};
+  const Ranges of_log1p = {{-100, -1, true}, {-0.999L, 2}, {2, 1e30L}};
+  const Ranges of_atan2 = {{-3, 3}, {-60, 60, true}, {-16440, 16383, true}};
   static const std::vector<ExtendedFunction> table = {
-      {"_vxmexpl_scalar", _vxmexpl_scalar, mpfr_exp, 0.501, {{-11355, 11355}, {-1, 1}, {-80, 0, true}}},
-      {"_vxmlogl_scalar",
-       of_magnitude<_vxmlogl_scalar>,
-       exact_of_magnitude<mpfr_log>,
-       0.52,
-       {{-16440, 16383, true}, {0.98L, 1.02L}, {0.5L, 2}, {-63, -5, true, 1}}},
-      {"_vxmlog1pl_scalar",
-       _vxmlog1pl_scalar,
-       mpfr_log1p,
-       0.52,
-       {{-100, -1, true}, {-0.999L, 2}, {2, 1e30L}}},
+      {"_vxmexpl_scalar", _vxmexpl_scalar, mpfr_exp, 0.501, of_exp},
+      {"_vxmlogl_scalar", of_magnitude<_vxmlogl_scalar>, exact_of_magnitude<mpfr_log>, 0.52, of_log},
+      {"_vxmlog1pl_scalar", _vxmlog1pl_scalar, mpfr_log1p, 0.52, of_log1p},
       {"_vxmsinl_scalar", _vxmsinl_scalar, mpfr_sin, 0.54, circular},
       {"_vxmcosl_scalar", _vxmcosl_scalar, mpfr_cos, 0.54, circular},
       {"_vxmtanl_scalar", _vxmtanl_scalar, mpfr_tan, 0.54, circular},
@@ -52,16 +48,8 @@ const std::vector<ExtendedFunction> &extended_functions() {
       {"_vxmtanhl_scalar", _vxmtanhl_scalar, mpfr_tanh, 0.51, growing},
       {"_vxmsinhcoshl_scalar", one_of<_vxmsinhcoshl_scalar, true>, mpfr_sinh, 0.51, growing},
       {"_vxmsinhcoshl_scalar", one_of<_vxmsinhcoshl_scalar, false>, mpfr_cosh, 0.51, growing},
-      {"_vxmatan2l_scalar",
-       _vxmatan2l_scalar,
-       mpfr_atan2,
-       0.501,
-       {{-3, 3}, {-60, 60, true}, {-16440, 16383, true}}},
-      {"_vxmsqrtl_scalar",
-       of_magnitude<_vxmsqrtl_scalar>,
-       exact_of_magnitude<mpfr_sqrt>,
-       0.5,
-       {{-16440, 16383, true}}},
+      {"_vxmatan2l_scalar", _vxmatan2l_scalar, mpfr_atan2, 0.501, of_atan2},
+      {"_vxmsqrtl_scalar", of_magnitude<_vxmsqrtl_scalar>, exact_of_magnitude<mpfr_sqrt>, 0.5, all},
   };
   return table;
 }
