@@ -126,6 +126,11 @@ TEST(ComplexSpecialValues, OfPowers) {
     }
 }
 
+// Where C99 does tell the sign.
+TEST(ComplexSpecialValues, ArcCosineOfANanBesideAnInfinity) {
+  for (const double y : {inf, -inf}) EXPECT_EQ(_vxmcacos_scalar(nan, y).im, -y);
+}
+
 TEST(ComplexSpecialValues, Classes) {
   for (const double x : notable_numbers()) {
     SCOPED_TRACE(x);

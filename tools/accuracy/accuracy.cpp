@@ -130,7 +130,7 @@ class Report {
       regions.push_back(std::async(std::launch::async, [&] { return measure(f, region, points); }));
     Errors<E> all;
     for (auto &region : regions) all.join(region.get());
-    const auto &[z, w] = std::pair(all.normal.a, all.normal.b);
+    const E z = all.normal.a, w = all.normal.b;
     const auto inputs = [&](auto text) {
       return text(z.re) + ", " + text(z.im) + (f.entry.unary ? "" : "; " + text(w.re) + ", " + text(w.im));
     };
