@@ -2,10 +2,11 @@
 // extended number beneath them.
 #pragma once
 
+#include <functional>
 #include <qkr/vecmath_complex.h>
-#include <vector>
 
 #include "tests/support/big.h"
+#include "tests/support/measure.h"
 #include "tests/support/samples.h"
 
 namespace qkr::tests {
@@ -15,27 +16,15 @@ struct Operands {
   double x, y, u = 0, v = 0;
 };
 
-// Inputs of one kind; float functions round them.
-struct Region {
-  const char *name;
-  Operands (*unturned)(Random &random);
-  bool turned = false;  // the parts of z in each other's place
-
-  Operands draw(Random &random) const {
-    const Operands z = unturned(random);
-    return turned ? Operands{z.y, z.x, z.u, z.v} : z;
-  }
-};
-
-template <class E>
-using ComplexEntry = Entry<E>;
+// Draws inputs of one kind; float functions round them.
+using Region = std::function<Operands(Random &random)>;
 
 template <class E>
 struct ComplexFunction {
   const char *name;
-  ComplexEntry<E> entry, low;
-  vxm64fc (*scalar)(const Operands &);
-  BigComplex (*exact)(const Operands &);
+  Entry<E> entry, low;
+  vxm64fc (*scalar)(vxm64fc z, vxm64fc w);
+  OneOrTwo<int(mpc_ptr, mpc_srcptr, mpc_rnd_t), int(mpc_ptr, mpc_srcptr, mpc_srcptr, mpc_rnd_t)> exact;
   std::vector<Region> regions;
 };
 
@@ -55,39 +44,29 @@ E rounded_element(double re, double im) {
   return {static_cast<PartOf<E>>(re), static_cast<PartOf<E>>(im)};
 }
 
-struct ComplexWorst {
-  double error = 0;
-  Operands at = {};
-};
-struct ComplexErrors {
-  ComplexWorst normal, subnormal;  // results below the normal range in subnormal spacings
-  double sum = 0;
-  uint64_t parts = 0, wrongly_rounded = 0;
-};
-// Both parts at `points` samples of a region.
+// The errors of both parts of a computed f(z) or f(z, w).
 template <class E>
-ComplexErrors measure(const ComplexFunction<E> &f, const Region &region, int points, bool scalar = false);
+void note_errors(const ComplexFunction<E> &f, E z, E w, E computed, Errors<E> &errors);
+
+// At `points` samples of a region.
+template <class E>
+Errors<E> measure(const ComplexFunction<E> &f, const Region &region, int points);
 
 // Of one extended number; of atan2 the first operand is the ordinate.
 struct ExtendedFunction {
   const char *name;
-  long double (*unary)(long double);
-  long double (*binary)(long double, long double);
-  Big (*exact)(const Big &a, const Big &b);
+  Quick<double> entry;
+  Exact exact;
   double bound;
   struct Range {
     long double low, high;
-    bool of_exponents;  // of both signs, and the exponents are equally likely
+    bool of_exponents = false;  // of both signs, and the exponents are equally likely
     long double centre = 0;
   };
   std::vector<Range> ranges;
 };
 const std::vector<ExtendedFunction> &extended_functions();
 
-struct ExtendedErrors {
-  double error = 0;
-  long double a = 0, b = 0;
-};
-ExtendedErrors measure(const ExtendedFunction &f, int points);
+Errors<long double> measure(const ExtendedFunction &f, int points);
 
 }  // namespace qkr::tests

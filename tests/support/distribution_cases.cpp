@@ -11,6 +11,8 @@
 #include <memory>
 #include <stdexcept>
 
+#include "tests/support/vector_functions.h"
+
 namespace qkr::tests {
 namespace {
 
@@ -137,36 +139,22 @@ Law poisson(double mean) {
 }
 
 template <class T>
-using Draw = int32_t (*)(int32_t method, StreamState *stream, int32_t n, T *out, const double *p);
-
-template <class T>
 struct Family {
   const char *name;
-  Draw<T> draw;
+  int32_t (*draw)(int32_t method, StreamState *stream, int32_t n, T *out, const double *p);
   Law (*law)(const double *p);
 };
 
-template <class T>
-Family<T> row(const char *name, Draw<T> draw, Law (*law)(const double *p)) {
-  return {name, draw, law};
-}
-
 // A row for entry D in the precision of T, called with the rest of the arguments.
-#define ROW(D, entry, law, ...)                                                     \
-  row<T>(                                                                           \
-      #D,                                                                           \
-      [](int32_t method, StreamState *stream, int32_t n, T *out, const double *p) { \
-        return (void)p, entry(method, stream, n, __VA_ARGS__);                      \
-      },                                                                            \
-      [](const double *p) -> Law { return (void)p, law; })
-#define REAL(D, law, ...) ROW(D, (by_precision<T>(_vxsdRng##D, _vxssRng##D)), law, out, __VA_ARGS__)
+#define ROW(D, entry, law, ...)                                                                            \
+  {                                                                                                        \
+#D, [](int32_t method, StreamState * stream, int32_t n, T * out,                                       \
+           [[maybe_unused]] const double                                                                   \
+               *p) { return entry(method, stream, n, __VA_ARGS__); }, []([[maybe_unused]] const double *p) \
+                                                                           -> Law { return law; }          \
+  }
+#define REAL(D, law, ...) ROW(D, (either<T>(_vxsdRng##D, _vxssRng##D)), law, out, __VA_ARGS__)
 #define WHOLE(D, law, ...) ROW(D, _vxsiRng##D, law, __VA_ARGS__)
-
-template <class T, class Double, class Single>
-auto by_precision(Double in_double, Single in_single) {
-  if constexpr (sizeof(T) == 8) return in_double;
-  else return in_single;
-}
 
 template <class T>
 const std::vector<Family<T>> &families() {
@@ -198,12 +186,7 @@ const std::vector<Family<int32_t>> &families() {
             int32_t(p[2])),
       WHOLE(Negbinomial, negative_binomial(p[0], p[1]), out, p[0], p[1]),
       WHOLE(Poisson, poisson(p[0]), out, p[0]),
-      {"PoissonV",
-       [](int32_t method, StreamState *stream, int32_t n, int32_t *out, const double *p) {
-         const std::vector<double> means(size_t(n), p[0]);
-         return _vxsiRngPoissonV(method, stream, n, out, means.data());
-       },
-       [](const double *p) { return poisson(p[0]); }}};
+      WHOLE(PoissonV, poisson(p[0]), out, std::vector(size_t(n), p[0]).data())};
   return all;
 }
 
@@ -319,30 +302,6 @@ Law law_of(const Case &a_case) {
   return family_of<T>(a_case).law(a_case.parameters.data());
 }
 
-double Factor::element(int32_t j, int32_t i) const {
-  if (i == j) return 1 + 0.25 * (j % 4);
-  return diagonal ? 0 : 0.125 * ((7 * j + 3 * i) % 5 - 2);
-}
-
-template <class T>
-std::vector<T> Factor::means() const {
-  std::vector<T> all;
-  for (int32_t j = 0; j < size; ++j) all.push_back(T(mean(j)));
-  return all;
-}
-
-template <class T>
-std::vector<T> Factor::stored(int32_t storage, T mark) const {
-  std::vector<T> t;
-  for (int32_t row = 0; row < size; ++row)
-    for (int32_t column = 0; column < size; ++column) {
-      const int32_t j = storage == 1 ? column : row, i = storage == 1 ? row : column;  // packed by columns
-      if (i <= j && (storage != 2 || i == j)) t.push_back(T(element(j, i)));
-      else if (storage == 0 || storage > 2) t.push_back(mark);
-    }
-  return t;
-}
-
 #define INSTANTIATE(T)                                              \
   template const std::vector<Case> &cases<T>();                     \
   template int32_t draw(const Case &, StreamState *, int32_t, T *); \
@@ -351,9 +310,5 @@ std::vector<T> Factor::stored(int32_t storage, T mark) const {
 INSTANTIATE(double)
 INSTANTIATE(float)
 INSTANTIATE(int32_t)
-template std::vector<double> Factor::means() const;
-template std::vector<float> Factor::means() const;
-template std::vector<double> Factor::stored(int32_t, double) const;
-template std::vector<float> Factor::stored(int32_t, float) const;
 
 }  // namespace qkr::tests

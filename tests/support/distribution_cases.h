@@ -44,13 +44,28 @@ Law law_of(const Case &a_case);
 struct Factor {
   int32_t size;
   bool diagonal = false;
-  double element(int32_t j, int32_t i) const;  // i <= j
+  double element(int32_t j, int32_t i) const {  // i <= j
+    return i == j ? 1 + 0.25 * (j % 4) : diagonal ? 0 : 0.125 * ((7 * j + 3 * i) % 5 - 2);
+  }
   double mean(int32_t j) const { return 0.5 * j - 3; }
   template <class T>
-  std::vector<T> means() const;
+  std::vector<T> means() const {
+    std::vector<T> all;
+    for (int32_t j = 0; j < size; ++j) all.push_back(T(mean(j)));
+    return all;
+  }
   // As GaussianMV takes it. `mark` fills what is not to be read.
   template <class T>
-  std::vector<T> stored(int32_t storage, T mark = 99) const;
+  std::vector<T> stored(int32_t storage, T mark = 99) const {
+    std::vector<T> t;
+    for (int32_t row = 0; row < size; ++row)
+      for (int32_t column = 0; column < size; ++column) {
+        const int32_t j = storage == 1 ? column : row, i = storage == 1 ? row : column;  // packed by columns
+        if (i <= j && (storage != 2 || i == j)) t.push_back(T(element(j, i)));
+        else if (storage == 0 || storage > 2) t.push_back(mark);
+      }
+    return t;
+  }
 };
 
 }  // namespace qkr::tests

@@ -1,27 +1,46 @@
 // The largest and the mean error of a function over many inputs, on all processors.
 #pragma once
 
+#include <cmath>
+
 #include "tests/support/vector_functions.h"
 
 namespace qkr::tests {
 
-template <class T>
+template <class E>
 struct Worst {
   double error = 0;
-  T a = 0, b = 0;  // where it was found
+  E a = {}, b = {};  // where it was found
 };
 
-template <class T>
+// Of a function over elements E, real or complex.
+template <class E>
 struct Errors {
-  Worst<T> normal;     // of the results that are normal numbers, infinities or NaNs: what a contract bounds
-  Worst<T> subnormal;  // of subnormal and zero results, in subnormal spacings
+  Worst<E> normal;     // of the results that are normal numbers, infinities or NaNs: what a contract bounds
+  Worst<E> subnormal;  // of subnormal and zero results, in subnormal spacings
   double sum = 0;
-  uint64_t points = 0;
+  uint64_t points = 0;  // parts of results, of complex functions
   // The largest difference seen between quick reference and MPFR. Wherever the quick one comes near the
   // largest error MPFR decides, so the largest errors are sound as long as this is small.
   double reference_gap = 0;
 
   double mean() const { return points ? sum / static_cast<double>(points) : 0; }
+  template <class T>
+  Worst<E> &worst_beside(T computed) {
+    return std::fabs(computed) < std::numeric_limits<T>::min() ? subnormal : normal;
+  }
+  template <class T>
+  void note(T computed, const Worst<E> &found) {
+    sum += found.error;
+    if (Worst<E> &worst = worst_beside(computed); !(found.error <= worst.error)) worst = found;
+  }
+  void join(const Errors &other) {
+    sum += other.sum;
+    points += other.points;
+    reference_gap = std::fmax(reference_gap, other.reference_gap);
+    if (!(other.normal.error <= normal.error)) normal = other.normal;
+    if (!(other.subnormal.error <= subnormal.error)) subnormal = other.subnormal;
+  }
 };
 
 // What every function promises for results below the normal range.

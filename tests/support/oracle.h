@@ -1,4 +1,4 @@
-// The error of a computed result in units in the last place of the exact one.
+// The error of a vector function's result in units in the last place of the exact one.
 #pragma once
 
 #include "tests/support/big.h"
@@ -8,17 +8,10 @@ namespace qkr::tests {
 
 // By MPFR. An object belongs to one thread.
 template <class T>
-class Oracle {
- public:
-  Oracle();
+struct Oracle {
   ~Oracle() { mpfr_free_cache2(MPFR_FREE_LOCAL_CACHE); }
-
-  // Of result 0 or 1 of f at a (and b). A result below the normal range counts in subnormal spacings; an
-  // infinite one is right where the exact value rounds to it, a NaN where there is no exact value.
+  // Of result 0 or 1 of f at a (and b).
   double error(const VectorFunction<T> &f, int result, T a, T b, T computed);
-
- private:
-  Big a_, b_, exact_;
 };
 
 // By the C library's next wider format, for functions that have a quick reference: off by about a thousandth

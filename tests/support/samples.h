@@ -88,35 +88,31 @@ T sample(const VectorFunction<T> &f, Range<T> range, const std::vector<T> &point
     return std::ldexp(T(1), low + static_cast<int>(random.below(high - low + 1)));
   };
   const T sign = random.below(2) ? T(1) : T(-1);
-  T x = 0;
-  switch (random.below(8)) {
-    case 0:
-    case 1:
-      x = any_between(range, random);
-      break;
-    case 2:
-    case 3:
-      x = sign * any_between(Range<T>{T(0x1p-12), T(0x1p12)}, random);
-      break;
-    case 4:
-      x = value_between(Range<T>{std::max(range.low, T(-0x1p12)), std::min(range.high, T(0x1p12))}, random);
-      break;
-    case 5:
-      if (f.period != 0 && random.below(2)) {
-        x = near(std::trunc(value_between(Range<T>{-4096, 4096}, random)) * f.period / 2);
-      } else {
+  const auto of_any_range = [&]() -> T {
+    switch (random.below(8)) {
+      case 0:
+      case 1:
+        return any_between(range, random);
+      case 2:
+      case 3:
+        return sign * any_between(Range<T>{T(0x1p-12), T(0x1p12)}, random);
+      case 4:
+        return value_between(Range<T>{std::max(range.low, T(-0x1p12)), std::min(range.high, T(0x1p12))},
+                             random);
+      case 5: {
+        if (f.period != 0 && random.below(2))
+          return near(std::trunc(value_between(Range<T>{-4096, 4096}, random)) * f.period / 2);
         const T rows = power_of_two(6, 10);
-        x = near(sign * (1 + static_cast<T>(random.below(static_cast<uint64_t>(rows))) / rows) *
-                 power_of_two(-8, 8));
+        return near(sign * (1 + static_cast<T>(random.below(static_cast<uint64_t>(rows))) / rows) *
+                    power_of_two(-8, 8));
       }
-      break;
-    case 6:
-      x = 1 + sign * power_of_two(-std::numeric_limits<T>::digits, -1) * static_cast<T>(random.unit());
-      break;
-    case 7:
-      x = near(points[random.below(points.size())]);
-      break;
-  }
+      case 6:
+        return 1 + sign * power_of_two(-std::numeric_limits<T>::digits, -1) * static_cast<T>(random.unit());
+      default:
+        return near(points[random.below(points.size())]);
+    }
+  };
+  const T x = of_any_range();
   return x >= range.low && x <= range.high ? x : any_between(range, random);
 }
 

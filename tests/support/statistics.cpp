@@ -70,20 +70,6 @@ double probability_below(const Law &law, double start, double n) {
   }
 }
 
-// What a law expects of numbers that are cut at `low` and `high`.
-struct Expectation {
-  double low, high;
-  double mean = 0, deviation = 0;
-  double powers[9] = {};   // of (x - mean) / deviation
-  double middle, spread;   // of half of the numbers
-  double bounded[5] = {};  // powers of bounded(x)
-  double bounded_of(double x) const {
-    const double t = (x - middle) / spread;
-    return t / (1 + std::abs(t));
-  }
-  double bounded_variance() const { return bounded[2] - bounded[1] * bounded[1]; }
-};
-
 struct Node {
   double x, weight;
 };
@@ -93,11 +79,11 @@ struct Node {
 std::vector<Node> nodes_of(const Law &law, double outermost) {
   const double low = law.quantile(outermost, 1 - outermost), high = law.quantile(1 - outermost, outermost);
   std::vector<Node> nodes;
-  if (low == high) return {{low, 1}};
   if (law.whole && high - low < 1e6) {
-    nodes.push_back({low, law.below(low + 1)});
-    for (double k = low + 1; k < high; ++k) nodes.push_back({k, law.below(k + 1) - law.below(k)});
-    nodes.push_back({high, 1 - law.below(high)});
+    for (double k = low, below = 0, up_to; k <= high; ++k, below = up_to) {
+      up_to = k < high ? law.below(k + 1) : 1;
+      nodes.push_back({k, up_to - below});
+    }
     return nodes;
   }
   constexpr int intervals = 400;
@@ -112,61 +98,54 @@ std::vector<Node> nodes_of(const Law &law, double outermost) {
   return nodes;
 }
 
-Expectation expectation_of(const Law &law, double outermost) {
-  const std::vector<Node> nodes = nodes_of(law, outermost);
-  Expectation e;
-  e.low = nodes.front().x;
-  e.high = nodes.back().x;
-  for (const Node &node : nodes) e.mean += node.x * node.weight;
-  for (const Node &node : nodes) e.deviation += (node.x - e.mean) * (node.x - e.mean) * node.weight;
-  e.deviation = std::sqrt(e.deviation);
-  e.middle = law.quantile(0.5, 0.5);
-  e.spread = law.quantile(0.75, 0.25) - law.quantile(0.25, 0.75);
-  if (e.spread == 0) e.spread = 1;
-  for (const Node &node : nodes)
-    for (int k = 0; k < 9; ++k) {
-      e.powers[k] += std::pow((node.x - e.mean) / e.deviation, k) * node.weight;
-      if (k < 5) e.bounded[k] += std::pow(e.bounded_of(node.x), k) * node.weight;
-    }
-  return e;
-}
+// What a law expects of numbers that are cut at `low` and `high`.
+struct Expectation {
+  double low, high;
+  double mean = 0, deviation = 0;
+  double powers[9] = {};   // of (x - mean) / deviation
+  double middle, spread;   // of half of the numbers
+  double bounded[5] = {};  // powers of bounded(x)
+
+  Expectation(const Law &law, double outermost) {
+    const std::vector<Node> nodes = nodes_of(law, outermost);
+    low = nodes.front().x;
+    high = nodes.back().x;
+    for (const Node &node : nodes) mean += node.x * node.weight;
+    for (const Node &node : nodes) deviation += (node.x - mean) * (node.x - mean) * node.weight;
+    deviation = std::sqrt(deviation);
+    middle = law.quantile(0.5, 0.5);
+    spread = law.quantile(0.75, 0.25) - law.quantile(0.25, 0.75);
+    if (spread == 0) spread = 1;
+    for (const Node &node : nodes)
+      for (int k = 0; k < 9; ++k) {
+        powers[k] += std::pow((node.x - mean) / deviation, k) * node.weight;
+        if (k < 5) bounded[k] += std::pow(bounded_of(node.x), k) * node.weight;
+      }
+  }
+  double bounded_of(double x) const {
+    const double t = (x - middle) / spread;
+    return t / (1 + std::abs(t));
+  }
+};
 
 // The counts and sums of numbers in the order in which they were drawn.
 struct Tally {
-  static constexpr int lanes = 8;
   std::vector<uint32_t> counts = std::vector<uint32_t>(size_t(1) << (64 - cell_shift));
   double smallest = HUGE_VAL, largest = -HUGE_VAL;
-  double powers[4] = {}, products = 0, last_bounded = 0;
+  double powers[5] = {}, products = 0, last_bounded = 0;
 
-  template <class T>
-  void add(const Expectation &e, const T *x, int32_t n) {
-    double sums[4][lanes] = {}, y[block + 1];
-    const double scale = 1 / e.deviation;
-    for (int32_t i = 0; i < n; ++i) {
-      const double number = static_cast<double>(x[i]);
-      ++counts[cell_of(number)];
-      smallest = number < smallest ? number : smallest;
-      largest = number > largest ? number : largest;
-    }
-    for (int32_t i = 0; i < n; ++i) {
-      const double number = static_cast<double>(x[i]), above = number < e.low ? e.low : number;
-      y[i] = above > e.high ? e.high : above;
-    }
-    for (int32_t i = 0; i < n; i += lanes)
-      for (int32_t lane = 0; lane < lanes; ++lane) {
-        const double t = i + lane < n ? (y[i + lane] - e.mean) * scale : 0, square = t * t;
-        sums[0][lane] += t;
-        sums[1][lane] += square;
-        sums[2][lane] += square * t;
-        sums[3][lane] += square * square;
-      }
-    for (int k = 0; k < 4; ++k)
-      for (const double sum : sums[k]) powers[k] += sum;
-    for (int32_t i = 0; i < n; ++i) y[i] = e.bounded_of(y[i]) - e.bounded[1];
-    double product = last_bounded * y[0];
-    for (int32_t i = 1; i < n; ++i) product += y[i - 1] * y[i];
-    products += product;
-    last_bounded = y[n - 1];
+  void add(const Expectation &e, double number) {
+    ++counts[cell_of(number)];
+    smallest = number < smallest ? number : smallest;
+    largest = number > largest ? number : largest;
+    const double cut = std::clamp(number, e.low, e.high), t = (cut - e.mean) / e.deviation, square = t * t;
+    powers[1] += t;
+    powers[2] += square;
+    powers[3] += square * t;
+    powers[4] += square * square;
+    const double bounded = e.bounded_of(cut) - e.bounded[1];
+    products += last_bounded * bounded;
+    last_bounded = bounded;
   }
 };
 
@@ -215,21 +194,21 @@ template <class T>
 std::vector<Finding> examine(const Case &a_case, StreamState *stream, int64_t n, double distortion) {
   const Law law = distorted(law_of<T>(a_case), distortion);
   const double count = static_cast<double>(n), outermost = outermost_probability(count);
-  const Expectation e = expectation_of(law, outermost);
+  const Expectation e(law, outermost);
   Tally tally;
   std::vector<T> x(block);
   for (int64_t done = 0; done < n; done += block) {
     const int32_t m = static_cast<int32_t>(std::min<int64_t>(block, n - done));
     const int32_t status = draw(a_case, stream, m, x.data());
     if (status != VXS_STATUS_OK) return {{"status", double(status), 0}};
-    tally.add(e, x.data(), m);
+    for (int32_t i = 0; i < m; ++i) tally.add(e, static_cast<double>(x[i]));
   }
 
   const double slack = std::is_integral_v<T> ? 0 : 4 * std::numeric_limits<T>::epsilon();
-  if (!(tally.smallest >= law.lowest - slack * std::abs(law.lowest) && std::isfinite(tally.smallest)))
-    return {{"smallest number", tally.smallest, 0}};
-  if (!(tally.largest <= law.highest + slack * std::abs(law.highest) && std::isfinite(tally.largest)))
-    return {{"largest number", tally.largest, 0}};
+  for (const double extreme : {tally.smallest, tally.largest})
+    if (!(extreme >= law.lowest - slack * std::abs(law.lowest) && std::isfinite(extreme) &&
+          extreme <= law.highest + slack * std::abs(law.highest)))
+      return {{"range", extreme, 0}};
 
   std::vector<Finding> findings;
   compare_frequencies<T>(law, tally, outermost, count, findings);
@@ -242,12 +221,11 @@ std::vector<Finding> examine(const Case &a_case, StreamState *stream, int64_t n,
     const double variance = e.powers[2 * k] - e.powers[k] * e.powers[k];
     // A number with two values has no square of its own.
     if (variance > 1e-9 * e.powers[2 * k])
-      add_normal(names[k - 1], (tally.powers[k - 1] / count - e.powers[k]) / std::sqrt(variance / count));
+      add_normal(names[k - 1], (tally.powers[k] / count - e.powers[k]) / std::sqrt(variance / count));
   }
   // The fourth moment of a product tells whether the sum of all is near to normal.
-  const double variance = e.bounded_variance(), m1 = e.bounded[1];
-  const double fourth =
-      e.bounded[4] - 4 * e.bounded[3] * m1 + 6 * e.bounded[2] * m1 * m1 - 3 * m1 * m1 * m1 * m1;
+  const auto &[m0, m1, m2, m3, m4] = e.bounded;
+  const double variance = m2 - m1 * m1, fourth = m4 - 4 * m3 * m1 + 6 * m2 * m1 * m1 - 3 * m1 * m1 * m1 * m1;
   if (std::pow(fourth / (variance * variance), 2) < 1e-4 * count)
     add_normal("correlation", tally.products / variance / std::sqrt(count));
   return findings;

@@ -1,8 +1,11 @@
 #include "tests/support/vector_functions.h"
 
+#include <boost/math/special_functions/erf.hpp>
 #include <cmath>
 #include <qkr/vecmath.h>
 #include <qkr/vecmath_exact.h>
+
+#include "tests/support/big.h"
 
 // Gathered by the linker from the kernels' files; absent as long as no kernel has one.
 extern "C" __attribute__((weak)) const qkr::Contract __start_qkr_contracts[], __stop_qkr_contracts[];
@@ -11,35 +14,17 @@ namespace qkr::tests {
 namespace {
 
 int reciprocal(mpfr_ptr r, mpfr_srcptr a, mpfr_rnd_t rounding) { return mpfr_ui_div(r, 1, a, rounding); }
-// By Newton's iteration, from a closed form that is right to a few thousandths (S. Winitzki, 2008).
+// By Newton's iteration, from what is right to a double.
 int inverse_erf(mpfr_ptr r, mpfr_srcptr a, mpfr_rnd_t rounding) {
-  const double x = mpfr_get_d(a, MPFR_RNDN);
+  using namespace boost::math::policies;
+  constexpr policy<overflow_error<ignore_error>, domain_error<ignore_error>> quietly;
   if (mpfr_zero_p(a)) return mpfr_set(r, a, rounding);
-  if (!(std::fabs(x) < 1)) {
-    if (std::fabs(x) == 1) mpfr_set_inf(r, mpfr_sgn(a));
-    else mpfr_set_nan(r);
-    return 0;
+  Decimals<67> x(a), z = boost::math::erf_inv(static_cast<double>(x), quietly), of_z;
+  for (int i = 0; isfinite(z) && i < 2; ++i) {
+    mpfr_erf(raw(of_z), raw(z), MPFR_RNDN);
+    z += (x - of_z) * exp(z * z) / boost::math::constants::two_div_root_pi<Decimals<67>>();
   }
-  const double c = 0.147, w = std::log((1 - std::fabs(x)) * (1 + std::fabs(x)));
-  const double h = 2 / (M_PI * c) + w / 2, guess = std::sqrt(std::sqrt(h * h - w / c) - h);
-  mpfr_t z, step, slope;
-  mpfr_inits2(mpfr_get_prec(r) + 96, z, step, slope, nullptr);
-  mpfr_set_d(z, std::fabs(x) < 0.1 ? x * 0.886 : std::copysign(guess, x), MPFR_RNDN);
-  for (int i = 0; i < 6; ++i) {
-    mpfr_erf(step, z, MPFR_RNDN);
-    mpfr_sub(step, a, step, MPFR_RNDN);
-    mpfr_sqr(slope, z, MPFR_RNDN);
-    mpfr_exp(slope, slope, MPFR_RNDN);
-    mpfr_mul(step, step, slope, MPFR_RNDN);
-    mpfr_const_pi(slope, MPFR_RNDN);
-    mpfr_sqrt(slope, slope, MPFR_RNDN);
-    mpfr_mul(step, step, slope, MPFR_RNDN);
-    mpfr_div_2ui(step, step, 1, MPFR_RNDN);
-    mpfr_add(z, z, step, MPFR_RNDN);
-  }
-  const int inexact = mpfr_set(r, z, rounding);
-  mpfr_clears(z, step, slope, nullptr);
-  return inexact;
+  return mpfr_set(r, raw(z), rounding);
 }
 int reciprocal_cube_root(mpfr_ptr r, mpfr_srcptr a, mpfr_rnd_t rounding) {
   mpfr_cbrt(r, a, rounding);
@@ -135,7 +120,7 @@ std::vector<VectorFunction<T>> make_table() {
       {EXACT_FUNCTION(Rint), .exact = {mpfr_rint}, .quick = {std::rint}, .rounding = Rounding::callers},
       {EXACT_FUNCTION(NearbyInt), .exact = {mpfr_rint}, .quick = {std::rint}, .rounding = Rounding::callers},
       {EXACT_FUNCTION(Modf), .exact = {mpfr_rint_trunc, mpfr_frac},
-       .quick = {std::trunc, +[](W a) { return a - std::trunc(a); }}, .rounding = Rounding::callers},
+       .quick = {std::trunc, +[](W a) { return std::modf(a, &a); }}, .rounding = Rounding::callers},
   };
 }
 

@@ -35,6 +35,7 @@ struct Entry {
   Entry(void (*f)(int32_t, const T *, T, T *)) : with_number(f) {}
   Entry(void (*f)(int32_t, const T *, T *, T *)) : two_results(f) {}
 
+  explicit operator bool() const { return unary || binary || with_number || two_results; }
   int inputs() const { return binary || with_number ? 2 : 1; }
   int results() const { return two_results ? 2 : 1; }
   void operator()(int32_t n, const T *a, const T *b, T *r, T *q = nullptr) const {
@@ -55,6 +56,16 @@ struct OneOrTwo {
   OneOrTwo(Unary *f) : unary(f) {}
   OneOrTwo(Binary *f) : binary(f) {}
   explicit operator bool() const { return unary || binary; }
+  template <class Number>
+  Number operator()(Number a, Number b) const {
+    return binary ? binary(a, b) : unary(a);
+  }
+  // Into a number of many bits.
+  template <class Result, class Number, class Rounding>
+  void operator()(Result r, Number a, Number b, Rounding rounding) const {
+    if (binary) binary(r, a, b, rounding);
+    else unary(r, a, rounding);
+  }
 };
 
 // The function in MPFR.

@@ -13,15 +13,20 @@ namespace {
 using namespace qkr::tests;
 
 template <class T>
+uint64_t hash_of(const std::vector<T> &numbers) {
+  Hash hash;
+  hash.add(numbers);
+  return hash.value();
+}
+
+template <class T>
 void print_digests(int count) {
   for (const auto &f : vector_functions<T>()) {
     const std::vector<T> a = mixed_inputs(f, f.a, count, 1), b = mixed_inputs(f, f.b, count, 2);
     print_digest(f.name, [&] {
       std::vector<T> r(count * f.entry.results());
-      f.entry(count, a.data(), b.data(), r.data(), f.entry.results() == 2 ? &r[count] : nullptr);
-      Hash hash;
-      hash.add(r);
-      return hash.value();
+      f.entry(count, a.data(), b.data(), r.data(), &r[r.size() - count]);
+      return hash_of(r);
     });
   }
 }
@@ -39,9 +44,7 @@ void print_complex_digests(int count) {
       f.entry(count, a.data(), b.data(), r.data());
       std::vector<PartOf<E>> parts;
       for (const E &z : r) parts.insert(parts.end(), {z.re, z.im});
-      Hash hash;
-      hash.add(parts);
-      return hash.value();
+      return hash_of(parts);
     });
 }
 
@@ -54,13 +57,11 @@ void print_extended_digests(int count) {
       for (int i = 0; i < count; ++i) {
         const Operands z = any_operands(random);
         const long double x = z.x * (1 + 0x1p-62L * static_cast<long double>(random.below(256)));
-        const long double r = f.unary ? f.unary(x) : f.binary(x, z.y);
+        const long double r = f.entry(x, static_cast<long double>(z.y));
         const auto head = static_cast<double>(r);
         parts.insert(parts.end(), {head, static_cast<double>(r - head)});
       }
-      Hash hash;
-      hash.add(parts);
-      return hash.value();
+      return hash_of(parts);
     });
 }
 

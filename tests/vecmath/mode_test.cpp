@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <malloc.h>
 #include <qkr/vecmath.h>
+#include <tuple>
 
 #include "tests/vecmath/fresh_thread.h"
 #include "vecmath/errors/gate.h"
@@ -12,6 +13,10 @@ namespace {
 
 int32_t callback_a(VxmErrorContext *) { return 0; }
 int32_t callback_b(VxmErrorContext *) { return 1; }
+
+using State = std::tuple<VxmMode, VxmErrorCallBack, int32_t>;
+const State of_a_new_thread = {VXM_MODE_DEFAULT, nullptr, VXM_STATUS_OK};
+State state() { return {_vxmGetMode(), _vxmGetErrorCallBack(), _vxmGetErrStatus()}; }
 
 TEST(Mode, FieldsAreReplacedWholeAndNeverByZero) {
   const struct {
@@ -77,16 +82,11 @@ TEST(Mode, PolicyIsExchangedWhole) {
   in_fresh_thread([] {
     VxmErrorPolicy policy = {0x1000 | 0xF0u, -7, callback_a, nullptr};
     qkr_vxm_exchange_policy(&policy);
-    EXPECT_EQ(_vxmGetMode(), VxmMode{0x1000});  // no accuracy, and no bit that has no field
-    EXPECT_EQ(_vxmGetErrorCallBack(), callback_a);
-    EXPECT_EQ(_vxmSetErrStatus(VXM_STATUS_SING), -7);
+    EXPECT_EQ(state(), State(0x1000, callback_a, -7));  // no accuracy, and no bit that has no field
+    _vxmSetErrStatus(VXM_STATUS_SING);
     qkr_vxm_exchange_policy(&policy);
-    EXPECT_EQ(policy.mode, VxmMode{0x1000});
-    EXPECT_EQ(policy.status, VXM_STATUS_SING);
-    EXPECT_EQ(policy.callback, callback_a);
-    EXPECT_EQ(_vxmGetMode(), VxmMode{VXM_MODE_DEFAULT});
-    EXPECT_EQ(_vxmGetErrStatus(), VXM_STATUS_OK);
-    EXPECT_EQ(_vxmGetErrorCallBack(), nullptr);
+    EXPECT_EQ(State(policy.mode, policy.callback, policy.status), State(0x1000, callback_a, VXM_STATUS_SING));
+    EXPECT_EQ(state(), of_a_new_thread);
   });
 }
 
@@ -133,15 +133,11 @@ TEST(Mode, ThreadsDoNotSeeEachOther) {
     _vxmSetErrorCallBack(callback_a);
     _vxmSetErrStatus(VXM_STATUS_SING);
     in_fresh_thread([] {
-      EXPECT_EQ(_vxmGetMode(), VxmMode{VXM_MODE_DEFAULT});
-      EXPECT_EQ(_vxmGetErrorCallBack(), nullptr);
-      EXPECT_EQ(_vxmGetErrStatus(), VXM_STATUS_OK);
+      EXPECT_EQ(state(), of_a_new_thread);
       _vxmSetErrorCallBack(callback_b);
       _vxmSetErrStatus(VXM_STATUS_ERRDOM);
     });
-    EXPECT_EQ(_vxmGetMode(), VxmMode{0x1401});
-    EXPECT_EQ(_vxmGetErrorCallBack(), callback_a);
-    EXPECT_EQ(_vxmGetErrStatus(), VXM_STATUS_SING);
+    EXPECT_EQ(state(), State(0x1401, callback_a, VXM_STATUS_SING));
   });
 }
 

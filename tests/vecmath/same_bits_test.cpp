@@ -4,13 +4,12 @@
 #include <algorithm>
 #include <cmath>
 #include <fenv.h>
-#include <functional>
 #include <gtest/gtest.h>
 #include <immintrin.h>
 #include <qkr/vecmath.h>
 #include <qkr/vecmath_control.h>
 #include <string.h>
-#include <string>
+#include <utility>
 
 #include "tests/support/complex_functions.h"
 #include "tests/support/guarded.h"
@@ -33,31 +32,26 @@ TYPED_TEST_SUITE(SameBits, Elements);
 template <class T>
 constexpr bool is_complex = !std::is_floating_point_v<T>;
 
-// One function with its inputs: b and q are read and written only where it has two inputs, two results.
+// One function with its inputs.
 template <class T>
 struct Case {
-  using Call = std::function<void(int32_t n, const T *a, const T *b, T *r, T *q)>;
   const char *name;
-  int inputs, results;
-  Call entry, low;  // low: by the lower-accuracy name, where there is one
+  Entry<T> entry, low;
   std::vector<T> a, b;
   bool follows_caller = false;  // rounds as the caller does
 
   int count() const { return static_cast<int>(a.size()); }
-  // Of `n` elements from `first` on; second results stand behind all the first ones.
-  void run(const Call &call, int first, int n, std::vector<T> &r) const {
-    call(n, &a[first], &b[first], &r[first], &r[first + (results - 1) * a.size()]);
-  }
-  std::vector<T> blank() const { return std::vector<T>(a.size() * results, T{}); }
+  std::vector<T> blank() const { return std::vector<T>(a.size() * entry.results(), T{}); }
+  // By stretches of 1 to `longest` elements in turn; second results stand behind all the first ones.
   std::vector<T> in_pieces(int longest) const {
     std::vector<T> r = blank();
     for (int first = 0, n = 1; first < count(); first += n, n = n % longest + 1)
-      run(entry, first, std::min(n, count() - first), r);
+      entry(std::min(n, count() - first), &a[first], &b[first], &r[first], &r[first + r.size() - a.size()]);
     return r;
   }
-  std::vector<T> at_once() const {
+  std::vector<T> at_once(const Entry<T> &by) const {
     std::vector<T> r = blank();
-    run(entry, 0, count(), r);
+    by(count(), a.data(), b.data(), r.data(), &r[r.size() - a.size()]);
     return r;
   }
 };
@@ -68,32 +62,25 @@ std::vector<Case<T>> cases(int count, bool ordinary = false) {
   std::vector<Case<T>> all;
   if constexpr (is_complex<T>) {
     for (const auto &f : complex_functions<T>()) {
-      const auto call = [](const ComplexEntry<T> &entry) {
-        return [&entry](int32_t n, const T *a, const T *b, T *r, T *) { entry(n, a, b, r); };
-      };
-      all.push_back({f.name, f.entry.binary ? 2 : 1, 1, call(f.entry), call(f.low), {}, {}});
+      Case<T> &c = all.emplace_back(Case<T>{f.name, f.entry, f.low, {}, {}});
       Random random{1};
       for (int i = 0; i < count; ++i) {
         Operands z = any_operands(random);
         const double tiny = std::ldexp(random.unit() - 0.5, -static_cast<int>(random.below(99)));
         if (ordinary) z = {random.unit() * 3 - 1.5, tiny, random.unit() * 3, random.unit()};
-        all.back().a.push_back(rounded_element<T>(z.x, z.y));
-        all.back().b.push_back(f.entry.with_number && i ? all.back().b[0] : rounded_element<T>(z.u, z.v));
+        c.a.push_back(rounded_element<T>(z.x, z.y));
+        c.b.push_back(f.entry.with_number && i ? c.b[0] : rounded_element<T>(z.u, z.v));
       }
     }
   } else {
-    const auto inputs = [=](const VectorFunction<T> &f, Range<T> range, uint64_t seed) {
-      if (!ordinary) return mixed_inputs(f, range, count, seed);
-      Random random{seed};
-      std::vector<T> x(count);
-      for (T &number : x) number = qkr::tests::ordinary(range, random);
-      return x;
-    };
     for (const auto &f : vector_functions<T>()) {
-      const bool has_low = f.low.unary || f.low.binary || f.low.two_results;
-      all.push_back({f.name, f.entry.inputs(), f.entry.results(), f.entry,
-                     has_low ? typename Case<T>::Call(f.low) : nullptr, inputs(f, f.a, 1), inputs(f, f.b, 2),
+      all.push_back({f.name, f.entry, f.low, mixed_inputs(f, f.a, count, 1), mixed_inputs(f, f.b, count, 2),
                      f.rounding == Rounding::callers});
+      Random random{1};
+      for (int i = 0; ordinary && i < count; ++i) {
+        all.back().a[i] = qkr::tests::ordinary(f.a, random);
+        all.back().b[i] = qkr::tests::ordinary(f.b, random);
+      }
     }
   }
   return all;
@@ -102,29 +89,11 @@ std::vector<Case<T>> cases(int count, bool ordinary = false) {
 template <class T>
 testing::AssertionResult same(const Case<T> &c, const std::vector<T> &expected, const std::vector<T> &got) {
   for (size_t i = 0; i < expected.size(); ++i)
-    if (memcmp(&expected[i], &got[i], sizeof(T)) != 0) {
-      const size_t k = i % c.a.size();
+    if (const size_t k = i % c.a.size(); memcmp(&expected[i], &got[i], sizeof(T)) != 0)
       return testing::AssertionFailure()
              << c.name << " of element " << i << ", " << testing::PrintToString(c.a[k]) << ' '
              << testing::PrintToString(c.b[k]);
-    }
   return testing::AssertionSuccess();
-}
-
-TYPED_TEST(SameBits, AtAllLevelsLengthsAndPlaces) {
-  for (const auto &c : cases<TypeParam>(is_complex<TypeParam> ? 2'011 : 20'011)) {
-    const auto expected = c.in_pieces(1);
-    for_each_level([&](const char *level) {
-      SCOPED_TRACE(level);
-      EXPECT_TRUE(same(c, expected, c.at_once()));
-      EXPECT_TRUE(same(c, expected, c.in_pieces(1))) << "one by one";
-      EXPECT_TRUE(same(c, expected, c.in_pieces(150))) << "in pieces";
-      if (!c.low) return;
-      auto low = c.blank();
-      c.run(c.low, 0, c.count(), low);
-      EXPECT_TRUE(same(c, expected, low)) << "by the lower-accuracy name";
-    });
-  }
 }
 
 // Inputs that a kernel serves otherwise than most, such as large angles, powers of negative numbers and
@@ -149,57 +118,36 @@ void come_in_runs(Case<T> &c) {
   fill(c.a), fill(c.b);
 }
 
-TYPED_TEST(SameBits, OfRareInputsInRuns) {
-  if constexpr (!is_complex<TypeParam>) {
-    for (auto c : cases<TypeParam>(10'007)) {
-      come_in_runs(c);
+TYPED_TEST(SameBits, AtAllLevelsLengthsAndPlaces) {
+  for (auto c : cases<TypeParam>(is_complex<TypeParam> ? 2'011 : 20'011))
+    for (const bool in_runs : {false, true}) {
+      if constexpr (is_complex<TypeParam>) {
+        if (in_runs) continue;
+      } else if (in_runs) {
+        come_in_runs(c);
+      }
       const auto expected = c.in_pieces(1);
       for_each_level([&](const char *level) {
         SCOPED_TRACE(level);
-        EXPECT_TRUE(same(c, expected, c.at_once()));
+        EXPECT_TRUE(same(c, expected, c.at_once(c.entry)));
+        EXPECT_TRUE(same(c, expected, c.in_pieces(1))) << "one by one";
         EXPECT_TRUE(same(c, expected, c.in_pieces(150))) << "in pieces";
+        EXPECT_TRUE(!c.low || same(c, expected, c.at_once(c.low))) << c.name << " by the lower-accuracy name";
       });
     }
-  }
-}
-
-template <class T>
-void expect_mirrored_powers(void (*power)(int32_t, const T *, const T *, T *)) {
-  constexpr int count = 2000;
-  std::vector<T> x(count), minus_x(count), y(count), of_x(count), of_minus_x(count);
-  Random random{9};
-  for (int i = 0; i < count; ++i) {
-    x[i] = static_cast<T>(std::exp2(60 * random.unit() - 30));
-    minus_x[i] = -x[i];
-    y[i] = static_cast<T>(static_cast<int>(random.below(61)) - 30);
-  }
-  for_each_level([&](const char *level) {
-    power(count, x.data(), y.data(), of_x.data());
-    power(count, minus_x.data(), y.data(), of_minus_x.data());
-    for (int i = 0; i < count; ++i) {
-      const bool odd = std::fmod(y[i], T(2)) != 0;
-      EXPECT_EQ(of_minus_x[i], odd ? -of_x[i] : of_x[i]) << level << ' ' << x[i] << " to the " << y[i];
-    }
-  });
-}
-
-TEST(SameBitsOfPowers, OfANegativeBaseAndOfItsMagnitude) {
-  expect_mirrored_powers<double>(_vxmdPow_HA);
-  expect_mirrored_powers<float>(_vxmsPow_HA);
 }
 
 TYPED_TEST(SameBits, WhenAResultReplacesAnInput) {
   for (const auto &c : cases<TypeParam>(2'001)) {
-    const auto expected = c.at_once();
+    const auto expected = c.at_once(c.entry);
     for_each_level([&](const char *level) {
       SCOPED_TRACE(level);
-      for (int replaced = 0; replaced < std::max(c.inputs, c.results); ++replaced) {
+      for (int replaced = 0; replaced < (c.entry.binary || c.entry.two_results ? 2 : 1); ++replaced) {
         auto a = c.a, b = c.b, r = c.blank();
-        auto *const input = c.inputs == 2 && replaced == 1 ? b.data() : a.data();
-        const int result = c.results == 2 ? replaced : 0;
-        TypeParam *results[2] = {r.data(), r.data() + (c.results - 1) * c.a.size()};
-        TypeParam *const place = results[result];
-        results[result] = input;
+        TypeParam *const input = c.entry.binary && replaced == 1 ? b.data() : a.data();
+        TypeParam *results[2] = {r.data(), &r[r.size() - a.size()]};
+        TypeParam *&result = results[c.entry.two_results ? replaced : 0], *const place =
+                                                                              std::exchange(result, input);
         c.entry(c.count(), a.data(), b.data(), results[0], results[1]);
         std::copy_n(input, c.count(), place);
         EXPECT_TRUE(same(c, expected, r));
@@ -220,7 +168,7 @@ TYPED_TEST(SameBits, UnderTheCallersControlWords) {
   const unsigned usual = _mm_getcsr();
   const uint16_t usual_x87 = x87_control();
   for (const auto &c : cases<TypeParam>(is_complex<TypeParam> ? 501 : 2'001)) {
-    const auto ordinary = c.at_once();
+    const auto ordinary = c.at_once(c.entry);
     for (const unsigned controls : {0u, down, up, toward_zero, ftz, daz, up | ftz | daz})
       for (const uint16_t x87 : {0x300, 0x000, 0x200, 0x700, 0xF00})
         for_each_level([&](const char *level) {
@@ -230,7 +178,7 @@ TYPED_TEST(SameBits, UnderTheCallersControlWords) {
           const auto word_x87 = static_cast<uint16_t>((usual_x87 & ~0xF00) | x87);
           _mm_setcsr(word);
           set_x87_control(word_x87);
-          const auto got = c.at_once();
+          const auto got = c.at_once(c.entry);
           const unsigned after = _mm_getcsr();
           const uint16_t after_x87 = x87_control();
           _mm_setcsr(word);
@@ -252,16 +200,14 @@ TYPED_TEST(SameBits, KeepsToItsArraysWithoutEvents) {
     for (const Edge edge : {Edge::end, Edge::start})
       for (int n = 0; n <= longest; n += n < 40 ? 1 : 11) {
         Guarded<T> a(n, edge), b(n, edge), r(n, edge), q(n, edge);
-        const T number[1] = {c.b[0]};
-        const bool with_number = is_complex<T> && c.inputs == 1;  // may read one element of b
         std::copy_n(c.a.data(), n, a.data());
         std::copy_n(c.b.data(), n, b.data());
+        const T *const second = c.entry.with_number ? c.b.data() : b.data();
         for_each_level([&](const char *level) {
           feclearexcept(FE_ALL_EXCEPT);
-          c.entry(n, a.data(), with_number ? number : b.data(), r.data(), q.data());
+          c.entry(n, a.data(), second, r.data(), q.data());
           ASSERT_EQ(fetestexcept(FE_ALL_EXCEPT & ~FE_INEXACT), 0) << c.name << ' ' << n << ' ' << level;
-          for (const int32_t none : {-n, -1, INT32_MIN})
-            c.entry(none, a.data(), with_number ? number : b.data(), r.data(), q.data());
+          for (const int32_t none : {-n, -1, INT32_MIN}) c.entry(none, a.data(), second, r.data(), q.data());
         });
       }
 }

@@ -125,26 +125,19 @@ class Report {
     if (!wanted(f.name)) return;
     ++measured_;
     const int points = static_cast<int>(std::max<uint64_t>(200, options_.points / 2000));
-    std::vector<std::future<ComplexErrors>> regions;
+    std::vector<std::future<Errors<E>>> regions;
     for (const Region &region : f.regions)
       regions.push_back(std::async(std::launch::async, [&] { return measure(f, region, points); }));
-    ComplexErrors all;
-    for (auto &region : regions) {
-      const ComplexErrors errors = region.get();
-      if (!(errors.normal.error <= all.normal.error)) all.normal = errors.normal;
-      if (!(errors.subnormal.error <= all.subnormal.error)) all.subnormal = errors.subnormal;
-      all.sum += errors.sum, all.parts += errors.parts;
-    }
-    const Operands &at = all.normal.at;
-    const bool of_two = !f.entry.unary;
+    Errors<E> all;
+    for (auto &region : regions) all.join(region.get());
+    const E z = all.normal.a, w = all.normal.b;
     const auto inputs = [&](auto text) {
-      return text(at.x) + ", " + text(at.y) + (of_two ? "; " + text(at.u) + ", " + text(at.v) : "");
+      return text(z.re) + ", " + text(z.im) + (f.entry.unary ? "" : "; " + text(w.re) + ", " + text(w.im));
     };
     const double bound = error_bound(f.name);
     line({std::string("`") + f.name + "`", decimals(bound, 3), decimals(all.normal.error, 5),
-          inputs(hexadecimal<double>), inputs(pattern<PartOf<E>>),
-          decimals(all.sum / static_cast<double>(all.parts), 4), decimals(all.subnormal.error, 4),
-          std::to_string(all.parts)});
+          inputs(hexadecimal<PartOf<E>>), inputs(pattern<PartOf<E>>), decimals(all.mean(), 4),
+          decimals(all.subnormal.error, 4), std::to_string(all.points)});
     if (!(all.normal.error <= bound)) complain(f.name, "exceeds its bound");
     if (!(all.subnormal.error <= subnormal_bound))
       complain(f.name, "is off by more than a subnormal spacing");
@@ -156,10 +149,10 @@ class Report {
       return;
     ++measured_;
     const int points = static_cast<int>(std::max<uint64_t>(2000, options_.points / 500));
-    const ExtendedErrors worst = measure(f, points);
+    const Worst<long double> worst = measure(f, points).normal;
     const auto text = [](long double x) { return formatted("%La", x); };
     line({std::string("`") + f.name + "`", decimals(f.bound, 3), decimals(worst.error, 5),
-          text(worst.a) + (f.binary ? ", " + text(worst.b) : ""), "", "", "",
+          text(worst.a) + (f.entry.binary ? ", " + text(worst.b) : ""), "", "", "",
           std::to_string(points * f.ranges.size())});
     if (!(worst.error <= f.bound)) complain(f.name, "exceeds its bound");
   }
