@@ -64,7 +64,8 @@ int slot_of(const void *block) {
 
 }  // namespace
 
-// Of the free slots an exact fit, a larger one, a fresh slot, a smaller one, in this order, the lowest of each.
+// Of the free slots an exact fit, a larger one, a fresh slot, a smaller one, in this order, the lowest of
+// each.
 TEST_F(Cache, SlotPreference) {
   constexpr uint64_t sizes_asked[] = {0, 1, 10, 20, 20, 30, cache_ceiling, cache_ceiling + 1};
   std::mt19937 random(1);

@@ -1,5 +1,5 @@
-// Plans of powers of two and of any length: sizes, memory of their own and of the caller, the order of checks,
-// failing allocations.
+// Plans of powers of two and of any length: sizes, memory of their own and of the caller, the order of
+// checks, failing allocations.
 #include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>

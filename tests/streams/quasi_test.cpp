@@ -65,7 +65,8 @@ const uint32_t *directions(const Stream &stream, uint32_t j) {
       .row(static_cast<int32_t>(j));
 }
 
-// A user's array is made of the tables, which begin again where they end; dimension 1 of Sobol is not in them.
+// A user's array is made of the tables, which begin again where they end; dimension 1 of Sobol is not in
+// them.
 uint32_t dimension_in_tables(uint32_t id, uint32_t j) {
   return id == niederreiter_id ? j % 318 : j == 0 ? 0 : 1 + (j - 1) % 39;
 }

@@ -12,8 +12,8 @@ using namespace qkr::tests;
 
 constexpr int room = 600, middle = 300;  // strides may lead to either side
 
-// In a buffer whose numbers are their places: a and y are places in it, so that any overlap can be made. Element
-// j of a packed vector stands at places[j] of the other.
+// In a buffer whose numbers are their places: a and y are places in it, so that any overlap can be made.
+// Element j of a packed vector stands at places[j] of the other.
 template <class T>
 void expect_moves(int shift, const std::vector<int> &places, auto pack, auto unpack) {
   for (const bool unpacks : {false, true}) {
