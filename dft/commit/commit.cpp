@@ -3,6 +3,7 @@
 #include <qkr/service.h>
 
 #include "dft/commit/engine.h"
+#include "dft/descriptor/blocks.h"
 #include "dft/threads/runtime.h"
 
 namespace qkr::dft {
@@ -56,7 +57,7 @@ template <class Word>
 Word *allocate(int64_t count, size_t bytes) {
   size_t size;
   if (__builtin_mul_overflow(static_cast<size_t>(count), bytes, &size)) return nullptr;
-  return static_cast<Word *>(qkr_serv_allocate(size));
+  return static_cast<Word *>(allocate_block(size));
 }
 
 // Words for the caller's threads that compute at a time.
@@ -108,7 +109,7 @@ int32_t make_all(DftDescriptor *head) {
 
 void release_committed(DftDescriptor *head) {
   const auto give_back = [](auto *&block) {
-    qkr_serv_deallocate(block);
+    free_block(block);
     block = nullptr;
   };
   const auto release = [](const PlanKind &kind, void *&plan) {

@@ -1,6 +1,5 @@
 // Creating and freeing descriptors.
-#include <qkr/service.h>
-
+#include "dft/descriptor/blocks.h"
 #include "dft/descriptor/record.h"
 
 using namespace qkr::dft;
@@ -50,11 +49,11 @@ int32_t qkr_dft_def_create_descriptor_highd(DftDescriptor **handle, const int32_
   *handle = nullptr;
   const bool fits = count > largest_dimension || product(lengths, count) > 0;
   DftDescriptor *head =
-      fits ? static_cast<DftDescriptor *>(qkr_serv_allocate(count * sizeof(DftDescriptor))) : nullptr;
+      fits ? static_cast<DftDescriptor *>(allocate_block(count * sizeof(DftDescriptor))) : nullptr;
   if (!head) return DFTX_MEMORY_ERROR;
 
   const auto refused = [head](int32_t code) {
-    qkr_serv_deallocate(head);
+    free_block(head);
     return code;
   };
   if (*domain != DFTX_COMPLEX && *domain != DFTX_REAL) return refused(DFTX_INVALID_ARGUMENT);
@@ -76,8 +75,8 @@ int32_t qkr_dft_def_free_descriptor_external(DftDescriptor **handle) {
   if (!head) return DFTX_INVALID_ARGUMENT;
   if (!is_descriptor(head)) return DFTX_BAD_DESCRIPTOR;
   release_committed(head);
-  head->magic[0] = 0;  // the block stays in the thread's cache: a stale handle is to be told from a live one
-  qkr_serv_deallocate(head);
+  head->magic[0] = 0;  // tells a stale handle from a live one while the block is not used again
+  free_block(head);
   *handle = nullptr;
   return DFTX_NO_ERROR;
 }

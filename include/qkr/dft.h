@@ -51,9 +51,9 @@
  * when a descriptor is committed that could use it, never before. Without one the transform runs on the
  * caller's thread. Results have the same bits on any number of threads, and on every processor.
  *
- * Create, set, commit and free must have a descriptor to themselves. With ::DFTX_THREAD_LIMIT above 1 so many
- * of the caller's own threads may compute with it at a time; otherwise one. Different descriptors do not
- * disturb one another.
+ * Create, set, commit and free must have a descriptor to themselves, each on any thread: the one that frees a
+ * descriptor need not be the one that made it. With ::DFTX_THREAD_LIMIT above 1 so many of the caller's own
+ * threads may compute with it at a time; otherwise one. Different descriptors do not disturb one another.
  *
  * Source of the methods: J. W. Cooley and J. W. Tukey, Mathematics of Computation 19 (1965) 297, and those
  * that sigfft.h names; rows and columns after D. H. Bailey, Journal of Supercomputing 4 (1990) 23. Accuracy:

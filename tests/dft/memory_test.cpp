@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <memory>
+#include <mutex>
+#include <set>
+#include <thread>
 
 #include "tests/dft/combinations.h"
 #include "tests/support/allocations.h"
@@ -81,6 +84,44 @@ TEST(Memory, BetweenGuardedPages) {
   i_malloc = malloc;
   i_free = free;
   EXPECT_TRUE(guarded_blocks.empty());
+}
+
+// A descriptor need not end on the thread that made it, and the caches of both threads stay sound: every
+// block is freed once, and none is left.
+std::mutex blocks_lock;
+std::set<void *> blocks;
+int wrongly_freed;
+
+TEST(Memory, MadeHereFreedThere) {
+  qkr_serv_freebuffers();
+  i_malloc = [](size_t size) {
+    const std::lock_guard lock(blocks_lock);
+    return *blocks.insert(malloc(size)).first;
+  };
+  i_free = [](void *block) {
+    const std::lock_guard lock(blocks_lock);
+    if (blocks.erase(block)) free(block);
+    else ++wrongly_freed;
+  };
+  Case c;
+  c.lengths = {60, 32};
+  for (c.thread_limit = 1; c.thread_limit < 3; ++c.thread_limit) {
+    DftDescriptor *descriptor = nullptr;
+    ASSERT_EQ(prepare(c, &descriptor), DFTX_NO_ERROR);
+    std::thread([&] {
+      EXPECT_EQ(compute(c, descriptor).code, DFTX_NO_ERROR);
+      EXPECT_EQ(qkr_dft_def_commit_descriptor_external(&descriptor), DFTX_NO_ERROR);
+    }).join();
+    EXPECT_EQ(compute(c, descriptor).code, DFTX_NO_ERROR);
+    qkr_serv_freebuffers();  // leaves a descriptor alone
+    EXPECT_EQ(compute(c, descriptor).code, DFTX_NO_ERROR);
+    std::thread([&] { qkr_dft_def_free_descriptor_external(&descriptor); }).join();
+    qkr_serv_freebuffers();
+  }
+  i_malloc = malloc;
+  i_free = free;
+  EXPECT_EQ(wrongly_freed, 0);
+  EXPECT_TRUE(blocks.empty());
 }
 
 // A limit of threads that no machine has memory for.
