@@ -1,4 +1,5 @@
 // Complex functions and those of one extended number: special values and accuracy.
+#include <algorithm>
 #include <cmath>
 #include <complex>
 #include <fenv.h>
@@ -155,6 +156,32 @@ TYPED_TEST(Complex, KeepsItsBound) {
                                        << ", " << z.im << ", " << w.re << ", " << w.im;
       EXPECT_LE(errors.subnormal.error, subnormal_bound) << f.name << ", region " << i;
     }
+  }
+}
+
+// Many turns from a negative base; angles, and products on the way to them, that leave the normal range, of
+// results that do not.
+TEST(ComplexPowers, OfAwkwardAngles) {
+  constexpr vxm64fc rows[][2] = {
+      {{-0x1.b37349d935139p+9, -0x1.d68ea302fd4bp-1}, {-0x0.f2bd66ebca342p-1022, -0x0.d367afaff85bep-1022}},
+      {{-0x1.cecc828e741b4p+9, 0x1.70cca759f6965p+18}, {-0.0, 0x0.1c81d91c21387p-1022}},
+      {{3, 0x0.00000000009c2p-1022}, {500, 0}},
+      {{2, 0x0.0000000000001p-1022}, {1000, 0}},
+      {{-1.01, 0}, {2800.3, 0}},
+      {{-1.02, -1e-200}, {2500.7, 0}},
+      {{1e-180, 0x1p430}, {-1.7, 41.25}}};
+  const auto f = std::ranges::find(complex_functions<vxm64fc>(), "_vxmzPow_HA",
+                                   [](const auto &row) { return std::string_view(row.name); });
+  for (const auto &[z, w] : rows) {
+    const vxm64fc one = _vxmcpow_scalar(z.re, z.im, w.re, w.im);
+    for_each_level([&](const char *level) {
+      vxm64fc r;
+      f->entry(1, &z, &w, &r);
+      Errors<vxm64fc> errors;
+      note_errors(*f, z, w, r, errors);
+      EXPECT_TRUE(r.im == one.im && errors.normal.error <= 0.51)
+          << level << ": " << z.re << ", " << z.im << " to " << w.re << ", " << w.im << " is " << r.im;
+    });
   }
 }
 

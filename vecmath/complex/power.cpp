@@ -11,6 +11,7 @@ struct Pow {
   static constexpr int width = 2;
   static constexpr bool raises_events = true;
   static constexpr double exponential_limit = 700;
+  static constexpr double smallest_angle = 0x1p-900;  // below it products are no longer exact
 
   // A NaN where w ln z is beyond the kernels' ranges.
   template <class V>
@@ -20,7 +21,8 @@ struct Pow {
     const auto e = exponential(p);
     const auto c = circular_pair(q);
     const V nan = all<V>(__builtin_nan(""));
-    const V within = select(absolute<double>(q.hi) < circular_limit, V{}, nan);
+    const V turn = absolute<double>(q.hi);
+    const V within = select(turn < circular_limit, select(turn < smallest_angle, nan, V{}), nan);
     const V scale = select(absolute<double>(p.hi) < exponential_limit, scale_of(e.n), nan) + within;
     return {(e.mantissa * c.cos).hi * scale, (e.mantissa * c.sin).hi * scale};
   }

@@ -23,12 +23,21 @@ DoubleDouble logarithm_of_modulus(double x, double y) {
   return rest + sse2::fast_sum(k * sse2::ln2_hi, k * sse2::ln2_lo);
 }
 
-// Two doubles cannot hold the terms of very slender angles.
+// Where squares would leave the range of doubles, of z over a power of two. Two doubles cannot hold the terms
+// of very slender angles; to the left, or at the axis of y, they are nothing beside a half or quarter turn.
 DoubleDouble angle(double x, double y) {
   constexpr double far_apart = 0x1p400;
-  const double a = __builtin_fabs(x), b = __builtin_fabs(y);
-  const bool slender = b == 0 || a > far_apart || b > far_apart || a < 1 / far_apart || b < 1 / far_apart;
-  return slender ? sse2::split(_vxmatan2l_scalar(y, x)) : sse2::angle(y, x);
+  const auto in_range = [](double t) {
+    const double size = __builtin_fabs(t);
+    return size >= 1 / far_apart && size <= far_apart;
+  };
+  if (in_range(x) && in_range(y)) return sse2::angle(y, x);
+  const long double scale = sse2::power_of_two(-sse2::normalized(sse2::by_magnitude(x, y).larger).exponent);
+  const double a = (double)(x * scale), b = (double)(y * scale);
+  if (in_range(a) && in_range(b)) return sse2::angle(b, a);
+  const double turned = __builtin_fabs(b) > __builtin_fabs(a) ? 0.5 : is_negative(x) ? 1 : 0;
+  if (turned == 0) return sse2::split(_vxmatan2l_scalar(y, x));
+  return {__builtin_copysign(turned * sse2::pi_hi, y), __builtin_copysign(turned * sse2::pi_lo, y)};
 }
 
 sse2::Circular<double> circular_pair_of(DoubleDouble q) {
@@ -40,17 +49,20 @@ sse2::Circular<double> circular_pair_of(DoubleDouble q) {
 
 // Of finite z and w, neither of them zero.
 vxm64fc ordinary_power(double x, double y, double u, double v) {
-  constexpr double exponential_limit = 11300, accurate_angle = 0x1p50;
+  constexpr double exponential_limit = 11300, accurate_angle = 0x1p50, smallest_angle = 0x1p-900;
   const DoubleDouble re = logarithm_of_modulus(x, y), im = angle(x, y);
   const auto p = times(re, u) - times(im, v), q = times(im, u) + times(re, v);
   // Neither, if it is a NaN.
   if (__builtin_fabs(p.hi) < exponential_limit && __builtin_fabs(q.hi) < accurate_angle) {
     const auto e = sse2::exponential(p);
-    const auto [sine, cosine] = circular_pair_of(q);
     const int k = (int32_t)e.n >> 6;
-    return rounded(
-        sse2::times_power_of_two(join(e.mantissa * cosine), k),
-        is_zero(q.hi) ? (v == 0 ? u * im.hi : q.hi) : sse2::times_power_of_two(join(e.mantissa * sine), k));
+    const auto [sine, cosine] = circular_pair_of(q);
+    const long double real = sse2::times_power_of_two(join(e.mantissa * cosine), k);
+    if (__builtin_fabs(q.hi) >= smallest_angle)
+      return rounded(real, sse2::times_power_of_two(join(e.mantissa * sine), k));
+    // Doubles may not hold it, nor what it comes of; it is its own sine.
+    const long double theta = _vxmatan2l_scalar(y, x), turn = v == 0 ? u * theta : u * theta + v * join(re);
+    return rounded(real, turn == 0 && v != 0 ? q.hi : sse2::times_power_of_two(join(e.mantissa) * turn, k));
   }
   const long double L = (long double)re.hi + re.lo, theta = (long double)im.hi + im.lo;
   return _vxmcexp_scalar((double)(u * L - v * theta), (double)(u * theta + v * L));
