@@ -1,5 +1,5 @@
 // Negative binomial numbers: the failures before success number a, for any positive a. Inversion of a
-// table, and for large modes rejection under a table mountain.
+// table, and for large modes rejection under a table mountain, for huge ones Poisson numbers of gamma means.
 #include "distributions/chunks.h"
 #include "distributions/counts/mountain.h"
 #include "distributions/counts/stirling.h"
@@ -92,17 +92,17 @@ int32_t by_rejection_from_mountain(StreamState *stream, int32_t n, int32_t *out,
   return by_mountain(stream, n, out, s.mountain, 0.0, unlimited, accept, [&] { set_up_mountain(s); });
 }
 
-// A number beyond the table where the tail is too long to be added up: Poisson numbers of gamma means,
-// until one is beyond the table. On the average that takes one draw for each number, whether it is beyond
-// or not.
-int32_t from_gamma_means(StreamState *stream, double a, double p, int32_t &out) {
+// A number from `lowest` on: Poisson numbers of gamma means, until one is. Beyond the table, where the tail
+// is too long to be added up, that takes on the average one draw for each number, whether it is beyond or
+// not.
+int32_t from_gamma_means(StreamState *stream, double a, double p, int32_t lowest, int32_t &out) {
   // The bound is for tables from damaged files.
   for (int32_t tries = 0; tries < 1 << 20; ++tries) {
     double mean;
     int32_t status = _vxsdRngGamma(0, stream, 1, &mean, a, 0.0, (1.0 - p) / p);
     if (status >= 0) status = _vxsiRngPoissonV(0, stream, 1, &out, &mean);
     if (status < 0) return status;
-    if (out >= table_size) break;
+    if (out >= lowest) break;
   }
   return VXS_STATUS_OK;
 }
@@ -116,8 +116,15 @@ int32_t with_long_tail(StreamState *stream, int32_t n, int32_t *out, const Setup
       beyond = true;
       return 0;
     });
-    if (status >= 0 && beyond) status = from_gamma_means(stream, s.a, s.p, out[i]);
+    if (status >= 0 && beyond) status = from_gamma_means(stream, s.a, s.p, table_size, out[i]);
   }
+  return status;
+}
+
+// One after the other, for the same reason.
+int32_t by_gamma_means(StreamState *stream, int32_t n, int32_t *out, double a, double p) {
+  int32_t status = VXS_STATUS_OK;
+  for (ptrdiff_t i = 0; i < n && status >= 0; ++i) status = from_gamma_means(stream, a, p, 0, out[i]);
   return status;
 }
 
@@ -135,11 +142,14 @@ int32_t negative_binomial(StreamState *stream, int32_t n, int32_t *out, double a
   if (!(a >= 0.0 && a <= 0x1p1000 && p > 0.0 && p <= 1.0)) return VXS_STATUS_BAD_ARGUMENT;
   const double mode = (a - 1.0) * (1.0 - p) / p;
   if (mode - 200.0 * square_root(mode / p) > largest_whole) return fill_with_largest(n, out);
+  const bool small = !(mode >= rejection_from);
+  // Where mass ratios round to 1, the mountain has no tails.
+  if (!small && a / p > 0x1p48) return by_gamma_means(stream, n, out, a, p);
   Setup *setup;
   const int32_t status = find_or_add_chunk(stream, setup_chunk, Setup{}, &setup);
   if (status < 0) return status;
   Setup &s = *setup;
-  const bool small = !(mode >= rejection_from), known = s.a == a && s.p == p;
+  const bool known = s.a == a && s.p == p;
   s.a = a;
   s.p = p;
   if (!known) {

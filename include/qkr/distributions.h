@@ -263,8 +263,8 @@ QKR_API int32_t _vxsiRngHypergeometric(int32_t method, StreamState *stream, int3
  * also for a that is no whole number: a >= 0, 0 < p <= 1. With a = 0 or p = 1 all numbers are 0.
  *
  * Inversion of a table where (a - 1) (1 - p) / p < 100; where its tail is long (p < 0.01), numbers beyond
- * it are Poisson numbers of gamma means, with the errors of PoissonV. Else rejection under a plateau with
- * two exponential tails, as in H2PE. */
+ * it are Poisson numbers of gamma means, with the errors of PoissonV, as all are where a / p is above 2^48.
+ * Else rejection under a plateau with two exponential tails, as in H2PE. */
 QKR_API int32_t _vxsiRngNegbinomial(int32_t method, StreamState *stream, int32_t n, int32_t *out, double a,
                                     double p);
 

@@ -115,7 +115,9 @@ TEST(WholeNumbers, AboveTheLargestAreTheLargest) {
                              {"PoissonV", {1e12}},
                              {"PoissonV", {HUGE_VAL}},
                              {"Negbinomial", {1e300, 0.5}},
-                             {"Negbinomial", {1e10, 0.5}}}) {
+                             {"Negbinomial", {1e10, 0.5}},
+                             {"Negbinomial", {38.9, 2e-17}},
+                             {"Negbinomial", {1e6, 1e-300}}}) {
     Wholes x(100);
     EXPECT_EQ(draw(a_case, new_stream(0x800000, {3}).get(), 100, x.data()), VXS_STATUS_OK);
     EXPECT_EQ(x, Wholes(100, INT32_MAX)) << name_of<int32_t>(a_case);
