@@ -88,6 +88,13 @@ int32_t current_generator_count = 12;
 
 using namespace qkr;
 
+namespace {
+
+// Other threads may look while one registers: a row counts once it is whole.
+int32_t registered_rows() { return __atomic_load_n(&current_generator_count, __ATOMIC_ACQUIRE); }
+
+}  // namespace
+
 extern "C" {
 
 const BrngRecord *__vxsGetBrngBaseOffset(int32_t id, int32_t *row, int32_t *member) {
@@ -103,9 +110,8 @@ const BrngRecord *__vxsGetBrngBaseOffset(int32_t id, int32_t *row, int32_t *memb
 }
 
 int32_t __vxsIsBrngValid(const BrngRecord *table, int32_t row, int32_t member) {
-  const bool valid = table == legacy_generators.rows
-                         ? row < legacy_rows
-                         : row < current_generator_count && member < family_sizes[row];
+  const bool valid = table == legacy_generators.rows ? row < legacy_rows
+                                                     : row < registered_rows() && member < family_sizes[row];
   return valid ? VXS_STATUS_OK : VXS_STATUS_BAD_GENERATOR;
 }
 
@@ -117,7 +123,7 @@ int32_t __vxsGetBrngProperties(int32_t id, BrngRecord *out) {
   return status;
 }
 
-int32_t __vxsGetNumRegBrngs(void) { return current_generator_count; }
+int32_t __vxsGetNumRegBrngs(void) { return registered_rows(); }
 
 int32_t __vxsRegisterBrng(const BrngRecord *record) {
   if (record->StateSize < 0) return VXS_STATUS_BAD_STATE_SIZE;
@@ -129,9 +135,11 @@ int32_t __vxsRegisterBrng(const BrngRecord *record) {
   if (!record->dBrng || !record->sBrng || !record->iBrng || !record->InitStream) {
     return VXS_STATUS_NULL_POINTER;
   }
-  current_generators[current_generator_count] = *record;
-  family_sizes[current_generator_count] = 1;
-  return ++current_generator_count << row_shift;
+  const int32_t row = current_generator_count;
+  current_generators[row] = *record;
+  family_sizes[row] = 1;
+  __atomic_store_n(&current_generator_count, row + 1, __ATOMIC_RELEASE);
+  return (row + 1) << row_shift;
 }
 
 }  // extern "C"

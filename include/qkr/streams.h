@@ -149,7 +149,7 @@ QKR_API int32_t __vxsGetBrngProperties(int32_t id, BrngRecord *out);
 QKR_API int32_t __vxsGetNumRegBrngs(void);
 
 /** Enters a generator of your own, copying the record. It has one member, and the table holds 512 rows: the
- * caller counts. Nothing else may use the registry meanwhile.
+ * caller counts. Other threads may use the registry meanwhile, but not register.
  * streams/generators/philox.cpp registers one of the library's in this way, and is the example.
  * @return the new id, 0xd00000 for the first, or a status: VXS_STATUS_BAD_STATE_SIZE,
  * VXS_STATUS_BAD_WORD_SIZE, VXS_STATUS_BAD_SEED_WORDS, VXS_STATUS_BAD_BITS, VXS_STATUS_NULL_POINTER,

@@ -114,8 +114,7 @@ QKR_GENERATOR(sAbstract)
  *
  * @{ */
 
-/** The id of Philox. The first call changes the registry, which nothing else may use meanwhile; the next
- * only read.
+/** The id of Philox. The first call registers it, which nobody else may do meanwhile; the next only read.
  * @return the id, or VXS_STATUS_NO_MEMORY if the table is full */
 QKR_API int32_t qkr_philox(void);
 /** @} */
