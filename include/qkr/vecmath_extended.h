@@ -22,7 +22,7 @@ QKR_API long double _vxmexpl_scalar(long double x);
 
 /** @name Sine, cosine, tangent
  * Of x radians, of any size: large ones are reduced after M. Payne and R. Hanek, ACM SIGNUM Newsletter 18
- * (1983) 19. Largest error: 0.53 ulp. An infinity gives NaN and raises invalid. _vxmsincosl_scalar() stores
+ * (1983) 19. Largest error: 0.63 ulp. An infinity gives NaN and raises invalid. _vxmsincosl_scalar() stores
  * both; the two places may not be the same.
  * @{ */
 QKR_API long double _vxmsinl_scalar(long double x);
@@ -42,7 +42,7 @@ QKR_API long double _vxmtanhl_scalar(long double x);
 /** @} */
 
 /** @name Logarithms
- * ln x and ln(1 + x). Largest error: 0.52 ulp. The logarithm of 0 is -inf and raises divide-by-zero; that of
+ * ln x and ln(1 + x). Largest error: 0.75 ulp. The logarithm of 0 is -inf and raises divide-by-zero; that of
  * a negative number is NaN and raises invalid.
  * @{ */
 QKR_API long double _vxmlogl_scalar(long double x);
@@ -50,7 +50,7 @@ QKR_API long double _vxmlog1pl_scalar(long double x);
 /** @} */
 
 /** The angle of the point (x, y), from -pi to pi; zeros count with their signs, and infinite coordinates as
- * in C's atan2. Largest error: 0.501 ulp. */
+ * in C's atan2. Largest error: 0.63 ulp. */
 QKR_API long double _vxmatan2l_scalar(long double y, long double x);
 
 /** The square root, correctly rounded: the processor's own. */

@@ -36,19 +36,19 @@ const std::vector<ExtendedFunction> &extended_functions() {
   const Ranges of_atan2 = {{-3, 3}, {-60, 60, true}, {-16440, 16383, true}};
   static const std::vector<ExtendedFunction> table = {
       {"_vxmexpl_scalar", _vxmexpl_scalar, mpfr_exp, 0.501, of_exp},
-      {"_vxmlogl_scalar", of_magnitude<_vxmlogl_scalar>, exact_of_magnitude<mpfr_log>, 0.52, of_log},
-      {"_vxmlog1pl_scalar", _vxmlog1pl_scalar, mpfr_log1p, 0.52, of_log1p},
-      {"_vxmsinl_scalar", _vxmsinl_scalar, mpfr_sin, 0.54, circular},
-      {"_vxmcosl_scalar", _vxmcosl_scalar, mpfr_cos, 0.54, circular},
-      {"_vxmtanl_scalar", _vxmtanl_scalar, mpfr_tan, 0.54, circular},
-      {"_vxmsincosl_scalar", one_of<_vxmsincosl_scalar, true>, mpfr_sin, 0.54, circular},
-      {"_vxmsincosl_scalar", one_of<_vxmsincosl_scalar, false>, mpfr_cos, 0.54, circular},
+      {"_vxmlogl_scalar", of_magnitude<_vxmlogl_scalar>, exact_of_magnitude<mpfr_log>, 0.75, of_log},
+      {"_vxmlog1pl_scalar", _vxmlog1pl_scalar, mpfr_log1p, 0.75, of_log1p},
+      {"_vxmsinl_scalar", _vxmsinl_scalar, mpfr_sin, 0.63, circular},
+      {"_vxmcosl_scalar", _vxmcosl_scalar, mpfr_cos, 0.63, circular},
+      {"_vxmtanl_scalar", _vxmtanl_scalar, mpfr_tan, 0.63, circular},
+      {"_vxmsincosl_scalar", one_of<_vxmsincosl_scalar, true>, mpfr_sin, 0.63, circular},
+      {"_vxmsincosl_scalar", one_of<_vxmsincosl_scalar, false>, mpfr_cos, 0.63, circular},
       {"_vxmsinhl_scalar", _vxmsinhl_scalar, mpfr_sinh, 0.51, growing},
       {"_vxmcoshl_scalar", _vxmcoshl_scalar, mpfr_cosh, 0.51, growing},
       {"_vxmtanhl_scalar", _vxmtanhl_scalar, mpfr_tanh, 0.51, growing},
       {"_vxmsinhcoshl_scalar", one_of<_vxmsinhcoshl_scalar, true>, mpfr_sinh, 0.51, growing},
       {"_vxmsinhcoshl_scalar", one_of<_vxmsinhcoshl_scalar, false>, mpfr_cosh, 0.51, growing},
-      {"_vxmatan2l_scalar", _vxmatan2l_scalar, mpfr_atan2, 0.501, of_atan2},
+      {"_vxmatan2l_scalar", _vxmatan2l_scalar, mpfr_atan2, 0.63, of_atan2},
       {"_vxmsqrtl_scalar", of_magnitude<_vxmsqrtl_scalar>, exact_of_magnitude<mpfr_sqrt>, 0.5, all},
   };
   return table;
