@@ -1,5 +1,8 @@
 """Transforms beside SciPy's, through the module and through SciPy's own functions."""
 
+import subprocess
+import sys
+
 import numpy as np
 import pytest
 import scipy.fft
@@ -219,3 +222,23 @@ def test_threads_share_the_cache(in_threads):
     expected = [qkr.fft.fft(y) for y in x]
     same = in_threads(lambda k: [np.array_equal(qkr.fft.fft(x[k], workers=2), expected[k]) for _ in range(50)])
     assert np.all(same)
+
+
+def test_fork_while_others_are_in_the_cache():
+    script = """if True:
+        import os, signal, threading
+        import numpy as np, qkr.fft
+        x = [np.ones(500 + k, "D") for k in range(60)]
+        def spin():
+            while True:
+                for y in x: qkr.fft.fft(y)
+        for _ in range(3): threading.Thread(target=spin, daemon=True).start()
+        for _ in range(100):
+            child = os.fork()
+            if child == 0:
+                signal.alarm(20)
+                qkr.fft.fft(x[0])
+                os._exit(0)
+            assert os.waitpid(child, 0)[1] == 0
+        os._exit(0)"""
+    subprocess.run([sys.executable, "-c", script], check=True)

@@ -181,5 +181,6 @@ PyModuleDef definition = {PyModuleDef_HEAD_INIT, "_fft", "Fourier transforms.", 
 
 PyMODINIT_FUNC PyInit__fft() {
   import_array();
+  if (!qkr::fft::keep_cache_whole_in_forks()) return PyErr_NoMemory();
   return PyModule_Create(&qkr::fft::definition);
 }

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
+#include <pthread.h>
 
 namespace qkr::fft {
 namespace {
@@ -84,6 +85,13 @@ Plan *make(const Key &key, int32_t *code) {
 }
 
 }  // namespace
+
+bool keep_cache_whole_in_forks() {
+  constexpr auto lock = [] { mutex.lock(); };
+  constexpr auto unlock = [] { mutex.unlock(); };
+  static const bool kept = pthread_atfork(lock, unlock, unlock) == 0;
+  return kept;
+}
 
 Plan *take(const Key &key, int32_t *code) {
   {

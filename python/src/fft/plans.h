@@ -27,6 +27,10 @@ struct Plan {
   Plan *next;  // in the cache: less recently used
 };
 
+// To be called once the module is loaded: a fork then waits until no other thread is inside the cache, whose
+// lock would stay closed in the child, and its list half changed. False without memory for that.
+bool keep_cache_whole_in_forks();
+
 // A plan for the key; null with the library's code in *code.
 Plan *take(const Key &key, int32_t *code);
 void give_back(Plan *plan);
