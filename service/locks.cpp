@@ -1,4 +1,5 @@
 // Spin locks for critical sections of a few stores, and the thread's id.
+#include "service/forks.h"
 #include "service/internal.h"
 
 namespace qkr {
@@ -7,10 +8,6 @@ uint64_t dft_lock_word = 0;
 }  // namespace qkr
 
 using namespace qkr;
-
-// The C library's way in for shared objects; its own pthread_atfork needs start-up code that this one has
-// not.
-extern "C" int __register_atfork(void (*prepare)(), void (*parent)(), void (*child)(), void *object);
 
 namespace {
 
@@ -23,7 +20,7 @@ void open_in_child() {
 
 void acquire(uint64_t *word) {
   static pthread_once_t once = PTHREAD_ONCE_INIT;
-  pthread_once(&once, [] { __register_atfork(nullptr, nullptr, open_in_child, nullptr); });
+  pthread_once(&once, [] { call_in_child(open_in_child); });
   uint64_t open = 0;
   while (!__atomic_compare_exchange_n(word, &open, 1, false, __ATOMIC_ACQUIRE, __ATOMIC_RELAXED)) open = 0;
 }

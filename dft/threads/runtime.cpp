@@ -7,6 +7,8 @@
 #include <pthread.h>
 #include <type_traits>
 
+#include "service/forks.h"
+
 namespace qkr::dft {
 namespace {
 
@@ -40,15 +42,28 @@ Found look_up(void *library) {
 
 // Set once, by whichever thread comes first.
 pthread_once_t once = PTHREAD_ONCE_INIT;
+bool begun;
 OpenMP loaded;
-const OpenMP *chosen;
+const OpenMP *chosen, *chosen_by_parent;
 
+// The runtime looks after forks from its first call on. A fork that comes before may leave it half made in
+// the child, with locks that nobody opens. Such a child never calls it: it lacks the second handler, which
+// is entered after the runtime's own.
 void load() {
+  if (begun) return;  // in such a child
+  begun = true;
+  call_in_child([] {
+    chosen_by_parent = chosen;
+    chosen = nullptr;
+  });
   Found found = look_up(RTLD_DEFAULT);
   if (!found.complete)
     if (void *library = dlopen("libomp.so.5", RTLD_NOW | RTLD_GLOBAL)) found = look_up(library);
+  if (!found.complete) return;
+  found.entries.omp_in_parallel_();
   loaded = found.entries;
-  chosen = found.complete ? &loaded : nullptr;
+  chosen = &loaded;
+  call_in_child([] { chosen = chosen_by_parent; });
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "dft/threads/runtime.h"
 #include "service/internal.h"
 #include "tests/dft/combinations.h"
+#include "tests/support/child.h"
 #include "tests/support/levels.h"
 
 namespace qkr::tests {
@@ -203,6 +204,25 @@ TEST(Threads, RunAloneWhereTheyAreNotWanted) {
   const WithTeam with(4);
   dft::force_runtime(nullptr);
   EXPECT_EQ(run(c).bytes, alone.bytes);
+}
+
+// In the middle of a first commit, which loads the runtime. Whoever waits for ever is ended by the alarm.
+TEST(Threads, ForkedWhileTheRuntimeIsLoaded) {
+  const auto commit = [] {
+    DftDescriptor *descriptor = nullptr;
+    alarm(5);
+    return prepare(plane(), &descriptor);
+  };
+  const Environment one_thread = {{"OMP_NUM_THREADS", "1"}};
+  for (int delay = 0; delay < 20; ++delay) {
+    const auto fork_meanwhile = [&] {
+      serial_decision = 0;
+      std::thread(commit).detach();
+      usleep(150 * delay);
+      return in_child(one_thread, commit);
+    };
+    EXPECT_EQ(in_child(one_thread, fork_meanwhile), DFTX_NO_ERROR) << delay;
+  }
 }
 
 // A failure in one chunk is the answer; the others run on.
