@@ -60,12 +60,19 @@ def _floats(x):
 
 def _workers(workers):
     if workers is None:
-        return 1
+        return 0
     workers = _operator.index(workers)
     cpus = _os.cpu_count() or 1
     if workers == 0 or workers < -cpus:
         raise ValueError(f"workers is a number of threads, or negative, down to {-cpus}, to count from above")
     return workers if workers > 0 else workers + 1 + cpus
+
+
+def _together(x, s, workers):
+    """How many axes are transformed at a time: three, as in a descriptor, or one, which leaves the workers more to
+    share; the bits are the same where the last axis, which carries the scale, is not a single point."""
+    few = x.size < workers * _math.prod(s)
+    return 1 if workers > 1 and few and x.size >= 1 << 19 and s[-1] > 1 else 3
 
 
 def _scales(norm, points):
@@ -139,13 +146,13 @@ def _complex(x, axes, s, norm, overwrite_x, workers, forward):
         out = _np.empty(x.shape, _to_complex[x.dtype.char])
         if x.size:
             scale = forward_scale if forward else backward_scale
-            _run(_np.ascontiguousarray(x), out, axes, True, scale, scale, workers)
+            _run(_np.ascontiguousarray(x), out, axes, True, scale, scale, workers, _together(x, s, workers))
             _fft.complete(out, axes)
         return out if forward else _np.conjugate(out, out=out)
     keep = (own or overwrite_x) and x.dtype.kind == "c" and x.flags.carray
     out = x if keep else _np.array(x, dtype=_to_complex[x.dtype.char], order="C")
     if out.size:
-        _run(out, out, axes, forward, forward_scale, backward_scale, workers)
+        _run(out, out, axes, forward, forward_scale, backward_scale, workers, _together(x, s, workers))
     return out
 
 
@@ -162,7 +169,7 @@ def _half(x, axes, s, norm, workers, forward):
     out = _np.empty(shape, _to_complex[x.dtype.char])
     if out.size:
         scale = forward_scale if forward else backward_scale
-        _run(x, out, axes, True, scale, scale, workers)
+        _run(x, out, axes, True, scale, scale, workers, _together(x, s, workers))
     return out if forward else _np.conjugate(out, out=out)
 
 
@@ -177,16 +184,18 @@ def _real(x, axes, s, norm, overwrite_x, workers, forward):
     scale = forward_scale if forward else backward_scale
     if x.dtype.kind != "c" or not x.flags.carray:
         x, own = _np.array(x, dtype=_to_complex[x.dtype.char], order="C"), True
-    outer, axes = axes[:-3], axes[-3:]  # a descriptor has three dimensions
+    together = _together(x, s, workers)
+    outer, axes = axes[:-together], axes[-together:]
     if outer:
         x = x if own or overwrite_x else x.copy()
         if x.size:
-            _run(x, x, outer, False, 1.0, 1.0, workers)
+            outer = outer[::-1] if together == 1 else outer  # in the order of a descriptor
+            _run(x, x, outer, False, 1.0, 1.0, workers, together)
     shape = list(x.shape)
     shape[axes[-1]] = s[-1]
     out = _np.empty(shape, _to_real[x.dtype.char])
     if out.size:
-        _run(x, out, axes, False, scale, scale, workers)
+        _run(x, out, axes, False, scale, scale, workers, together)
     return out
 
 
@@ -225,7 +234,7 @@ def fft(x, n=None, axis=-1, norm=None, overwrite_x=False, workers=None, *, plan=
         Whether the memory of `x` may be used.
     workers : int, optional
         Threads that share the transforms of an array of more dimensions. Negative numbers count from the number of
-        processors.
+        processors. By default one; if the environment variable OMP_NUM_THREADS is set, those of the OpenMP runtime.
     plan : None
         Not used.
 

@@ -1,5 +1,6 @@
 """Transforms beside SciPy's, through the module and through SciPy's own functions."""
 
+import os
 import subprocess
 import sys
 
@@ -224,7 +225,30 @@ def test_threads_share_the_cache(in_threads):
     assert np.all(same)
 
 
-def test_fork_while_others_are_in_the_cache():
+@pytest.mark.parametrize("name", MANY)
+@pytest.mark.parametrize("norm", ["backward", "ortho"])
+def test_planes_have_the_bits_of_one_thread(name, norm):
+    for shape in ((750, 1001), (120, 64, 91), (2, 530, 700), (2, 12, 96, 500), (700000, 1)):
+        x = random_array(np.random.default_rng(1), shape, "d" if name in ("rfftn", "ihfftn") else "F")
+        function = getattr(qkr.fft, name)
+        axes = range(len(shape) > 2, len(shape))
+        arguments = {"s": [shape[a] for a in axes], "axes": axes, "norm": norm}
+        assert np.array_equal(function(x, **arguments, workers=3), function(x, **arguments)), shape
+
+
+@pytest.mark.parametrize("workers", [1, 3])
+def test_named_workers_are_alone(workers):
+    """They do not bring a team of the OpenMP runtime each."""
+    script = f"""if True:
+        import os, numpy as np, qkr.fft
+        qkr.fft.fft(np.ones((300, 4000)), workers={workers})
+        assert not any("libomp" in line for line in open("/proc/self/maps"))
+        assert os.listdir("/proc/self/task") == [str(os.getpid())]"""
+    subprocess.run([sys.executable, "-c", script], check=True, env={**os.environ, "OMP_NUM_THREADS": "3"})
+
+
+@pytest.mark.parametrize("threads", ["", "2"])
+def test_fork_while_others_are_in_the_cache(threads):
     script = """if True:
         import os, signal, threading
         import numpy as np, qkr.fft
@@ -233,7 +257,7 @@ def test_fork_while_others_are_in_the_cache():
             while True:
                 for y in x: qkr.fft.fft(y)
         for _ in range(3): threading.Thread(target=spin, daemon=True).start()
-        for _ in range(100):
+        for _ in range(60):
             child = os.fork()
             if child == 0:
                 signal.alarm(20)
@@ -241,4 +265,4 @@ def test_fork_while_others_are_in_the_cache():
                 os._exit(0)
             assert os.waitpid(child, 0)[1] == 0
         os._exit(0)"""
-    subprocess.run([sys.executable, "-c", script], check=True)
+    subprocess.run([sys.executable, "-c", script], check=True, env={**os.environ, "OMP_NUM_THREADS": threads})

@@ -35,8 +35,9 @@ bool is_double(PyArrayObject *array) {
   return PyArray_TYPE(array) == NPY_DOUBLE || PyArray_TYPE(array) == NPY_CDOUBLE;
 }
 
-// run(input, output, axes, forward, forward_scale, backward_scale, workers): dense arrays; the same one for
-// a complex transform, which is done in place.
+// run(input, output, axes, forward, forward_scale, backward_scale, workers, together): dense arrays; the
+// same one for a complex transform, which is done in place. As many axes as `together` are transformed at a
+// time, by workers that share what is beside them; 0 workers leave it to the library whether it forks a team.
 PyObject *run(PyObject *, PyObject *const *arguments, Py_ssize_t) {
   auto *input = reinterpret_cast<PyArrayObject *>(arguments[0]);
   auto *output = reinterpret_cast<PyArrayObject *>(arguments[1]);
@@ -51,6 +52,7 @@ PyObject *run(PyObject *, PyObject *const *arguments, Py_ssize_t) {
   request.forward_scale = PyFloat_AsDouble(arguments[4]);
   request.backward_scale = PyFloat_AsDouble(arguments[5]);
   request.workers = static_cast<int>(PyLong_AsLong(arguments[6]));
+  const int together = static_cast<int>(PyLong_AsLong(arguments[7]));
   if (PyErr_Occurred()) return nullptr;
   request.dimensions = PyArray_NDIM(output);
   request.input_shape = PyArray_DIMS(input);
@@ -61,10 +63,9 @@ PyObject *run(PyObject *, PyObject *const *arguments, Py_ssize_t) {
   int32_t code = 0;
   PyThreadState *thread =
       std::max(PyArray_SIZE(input), PyArray_SIZE(output)) >= many ? PyEval_SaveThread() : nullptr;
-  // A descriptor has three dimensions: the last three axes first (forward) or last (backward), and others
-  // around.
+  // The last axes first; those of a real signal from its half spectrum are all that is left.
   for (int left = request.axis_count; left > 0 && !code;) {
-    const int group = std::min(left, most_dimensions);
+    const int group = std::min(left, together);
     left -= group;
     request.axes = axes + left;
     request.axis_count = group;
@@ -118,7 +119,6 @@ PyObject *quick(PyObject *, PyObject *const *arguments, Py_ssize_t) {
   request.is_double = doubles;
   request.forward_scale = 1;
   request.backward_scale = 1.0 / static_cast<double>(points);
-  request.workers = 1;
   request.dimensions = last + 1;
   request.input_shape = PyArray_DIMS(x);
   request.output_shape = PyArray_DIMS(out);

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <mutex>
 #include <pthread.h>
+#include <qkr/service.h>
 
 namespace qkr::fft {
 namespace {
@@ -66,6 +67,8 @@ int32_t configure(DftDescriptor **descriptor, const Key &key) {
   if (!code) code = set(descriptor, DFTX_OUTPUT_DISTANCE, key.output_distance);
   if (!code) code = set(descriptor, DFTX_FORWARD_SCALE, key.forward_scale);
   if (!code) code = set(descriptor, DFTX_BACKWARD_SCALE, key.backward_scale);
+  // With two threads of the caller's at a time, of which one comes, there are none of the library's.
+  if (!code && !key.team && !qkr_serv_in_serial()) code = set(descriptor, DFTX_THREAD_LIMIT, 2);
   if (!code) code = qkr_dft_def_commit_descriptor_external(descriptor);
   return code;
 }

@@ -171,6 +171,7 @@ int32_t transform(const Request &r) {
   job.steps = 1;
   for (int k = 0; k < job.loop.count; ++k) job.steps *= job.loop.axes[k].length;
 
+  key.team = r.workers == 0;
   const ptrdiff_t wanted = job.steps < r.workers ? std::min<ptrdiff_t>(r.workers, job.batch.length) : 1;
   job.piece = std::min<ptrdiff_t>((job.batch.length + wanted - 1) / wanted, INT32_MAX);
   job.pieces = (job.batch.length + job.piece - 1) / job.piece;

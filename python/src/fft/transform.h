@@ -19,7 +19,7 @@ struct Request {
   Kind kind;
   bool forward, is_double;
   double forward_scale, backward_scale;
-  int workers;
+  int workers;  // 0: this thread, with a team of the library's if the process allows one
   int dimensions;
   const ptrdiff_t *input_shape, *output_shape;  // the same for Kind::complex
   int axis_count;
