@@ -7,8 +7,8 @@ extern "C" int __register_atfork(void (*prepare)(), void (*parent)(), void (*chi
 
 namespace qkr {
 
-// In the child, handlers run in the order in which they were entered, but none that were entered when the fork
-// had begun.
+// In the child, handlers run in the order in which they were entered, but none that came when the fork had
+// begun.
 inline void call_in_child(void (*handler)()) { __register_atfork(nullptr, nullptr, handler, nullptr); }
 
 }  // namespace qkr

@@ -18,7 +18,7 @@ struct Key {
   int32_t lengths[most_dimensions];
   int32_t input_strides[most_dimensions], output_strides[most_dimensions];
   int32_t input_distance, output_distance;
-  int32_t team;  // 1: the library may fork one; 0: it is not asked, and its runtime not loaded
+  int32_t team;  // 1: the library may fork one; 0: its runtime is not even loaded
   double forward_scale, backward_scale;
 };
 

@@ -7,6 +7,7 @@
 #include <climits>
 #include <complex>
 #include <pthread.h>
+#include <qkr/service.h>
 
 #include "fft/plans.h"
 
@@ -171,7 +172,7 @@ int32_t transform(const Request &r) {
   job.steps = 1;
   for (int k = 0; k < job.loop.count; ++k) job.steps *= job.loop.axes[k].length;
 
-  key.team = r.workers == 0;
+  key.team = r.workers == 0 && !qkr_serv_in_serial();
   const ptrdiff_t wanted = job.steps < r.workers ? std::min<ptrdiff_t>(r.workers, job.batch.length) : 1;
   job.piece = std::min<ptrdiff_t>((job.batch.length + wanted - 1) / wanted, INT32_MAX);
   job.pieces = (job.batch.length + job.piece - 1) / job.piece;
