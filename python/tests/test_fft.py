@@ -240,10 +240,9 @@ def test_planes_have_the_bits_of_one_thread(name, norm):
 def test_named_workers_are_alone(workers):
     """They do not bring a team of the OpenMP runtime each."""
     script = f"""if True:
-        import os, numpy as np, qkr.fft
+        import numpy as np, qkr.fft
         qkr.fft.fft(np.ones((300, 4000)), workers={workers})
-        assert not any("libomp" in line for line in open("/proc/self/maps"))
-        assert os.listdir("/proc/self/task") == [str(os.getpid())]"""
+        assert not any("libomp" in line for line in open("/proc/self/maps"))"""
     subprocess.run([sys.executable, "-c", script], check=True, env={**os.environ, "OMP_NUM_THREADS": "3"})
 
 
